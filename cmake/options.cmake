@@ -1,0 +1,38 @@
+# Compiler options in one place. Two interface targets carry them:
+#   oxdiag_warnings  every translation unit of the project
+#   oxdiag_product   what goes into kernel modules (source/, platform/, examples' components)
+
+add_library(oxdiag_warnings INTERFACE)
+target_compile_options(oxdiag_warnings INTERFACE -std=c++20 -Wall -Wextra -Wpedantic -Werror)
+
+add_library(oxdiag_product INTERFACE)
+target_link_libraries(oxdiag_product INTERFACE oxdiag_warnings)
+target_compile_options(oxdiag_product INTERFACE -fno-exceptions -fno-rtti -fno-threadsafe-statics)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang" OR NOT OXDIAG_TARGET STREQUAL "host")
+  target_compile_options(oxdiag_product INTERFACE -Wglobal-constructors -Wexit-time-destructors)
+endif()
+if(NOT OXDIAG_SANITIZE)
+  # Kernel stacks are small. The sanitizers' red zones are not what runs there.
+  target_compile_options(oxdiag_product INTERFACE -Wframe-larger-than=2048)
+endif()
+
+if(OXDIAG_TARGET STREQUAL "host")
+  # UTF-16 wide text on every target, and frame pointers for the call-stack walk.
+  target_compile_options(oxdiag_warnings INTERFACE -fshort-wchar -fno-omit-frame-pointer
+                                                   -fno-optimize-sibling-calls)
+  if(OXDIAG_SANITIZE)
+    target_compile_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE}
+                                                     -fno-sanitize-recover=all)
+    target_link_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE})
+  endif()
+elseif(OXDIAG_TARGET STREQUAL "windows")
+  # -fms-extensions brings __declspec, __int64 and __try; -Wpedantic must not object to them.
+  target_compile_options(oxdiag_warnings INTERFACE
+    --target=x86_64-pc-windows-msvc -O2 -g -gcodeview -fms-extensions -ffreestanding -fno-exceptions -fno-rtti
+    -mno-implicit-float -fno-stack-protector -fno-threadsafe-statics
+    -Wno-language-extension-token)
+elseif(OXDIAG_TARGET STREQUAL "metal")
+  target_compile_options(oxdiag_warnings INTERFACE
+    --target=x86_64-unknown-none-elf -O2 -ffreestanding -nostdlib -mno-red-zone -fno-pic -mcmodel=small -mno-implicit-float
+    -fno-stack-protector -fno-threadsafe-statics -fno-exceptions -fno-rtti -fshort-wchar)
+endif()
