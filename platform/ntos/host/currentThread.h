@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ntos/types.h"
+
+namespace ntoshost {
+
+// What stands for the calling thread in the owner fields of the locks: an address that nothing is
+// at, and that no later thread gets again.
+KTHREAD* currentThread();
+
+}  // namespace ntoshost

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "ntos/types.h"
+
+// Fault injection: makes fallible calls of the executive fail by count. Calls of all threads are
+// counted together. `kinds` are bits.
+//
+//     ntoshost::failNth(ntoshost::kFaultMemory, 2);  // the second allocation from here fails
+//     ...
+//     ntoshost::clearFaults();
+//     EXPECT_EQ(ntoshost::faultsInjected(), 1u);
+
+namespace ntoshost {
+
+constexpr u32 kFaultMemory = 1;       // ExAllocatePoolWithTag gives null
+constexpr u32 kFaultUserCopy = 2;     // copyFromUser and copyToUser fault at the first byte
+constexpr u32 kFaultOther = 0x10000;  // this bit and up: for other host-side code, see injectFault
+constexpr u32 kFaultAll = 0xFFFFFFFF;
+
+// From here on, the nth call (counted from 1) of the kinds fails, and only this one. Starts the
+// counts below from zero, as the other two do.
+void failNth(u32 kinds, u64 n);
+void failNth(u64 n);  // of all kinds
+
+// From here on, the nth call (counted from 1) of the kinds and every later one fail.
+void failFrom(u32 kinds, u64 n);
+void failFrom(u64 n);  // of all kinds
+
+// Only counts the calls of the kinds. So it is when the program starts, for all kinds.
+void watchCalls(u32 kinds);
+
+// No call fails any more. The counts stay and stand still until the next failNth, failFrom or
+// watchCalls.
+void clearFaults();
+
+// Calls of the armed kinds since the last failNth, failFrom or watchCalls; how many of them failed.
+u64 fallibleCallsSeen();
+u64 faultsInjected();
+
+// Called at the start of a fallible call of one kind: true when the call is to fail. What takes its
+// memory from the pool needs no kind of its own: a lock cannot be opened when the pool gives none.
+bool injectFault(u32 kind);
+
+// Runs operation(n) for n = 1, 2, ... with the nth call of the kinds failing, until a run in which
+// no call failed. Returns the number of runs in which one did.
+//
+//     u64 failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64 n) { ... });
+template <class Operation>
+u64 failEachCall(u32 kinds, Operation operation) {
+  for (u64 n = 1;; ++n) {
+    failNth(kinds, n);
+    operation(n);
+    clearFaults();
+    if (faultsInjected() == 0) return n - 1;
+  }
+}
+
+}  // namespace ntoshost

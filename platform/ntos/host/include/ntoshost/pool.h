@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ntos/pool.h"
+
+// What the executive's pool knows about its blocks. Every block has 16 guard bytes on both sides.
+// Fresh memory is filled with 0xA5, freed memory with 0xDD and held back for a while, so that a
+// second free, a write outside a block and a write after the free stop the program. Under the
+// address sanitizer guards and freed memory are poisoned as well. All blocks together have at most
+// 1 GiB; a request beyond that gets null.
+
+namespace ntoshost {
+
+struct PoolBlock {
+  void const* address;
+  size_t size;  // bytes, as asked for
+  u32 tag;
+  POOL_TYPE type;
+  u64 serial;  // 1 is the program's first allocation
+};
+
+// Blocks that were taken and not given back, and the bytes in them.
+u64 outstandingBlocks();
+u64 outstandingBytes();
+
+// Calls visit(context, block) for each of them, oldest first. `visit` must not use the pool.
+void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void* context);
+
+// Prints them on standard error, one line a block, oldest first.
+void reportOutstanding();
+
+// Looks at the guards of every block and at the freed memory still held back; stops the program
+// when one is damaged.
+void verifyPool();
+
+// verifyPool, and stops the program when a block is outstanding. `who` heads the sentence: the
+// module that was unloaded, or the test that ended.
+void requireNoOutstanding(char const* who);
+
+}  // namespace ntoshost

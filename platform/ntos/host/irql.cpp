@@ -1,0 +1,53 @@
+#include "ntos/irql.h"
+
+#include "irqlCheck.h"
+#include "ntoshost/violation.h"
+
+namespace {
+constinit thread_local KIRQL g_level = PASSIVE_LEVEL;
+}
+
+namespace ntoshost {
+
+char const* irqlName(KIRQL level) {
+  switch (level) {
+    case PASSIVE_LEVEL:
+      return "PASSIVE_LEVEL";
+    case APC_LEVEL:
+      return "APC_LEVEL";
+    case DISPATCH_LEVEL:
+      return "DISPATCH_LEVEL";
+    default:
+      return "device level";
+  }
+}
+
+void requireIrqlAtMost(KIRQL highest, char const* call) {
+  if (g_level <= highest) return;
+  violation("%s was called at IRQL %u (%s); it may be called up to IRQL %u (%s).", call, g_level,
+            irqlName(g_level), highest, irqlName(highest));
+}
+
+}  // namespace ntoshost
+
+KIRQL KeGetCurrentIrql() {
+  return g_level;
+}
+
+void KeRaiseIrql(KIRQL level, KIRQL* previous) {
+  if (level > HIGH_LEVEL) {
+    ntoshost::violation("KeRaiseIrql was asked for IRQL %u; the highest is %u.", level, HIGH_LEVEL);
+  }
+  if (level < g_level) {
+    ntoshost::violation("KeRaiseIrql would lower the IRQL from %u to %u.", g_level, level);
+  }
+  *previous = g_level;
+  g_level = level;
+}
+
+void KeLowerIrql(KIRQL level) {
+  if (level > g_level) {
+    ntoshost::violation("KeLowerIrql would raise the IRQL from %u to %u.", g_level, level);
+  }
+  g_level = level;
+}

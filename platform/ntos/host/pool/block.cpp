@@ -1,0 +1,83 @@
+#include "pool/block.h"
+
+#include <stdlib.h>
+#include <string.h>
+
+#include "ntoshost/violation.h"
+#include "pool/poison.h"
+
+namespace ntoshost {
+namespace {
+
+constexpr u8 kGuardByte = 0xFB;
+constexpr u8 kFreshByte = 0xA5;
+constexpr u8 kFreedByte = 0xDD;
+
+// Distance of the first byte that is not `expected`, or `size`. The C library's functions would
+// have the sanitizer look as well.
+NTOSHOST_SEES_POISON size_t findOther(u8 const* bytes, size_t size, u8 expected) {
+  u8 const volatile* const watched = bytes;
+  size_t at = 0;
+  while (at < size && watched[at] == expected) ++at;
+  return at;
+}
+
+void verifyGuard(Block& block, u8 const* guard, char const* side, char const* call) {
+  size_t const at = findOther(guard, kGuardSize, kGuardByte);
+  if (at == kGuardSize) return;
+  violation(
+      "%s: the block of %zu bytes with tag '%s' at %p was overrun: byte %zu of the guard %s it "
+      "has changed.",
+      call, block.size, TagText(block.tag).text, static_cast<void*>(block.data()), at, side);
+}
+
+}  // namespace
+
+Block* makeBlock(size_t size) {
+  void* const memory =
+      aligned_alloc(16, (sizeof(Block) + 2 * kGuardSize + size + 15) & ~size_t{15});
+  if (memory == nullptr) return nullptr;
+  Block* const block = static_cast<Block*>(memory);
+  *block = Block{};
+  block->size = size;
+  memset(block->frontGuard(), kGuardByte, kGuardSize);
+  memset(block->data(), kFreshByte, size);
+  memset(block->rearGuard(), kGuardByte, kGuardSize);
+  poison(block->frontGuard(), kGuardSize);
+  poison(block->rearGuard(), kGuardSize);
+  return block;
+}
+
+void retireBlock(Block& block) {
+  block.isFreed = true;
+  memset(block.data(), kFreedByte, block.size);
+  poison(block.data(), block.size);
+}
+
+void destroyBlock(Block* block) {
+  unpoison(block->frontGuard(), block->size + 2 * kGuardSize);
+  free(block);
+}
+
+void verifyBlock(Block& block, char const* call) {
+  verifyGuard(block, block.frontGuard(), "before", call);
+  verifyGuard(block, block.rearGuard(), "behind", call);
+  if (!block.isFreed) return;
+  size_t const at = findOther(block.data(), block.size, kFreedByte);
+  if (at == block.size) return;
+  violation(
+      "%s: byte %zu of the block of %zu bytes with tag '%s' at %p was written after the block "
+      "was freed.",
+      call, at, block.size, TagText(block.tag).text, static_cast<void*>(block.data()));
+}
+
+TagText::TagText(u32 tag) {
+  for (char& character : text) {
+    u8 const byte = static_cast<u8>(tag);
+    character = byte >= ' ' && byte <= '~' ? static_cast<char>(byte) : '?';
+    tag >>= 8;
+  }
+  text[4] = 0;
+}
+
+}  // namespace ntoshost

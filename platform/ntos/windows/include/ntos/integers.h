@@ -1,0 +1,13 @@
+#pragma once
+
+// Integer types of the windows target. LLP64: long has 32 bits. These are the types that the
+// exported names show.
+
+using i8 = signed char;
+using u8 = unsigned char;
+using i16 = short;
+using u16 = unsigned short;
+using i32 = long;
+using u32 = unsigned long;
+using i64 = __int64;
+using u64 = unsigned __int64;

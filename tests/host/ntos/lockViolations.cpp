@@ -1,0 +1,126 @@
+// What events and mutexes do not put up with.
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "waiting.h"
+
+namespace {
+
+class LockViolationsDeathTest : public testing::Test {
+ protected:
+  LockViolationsDeathTest() {
+    KeInitializeEvent(&m_event, NotificationEvent, 0);
+    KeInitializeMutex(&m_mutex, 0);
+    ExInitializeFastMutex(&m_fastMutex);
+  }
+
+  KEVENT m_event;
+  KMUTEX m_mutex;
+  FAST_MUTEX m_fastMutex;
+};
+
+// The calling thread's level stays raised: only for what dies.
+void raise(KIRQL level) {
+  KIRQL previous;
+  KeRaiseIrql(level, &previous);
+}
+
+TEST_F(LockViolationsDeathTest, AMutexIsReleasedByItsOwnerOnly) {
+  std::thread([&] { waitForever(&m_mutex); }).join();
+  EXPECT_DEATH(
+      KeReleaseMutex(&m_mutex, 0),
+      "ntos: KeReleaseMutex: the mutex at 0x[0-9a-f]+ is not owned by the calling thread\\."
+      "\n$");
+}
+
+TEST_F(LockViolationsDeathTest, AFreeMutexIsNotReleased) {
+  waitForever(&m_mutex);
+  KeReleaseMutex(&m_mutex, 0);
+  EXPECT_DEATH(KeReleaseMutex(&m_mutex, 0), "is not owned by the calling thread");
+}
+
+TEST_F(LockViolationsDeathTest, AFastMutexIsNotTakenTwice) {
+  ExAcquireFastMutex(&m_fastMutex);
+  EXPECT_DEATH(
+      ExAcquireFastMutex(&m_fastMutex),
+      "ntos: ExAcquireFastMutex: the thread already owns the fast mutex at 0x[0-9a-f]+ and "
+      "would wait for itself\\.\n$");
+  ExReleaseFastMutex(&m_fastMutex);
+}
+
+TEST_F(LockViolationsDeathTest, AFastMutexIsReleasedByItsOwnerOnly) {
+  std::thread([&] { ExAcquireFastMutex(&m_fastMutex); }).join();
+  EXPECT_DEATH(ExReleaseFastMutex(&m_fastMutex),
+               "ExReleaseFastMutex: the fast mutex at 0x[0-9a-f]+ is not owned by the calling "
+               "thread\\.");
+}
+
+TEST_F(LockViolationsDeathTest, AFreeFastMutexIsNotReleased) {
+  EXPECT_DEATH(ExReleaseFastMutex(&m_fastMutex), "is not owned by the calling thread");
+}
+
+TEST_F(LockViolationsDeathTest, AFastMutexIsTakenUpToApcLevel) {
+  EXPECT_DEATH(
+      (raise(DISPATCH_LEVEL), ExAcquireFastMutex(&m_fastMutex)),
+      "ExAcquireFastMutex was called at IRQL 2 \\(DISPATCH_LEVEL\\); it may be called up to "
+      "IRQL 1 \\(APC_LEVEL\\)\\.");
+}
+
+TEST_F(LockViolationsDeathTest, AFastMutexIsReleasedAtApcLevel) {
+  ExAcquireFastMutex(&m_fastMutex);
+  EXPECT_DEATH((KeLowerIrql(PASSIVE_LEVEL), ExReleaseFastMutex(&m_fastMutex)),
+               "ExReleaseFastMutex was called at IRQL 0 \\(PASSIVE_LEVEL\\); it must be at IRQL 1");
+  EXPECT_DEATH(
+      (raise(DISPATCH_LEVEL), ExReleaseFastMutex(&m_fastMutex)),
+      "ExReleaseFastMutex was called at IRQL 2 \\(DISPATCH_LEVEL\\); it must be at IRQL 1");
+  ExReleaseFastMutex(&m_fastMutex);
+}
+
+TEST_F(LockViolationsDeathTest, NobodyWaitsAtDispatchLevel) {
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), waitForever(&m_event)),
+               "KeWaitForSingleObject was called at IRQL 2");
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), waitFor(&m_event, inMilliseconds(1))),
+               "KeWaitForSingleObject was called at IRQL 2");
+}
+
+TEST_F(LockViolationsDeathTest, NobodyLooksAboveDispatchLevel) {
+  EXPECT_DEATH((raise(3), look(&m_event)),
+               "KeWaitForSingleObject without waiting was called at IRQL 3");
+}
+
+TEST_F(LockViolationsDeathTest, EventsAndMutexesAreChangedUpToDispatchLevel) {
+  EXPECT_DEATH((raise(3), KeSetEvent(&m_event, 0, 0)), "KeSetEvent was called at IRQL 3");
+  EXPECT_DEATH((raise(3), KeClearEvent(&m_event)), "KeClearEvent was called at IRQL 3");
+  EXPECT_DEATH((raise(3), KeResetEvent(&m_event)), "KeResetEvent was called at IRQL 3");
+  EXPECT_DEATH((raise(3), KeReleaseMutex(&m_mutex, 0)), "KeReleaseMutex was called at IRQL 3");
+}
+
+TEST_F(LockViolationsDeathTest, WhatWasNeverInitialisedIsRefused) {
+  KMUTEX mutex = {};
+  FAST_MUTEX fastMutex = {};
+  KEVENT event = {};
+  EXPECT_DEATH(waitForever(&mutex),
+               "KeWaitForSingleObject was given something at 0x[0-9a-f]+ that is "
+               "no initialised event or mutex\\.");
+  EXPECT_DEATH(KeSetEvent(&event, 0, 0), "KeSetEvent was given .* no initialised event\\.");
+  EXPECT_DEATH(KeClearEvent(&event), "KeClearEvent was given .* no initialised event\\.");
+  EXPECT_DEATH(KeResetEvent(&event), "KeResetEvent was given .* no initialised event\\.");
+  EXPECT_DEATH(KeReleaseMutex(&mutex, 0), "KeReleaseMutex was given .* no initialised mutex\\.");
+  EXPECT_DEATH(ExAcquireFastMutex(&fastMutex), "given .* no initialised fast mutex\\.");
+  EXPECT_DEATH(ExReleaseFastMutex(&fastMutex), "given .* no initialised fast mutex\\.");
+}
+
+TEST_F(LockViolationsDeathTest, AnEventIsNoMutex) {
+  KMUTEX mutex = {};
+  mutex.Header = m_event.Header;
+  EXPECT_DEATH(KeReleaseMutex(&mutex, 0), "no initialised mutex");
+}
+
+TEST_F(LockViolationsDeathTest, SettingAndWaitingInOneIsRefused) {
+  EXPECT_DEATH(KeSetEvent(&m_event, 0, 1), "KeSetEvent was asked to set and wait in one");
+  EXPECT_DEATH(KeReleaseMutex(&m_mutex, 1), "KeReleaseMutex was asked to release and wait in one");
+}
+
+}  // namespace
