@@ -1,0 +1,28 @@
+#pragma once
+
+// A stream that objects are written to.
+
+#include "ntos/types.h"
+
+namespace nQELM100 {
+
+class tObject;
+
+// Implemented by whoever provides the stream; its form (binary, text) is the implementer's matter.
+// Every operation writes one item, or does nothing when `status` is negative on entry; a failure is
+// stored in `status`, a success leaves it alone. Locking and IRQL are the implementer's.
+class iObjectWriter {
+ public:
+  virtual void writeCharacter(char value, i32& status) = 0;
+  virtual void writeI32(i32 value, i32& status) = 0;
+  virtual void writeU32(u32 value, i32& status) = 0;
+
+  // Writes an object so that iObjectReader::readObject makes one of the same class with the same
+  // content. Null is an object too. The writer does not keep the object.
+  virtual void writeObject(tObject const* object, i32& status) = 0;
+
+ protected:
+  ~iObjectWriter() = default;
+};
+
+}  // namespace nQELM100

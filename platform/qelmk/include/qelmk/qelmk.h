@@ -1,0 +1,16 @@
+#pragma once
+
+// The whole object framework.
+
+#include "qelmk/classMacros.h"
+#include "qelmk/dynamicCast.h"
+#include "qelmk/iCloneable.h"
+#include "qelmk/iCloneableExternalizable.h"
+#include "qelmk/iExternalizable.h"
+#include "qelmk/iObjectReader.h"
+#include "qelmk/iObjectWriter.h"
+#include "qelmk/module.h"
+#include "qelmk/statusCodes.h"
+#include "qelmk/tClass.h"
+#include "qelmk/tClassImplementation.h"
+#include "qelmk/tObject.h"

@@ -1,0 +1,48 @@
+#pragma once
+
+// What the framework knows about one class.
+
+#include "qelmk/api.h"
+#include "qelmk/tObject.h"
+
+namespace nQELM100 {
+
+// The record of a class: one constant-initialised static object a class, made by the macros of
+// "qelmk/classMacros.h". It outlives every tClass that refers to it.
+class QELM_API tClassImplementation {
+ public:
+  // Makes a default-constructed instance in the module's memory; null when that is exhausted.
+  using tFactory = tObject* (*)();
+
+  // Destroys an instance and gives its memory back.
+  using tDeleter = void (*)(tObject* object);
+
+  // `name` is the class name with its namespaces, text that lives as long as the module. A class
+  // without instances of its own has null for both functions.
+  constexpr tClassImplementation(char const* className, tFactory factoryFunction,
+                                 tDeleter deleterFunction)
+      : name(className), factory(factoryFunction), deleter(deleterFunction) {}
+
+  tClassImplementation(tClassImplementation const&) = delete;
+  tClassImplementation& operator=(tClassImplementation const&) = delete;
+
+  constexpr char const* getName() const { return name; }
+  constexpr tFactory getFactory() const { return factory; }
+  constexpr tDeleter getDeleter() const { return deleter; }
+
+ private:
+  char const* name;
+  tFactory factory;
+  tDeleter deleter;
+};
+
+// Factory and deleter of an ordinary class.
+template <class T>
+tObject* createObject() {
+  return new T;
+}
+inline void destroyObject(tObject* object) {
+  delete object;
+}
+
+}  // namespace nQELM100

@@ -1,0 +1,28 @@
+#include "vexk/module.h"
+
+#include "ntos/status.h"
+#include "tSyncTable.h"
+#include "vexk/debug.h"
+
+namespace {
+
+constinit u32 startCount = 0;
+
+}  // namespace
+
+NTSTATUS vexkInitialize() {
+  if (startCount++ == 0) vexSyncTable.initialise();
+  return STATUS_SUCCESS;
+}
+
+NTSTATUS vexkUnload() {
+  if (startCount == 0 || --startCount != 0) return STATUS_SUCCESS;
+  u32 const open = vexSyncTable.countHandles();
+  if (open != 0)
+    ssprintf("[vexk] %u locks are still open at unload\n", static_cast<unsigned>(open));
+  return STATUS_SUCCESS;
+}
+
+u32 pkgIsVexkInitialized() {
+  return startCount != 0 ? 1 : 0;
+}

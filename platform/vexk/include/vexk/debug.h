@@ -1,0 +1,22 @@
+#pragma once
+
+// The debugger: text to it, and a stop in it.
+
+#include "vexk/api.h"
+
+// Prints to the kernel debugger, formatted like printf. Nothing is added: a line ends where the
+// text has a newline. The kernel prints at most 512 bytes of one call.
+//
+// Any IRQL at which the arguments may be read; %ls and other wide conversions only at
+// PASSIVE_LEVEL. Any thread. Does not allocate. A null format prints nothing.
+//
+//     ssprintf("VEX Version %u.%u or later required\n", 2u, 0u);
+//
+// An implementation may send the text elsewhere (the host sends it to standard error or to a
+// capture); it must not block and must not fail.
+VEX_API void ssprintf(char const* format, ...) VEX_PRINTF_FORMAT(1, 2);
+
+// Stops in the debugger at the caller, by a breakpoint trap; returns when the debugger continues.
+// Without a debugger the system's rule for an unexpected breakpoint holds: a bug check on Windows,
+// the end of the program by SIGTRAP on the host. Any IRQL, any thread.
+VEX_API void ssHalt();

@@ -1,0 +1,13 @@
+#pragma once
+
+// The calling thread.
+
+#include "ntos/types.h"
+#include "vexk/api.h"
+
+class tThreadUtility {
+ public:
+  // The system's id of the calling thread (the low 32 bits, which is all there are). Unique among
+  // the threads that live; never 0. Any IRQL.
+  static VEX_API u32 getCurrentThreadId();
+};

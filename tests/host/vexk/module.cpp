@@ -1,0 +1,108 @@
+// Start and stop of the platform layer. This program starts with the layer at rest.
+
+#include "vexk/module.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ntos/status.h"
+#include "ntoshost/executive.h"
+#include "vexk/memory.h"
+#include "vexk/number.h"
+#include "vexk/statusCodes.h"
+#include "vexk/sync.h"
+
+namespace {
+
+void appendTo(void* context, char const* text, size_t length) {
+  static_cast<std::string*>(context)->append(text, length);
+}
+
+// What stopping the layer prints.
+std::string printOfUnload() {
+  std::string text;
+  ntoshost::setDebugPrintSink(&appendTo, &text);
+  vexkUnload();
+  ntoshost::setDebugPrintSink(nullptr, nullptr);
+  return text;
+}
+
+}  // namespace
+
+TEST(VexkHostModule, IsAtRestUntilItIsStarted) {
+  EXPECT_EQ(0u, pkgIsVexkInitialized());
+  EXPECT_EQ(STATUS_SUCCESS, vexkInitialize());
+  EXPECT_EQ(1u, pkgIsVexkInitialized());
+  EXPECT_EQ(STATUS_SUCCESS, vexkUnload());
+  EXPECT_EQ(0u, pkgIsVexkInitialized());
+}
+
+TEST(VexkHostModule, OpensNoLockAtRest) {
+  i32 status = 0;
+  EXPECT_EQ(nullptr, syncOpen(nullptr, tSyncDescriptor{}, status));
+  EXPECT_EQ(kStatusNotInitialized, status);
+  status = 0;
+  EXPECT_EQ(nullptr, syncOpen("name", tSyncDescriptor{}, status));
+  EXPECT_EQ(kStatusNotInitialized, status);
+}
+
+TEST(VexkHostModule, GivesMemoryAndNumbersAtRest) {
+  i32 status = 0;
+  void* block = _memNewUsingCRT(16, kMemScratch, status);
+  EXPECT_NE(nullptr, block);
+  _memDelete(block);
+  char text[kNumberTextSize];
+  EXPECT_EQ(2u, vexNumberToText(42, 10, text));
+}
+
+TEST(VexkHostModule, StartsAreCounted) {
+  vexkInitialize();
+  vexkInitialize();
+  vexkUnload();
+  EXPECT_EQ(1u, pkgIsVexkInitialized());
+  vexkUnload();
+  EXPECT_EQ(0u, pkgIsVexkInitialized());
+}
+
+TEST(VexkHostModule, AStopWithoutStartDoesNothing) {
+  EXPECT_EQ(STATUS_SUCCESS, vexkUnload());
+  EXPECT_EQ(0u, pkgIsVexkInitialized());
+  vexkInitialize();
+  EXPECT_EQ(1u, pkgIsVexkInitialized());
+  vexkUnload();
+}
+
+TEST(VexkHostModule, ACleanStopPrintsNothing) {
+  vexkInitialize();
+  i32 status = 0;
+  iSync* sync = syncOpen("name", tSyncDescriptor{}, status);
+  EXPECT_EQ(0, syncClose(sync));
+  EXPECT_EQ("", printOfUnload());
+}
+
+TEST(VexkHostModule, AStopTellsHowManyLocksAreOpen) {
+  vexkInitialize();
+  i32 status = 0;
+  iSync* first = syncOpen("name", tSyncDescriptor{}, status);
+  iSync* second = syncOpen(nullptr, tSyncDescriptor{}, status);
+  EXPECT_EQ("[vexk] 2 locks are still open at unload\n", printOfUnload());
+  EXPECT_EQ(0, syncClose(first));
+  EXPECT_EQ(0, syncClose(second));
+  EXPECT_EQ(0u, ntoshost::outstandingBlocks());
+}
+
+TEST(VexkHostModule, ALockThatSurvivesAStopIsFoundAfterTheNextStart) {
+  vexkInitialize();
+  i32 status = 0;
+  iSync* survivor = syncOpen("name", tSyncDescriptor{}, status);
+  (void)printOfUnload();
+  vexkInitialize();
+  iSync* again = syncOpen("name", tSyncDescriptor{}, status);
+  ASSERT_NE(nullptr, again);
+  EXPECT_EQ(0, survivor->acquire(0));
+  EXPECT_EQ(0, again->release());
+  EXPECT_EQ(0, syncClose(again));
+  EXPECT_EQ(0, syncClose(survivor));
+  EXPECT_EQ("", printOfUnload());
+}
