@@ -1,0 +1,70 @@
+#pragma once
+
+#include "ntos/types.h"
+#include "oxdiagk/api.h"
+#include "vexk/memory.h"
+
+namespace nOXDIAG100 {
+
+// Where trace text goes. The trace stream hands finished text to one destination at a time, asks it
+// for its description and settings, and closes and opens it when the destination is switched.
+//
+// A component may bring its own destination: derive, implement every operation, and install the
+// object with tTrace::setDestination. The object must outlive its use; a destination that can be
+// destroyed while it is installed sends the stream back to the debugger first, by
+// `tTrace::getInstance().configure("--destination vex")` in its destructor.
+//
+// `configure`, `open` and `close` have bodies that do nothing (`open` returns 1), for destinations
+// that need no more:
+//
+//     void close() override { iTraceDestination::close(); }
+//
+// Slot order is part of the interface on Windows: destructor, put(text, length), put(text),
+// configure, inquire, open, close, getDescription. (The compiler lays out a run of overloads in the
+// reverse order of declaration, hence the order below.)
+//
+// Thread safety and IRQL: calls into a destination are serialised only as far as the stream
+// serialises its lines ("--mutex on"). Without that, text of several threads may arrive interleaved
+// and at once, at whatever IRQL they run; no destination may corrupt its own state over it.
+class OXDIAG_API iTraceDestination {
+ public:
+  VEX_MODULE_MEMORY
+
+  // Releases what the destination still holds, as close() does.
+  virtual ~iTraceDestination() = 0;
+
+  // Writes `text` up to its terminator. `text` must not be null. Returns this destination.
+  virtual iTraceDestination& put(char const* text) = 0;
+
+  // Writes the first `length` characters of `text`. Whether an embedded NUL ends the text is the
+  // destination's own rule. Returns this destination.
+  virtual iTraceDestination& put(char const* text, unsigned int length) = 0;
+
+  // Takes the destination's own option words: those behind "--destination" and its name. Unknown
+  // words are ignored. The words belong to the caller and are not kept.
+  virtual void configure(int argc, char** const argv) = 0;
+
+  // Writes the settings as option text, preceded by a blank, such as " --destination vex".
+  //
+  // With a buffer and a size (in bytes) the text is copied with its terminator, never past the
+  // buffer, and buffer[size - 1] becomes a terminator in any case. `required`, unless null, gets
+  // the length of the whole text plus one. Returns where copying stopped: the place of the
+  // terminator, `buffer + size` when the text was cut, or a null buffer as it is.
+  virtual char* inquire(char* buffer, unsigned int size, unsigned int* required) = 0;
+
+  // Prepares for output. Returns 1 on success and 0 on failure; after a failure nothing is held.
+  virtual u32 open() = 0;
+
+  // Releases what open() acquired. May be called when nothing is open.
+  virtual void close() = 0;
+
+  // A short text for people, such as "VEX print to debugger". Valid until the next call.
+  virtual char const* getDescription() const = 0;
+
+ protected:
+  // inquire() for a destination whose whole settings are the one text `settings`.
+  static char* inquireText(char const* settings, char* buffer, unsigned int size,
+                           unsigned int* required);
+};
+
+}  // namespace nOXDIAG100

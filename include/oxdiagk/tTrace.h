@@ -1,0 +1,314 @@
+#pragma once
+
+#include "oxdiagk/tConfigurable.h"
+#include "stl/string.h"
+#include "stl/vector.h"
+#include "vexk/tMemBlockReferenceTemplate.h"
+#include "vexk/tSSVersion.h"
+
+class iSync;
+
+namespace nOXDIAG100 {
+
+class iTraceable;
+class iTraceDestination;
+class tStatus2;
+class tTraceFilter;
+
+// The processor's time stamp counter, in ticks; the clock of every line time. Any IRQL.
+OXDIAG_API u64 readTimeStampCounter();
+
+// The trace stream: every component writes its diagnostic lines into one object of this class.
+//
+// A line is opened by putPrefix, filled by the put family and ended by endl, which hands it to the
+// current destination:
+//
+//     tTrace& trace = tTrace::getInstance();
+//     trace.putPrefix("slotbus", version, __LINE__, __FILE__, 100, tTrace::kTraceLine)
+//         .put("slot ").put(slot, 10).put(" answered ").put(reply, length, 4).endl();
+//
+// Text collects in a buffer of 255 characters. It goes to the destination at each newline and when
+// the buffer is full, so a longer line arrives in pieces, unmarked, only the first with the prefix.
+// While the stream is disabled, or the filter rejected the line, text is dropped. Nothing is ever
+// reported to the writer.
+//
+// Thread safety: all threads share the stream. With "--mutex on" a line belongs to its thread from
+// putPrefix to endl, which must then both be called at IRQL <= APC_LEVEL; lines of different
+// threads do not mix. Without it they may, within a line, but nothing is written beyond the buffer.
+// A put without prefix takes no lock. The switches are plain 32-bit stores.
+// IRQL: writing allocates nothing and works at any IRQL that the destination allows. Everything
+// that configures runs at PASSIVE_LEVEL.
+class OXDIAG_API tTrace : public tConfigurable {
+ public:
+  // The kind of line that a prefix opens.
+  enum tTraceType {
+    kTraceLine = 0,   // a plain line
+    kBlockEntry = 1,  // the first line of a block: the lines after it are nested one deeper
+    kBlockExit = 2    // the last line of a block: nested one less, itself included
+  };
+
+  // The longest text that putf makes, in bytes with its terminator.
+  static constexpr u32 kMaxTraceLine = 1024;
+
+  // The one stream of the module. Every name, and none, means this stream.
+  static tTrace& getInstance(char* name = nullptr);
+
+  // Build and destroy that stream: for the tables of the module's entry, and nobody else. Before
+  // and after, text put into it is dropped.
+  static void constructInstance();
+  static void destroyInstance();
+
+  // Closes the mutex, frees the filter, and restores every saved configuration, down to the first.
+  ~tTrace() override;
+
+  tTrace(tTrace const&) = delete;
+  tTrace& operator=(tTrace const&) = delete;
+
+  // The master switch; on at the start.
+  void enable();
+  void disable();
+  u32 isEnabled() const;
+
+  // Whether text put now is written: the stream is enabled and the filter passed the current line.
+  // Lets an author skip work for a line that nobody sees; the line still needs its endl.
+  bool isLineShown() const { return isWriting(); }
+
+// clang-format off
+#define OXDIAG_TRACE_SWITCH(Name, name)       \
+  void enable##Name() { name = 1; }           \
+  void disable##Name() { name = 0; }          \
+  u32 name##IsEnabled() const { return name; }
+
+  // The switches of the prefix, and its shape. Each line stands for three operations, as in
+  // enableTimeStamp(), disableTimeStamp(), timeStampIsEnabled(); a query returns 1 or 0.
+  OXDIAG_TRACE_SWITCH(ComponentName, componentName)        // on: the component's name
+  OXDIAG_TRACE_SWITCH(ComponentVersion, componentVersion)  // off: its version
+  OXDIAG_TRACE_SWITCH(LineNumber, lineNumber)              // on: the source line
+  OXDIAG_TRACE_SWITCH(FileName, fileName)                  // on: the source file
+  OXDIAG_TRACE_SWITCH(FilePath, filePath)                  // off: the file with its path
+  OXDIAG_TRACE_SWITCH(TimeStamp, timeStamp)                // off: counter ticks at the prefix
+  OXDIAG_TRACE_SWITCH(TimeDelta, timeDelta)                // off: ticks since the last shown line
+  OXDIAG_TRACE_SWITCH(Verbosity, verbosity)                // off: the level of the line
+  OXDIAG_TRACE_SWITCH(ThreadId, threadId)                  // off: the current thread
+  OXDIAG_TRACE_SWITCH(Indenting, indenting)                // on: two blanks a nesting level
+  OXDIAG_TRACE_SWITCH(Truncation, truncation)              // on: cut fields to the prefix width
+#undef OXDIAG_TRACE_SWITCH
+  // clang-format on
+
+  // The line mutex; off at the start. Switching waits until no other thread is within a line. The
+  // first enableMutex opens the platform's lock "nOXDIAG100::tTrace::_mutex", which is kept until
+  // the stream is destroyed; when it cannot be opened the switch is on all the same, nothing is
+  // locked, and the next enableMutex tries again. IRQL <= APC_LEVEL.
+  void enableMutex();
+  void disableMutex();
+  u32 mutexIsEnabled() const;
+
+  // The width in characters to which a prefix is padded, and to which its fields are cut while
+  // truncation is on; 50 at the start. Any value; the closing "] " comes on top of width - 1.
+  void setMinPrefixWidth(u32 width);
+  u32 getMinPrefixWidth() const;
+
+  // How many blocks are open: block entries less block exits, never below 0.
+  i32 getNestingLevel() const;
+
+  iTraceDestination* getDestination();
+
+  // Moves the stream to `next`: announces it by a line on the old destination, closes the old one
+  // and opens `next`. When that fails the old destination is configured as it was and opened again;
+  // when that fails too, the debugger print takes over. Both are told by lines of the stream.
+  // Returns the destination that was current before the call, or the debugger-print destination
+  // when the stream fell back to it. `next` stays the caller's. IRQL: PASSIVE_LEVEL.
+  iTraceDestination* setDestination(iTraceDestination& next);
+
+  // The filter, owned by the stream; null when it could not be allocated, and then every line is
+  // shown.
+  tTraceFilter* getFilter();
+
+  // Opens a line: takes the line mutex when it is on, asks the filter whether the line is shown,
+  // writes the enabled fields as "[component--line--file-----] " and indents by the nesting level.
+  // `component` and `file` may be null, which counts as empty text; of `file` only what follows the
+  // last slash or backslash is shown unless the path is enabled. `verbosity`: the default filter
+  // shows levels of 100 and above. A thread that opened a line must end it with endl.
+  tTrace& putPrefix(char const* component, tSSVersion version, unsigned int line, char const* file,
+                    unsigned int verbosity, tTraceType type);
+  tTrace& putPrefix(char* component, tSSVersion version, unsigned int line, char* file,
+                    unsigned int verbosity, tTraceType type);
+
+  // Writes the names of the enabled fields in the order of the prefix, as a legend:
+  // "tTrace::putPrefixPrototype=[compname--linenumber--filename]". Opens and ends no line.
+  tTrace& putPrefixPrototype();
+
+  // Measures what tracing itself costs, so that time deltas leave it out. Nothing reaches the
+  // destination meanwhile. Does nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
+  void calibrate();
+
+  // Appends `text` up to its terminator; null counts as empty text.
+  tTrace& put(char const* text);
+
+  // Appends exactly `length` characters, NUL characters included. Null counts as empty text.
+  tTrace& put(char const* text, unsigned int length);
+
+  // Appends the characters up to the first NUL.
+  tTrace& put(_STL::string const& text);
+
+  // Appends the low byte of every UTF-16 unit.
+  tTrace& put(_STL::wstring const& text);
+
+  // Appends the one character.
+  tTrace& put(char character);
+  tTrace& put(signed char character);
+  tTrace& put(unsigned char character);
+
+  // Appends "true(1)" or "false(0)".
+  tTrace& put(bool value);
+
+  // Append a number in `radix`, 2 to 36: 0xFF in radix 16, 255 in radix 10, else the radix in
+  // front, as in 2#11111111. Digits above 9 are capital letters, there are no leading zeros, and a
+  // negative value is "-" and its magnitude: -0x1A. A radix outside 2 to 36 counts as 10.
+  // The fundamental types are named here, so every integer has its overload whether long has 32
+  // bits (Windows) or 64.
+  tTrace& put(short value, u32 radix);
+  tTrace& put(unsigned short value, u32 radix);
+  tTrace& put(int value, u32 radix);
+  tTrace& put(unsigned int value, u32 radix);
+  tTrace& put(long value, u32 radix);
+  tTrace& put(unsigned long value, u32 radix);
+  tTrace& put(long long value, u32 radix);
+  tTrace& put(unsigned long long value, u32 radix);
+
+  // Appends the address in radix 16.
+  tTrace& put(void const* address);
+
+  // Appends the address that the memory block reference points to, in radix 16.
+  tTrace& put(tMemBlockReferenceTemplate<char>& block);
+
+  // Appends the version's text, such as 1.0.0f7.
+  tTrace& put(tSSVersion version);
+
+  // Appends the status's text in full, of at most 1,023 characters. It begins with a newline and so
+  // ends the line that it is put into.
+  tTrace& put(tStatus2& status);
+  tTrace& put(tStatus2 const& status);
+
+  // Lets the object write itself.
+  tTrace& put(iTraceable const& object);
+
+  // Appends a hex dump of `length` bytes at `address`, a line for 16 bytes: the address, the bytes
+  // in groups of `unitSize` bytes, and the bytes as characters. Units of 4 and 2 are shown as
+  // little-endian numbers, all others byte by byte; what the last line lacks is shown as XX:
+  //
+  //     00007FF712345678: 03020100 04XXXXXX XXXXXXXX XXXXXXXX : .....
+  //
+  // The unit is the smallest of `length`, `unitSize` and 16; a unit size of 0 counts as 1. The
+  // first line continues the current one, the others have no prefix, and each ends with a newline.
+  // Null or length 0 writes nothing. The memory must be readable at the caller's IRQL.
+  tTrace& put(void const* address, u32 length, u32 unitSize);
+  tTrace& put(void* address, u32 length, u32 unitSize);
+
+  // Ends the line: hands it to the destination with a newline, unless it is not shown; gives the
+  // line mutex back; remembers the time.
+  tTrace& endl();
+
+  // Reads option words; everything but the filter is applied once the whole list has been read.
+  //
+  //   --on, --off                  master switch
+  //   --compname, --compver, --linenumber, --filename, --threadid, --verbosity
+  //                                switches of prefix fields; "on", "off" or a filter term on the
+  //                                field, such as ==5, may follow. A term turns the switch on. With
+  //                                nothing behind it the switch is on and the field unfiltered.
+  //   --filepath, --timestamp, --timedelta, --indent, --truncation, --mutex
+  //                                switches; "on" or "off" may follow
+  //   --prefixwidth N              minimum prefix width
+  //   --filter EXPRESSION          filter expression; with nothing behind it the filter is emptied
+  //   --destination NAME [WORDS]   destination ("vex"; no name is "vex" too), and its own words
+  //   --mutex-kernel-token N:0     token for opening the line mutex; all later words are tokens too
+  //   --calibrate                  calibrate() after everything else
+  //
+  // A number is decimal, 0x and hexadecimal digits, or radix#digits, as put writes it.
+  void configure(int argc, char** argv) override;
+  using tConfigurable::configure;
+
+  // Does nothing: the stream has no configuration source of its own.
+  void configure() override;
+
+  // Everything that configure reads, except the mutex token and an empty filter.
+  void inquire(char* buffer, unsigned int size, unsigned int* needed) override;
+
+  // A pop configures the stream with the text that inquire gave at the push: it installs the
+  // destination anew, calibrates, and leaves terms alone when no filter was set at the push.
+  void pushConfiguration() override;
+  void popConfiguration() override;
+
+ protected:
+  // A private stream, with the settings of a fresh one: for components that want one of their own,
+  // by deriving from this class. `first` must outlive the stream or its use by it, and is open.
+  explicit tTrace(iTraceDestination& first);
+
+ private:
+  friend class tTraceOptionReader;  // applies option words
+  friend class tTracePrefix;        // writes prefixes and keeps the times
+  friend class tTraceSwitchTable;   // knows the option word of every switch
+
+  static constexpr u32 kLineBufferSize = 256;
+  static constexpr u32 kTraceTypeCount = 3;
+
+  bool isWriting() const {
+    return enabled != 0 && lineSuppressed == 0;
+  }
+  void append(char const* text);
+  void append(char const* text, u64 length);
+  char* appendCharacter(char character, char* position);
+  char* flush(char* end);
+  void appendSigned(i64 value, u32 radix);
+  void appendNumber(u64 magnitude, u32 radix, bool isNegative);
+  iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
+
+  // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
+  // mutex. endLine gives back what this thread's beginLine took, whatever the switch is by then.
+  void beginLine();
+  void endLine();
+  void openMutex();
+  void closeMutex();
+
+  // The end of the last line is stored after its mutex is given back, so other threads may read it
+  // at that moment.
+  u64 getLastLineTime() const {
+    return __atomic_load_n(&lastLineTime, __ATOMIC_RELAXED);
+  }
+  void setLastLineTime(u64 time) {
+    __atomic_store_n(&lastLineTime, time, __ATOMIC_RELAXED);
+  }
+
+  iTraceDestination* destination;
+  tTraceFilter* filter;
+  _STL::vector<char*> savedConfigurations;
+  u32 enabled = 1;
+  u32 componentName = 1;
+  u32 componentVersion = 0;
+  u32 lineNumber = 1;
+  u32 fileName = 1;
+  u32 filePath = 0;
+  u32 timeStamp = 0;
+  u32 timeDelta = 0;
+  u32 verbosity = 0;
+  u32 threadId = 0;
+  u32 mutex = 0;
+  u32 indenting = 1;
+  u32 truncation = 1;
+  u32 lineSuppressed = 0;
+  u32 minPrefixWidth = 50;
+  i32 nestingLevel = 0;
+  u64 lastLineTime = 0;
+  u64 calibrationOffsets[kTraceTypeCount] = {};  // of block entries, block exits, plain lines
+  u64 lineStartTime = 0;                         // stored once the line mutex is held
+  iSync* mutexObject = nullptr;
+  u32 mutexKernelToken[2] = {};
+  char lineBuffer[kLineBufferSize] = {};
+  char* writePosition = lineBuffer;
+  u64 carriedDelta = 0;
+  u32 mutexOwner = 0;  // thread whose lines hold the mutex, while mutexDepth is not 0
+  u32 mutexDepth = 0;
+  u32 lineHasNul = 0;  // the text in the line buffer contains a NUL
+};
+
+}  // namespace nOXDIAG100

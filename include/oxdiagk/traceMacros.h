@@ -1,0 +1,99 @@
+#pragma once
+
+// Trace lines and block traces of a client component, in one statement each.
+//
+// Before it uses them a component defines, once for all its sources:
+//
+//     #define OXDIAG_COMPONENT "slotbus"                  // char const*: the component's name
+//     #define OXDIAG_COMPONENT_VERSION kSlotbusVersion    // tSSVersion: the component's version
+//
+// and, if it wants other values than these,
+//
+//     OXDIAG_TRACE_STREAM   tTrace&: the stream to write to; by default the module's stream
+//     OXDIAG_TRACE_FILE     char const*: the source file; by default __FILE__
+//
+// Then:
+//
+//     void tRack::powerUp(u32 slot) {
+//       OXDIAG_BLOCK_OBJECT(120, this);
+//       OXDIAG_TRACE(110, put("slot ").put(slot, 10).put(" powers up"));
+//     }
+//
+// `verbosity` is the level of the line: the default filter shows 100 and above. Every argument is
+// evaluated at most once. With OXDIAG_TRACE_STRIP defined, all of them compile to nothing: the
+// arguments must still be valid code, but none is evaluated.
+//
+// IRQL and threads: as for tTrace.
+
+#include "oxdiagk/tBlockTracer.h"
+#include "oxdiagk/tTrace.h"
+
+#ifndef OXDIAG_TRACE_STREAM
+#define OXDIAG_TRACE_STREAM ::nOXDIAG100::tTrace::getInstance()
+#endif
+
+#ifndef OXDIAG_TRACE_FILE
+#define OXDIAG_TRACE_FILE __FILE__
+#endif
+
+// OXDIAG_TRACE(verbosity, chain): a whole line. `chain` is what would be called on the stream: put
+// and its like, joined by points; it may contain commas. When the line is not shown the chain is
+// not evaluated, so a hidden line costs its prefix and endl alone. A statement.
+//
+// OXDIAG_BLOCK(verbosity), OXDIAG_BLOCK_OBJECT(verbosity, object),
+// OXDIAG_BLOCK_STATUS(verbosity, object, status): trace the entry here and the exit at the end of
+// the enclosing scope, under the name of the enclosing function. `object`: an address, shown at
+// entry; nullptr for none. `status`: an i32* or tStatus2*, not a bare nullptr, that outlives the
+// scope; what it points to is shown at entry and at exit. Declarations, one on a source line.
+
+#ifndef OXDIAG_TRACE_STRIP
+
+// clang-format off
+#define OXDIAG_TRACE(verbosity, ...)                                                             \
+  do {                                                                                           \
+    ::nOXDIAG100::tTrace& oxdiagTrace_ = (OXDIAG_TRACE_STREAM).putPrefix(                        \
+        static_cast<char const*>(OXDIAG_COMPONENT), OXDIAG_COMPONENT_VERSION, __LINE__,          \
+        static_cast<char const*>(OXDIAG_TRACE_FILE), verbosity, ::nOXDIAG100::tTrace::kTraceLine); \
+    if (oxdiagTrace_.isLineShown()) oxdiagTrace_.__VA_ARGS__;                                    \
+    oxdiagTrace_.endl();                                                                         \
+  } while (false)
+
+#define OXDIAG_BLOCK_STATUS(verbosity, object, status)                                           \
+  ::nOXDIAG100::tBlockTracer const OXDIAG_TRACE_JOIN(oxdiagBlock_, __LINE__)(                    \
+      const_cast<char*>(static_cast<char const*>(OXDIAG_COMPONENT)), OXDIAG_COMPONENT_VERSION,   \
+      __LINE__, const_cast<char*>(static_cast<char const*>(OXDIAG_TRACE_FILE)), verbosity,       \
+      const_cast<char*>(__func__), object, status, OXDIAG_TRACE_STREAM)
+// clang-format on
+
+#define OXDIAG_BLOCK_OBJECT(verbosity, object) \
+  OXDIAG_BLOCK_STATUS(verbosity, object, static_cast<i32*>(nullptr))
+
+#define OXDIAG_BLOCK(verbosity) OXDIAG_BLOCK_OBJECT(verbosity, nullptr)
+
+#define OXDIAG_TRACE_JOIN(left, right) OXDIAG_TRACE_JOIN_EXPANDED(left, right)
+#define OXDIAG_TRACE_JOIN_EXPANDED(left, right) left##right
+
+#else
+
+#define OXDIAG_TRACE(verbosity, ...)     \
+  do {                                   \
+    if (false) {                         \
+      static_cast<void>(verbosity);      \
+      (OXDIAG_TRACE_STREAM).__VA_ARGS__; \
+    }                                    \
+  } while (false)
+
+#define OXDIAG_BLOCK_STATUS(verbosity, object, status) \
+  do {                                                 \
+    if (false) {                                       \
+      static_cast<void>(verbosity);                    \
+      static_cast<void>(object);                       \
+      static_cast<void>(status);                       \
+    }                                                  \
+  } while (false)
+
+#define OXDIAG_BLOCK_OBJECT(verbosity, object) OXDIAG_BLOCK_STATUS(verbosity, object, nullptr)
+
+#define OXDIAG_BLOCK(verbosity) OXDIAG_BLOCK_OBJECT(verbosity, nullptr)
+
+#endif

@@ -1,0 +1,14 @@
+#include "oxdiagk/tConfigurable.h"
+
+#include "config/tOptionWords.h"
+
+namespace nOXDIAG100 {
+
+tConfigurable::~tConfigurable() = default;
+
+void tConfigurable::configure(char const* options) {
+  tOptionWords const words(options);
+  configure(words.getCount(), words.getWords());
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,42 @@
+#pragma once
+
+// Option text cut into words; every part of the library that reads option text cuts it here.
+
+#include "ntos/types.h"
+
+namespace nOXDIAG100 {
+
+// The words of one option text, as configure(argc, argv) takes them. The rules of the cutting are
+// those of tConfigurable::configure(options).
+//
+// The words are copies: the text may change or go while they are in use, and they live as long as
+// this object, in two scratch allocations (none when there are no words). PASSIVE_LEVEL.
+class tOptionWords {
+ public:
+  // Null counts as an empty text.
+  explicit tOptionWords(char const* text);
+  ~tOptionWords();
+
+  tOptionWords(tOptionWords const&) = delete;
+  tOptionWords& operator=(tOptionWords const&) = delete;
+
+  // How many words there are; 0 also when they could not be allocated.
+  int getCount() const { return count; }
+
+  // The words, which the receiver may change in place; null when there are none.
+  char** getWords() const { return words; }
+
+  // True when memory was exhausted, so that the words of the text are missing.
+  bool hasFailed() const { return failed; }
+
+ private:
+  void allocate(int wordCount, u64 textLength);
+  void cut(int wordCount);
+
+  char** words = nullptr;
+  char* copy = nullptr;
+  int count = 0;
+  bool failed = false;
+};
+
+}  // namespace nOXDIAG100

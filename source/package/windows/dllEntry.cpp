@@ -1,0 +1,17 @@
+// The kernel's doors into the module.
+
+#include "ntos/status.h"
+#include "oxdiagk/module.h"
+
+extern "C" NTSTATUS DllInitialize(UNICODE_STRING* registryPath) {
+  return oxdiagkInitialize(registryPath);
+}
+
+extern "C" NTSTATUS DllUnload() {
+  return oxdiagkUnload();
+}
+
+// The file serves drivers that import it and must never be started as one.
+extern "C" NTSTATUS oxdiagkImageEntry() {
+  return STATUS_DRIVER_UNABLE_TO_LOAD;
+}

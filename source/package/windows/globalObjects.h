@@ -1,0 +1,22 @@
+#pragma once
+
+// Construction and destruction of the library's global objects. No constructor of the library runs
+// by itself: globals are constant-initialised storage that the initialiser table builds, each entry
+// pushing its destructor onto the terminator list.
+//
+// Both calls are counted, not locked, and run at PASSIVE_LEVEL in the loading thread. The count
+// stays at 1 after the last termination, so an image builds its globals once in its life.
+
+#include "ntos/types.h"
+
+namespace nOXDIAG100 {
+
+// Builds every global object in table order, or only counts when that was done before. Returns 0,
+// or -50352 when an entry could not allocate; what was built before it is undone by
+// terminateGlobals().
+i32 initialiseGlobals();
+
+// Undoes one initialiseGlobals(): the last one destroys every object, last built first.
+void terminateGlobals();
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,7 @@
+#include "oxdiagk/iTraceable.h"
+
+namespace nOXDIAG100 {
+
+iTraceable::~iTraceable() = default;
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,63 @@
+#include "config/tInquiryText.h"
+#include "config/tOptionWords.h"
+#include "oxdiagk/iTraceDestination.h"
+#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceFilter.h"
+#include "trace/tTraceOptionReader.h"
+#include "trace/tTraceSwitchTable.h"
+#include "vexk/memory.h"
+
+namespace nOXDIAG100 {
+
+void tTrace::configure() {
+}
+
+void tTrace::configure(int argc, char** argv) {
+  tTraceOptionReader(*this, argc, argv).read();
+}
+
+void tTrace::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  tInquiryText text(buffer, size);
+  text.append(enabled != 0 ? "--on" : "--off");
+  unsigned int pieceNeeded = 0;
+  destination->inquire(text.getPosition(), text.getRoom(), &pieceNeeded);
+  text.skip(pieceNeeded);
+  for (u32 index = 0; index < tTraceSwitchTable::kMutex; ++index) {
+    tTraceSwitchTable::tSwitch const& entry = tTraceSwitchTable::entries[index];
+    text.append(" ").append(entry.option).appendOnOff(this->*entry.value != 0);
+  }
+  text.append(" --prefixwidth ").appendNumber(minPrefixWidth);
+  if (filter != nullptr) {
+    unsigned int filterNeeded = 0;
+    filter->write(text.getPosition(), text.getRoom(), &filterNeeded);
+    text.skip(filterNeeded);
+  }
+  text.append(" --mutex").appendOnOff(mutex != 0).append(" --calibrate");
+  for (u64 const offset : calibrationOffsets) text.append(" ").appendNumber(offset);
+  text.finish(needed);
+}
+
+void tTrace::pushConfiguration() {
+  size_t const count = savedConfigurations.size();
+  bool const hasRoom = count < savedConfigurations.capacity() ||
+                       savedConfigurations.reserve(count == 0 ? 1 : 2 * count);
+  if (!hasRoom) return;
+  unsigned int needed = 0;
+  inquire(nullptr, 0, &needed);
+  i32 status = 0;
+  char* const text = static_cast<char*>(_memNewUsingCRT(needed, kMemLongLived, status));
+  if (text == nullptr) return;
+  inquire(text, needed, nullptr);
+  savedConfigurations.push_back(text);
+}
+
+void tTrace::popConfiguration() {
+  if (savedConfigurations.empty()) return;
+  char* const text = savedConfigurations.back();
+  savedConfigurations.pop_back();
+  tOptionWords const words(text);
+  _memDelete(text);
+  if (!words.hasFailed()) configure(words.getCount(), words.getWords());
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ntos/types.h"
+#include "vexk/tMemBlockReferenceBase.h"
+
+namespace nOXDIAG100 {
+
+// The properties of a line that a filter may look at. The texts are not null.
+struct tTraceFilterLine {
+  char const* component;
+  char const* version;
+  char const* file;
+  u32 line;
+  u32 threadId;
+  u32 verbosity;
+};
+
+// One comparison of a filter, a link of its list. A term and its text share one block of non-paged
+// memory, which the term itself owns.
+class tTraceFilterTerm {
+ public:
+  // What getOperator() returns for a term without one; else it is an index of
+  // kTraceFilterOperators.
+  static constexpr i32 kNoOperator = -1;
+
+  // A term of `length` bytes of text: operator, blanks, value. `field` must be a field. Null when
+  // memory is exhausted.
+  static tTraceFilterTerm* create(char const* operatorAndValue, size_t length, u32 connector,
+                                  i32 field);
+
+  // Gives the term's block back. The term must be unlinked.
+  static void destroy(tTraceFilterTerm* term);
+
+  tTraceFilterTerm(tTraceFilterTerm const&) = delete;
+  tTraceFilterTerm& operator=(tTraceFilterTerm const&) = delete;
+
+  // The outcome for `line`; `outcomeBefore` is that of the term before, which a term without
+  // operator repeats.
+  bool evaluate(tTraceFilterLine const& line, bool outcomeBefore) const;
+
+  i32 getField() const { return field; }
+  i32 getOperator() const { return operation; }
+
+  // The constant of line number, verbosity and thread id.
+  u32 getNumber() const { return number; }
+
+  // The constant as it was given; null for line number and verbosity, which keep the number alone.
+  char const* getText() const { return text; }
+
+  tTraceFilterTerm* next = nullptr;
+  tTraceFilterTerm* previous = nullptr;
+  u32 connector;
+
+ private:
+  tTraceFilterTerm(tMemBlockReferenceBase&& itsBlock, u32 connector, i32 field);
+  ~tTraceFilterTerm() = default;
+
+  void setValue(char const* value, size_t length);
+  i32 compare(tTraceFilterLine const& line) const;
+
+  i32 field;
+  i32 operation = kNoOperator;
+  u32 number = 0;
+  char const* text = nullptr;
+  tMemBlockReferenceBase block;
+};
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "oxdiagk/tTrace.h"
+#include "trace/tTraceSwitchTable.h"
+
+namespace nOXDIAG100 {
+
+// Reads one list of option words into a trace stream. The filter, the mutex token and the options
+// of a destination take effect as they are read, everything else after the last word.
+class tTraceOptionReader {
+ public:
+  tTraceOptionReader(tTrace& trace, int argc, char** argv);
+
+  void read();
+
+ private:
+  enum tPending : u8 { kUnchanged, kOff, kOn };
+
+  bool isAtEnd() const { return next == end; }
+  bool hasValue() const;
+  char const* takeWord();
+  char const* takeValue();
+
+  void readOption(char const* word);
+  bool readSwitch(char const* word);
+  void readSwitchValue(u32 index);
+  void readWidth();
+  void readFilter();
+  void readDestination();
+  void readTokens();
+
+  void apply();
+  void applyMutex();
+
+  tTrace& trace;
+  tTraceFilter* const filter;
+  char** next;
+  char** const end;
+
+  tPending master = kUnchanged;
+  tPending switches[tTraceSwitchTable::kCount] = {};
+  bool hasWidth = false;
+  bool calibrates = false;
+  u32 width = 0;
+  iTraceDestination* destination = nullptr;
+};
+
+}  // namespace nOXDIAG100

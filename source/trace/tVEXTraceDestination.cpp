@@ -1,0 +1,54 @@
+#include "oxdiagk/tVEXTraceDestination.h"
+
+#include "vexk/debug.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+// A global of this class would have its virtual destructor registered for the end of the program,
+// and would be gone before its last user. The object is nothing but its class, so whoever asks
+// first builds it; two who ask first at once store the same.
+alignas(tVEXTraceDestination) constinit u8 instanceStorage[sizeof(tVEXTraceDestination)] = {};
+constinit bool instanceIsBuilt = false;
+
+}  // namespace
+
+tVEXTraceDestination& tVEXTraceDestination::getInstance() {
+  if (!__atomic_load_n(&instanceIsBuilt, __ATOMIC_ACQUIRE)) {
+    new (instanceStorage) tVEXTraceDestination;
+    __atomic_store_n(&instanceIsBuilt, true, __ATOMIC_RELEASE);
+  }
+  return *reinterpret_cast<tVEXTraceDestination*>(instanceStorage);
+}
+
+iTraceDestination& tVEXTraceDestination::put(char const* text) {
+  ssprintf("%s", text);
+  return *this;
+}
+
+iTraceDestination& tVEXTraceDestination::put(char const* text, unsigned int length) {
+  if (length != 0) ssprintf("%.*s", static_cast<int>(length), text);
+  return *this;
+}
+
+void tVEXTraceDestination::configure(int argc, char** const argv) {
+  iTraceDestination::configure(argc, argv);
+}
+
+char* tVEXTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
+  return inquireText(" --destination vex", buffer, size, required);
+}
+
+u32 tVEXTraceDestination::open() {
+  return iTraceDestination::open();
+}
+
+void tVEXTraceDestination::close() {
+  iTraceDestination::close();
+}
+
+char const* tVEXTraceDestination::getDescription() const {
+  return "VEX print to debugger";
+}
+
+}  // namespace nOXDIAG100
