@@ -27,7 +27,8 @@ if(OXDIAG_TARGET STREQUAL "host")
   endif()
 elseif(OXDIAG_TARGET STREQUAL "windows")
   # -fms-extensions brings __declspec, __int64 and __try; -Wpedantic must not object to them.
-  target_compile_options(oxdiag_warnings INTERFACE
+  # Call stacks and __try walk by the unwind tables, which -ffreestanding would leave out.
+  target_compile_options(oxdiag_warnings INTERFACE -fasynchronous-unwind-tables
     --target=x86_64-pc-windows-msvc -O2 -g -gcodeview -fms-extensions -ffreestanding -fno-exceptions -fno-rtti
     -mno-implicit-float -fno-stack-protector -fno-threadsafe-statics
     -Wno-language-extension-token)

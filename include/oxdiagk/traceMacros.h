@@ -38,7 +38,8 @@
 
 // OXDIAG_TRACE(verbosity, chain): a whole line. `chain` is what would be called on the stream: put
 // and its like, joined by points; it may contain commas. When the line is not shown the chain is
-// not evaluated, so a hidden line costs its prefix and endl alone. A statement.
+// not evaluated, so a hidden line costs its prefix and endl alone. The macro ends the line itself:
+// no endl in the chain. A statement.
 //
 // OXDIAG_BLOCK(verbosity), OXDIAG_BLOCK_OBJECT(verbosity, object),
 // OXDIAG_BLOCK_STATUS(verbosity, object, status): trace the entry here and the exit at the end of
