@@ -1,0 +1,119 @@
+#include "tFloorStream.h"
+
+#include "vexk/cpu.h"
+
+namespace {
+
+constexpr char kHexadecimalDigits[] = "0123456789ABCDEF";
+constexpr u32 kBytesPerRow = 16;
+
+// Writes the digits behind one another ending at `end`; returns the first.
+char* writeDecimal(u32 value, char* end) {
+  do {
+    *--end = static_cast<char>('0' + value % 10);
+    value /= 10;
+  } while (value != 0);
+  return end;
+}
+
+char* writeHexadecimal(u32 value, char* end) {
+  do {
+    *--end = kHexadecimalDigits[value & 0xF];
+    value >>= 4;
+  } while (value != 0);
+  return end;
+}
+
+// Exactly `digits` digits.
+char* fillHexadecimal(u64 value, u32 digits, char* to) {
+  for (u32 shift = digits * 4; shift != 0; shift -= 4) {
+    *to++ = kHexadecimalDigits[(value >> (shift - 4)) & 0xF];
+  }
+  return to;
+}
+
+char* copy(char* to, char const* from, size_t length) {
+  __builtin_memcpy(to, from, length);
+  return to + length;
+}
+
+}  // namespace
+
+void tFloorStream::putLine(u32 verbosity, u32 slot) {
+  constexpr char kPrefix[] = "[slotbus--118--tRackReader.cpp";
+  constexpr size_t kPrefixWidth = 49;
+  lineStart = vexReadTimeStampCounter();
+  if (enabled && verbosity >= level) {
+    char digits[10];
+    char* const digitsEnd = digits + sizeof(digits);
+    __builtin_memset(buffer, '-', kPrefixWidth);
+    __builtin_memcpy(buffer, kPrefix, sizeof(kPrefix) - 1);
+    char* to = copy(buffer + kPrefixWidth, "] slot ", 7);
+    char* const first = writeDecimal(slot, digitsEnd);
+    to = copy(to, first, static_cast<size_t>(digitsEnd - first));
+    to = copy(to, " answered\n", 10);
+    *to = '\0';
+    destination->put(buffer);
+  }
+  lineEnd = vexReadTimeStampCounter();
+}
+
+void tFloorStream::putDecimal(i32 value) {
+  char digits[11];
+  char* const end = digits + sizeof(digits);
+  u32 const magnitude = value < 0 ? 0U - static_cast<u32>(value) : static_cast<u32>(value);
+  char* first = writeDecimal(magnitude, end);
+  if (value < 0) *--first = '-';
+  append(first, static_cast<size_t>(end - first));
+}
+
+void tFloorStream::putHexadecimal(i32 value) {
+  char digits[11];
+  char* const end = digits + sizeof(digits);
+  u32 const magnitude = value < 0 ? 0U - static_cast<u32>(value) : static_cast<u32>(value);
+  char* first = writeHexadecimal(magnitude, end);
+  *--first = 'x';
+  *--first = '0';
+  if (value < 0) *--first = '-';
+  append(first, static_cast<size_t>(end - first));
+}
+
+void tFloorStream::putDump(void const* address, u32 length) {
+  u8 const* const bytes = static_cast<u8 const*>(address);
+  for (u32 row = 0; row < length; row += kBytesPerRow) {
+    char* to = fillHexadecimal(reinterpret_cast<u64>(bytes + row), 16, buffer);
+    to = copy(to, ": ", 2);
+    for (u32 group = 0; group < kBytesPerRow; group += 4) {
+      u32 number;
+      __builtin_memcpy(&number, bytes + row + group, sizeof(number));
+      to = fillHexadecimal(number, 8, to);
+      *to++ = ' ';
+    }
+    to = copy(to, ": ", 2);
+    for (u32 index = 0; index < kBytesPerRow; ++index) {
+      u8 const byte = bytes[row + index];
+      *to++ = byte >= 0x20 && byte <= 0x7E ? static_cast<char>(byte) : '.';
+    }
+    to = copy(to, "\n", 1);
+    *to = '\0';
+    destination->put(buffer);
+  }
+}
+
+void tFloorStream::append(char const* text, size_t length) {
+  size_t const room = kBufferSize - 1 - used;
+  size_t const first = length < room ? length : room;
+  __builtin_memcpy(buffer + used, text, first);
+  used += first;
+  if (used == kBufferSize - 1) {
+    flush();
+    __builtin_memcpy(buffer, text + first, length - first);
+    used = length - first;
+  }
+}
+
+void tFloorStream::flush() {
+  buffer[used] = '\0';
+  destination->put(buffer);
+  used = 0;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "oxdiagk/tTrace.h"
+
+namespace nSLOTBUS100 {
+
+// The component as its host program and its driver call it: reads the text of a rack (see
+// rack.txt for its form) and traces on `trace` what it finds and what is wrong with it.
+//
+// `text` may hold any bytes and needs no terminator; null is allowed with length 0 only.
+// Returns 0 when the rack is good, 1 when something was wrong: a bad line, a text that is not a
+// rack, or exhausted memory. Nothing is kept after the call. IRQL: PASSIVE_LEVEL.
+u32 readRackText(char const* text, size_t length, nOXDIAG100::tTrace& trace);
+
+}  // namespace nSLOTBUS100
