@@ -1,0 +1,11 @@
+// The driver kit's own headers agree with kernelAbi.h.
+
+// mingw-w64 defines these two twice, in winnt's intrinsics and in wdm.h: the latter may stay.
+#define __INTRINSIC_DEFINED_InterlockedBitTestAndSet
+#define __INTRINSIC_DEFINED_InterlockedBitTestAndReset
+
+#include <ntifs.h>
+#include <wchar.h>
+
+#include "abiChecks.h"
+#include "kernelAbi.h"

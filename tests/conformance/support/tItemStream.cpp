@@ -1,0 +1,118 @@
+#include "tItemStream.h"
+
+#include "qelmk/dynamicCast.h"
+#include "qelmk/iExternalizable.h"
+
+using nQELM100::dynamicCast;
+using nQELM100::iExternalizable;
+using nQELM100::tClass;
+using nQELM100::tObject;
+
+namespace {
+
+constinit tItemStream stream;
+
+}  // namespace
+
+tItemStream& cleanStream() {
+  stream.clear();
+  return stream;
+}
+
+void tItemStream::clear() {
+  count = position = classCount = 0;
+  end = kCapacity;
+}
+
+void tItemStream::put(tItem item) {
+  if (count != kCapacity) items[count++] = item;
+}
+
+void tItemStream::insert(u32 index, tItem item) {
+  if (count == kCapacity) return;
+  for (u32 i = count++; i > index; --i) items[i] = items[i - 1];
+  items[index] = item;
+}
+
+void tItemStream::erase(u32 index) {
+  --count;
+  for (u32 i = index; i < count; ++i) items[i] = items[i + 1];
+}
+
+void tItemStream::write(tKind kind, u32 value, i32& status) {
+  if (status < 0) return;
+  if (count >= end) {
+    status = kStatusEnded;
+    return;
+  }
+  put({kind, value});
+}
+
+void tItemStream::writeCharacter(char value, i32& status) {
+  write(kCharacter, static_cast<u8>(value), status);
+}
+
+void tItemStream::writeI32(i32 value, i32& status) {
+  write(kI32, static_cast<u32>(value), status);
+}
+
+void tItemStream::writeU32(u32 value, i32& status) {
+  write(kU32, value, status);
+}
+
+void tItemStream::writeObject(tObject const* object, i32& status) {
+  if (status < 0) return;
+  if (object == nullptr) return write(kNullObject, 0, status);
+  write(kObject, findClass(object->getClass(status)), status);
+  auto const* const content = dynamicCast<iExternalizable>(object);
+  if (content != nullptr) content->writeExternal(*this, status);
+}
+
+bool tItemStream::read(tKind kind, u32& value, i32& status) {
+  if (status < 0) return false;
+  if (position >= count || position >= end) {
+    status = kStatusEnded;
+  } else if (items[position].kind != kind) {
+    status = kStatusWrongKind;
+  } else {
+    value = items[position++].value;
+  }
+  return status >= 0;
+}
+
+void tItemStream::readCharacter(char& value, i32& status) {
+  u32 item = 0;
+  if (read(kCharacter, item, status)) value = static_cast<char>(item);
+}
+
+void tItemStream::readI32(i32& value, i32& status) {
+  u32 item = 0;
+  if (read(kI32, item, status)) value = static_cast<i32>(item);
+}
+
+void tItemStream::readU32(u32& value, i32& status) {
+  read(kU32, value, status);
+}
+
+tObject* tItemStream::readObject(i32& status) {
+  if (position < count && position < end && items[position].kind == kNullObject) {
+    if (status >= 0) ++position;
+    return nullptr;
+  }
+  u32 index = 0;
+  if (!read(kObject, index, status)) return nullptr;
+  tObject* const object = classes[index].newInstance(status);
+  auto* const content = dynamicCast<iExternalizable>(object);
+  if (content != nullptr) content->readExternal(*this, status);
+  if (status >= 0) return object;
+  classes[index].deleteInstance(object, status);
+  return nullptr;
+}
+
+u32 tItemStream::findClass(tClass const& wanted) {
+  for (u32 i = 0; i < classCount; ++i) {
+    if (classes[i] == wanted) return i;
+  }
+  classes[classCount] = wanted;
+  return classCount++;
+}

@@ -1,0 +1,211 @@
+// The time delta to the tick: the tests set what it is reckoned from and read when the line began.
+
+#include "conformance/harness.h"
+#include "support/prefixedStream.h"
+#include "support/traceMembers.h"
+#include "vexk/number.h"
+
+using nOXDIAG100::tTrace;
+using traceMembers::get;
+using traceMembers::tCalibrationOffsets;
+using traceMembers::tCarriedDelta;
+using traceMembers::tLastLineTime;
+using traceMembers::tLineStartTime;
+
+namespace {
+
+constexpr u64 kLastLineTime = 1'000'000;
+constexpr u64 kCarried = 70'000;
+constexpr u64 kEntryOffset = 100;
+constexpr u64 kExitOffset = 2'000;
+constexpr u64 kLineOffset = 30'000;
+
+// A stream whose prefixes are the time delta alone, between brackets, with all times known.
+struct tTimedStream : tPrefixedStream {
+  tTimedStream() {
+    disableAllFields();
+    showFieldsInFull();
+    trace.disableIndenting();
+    trace.enableTimeDelta();
+    reset();
+  }
+
+  void reset() {
+    get<tLastLineTime>(trace) = kLastLineTime;
+    get<tCarriedDelta>(trace) = kCarried;
+    get<tCalibrationOffsets>(trace)[0] = kEntryOffset;
+    get<tCalibrationOffsets>(trace)[1] = kExitOffset;
+    get<tCalibrationOffsets>(trace)[2] = kLineOffset;
+  }
+
+  // Writes a line of `type` and tells whether it shows the delta reckoned with `offset`.
+  bool showsDelta(tTrace::tTraceType type, u64 offset) {
+    write(withType(type));
+    u64 const delta = get<tLineStartTime>(trace) - (offset + kLastLineTime) + kCarried;
+    char expected[kNumberTextSize + 4] = "[";
+    u32 const length = vexNumberToText(delta, 10, expected + 1);
+    __builtin_memcpy(expected + 1 + length, "] \n", 4);
+    return record.length() == length + 4 &&
+           __builtin_memcmp(expected, record.text(), length + 5) == 0;
+  }
+};
+
+}  // namespace
+
+TEST(TracePrefixTime, APlainLineUsesTheThirdOffset) {
+  tTimedStream stream;
+  EXPECT_TRUE(stream.showsDelta(tTrace::kTraceLine, kLineOffset));
+}
+
+TEST(TracePrefixTime, ABlockEntryUsesTheFirstOffset) {
+  tTimedStream stream;
+  EXPECT_TRUE(stream.showsDelta(tTrace::kBlockEntry, kEntryOffset));
+}
+
+TEST(TracePrefixTime, ABlockExitUsesTheSecondOffset) {
+  tTimedStream stream;
+  EXPECT_TRUE(stream.showsDelta(tTrace::kBlockExit, kExitOffset));
+}
+
+TEST(TracePrefixTime, AnUnknownTypeUsesTheThirdOffset) {
+  tTimedStream stream;
+  EXPECT_TRUE(stream.showsDelta(static_cast<tTrace::tTraceType>(3), kLineOffset));
+}
+
+TEST(TracePrefixTime, ADeltaBelowZeroIsShownWrapped) {
+  tTimedStream stream;
+  u64 const beyond = nOXDIAG100::readTimeStampCounter() + (1ull << 50);
+  get<tCalibrationOffsets>(stream.trace)[2] = beyond;
+  EXPECT_TRUE(stream.showsDelta(tTrace::kTraceLine, beyond));
+  EXPECT_EQ(u32{20 + 4}, stream.record.length());
+}
+
+TEST(TracePrefixTime, AShownLineUsesTheCarriedDeltaUp) {
+  tTimedStream stream;
+  stream.write();
+  EXPECT_EQ(u64{0}, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, AHiddenLineCarriesItsDelta) {
+  tTimedStream stream;
+  stream.write(stream.withVerbosity(99));
+  u64 const delta = get<tLineStartTime>(stream.trace) - (kLineOffset + kLastLineTime) + kCarried;
+  EXPECT_EQ(delta, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, ALineOfADisabledStreamCarriesItsDelta) {
+  tTimedStream stream;
+  stream.trace.disable();
+  stream.write(stream.withType(tTrace::kBlockExit));
+  u64 const delta = get<tLineStartTime>(stream.trace) - (kExitOffset + kLastLineTime) + kCarried;
+  EXPECT_EQ(delta, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, HiddenLinesAddUp) {
+  tTimedStream stream;
+  u64 carried = kCarried;
+  for (u32 count = 0; count < 3; ++count) {
+    stream.withVerbosity(99).openOn(stream.trace);
+    carried += get<tLineStartTime>(stream.trace) - (kLineOffset + kLastLineTime);
+    stream.trace.endl();
+    get<tLastLineTime>(stream.trace) = kLastLineTime;
+  }
+  EXPECT_EQ(carried, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, WithoutTheSwitchTheCarriedDeltaStays) {
+  tTimedStream stream;
+  stream.trace.disableTimeDelta();
+  stream.write();
+  stream.write(stream.withVerbosity(99));
+  EXPECT_EQ(kCarried, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, ADeltaThatTheWidthCutsAwayIsUsedUpAllTheSame) {
+  tTimedStream stream;
+  stream.trace.enableTruncation();
+  EXPECT_STREQ("\n", stream.write());
+  EXPECT_EQ(u64{0}, get<tCarriedDelta>(stream.trace));
+}
+
+TEST(TracePrefixTime, TheLineStartTimeIsKeptForHiddenLinesToo) {
+  tTimedStream stream;
+  get<tLineStartTime>(stream.trace) = 0;
+  stream.write(stream.withVerbosity(99));
+  EXPECT_NE(u64{0}, get<tLineStartTime>(stream.trace));
+}
+
+TEST(TracePrefixTime, ThePrefixLeavesTheLastLineTimeAlone) {
+  tTimedStream stream;
+  tTestLine{}.openOn(stream.trace);
+  EXPECT_EQ(kLastLineTime, get<tLastLineTime>(stream.trace));
+}
+
+// Calibration.
+
+TEST(TracePrefixCalibration, NothingReachesTheDestination) {
+  tPrefixedStream stream;
+  stream.trace.calibrate();
+  EXPECT_EQ(u32{0}, stream.record.pieceCount());
+}
+
+TEST(TracePrefixCalibration, TextPutBeforeStays) {
+  tPrefixedStream stream;
+  stream.trace.put("early");
+  stream.trace.calibrate();
+  stream.trace.endl();
+  EXPECT_STREQ("early\n", stream.record.text());
+}
+
+TEST(TracePrefixCalibration, TheMasterSwitchIsRestored) {
+  tPrefixedStream stream;
+  stream.trace.calibrate();
+  EXPECT_EQ(u32{1}, stream.trace.isEnabled());
+  stream.trace.disable();
+  stream.trace.calibrate();
+  EXPECT_EQ(u32{0}, stream.trace.isEnabled());
+}
+
+TEST(TracePrefixCalibration, TheNestingLevelIsAsBefore) {
+  tPrefixedStream stream;
+  stream.writeBlockEntry();
+  stream.trace.calibrate();
+  EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
+}
+
+TEST(TracePrefixCalibration, AllThreeOffsetsAreMeasured) {
+  constexpr u64 kNeverMeasured = ~0ull / 2;
+  tPrefixedStream stream;
+  for (u64& offset : get<tCalibrationOffsets>(stream.trace)) offset = kNeverMeasured;
+  stream.trace.calibrate();
+  for (u64 const offset : get<tCalibrationOffsets>(stream.trace)) {
+    EXPECT_NE(kNeverMeasured, offset);
+  }
+}
+
+TEST(TracePrefixCalibration, ItsLinesAreLinesOfTheStream) {
+  tPrefixedStream stream;
+  get<tLineStartTime>(stream.trace) = 0;
+  get<tLastLineTime>(stream.trace) = 0;
+  stream.trace.calibrate();
+  EXPECT_NE(u64{0}, get<tLineStartTime>(stream.trace));
+  EXPECT_NE(u64{0}, get<tLastLineTime>(stream.trace));
+}
+
+TEST(TracePrefixCalibration, ALineBehindItIsJudgedAfresh) {
+  tPrefixedStream stream;
+  stream.showFieldsInFull();
+  stream.withVerbosity(99).openOn(stream.trace);
+  stream.trace.calibrate();
+  EXPECT_TRUE(stream.trace.isLineShown());
+  EXPECT_STREQ("[rack--42--port.cpp] \n", stream.write());
+}
+
+TEST(TracePrefixCalibration, ItMayRunAgainAndWithTheMutexOn) {
+  tPrefixedStream stream;
+  stream.trace.enableMutex();
+  stream.trace.calibrate();
+  stream.trace.calibrate();
+  stream.showFieldsInFull();
+  EXPECT_STREQ("[rack--42--port.cpp] \n", stream.write());
+}

@@ -1,0 +1,223 @@
+#include "conformance/harness.h"
+#include "oxdiagk/tStatus2.h"
+#include "support/prefixedStream.h"
+
+namespace {
+
+constinit nOXDIAG100::tTrace* stream = nullptr;
+constinit u32 streamUses = 0;
+
+nOXDIAG100::tTrace& useStream() {
+  ++streamUses;
+  return *stream;
+}
+
+}  // namespace
+
+#define OXDIAG_COMPONENT "rack"
+#define OXDIAG_COMPONENT_VERSION tSSVersion(1, 0, 0, tSSVersion::kPhaseReleased, 7, 0)
+#define OXDIAG_TRACE_FILE "source/port.cpp"
+#define OXDIAG_TRACE_STREAM useStream()
+#include "oxdiagk/traceMacros.h"
+
+namespace {
+
+struct tMacroStream : tPrefixedStream {
+  tMacroStream() {
+    trace.setMinPrefixWidth(0);
+    stream = &trace;
+    streamUses = 0;
+  }
+
+  char const* text() const { return record.text(); }
+};
+
+u32 countUp(u32& counter) {
+  return ++counter;
+}
+
+void traceBlock(unsigned int verbosity) {
+  OXDIAG_BLOCK(verbosity);
+  OXDIAG_TRACE(100, put("inside"));
+}
+
+void traceObject(void* object) {
+  OXDIAG_BLOCK_OBJECT(100, object);
+}
+
+void traceStatus(i32& status) {
+  OXDIAG_BLOCK_STATUS(100, nullptr, &status);
+  status = -5;
+}
+
+void traceStatusObject(void* object, nOXDIAG100::tStatus2& status) {
+  OXDIAG_BLOCK_STATUS(100, object, &status);
+  status.setCode(-5);
+}
+
+void traceTwoBlocks() {
+  OXDIAG_BLOCK(100);
+  OXDIAG_BLOCK(100);
+}
+
+struct tPort {
+  void open() { OXDIAG_BLOCK(100); }
+};
+
+// Names that the macros might use for themselves.
+void traceShadowed(unsigned int trace, unsigned int line, unsigned int verbosity, i32 status) {
+  OXDIAG_BLOCK_STATUS(verbosity, nullptr, &status);
+  OXDIAG_TRACE(verbosity, put(trace, 10).put(line, 10));
+}
+
+}  // namespace
+
+TEST(TraceMacros, ATraceIsOneWholeLine) {
+  tMacroStream macros;
+  macros.showFieldsInFull();
+  macros.trace.enableComponentVersion();
+  macros.trace.disableLineNumber();
+  macros.trace.enableVerbosity();
+  OXDIAG_TRACE(110, put("slot ").put(7, 10).put(true));
+  EXPECT_STREQ("[rack--1.0.0f7--port.cpp--110] slot 7true(1)\n", macros.text());
+}
+
+TEST(TraceMacros, ATraceHasTheLineItStandsIn) {
+  tMacroStream macros;
+  macros.disableAllFields();
+  macros.showFieldsInFull();
+  macros.trace.enableLineNumber();
+  // clang-format off
+  OXDIAG_TRACE(100, put("x")); u32 const line = __LINE__;
+  // clang-format on
+  macros.trace.put("[").put(line, 10).put("] x").endl();
+  EXPECT_EQ(u32{2}, macros.record.pieceCount());
+  EXPECT_EQ(macros.record.pieceLength(0), macros.record.pieceLength(1));
+  EXPECT_TRUE(macros.record.pieceIs(1, macros.text() + macros.record.pieceLength(0)));
+  EXPECT_TRUE(macros.record.pieceIs(0, macros.text() + macros.record.pieceLength(0)));
+}
+
+TEST(TraceMacros, TheFileIsPassedWithItsPath) {
+  tMacroStream macros;
+  macros.disableAllFields();
+  macros.showFieldsInFull();
+  macros.trace.enableFileName();
+  macros.trace.enableFilePath();
+  OXDIAG_TRACE(100, put("x"));
+  EXPECT_STREQ("[source/port.cpp] x\n", macros.text());
+}
+
+TEST(TraceMacros, AShownTraceEvaluatesItsArgumentsOnce) {
+  tMacroStream macros;
+  u32 verbosities = 99;
+  u32 values = 0;
+  OXDIAG_TRACE(countUp(verbosities), put(countUp(values), 10));
+  EXPECT_EQ(u32{100}, verbosities);
+  EXPECT_EQ(u32{1}, values);
+  EXPECT_EQ(u32{1}, streamUses);
+  EXPECT_STREQ("1\n", macros.text());
+}
+
+TEST(TraceMacros, AHiddenTraceDoesNotEvaluateItsText) {
+  tMacroStream macros;
+  u32 verbosities = 0;
+  u32 values = 0;
+  OXDIAG_TRACE(countUp(verbosities), put(countUp(values), 10));
+  EXPECT_EQ(u32{1}, verbosities);
+  EXPECT_EQ(u32{0}, values);
+  EXPECT_EQ(u32{1}, streamUses);
+  EXPECT_STREQ("", macros.text());
+}
+
+TEST(TraceMacros, ATraceOnADisabledStreamDoesNotEvaluateItsText) {
+  tMacroStream macros;
+  macros.trace.disable();
+  u32 values = 0;
+  OXDIAG_TRACE(100, put(countUp(values), 10));
+  EXPECT_EQ(u32{0}, values);
+}
+
+TEST(TraceMacros, AHiddenTraceEndsItsLine) {
+  tMacroStream macros;
+  OXDIAG_TRACE(99, put("hidden"));
+  EXPECT_TRUE(macros.trace.isLineShown());
+  macros.trace.put("shown").endl();
+  EXPECT_STREQ("shown\n", macros.text());
+}
+
+TEST(TraceMacros, ATraceIsOneStatement) {
+  tMacroStream macros;
+  for (u32 count = 0; count < 3; ++count)
+    if (count == 1)
+      OXDIAG_TRACE(100, put("one"));
+    else
+      OXDIAG_TRACE(100, put("other"));
+  EXPECT_STREQ("other\none\nother\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockIsNamedAfterItsFunction) {
+  tMacroStream macros;
+  traceBlock(100);
+  EXPECT_STREQ("traceBlock; {\n  inside\n} traceBlock\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockInAMemberFunctionIsNamedAfterIt) {
+  tMacroStream macros;
+  tPort{}.open();
+  EXPECT_STREQ("open; {\n} open\n", macros.text());
+}
+
+TEST(TraceMacros, AHiddenBlockStillNests) {
+  tMacroStream macros;
+  traceBlock(99);
+  EXPECT_STREQ("  inside\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockHasThePrefixOfTheComponent) {
+  tMacroStream macros;
+  macros.showFieldsInFull();
+  macros.trace.enableComponentVersion();
+  macros.trace.disableLineNumber();
+  macros.trace.enableVerbosity();
+  traceObject(nullptr);
+  EXPECT_STREQ(
+      "[rack--1.0.0f7--port.cpp--100] traceObject; {\n"
+      "[rack--1.0.0f7--port.cpp--100] } traceObject\n",
+      macros.text());
+}
+
+TEST(TraceMacros, ABlockMayShowAnObject) {
+  tMacroStream macros;
+  traceObject(reinterpret_cast<void*>(0xABC));
+  EXPECT_STREQ("traceObject; this=0xABC; {\n} traceObject\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockMayShowAStatus) {
+  tMacroStream macros;
+  i32 status = 0;
+  traceStatus(status);
+  EXPECT_STREQ("traceStatus; tStatus=0 {\n} tStatus=-5; traceStatus\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockMayShowAnObjectAndAStatusObject) {
+  tMacroStream macros;
+  nOXDIAG100::tStatus2 status;
+  traceStatusObject(reinterpret_cast<void*>(0xABC), status);
+  EXPECT_STREQ(
+      "traceStatusObject; this=0xABC; tStatus2 code=0 {\n"
+      "} tStatus2 code=-5; traceStatusObject\n",
+      macros.text());
+}
+
+TEST(TraceMacros, OneScopeMayHaveTwoBlocks) {
+  tMacroStream macros;
+  traceTwoBlocks();
+  EXPECT_STREQ("traceTwoBlocks; {\n  traceTwoBlocks; {\n  } traceTwoBlocks\n} traceTwoBlocks\n",
+               macros.text());
+}
+
+TEST(TraceMacros, NamesOfTheCallerAreNotShadowed) {
+  tMacroStream macros;
+  traceShadowed(1, 2, 100, 3);
+  EXPECT_STREQ("traceShadowed; tStatus=3 {\n  12\n} tStatus=3; traceShadowed\n", macros.text());
+}

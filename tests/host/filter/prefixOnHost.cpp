@@ -1,0 +1,200 @@
+// Prefixes with what only the host can steer: thread ids, memory, and a large number of random
+// settings compared with a plain model.
+
+#include <random>
+
+#include "oxdiagk/tTraceFilter.h"
+#include "support/traceMembers.h"
+#include "trace/keptLines.h"
+#include "trace/startedModules.h"
+
+namespace {
+
+using nOXDIAG100::tTrace;
+
+constexpr u32 kRounds = 100'000;
+constexpr tSSVersion kVersion(1, 2, 3, tSSVersion::kPhaseBeta, 45, 0);
+
+struct tHostStream {
+  tKeptLines kept;
+  tOwnTrace trace{kept};
+
+  std::string prefix(unsigned int verbosity = 100) {
+    kept.pieces.clear();
+    trace.putPrefix("rack", kVersion, 42, "source/port.cpp", verbosity, tTrace::kTraceLine).endl();
+    std::string const text = kept.text();
+    return text.substr(0, text.find('\n'));
+  }
+};
+
+// What a thread that seems to have `id` sees.
+class tSeemingThread {
+ public:
+  explicit tSeemingThread(u64 id) { ntoshost::overrideCurrentThreadId(id); }
+  ~tSeemingThread() { ntoshost::overrideCurrentThreadId(0); }
+};
+
+// The settings of a stream by chance, and the prefix that they must give.
+struct tRandomPrefix {
+  explicit tRandomPrefix(std::mt19937& random) {
+    u32 const bits = static_cast<u32>(random());
+    for (u32 field = 0; field < 9; ++field) isOn[field] = ((bits >> field) & 1) != 0;
+    truncates = ((bits >> 9) & 1) != 0;
+    indents = ((bits >> 10) & 1) != 0;
+    width = random() % 4 == 0 ? random() % 400 : random() % 70;
+    level = random() % 5;
+    component.assign(random() % 20, 'c');
+    line = static_cast<u32>(random()) >> (random() % 32);
+    path.assign(random() % 3, 'p');
+    path += random() % 2 == 0 ? "/" : "\\";
+    name.assign(random() % 12, 'n');
+    verbosity = static_cast<u32>(random()) >> (random() % 32);
+  }
+
+  void apply(tTrace& trace) const {
+    using tSwitch = void (tTrace::*)();
+    constexpr tSwitch kOn[] = {
+        &tTrace::enableComponentName, &tTrace::enableComponentVersion, &tTrace::enableLineNumber,
+        &tTrace::enableFileName,      &tTrace::enableFilePath,         &tTrace::enableThreadId,
+        &tTrace::enableTimeStamp,     &tTrace::enableTimeDelta,        &tTrace::enableVerbosity};
+    trace.disableComponentName();
+    trace.disableLineNumber();
+    trace.disableFileName();
+    bool const* isSwitchedOn = isOn;
+    for (tSwitch const enable : kOn) {
+      if (*isSwitchedOn++) (trace.*enable)();
+    }
+    if (!truncates) trace.disableTruncation();
+    if (!indents) trace.disableIndenting();
+    trace.setMinPrefixWidth(width);
+    for (u32 count = 0; count < level; ++count) {
+      trace.putPrefix("", kVersion, 0, "", 0, tTrace::kBlockEntry).endl();
+    }
+  }
+
+  std::string expected(u64 time, u64 delta) const {
+    std::vector<std::string> fields;
+    if (isOn[0]) fields.push_back(component);
+    if (isOn[1]) fields.push_back("1.2.3b45");
+    if (isOn[2]) fields.push_back(std::to_string(line));
+    if (isOn[3]) fields.push_back(isOn[4] ? path + name : name);
+    if (isOn[5]) fields.push_back("0x1A");
+    if (isOn[6]) fields.push_back(std::to_string(time));
+    if (isOn[7]) fields.push_back(std::to_string(delta));
+    if (isOn[8]) fields.push_back(std::to_string(verbosity));
+    std::string text;
+    for (std::string const& field : fields) text += (text.empty() ? "[" : "--") + field;
+    size_t const target = width == 0 ? 0 : width - 1;
+    if (truncates && text.size() > target) text.resize(target);
+    if (text.size() < target) text.resize(target, fields.empty() ? ' ' : '-');
+    if (!truncates || width != 0) text += fields.empty() ? "  " : "] ";
+    return text + std::string(indents ? 2 * level : 0, ' ');
+  }
+
+  bool isOn[9];
+  bool truncates;
+  bool indents;
+  u32 width;
+  u32 level;
+  std::string component;
+  u32 line;
+  std::string path;
+  std::string name;
+  u32 verbosity;
+};
+
+}  // namespace
+
+TEST(PrefixOnHost, Thread26IsShownAs0x1A) {
+  tSeemingThread const thread(26);
+  tHostStream stream;
+  stream.trace.configure("--compname off --linenumber off --filename off --threadid on");
+  stream.trace.setMinPrefixWidth(8);
+  EXPECT_EQ(stream.prefix(), "[0x1A--] ");
+}
+
+TEST(PrefixOnHost, TheLargestThreadIdIsShownInFull) {
+  tSeemingThread const thread(0xFFFFFFFF);
+  tHostStream stream;
+  stream.trace.configure("--compname off --linenumber off --filename off --threadid on");
+  stream.trace.setMinPrefixWidth(12);
+  EXPECT_EQ(stream.prefix(), "[0xFFFFFFFF] ");
+}
+
+TEST(PrefixOnHost, TheFilterComparesTheNumberOfTheThread) {
+  tHostStream stream;
+  stream.trace.setMinPrefixWidth(1);
+  stream.trace.getFilter()->parseExpression("threadid==0x1A");
+  {
+    tSeemingThread const thread(26);
+    EXPECT_EQ(stream.prefix(), "] ");
+  }
+  tSeemingThread const thread(27);
+  EXPECT_EQ(stream.prefix(), "");
+}
+
+TEST(PrefixOnHost, WithoutAFilterEveryLineIsShown) {
+  ntoshost::failFrom(ntoshost::kFaultMemory, 1);
+  tHostStream stream;
+  ntoshost::clearFaults();
+  ASSERT_EQ(stream.trace.getFilter(), nullptr);
+  stream.trace.setMinPrefixWidth(1);
+  EXPECT_EQ(stream.prefix(0), "] ");
+}
+
+TEST(PrefixOnHost, NothingAllocates) {
+  tHostStream stream;
+  stream.trace.configure(
+      "--compver --threadid --timestamp --timedelta --verbosity --filepath on "
+      "--filter \"compver!=a && threadid!=0\"");
+  ntoshost::watchCalls(ntoshost::kFaultMemory);
+  EXPECT_NE(stream.prefix(), "");
+  stream.trace.putPrefixPrototype().endl();
+  EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
+}
+
+TEST(PrefixOnHost, CalibrationWithoutALockMeasuresNothing) {
+  tHostStream stream;
+  auto& offsets = traceMembers::get<traceMembers::tCalibrationOffsets>(stream.trace);
+  for (u64& offset : offsets) offset = 7;
+  u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64) {
+    for (u64& offset : offsets) offset = 7;
+    stream.trace.calibrate();
+    bool const isMeasured = offsets[0] != 7 || offsets[1] != 7 || offsets[2] != 7;
+    EXPECT_EQ(isMeasured, ntoshost::faultsInjected() == 0);
+    EXPECT_EQ(stream.trace.isEnabled(), 1u);
+    EXPECT_EQ(stream.trace.getNestingLevel(), 0);
+  });
+  EXPECT_GE(failures, 1u);
+}
+
+TEST(PrefixOnHost, CalibrationLeavesNothingBehind) {
+  tHostStream stream;
+  u64 const before = ntoshost::outstandingBlocks();
+  stream.trace.calibrate();
+  EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+  EXPECT_EQ(stream.kept.text(), "");
+}
+
+TEST(PrefixOnHost, RandomPrefixesAgreeWithTheModel) {
+  tSeemingThread const thread(26);
+  std::mt19937 random(7);
+  for (u32 round = 0; round < kRounds; ++round) {
+    tRandomPrefix const wanted(random);
+    tHostStream stream;
+    stream.trace.getFilter()->removeAll();
+    wanted.apply(stream.trace);
+    stream.kept.pieces.clear();
+    u64 const lastTime = random();
+    u64 const carried = random();
+    traceMembers::get<traceMembers::tLastLineTime>(stream.trace) = lastTime;
+    traceMembers::get<traceMembers::tCarriedDelta>(stream.trace) = carried;
+    stream.trace.putPrefix(wanted.component.c_str(), kVersion, wanted.line,
+                           (wanted.path + wanted.name).c_str(), wanted.verbosity,
+                           tTrace::kTraceLine);
+    u64 const time = traceMembers::get<traceMembers::tLineStartTime>(stream.trace);
+    stream.trace.endl();
+    ASSERT_EQ(stream.kept.text(), wanted.expected(time, time - lastTime + carried) + "\n")
+        << "round " << round;
+  }
+}

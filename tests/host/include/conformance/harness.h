@@ -1,0 +1,11 @@
+#pragma once
+
+// The host side of the conformance harness: GoogleTest as it is. The tests/kernel folder has a
+// header of the same name for the driver; a conformance test keeps to what both offer:
+//
+//   TEST(Suite, Name)
+//   EXPECT_ and ASSERT_ with TRUE FALSE EQ NE LT LE GT GE STREQ STRNE, without streamed text
+//
+// The modules are started before the first test and unloaded after the last.
+
+#include <gtest/gtest.h>

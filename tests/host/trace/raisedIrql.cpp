@@ -1,0 +1,65 @@
+// Tracing above PASSIVE_LEVEL. The executive stops the program when a call is made at an IRQL that
+// its contract forbids, so these tests also show that no such call is made.
+
+#include "keptLines.h"
+#include "ntos/irql.h"
+#include "startedModules.h"
+
+namespace {
+
+using nOXDIAG100::tTrace;
+
+class tRaisedIrql {
+ public:
+  explicit tRaisedIrql(KIRQL irql) { KeRaiseIrql(irql, &former); }
+  ~tRaisedIrql() { KeLowerIrql(former); }
+  tRaisedIrql(tRaisedIrql const&) = delete;
+  tRaisedIrql& operator=(tRaisedIrql const&) = delete;
+
+ private:
+  KIRQL former = PASSIVE_LEVEL;
+};
+
+void putLine(tTrace& trace, char const* text) {
+  trace.putPrefix("irql", tSSVersion(), 1, "a/file", 100, tTrace::kTraceLine);
+  trace.put(text).put(5, 2).put(&trace, 4, 4).put("end").endl();
+}
+
+}  // namespace
+
+TEST(TraceIrql, LinesAreWrittenAtDispatchLevel) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.configure("--compver on --threadid on --timestamp on --timedelta on --verbosity on");
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    putLine(trace, "high ");
+  }
+  ASSERT_EQ(kept.pieces.size(), 2u);
+  EXPECT_NE(kept.pieces[0].find("] high 2#101"), std::string::npos) << kept.pieces[0];
+  EXPECT_EQ(kept.pieces[1], "end\n");
+}
+
+TEST(TraceIrql, LockedLinesAreWrittenAtApcLevel) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.enableMutex();
+  {
+    tRaisedIrql const raised(APC_LEVEL);
+    putLine(trace, "apc ");
+  }
+  EXPECT_EQ(kept.pieces.size(), 2u);
+}
+
+TEST(TraceIrql, LineThatCannotBeLockedIsWrittenAllTheSame) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.enableMutex();
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    putLine(trace, "high ");
+  }
+  EXPECT_EQ(kept.pieces.size(), 2u);
+  trace.disableMutex();
+  EXPECT_EQ(trace.mutexIsEnabled(), 0u);
+}

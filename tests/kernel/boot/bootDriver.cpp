@@ -1,0 +1,74 @@
+// oxdiagboot.sys, for tests only: does for the family what the kernel does where the kernel at hand
+// does not. It initialises vexk, qelmk and oxdiagk and then loads the driver whose service key its
+// own key names in the value "Driver". Unloading it undoes both.
+
+#include "ntos/debug.h"
+#include "ntos/driver.h"
+#include "ntos/registry.h"
+#include "ntos/string.h"
+#include "tBootedModules.h"
+
+namespace {
+
+constexpr u32 kValueSize = 512;  // bytes; a service key path has fewer
+
+struct tDriverKey {
+  alignas(KEY_VALUE_PARTIAL_INFORMATION) u8 storage[kValueSize];
+  UNICODE_STRING path;
+};
+
+constinit tBootedModules modules;
+constinit tDriverKey driverKey = {};
+
+NTSTATUS queryDriverValue(UNICODE_STRING* bootKey) {
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, bootKey, OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE,
+                             nullptr, nullptr);
+  HANDLE key = nullptr;
+  NTSTATUS status = ZwOpenKey(&key, KEY_READ, &attributes);
+  if (status < 0) return status;
+  UNICODE_STRING name;
+  RtlInitUnicodeString(&name, L"Driver");
+  u32 needed = 0;
+  status = ZwQueryValueKey(key, &name, KeyValuePartialInformation, driverKey.storage, kValueSize,
+                           &needed);
+  ZwClose(key);
+  return status;
+}
+
+NTSTATUS readDriverKey(UNICODE_STRING* bootKey) {
+  NTSTATUS const status = queryDriverValue(bootKey);
+  if (status < 0) return status;
+  auto* value = reinterpret_cast<KEY_VALUE_PARTIAL_INFORMATION*>(driverKey.storage);
+  RtlInitUnicodeString(&driverKey.path, reinterpret_cast<wchar_t*>(value->Data));
+  return STATUS_SUCCESS;
+}
+
+NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
+  NTSTATUS status = readDriverKey(bootKey);
+  if (status >= 0) status = modules.initialise();
+  if (status < 0) return status;
+  status = ZwLoadDriver(&driverKey.path);
+  if (status >= 0) return STATUS_SUCCESS;
+  modules.unload();
+  return status;
+}
+
+void unload(DRIVER_OBJECT* /*driver*/) {
+  NTSTATUS const driverStatus = ZwUnloadDriver(&driverKey.path);
+  NTSTATUS const moduleStatus = modules.unload();
+  if (driverStatus >= 0 && moduleStatus >= 0) {
+    DbgPrint("[boot] unloaded\n");
+  } else {
+    DbgPrint("[boot] unloading failed: 0x%08X\n", driverStatus < 0 ? driverStatus : moduleStatus);
+  }
+}
+
+}  // namespace
+
+extern "C" NTSTATUS DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath) {
+  driver->DriverUnload = &unload;
+  NTSTATUS const status = bootAndLoad(registryPath);
+  if (status < 0) DbgPrint("[boot] loading failed: 0x%08X\n", status);
+  return status;
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+// A loaded kernel DLL, found by the address of something in it.
+
+#include "ntos/types.h"
+
+class tModuleImage {
+ public:
+  // `inside` is an address in a section of the module, such as that of an imported function.
+  explicit tModuleImage(void const* inside);
+
+  void const* base() const { return image; }
+
+  // The address of the export `name`, or null when the module has none of that name.
+  void* findExport(char const* name) const;
+
+ private:
+  template <class T>
+  T const& at(u32 offset) const {
+    return *reinterpret_cast<T const*>(image + offset);
+  }
+
+  u8 const* image;
+};

@@ -1,0 +1,74 @@
+"""./dev test: every check there is, one line a step, one closing line for all."""
+
+import sys
+import traceback
+
+import workshop
+
+sys.path.insert(0, str(workshop.TOP / "tests/compile"))
+
+import compileChecks  # noqa: E402
+import images  # noqa: E402
+import kernel  # noqa: E402
+import lint  # noqa: E402
+import programs  # noqa: E402
+
+
+def windows_build():
+    workshop.build("windows")
+    return workshop.Outcome(1, [], "")
+
+
+STEPS = {
+    "format": ("clang-format", lint.check_format),
+    "headers": ("every public header alone, on Linux and Windows", compileChecks.check_headers),
+    "compile": ("what must compile and what must not", compileChecks.check_sources),
+    "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
+                   lambda: programs.check("host-debug", "host_tests")),
+    "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
+                   lambda: programs.check("host-clang", "host_tests")),
+    "host-tsan": ("thread tests, g++, thread sanitizer",
+                  lambda: programs.check("host-tsan", "thread_tests", "thread")),
+    "windows": ("Windows modules, warnings as errors", windows_build),
+    "modules": ("the modules as files: imports, exports, sections, PDB", images.check),
+    "kernel": ("conformance tests in a driver under Wine", kernel.check),
+    "tidy": ("clang-tidy", lint.check_tidy),
+}
+
+
+def guarded(name, function):
+    """A step that cannot even run is a failed check, and the others go on."""
+    try:
+        return function()
+    except workshop.Failure as failure:
+        return workshop.Outcome(0, [f"{name}: could not run"], str(failure))
+    except Exception:  # a fault of the workshop itself must not hide what it was to show
+        return workshop.Outcome(0, [f"{name}: the check itself broke"], traceback.format_exc())
+
+
+def run_step(name, number, count):
+    title, function = STEPS[name]
+    with workshop.Progress(f"[{number}/{count}] {title}", sys.stdout) as progress:
+        outcome = guarded(name, function)
+        progress.end(f"{outcome.passed} passed, {len(outcome.failed)} failed")
+    if outcome.failed:
+        print(outcome.output)
+    return outcome
+
+
+def main(names):
+    unknown = [name for name in names if name not in STEPS]
+    if unknown:
+        print("steps: " + " ".join(STEPS))
+        return 0 if names == ["--list"] else 2
+    names = names or list(STEPS)
+    outcomes = [run_step(name, number, len(names)) for number, name in enumerate(names, 1)]
+    failed = [name for outcome in outcomes for name in outcome.failed]
+    for name in failed:
+        print(f"FAILED {name}")
+    print(f"{sum(outcome.passed for outcome in outcomes)} passed, {len(failed)} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1:]))

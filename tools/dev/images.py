@@ -1,0 +1,95 @@
+"""What the built Windows modules must be, read back with LLVM's own readers."""
+
+import re
+
+import workshop
+
+MODULES = workshop.tree("windows") / "modules"
+KERNEL = {"ntoskrnl.exe", "hal.dll"}
+FAMILY = {
+    "vexk.dll": KERNEL,
+    "qelmk.dll": KERNEL | {"vexk.dll"},
+    "oxdiagk.dll": KERNEL | {"vexk.dll", "qelmk.dll"},
+    "slotbus.sys": KERNEL | {"vexk.dll", "qelmk.dll", "oxdiagk.dll"},
+}
+ENTRIES = {"DllInitialize", "DllUnload"}
+
+
+def read(image, *what):
+    return workshop.demand(["llvm-readobj", *what, MODULES / image])
+
+
+def imports(image):
+    text = read(image, "--coff-imports")
+    return {name.lower() for name in re.findall(r"^\s+Name: (\S+\.(?:exe|dll|sys))$", text, re.M)}
+
+
+def exports(image):
+    return set(re.findall(r"^\s+Name: (\S+)$", read(image, "--coff-exports"), re.M))
+
+
+def import_check(image):
+    extra = imports(image) - FAMILY[image]
+    return f"{image} imports only from {', '.join(sorted(FAMILY[image]))}", sorted(extra)
+
+
+def native_check(image):
+    text = read(image, "--file-headers")
+    wanted = ["IMAGE_SUBSYSTEM_NATIVE", "IMAGE_FILE_MACHINE_AMD64",
+              "IMAGE_DLL_CHARACTERISTICS_DYNAMIC_BASE", "IMAGE_DLL_CHARACTERISTICS_NX_COMPAT"]
+    return (f"{image} is a relocatable native image for x86-64",
+            [word for word in wanted if word not in text])
+
+
+def section_check(image):
+    sections = read(image, "--sections").split("Section {")[1:]
+    both = [re.search(r"Name: (\S+)", section).group(1) for section in sections
+            if "IMAGE_SCN_MEM_WRITE" in section and "IMAGE_SCN_MEM_EXECUTE" in section]
+    return f"{image} has no section writable and executable", both
+
+
+def unwind_check(image):
+    """Stack traces and structured exceptions of the kernel live on this table."""
+    found = re.search(r"ExceptionTableSize: (0x[0-9A-F]+)", read(image, "--file-headers"))
+    size = int(found.group(1), 16) if found else 0
+    return f"{image} has unwind data", [] if size else ["its exception table is empty"]
+
+
+def export_check(image):
+    """Plain names are the C entry points; every C++ name is mangled the way of Microsoft."""
+    names = exports(image)
+    wrong = {name for name in names if re.match(r"_Z|\w+\(", name)} | (ENTRIES - names)
+    if not any(name.startswith("?") for name in names):
+        wrong.add("no mangled name at all")
+    return f"{image} exports its entries and Microsoft-mangled names", sorted(wrong)
+
+
+def guid_of_image(image):
+    match = re.search(r"PDBGUID: \(([0-9A-F ]+)\)", read(image, "--coff-debug-directory"))
+    raw = bytes.fromhex(match.group(1)) if match else b""
+    return (raw[3::-1] + raw[5:3:-1] + raw[7:5:-1] + raw[8:]).hex() if len(raw) == 16 else None
+
+
+def guid_of_pdb(image):
+    pdb = (MODULES / image).with_suffix(".pdb")
+    if not pdb.exists():
+        return None
+    text = workshop.demand(["llvm-pdbutil", "dump", "--summary", pdb])
+    return re.search(r"GUID: \{([0-9A-F-]+)\}", text).group(1).replace("-", "").lower()
+
+
+def pdb_check(image):
+    wanted, seen = guid_of_image(image), guid_of_pdb(image)
+    wrong = [] if wanted and wanted == seen else [f"image {wanted}", f"PDB {seen}"]
+    return f"{image} has its PDB beside it", wrong
+
+
+def checks_of(image):
+    checks = [import_check, native_check, section_check, unwind_check, pdb_check]
+    return checks + [export_check] if image.endswith(".dll") else checks
+
+
+def check():
+    results = [one(image) for image in FAMILY for one in checks_of(image)]
+    failed = [f"{title}: {', '.join(wrong)}" for title, wrong in results if wrong]
+    return workshop.Outcome(len(results) - len(failed), failed, "\n".join(failed))

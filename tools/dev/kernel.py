@@ -1,0 +1,152 @@
+"""./dev kernel build, demo and test: the Windows modules, and drivers that use them under Wine."""
+
+import argparse
+import pathlib
+import re
+import sys
+
+import wine
+import workshop
+
+MODULES = workshop.tree("windows") / "modules"
+LIBRARIES = ["vexk.dll", "qelmk.dll", "oxdiagk.dll"]
+MARK = "[oxt] "
+BOOT_MARK = "[boot] "
+UNLOADED = "[boot] unloaded"
+DEFAULT_RACK = workshop.TOP / "examples/slotbus/rack.txt"
+
+
+def build():
+    return workshop.build("windows")
+
+
+def module_files(driver):
+    names = [*LIBRARIES, f"{wine.BOOT}.sys", driver]
+    return {name: MODULES / name for name in names}
+
+
+def place_of_crash(texts):
+    """Wine names the address of a fault, the boot driver and the test driver their images'."""
+    text = "\n".join(texts)
+    fault = re.search(r"at address ([0-9A-F]+)", text)
+    images = [(int(base, 16), name)
+              for name, base in re.findall(r"image (\S+) at ([0-9A-Fa-fx]+)", text)]
+    if not fault:
+        return ""
+    address = int(fault.group(1), 16)
+    below = [(base, name) for base, name in images if base <= address]
+    if not below:
+        return ""
+    base, name = max(below)
+    _, place = workshop.run(["llvm-symbolizer", f"--obj={MODULES / name}", "--relative-address",
+                             "--pretty-print", hex(address - base)])
+    return f"the fault is in {name}: {place.strip()}"
+
+
+class TestLines:
+    """The harness's own lines among everything that was printed."""
+
+    def __init__(self, texts):
+        lines = [line for text in texts for line in text.split("\n") if line.startswith(MARK)]
+        words = [line.split() for line in lines]
+        self.held = [line[2] for line in words if line[1] == "ok"]
+        self.failed = list(dict.fromkeys(line[2] for line in words if line[1] == "FAILED"))
+        self.complaints = [line for line in lines if line.startswith(f"{MARK}FAILED")]
+        self.begun = [line[2] for line in words if line[1] == "run"]
+        self.done = [line for line in lines if line.startswith(f"{MARK}done ")]
+
+    def is_complete(self):
+        counts = f"{MARK}done {len(self.held)} passed {len(self.failed)} failed"
+        return self.done == [counts] and len(self.held) > 0
+
+
+def run_checks(run, tests):
+    """(title, held) for what holds of the run as a whole."""
+    last = tests.begun[-1] if tests.begun and not tests.done else "none"
+    return [
+        (f"driver tests run to their end (unfinished: {last})", tests.is_complete()),
+        ("driver and modules unload cleanly", run.stopped and UNLOADED in run.texts),
+        ("processes of Wine were there to be ended", run.processes_seen > 0),
+        ("no process is left behind", not wine.processes()),
+    ]
+
+
+def check():
+    """The conformance tests in a driver."""
+    build()
+    with wine.alone():
+        wine.create_prefix()
+        run = wine.run_driver("oxdiagtest", module_files("oxdiagtest.sys"), {})
+        tests = TestLines(run.texts)
+        checks = run_checks(run, tests)
+    failed = [f"kernel {name}" for name in tests.failed]
+    failed += [f"kernel: {title}" for title, held in checks if not held]
+    output = "\n".join(tests.complaints)
+    if not all(held for _, held in checks):
+        output = "\n".join([*run.texts[-60:], place_of_crash(run.texts)])
+    return workshop.Outcome(len(tests.held) + sum(held for _, held in checks), failed, output)
+
+
+def test():
+    outcome = workshop.step("driver tests under Wine", check)
+    if outcome.output:
+        print(outcome.output)
+    for name in outcome.failed:
+        print(f"FAILED {name}")
+    print(f"{outcome.passed} passed, {len(outcome.failed)} failed")
+    return 1 if outcome.failed else 0
+
+
+def demo_options(arguments):
+    """[FILE] [--filter EXPRESSION]; None for what is not given."""
+    parser = argparse.ArgumentParser(prog="./dev kernel demo", description=__doc__)
+    parser.add_argument("file", nargs="?", type=pathlib.Path, metavar="FILE",
+                        help="the rack to read; examples/slotbus/rack.txt if none is given")
+    parser.add_argument("--filter", metavar="EXPRESSION", help="shows only lines that pass")
+    return parser.parse_args(arguments)
+
+
+def demo_input(options):
+    """The files beside the driver and the values of its service key. The key always names the
+    rack: Wine's kernel does not know the folder that is the driver's default."""
+    files = dict(module_files("slotbus.sys"), **{"rack.txt": options.file or DEFAULT_RACK})
+    path = rf"\??\{wine.DRIVERS_IN_WINDOWS}rack.txt"
+    return files, {"RackFile": path, "Filter": options.filter}
+
+
+def run_demo(options):
+    with wine.alone():
+        wine.create_prefix()
+        return wine.run_driver("slotbus", *demo_input(options))
+
+
+def show_demo(run):
+    """A person wants the component's lines; what the boot driver says counts when it went wrong."""
+    held = run.stopped and UNLOADED in run.texts
+    for line in wine.lines_of_texts(run.texts):
+        if not (held and line.startswith(BOOT_MARK)):
+            print(line)
+    if not held:
+        print("slotbus.sys was not loaded and unloaded as it should be", file=sys.stderr)
+    return 0 if held else 1
+
+
+def demo(arguments):
+    options = demo_options(arguments)
+    try:
+        (options.file or DEFAULT_RACK).read_bytes()
+    except OSError as error:
+        print(f"cannot read the rack file '{error.filename}': {error.strerror}", file=sys.stderr)
+        return 2
+    workshop.step("build the Windows modules", build)
+    return show_demo(workshop.step("load, run and unload slotbus.sys under Wine", run_demo,
+                                   options))
+
+
+if __name__ == "__main__":
+    verb, *rest = sys.argv[1:]
+    if verb == "build":
+        workshop.step("build the Windows modules", build)
+        print(MODULES)
+    else:
+        sys.exit(demo(rest) if verb == "demo" else test())

@@ -1,0 +1,78 @@
+"""clang-format and clang-tidy over the project's own C++."""
+
+import hashlib
+import json
+import pathlib
+
+import workshop
+
+FOLDERS = ["include", "source", "platform", "examples", "tests", "bench", "tools"]
+CLEAN = workshop.OUT / "tidy"  # one empty file for each unit that was found clean, as it was then
+
+
+def sources(*suffixes):
+    found = []
+    for folder in FOLDERS:
+        found += [path for path in (workshop.TOP / folder).rglob("*") if path.suffix in suffixes]
+    return sorted(found)
+
+
+def check_format():
+    code, output = workshop.run(["clang-format", "--dry-run", "-Werror", *sources(".h", ".cpp")])
+    return workshop.Outcome(int(code == 0), [] if code == 0 else ["clang-format"], output)
+
+
+def units(preset):
+    """File -> compiler call of the project's translation units in a preset's database."""
+    database = json.loads((workshop.tree(preset) / "compile_commands.json").read_text())
+    return {entry["file"]: entry["command"] for entry in database}
+
+
+def common_digest():
+    """What every unit depends on: the settings, and all headers, whichever it includes."""
+    digest = hashlib.sha256()
+    settings = [path for path in (workshop.TOP / folder / ".clang-tidy" for folder in ["", *FOLDERS])
+                if path.exists()]
+    for path in [*settings, *sources(".h")]:
+        digest.update(f"{path}\0".encode() + path.read_bytes())
+    return digest.digest()
+
+
+class Unit:
+    """One translation unit as one preset compiles it."""
+
+    def __init__(self, file, command, preset, common):
+        self.file, self.preset = file, preset
+        text = pathlib.Path(file).read_bytes() + command.encode()
+        self.stamp = CLEAN / hashlib.sha256(common + text).hexdigest()
+
+    def complaints(self):
+        """What clang-tidy says of it, nothing if it is clean or was found clean as it stands."""
+        if self.stamp.exists():
+            return ""
+        code, output = workshop.run(["clang-tidy", "--quiet", "-p", workshop.tree(self.preset),
+                                     self.file])
+        if code == 0:
+            self.stamp.touch()
+        return "" if code == 0 else output
+
+
+def all_units():
+    """Every unit once: as Windows code if it is built there, which is the product and what the
+    analyser reads fastest, else as host code."""
+    common = common_digest()
+    windows = units("windows")
+    host = {file: command for file, command in units("host-clang").items() if file not in windows}
+    return [Unit(file, command, preset, common)
+            for preset, calls in (("windows", windows), ("host-clang", host))
+            for file, command in sorted(calls.items())]
+
+
+def check_tidy():
+    for preset in ("windows", "host-clang"):
+        workshop.configure(preset)
+    CLEAN.mkdir(parents=True, exist_ok=True)
+    work = all_units()
+    said = [text for text in workshop.in_parallel(Unit.complaints, work) if text]
+    failed = ["clang-tidy"] if said or not work else []
+    return workshop.Outcome(1 - len(failed), failed, "\n".join(said))

@@ -1,0 +1,77 @@
+"""Builds the host test programs of a preset, runs them, and counts their tests."""
+
+import json
+import os
+import pathlib
+
+import workshop
+
+TIME_LIMIT = 600  # seconds for one program; the slowest takes a small part of it
+
+
+class Program:
+    """A line of the list that the build writes: name, kind and path of one test program."""
+
+    def __init__(self, line):
+        self.name, self.kind, path = line.split(";")
+        self.path = pathlib.Path(path)
+
+
+def programs(preset, kind=None):
+    listing = workshop.tree(preset) / "tests/host/programs.txt"
+    found = [Program(line) for line in listing.read_text().splitlines()]
+    return [program for program in found if kind in (None, program.kind)]
+
+
+def environment():
+    return dict(os.environ, UBSAN_OPTIONS="print_stacktrace=1",
+                ASAN_OPTIONS="strict_string_checks=1:detect_stack_use_after_return=1")
+
+
+def without_random_layout(preset):
+    """The thread sanitizer of this compiler cannot live with every address layout."""
+    return ["setarch", "x86_64", "-R"] if preset == "host-tsan" else []
+
+
+def run_program(preset, program):
+    folder = workshop.tree(preset) / "runs" / program.name
+    folder.mkdir(parents=True, exist_ok=True)
+    report = folder / "report.json"
+    report.unlink(missing_ok=True)
+    command = [*without_random_layout(preset), program.path, f"--gtest_output=json:{report}"]
+    code, output = workshop.run(["timeout", "-k", "5", TIME_LIMIT, *command], cwd=folder,
+                                env=environment())
+    return outcome_of(f"{preset} {program.name}", code, output, report)
+
+
+def outcome_of(name, code, output, report):
+    """A program counts its tests; one that ends badly on top of that is a failure of its own."""
+    tests = read_report(report)
+    failed = [f"{name} {test}" for test, held in tests.items() if not held]
+    if not tests:
+        failed.append(f"{name}: ran no test to its end, exit code {code}")
+    elif code != 0 and not failed:
+        failed.append(f"{name}: exit code {code} after its tests")
+    passed = sum(tests.values())
+    return workshop.Outcome(passed, failed, output if failed else "")
+
+
+def read_report(report):
+    """Test name -> held. A skipped or disabled test did not hold: nothing is left out quietly."""
+    if not report.exists():
+        return {}
+    suites = json.loads(report.read_text())["testsuites"]
+    return {f"{suite['name']}.{test['name']}":
+            test["result"] == "COMPLETED" and not test.get("failures")
+            for suite in suites for test in suite["testsuite"]}
+
+
+def check(preset, target, kind=None):
+    workshop.build(preset, target)
+    outcomes = workshop.in_parallel(lambda program: run_program(preset, program),
+                                    programs(preset, kind))
+    failed = [name for outcome in outcomes for name in outcome.failed]
+    if not outcomes:
+        failed.append(f"{preset}: no test program")
+    return workshop.Outcome(sum(outcome.passed for outcome in outcomes), failed,
+                            "\n".join(outcome.output for outcome in outcomes if outcome.output))

@@ -1,0 +1,170 @@
+"""A Wine prefix of the project's own: drivers are put in, started, stopped, and nothing stays."""
+
+import contextlib
+import fcntl
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+
+import workshop
+
+FOLDER = workshop.OUT / "wine"
+PREFIX = FOLDER / "prefix"
+DRIVERS = PREFIX / "drive_c/windows/system32/drivers"
+DRIVERS_IN_WINDOWS = "C:\\windows\\system32\\drivers\\"
+SERVICES = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services"
+BOOT = "oxdiagboot"
+NAMES = [BOOT, "oxdiagtest", "slotbus"]
+CALL_LIMIT = 60  # seconds for one call of Wine
+RUN_LIMIT = 300  # seconds for everything that starting a driver does
+
+# The service manager gives a starting driver ten seconds, tests may take longer.
+START_LIMIT_KEY = r"HKLM\System\CurrentControlSet\Control"
+
+# How Wine shows one call of the debugger print; the final newline of its text is lost.
+PRINT = re.compile(r"^[0-9a-f]+:\w+:debugstr:vDbgPrintExWithPrefix [0-9a-f]{8}:[0-9a-f]{8}: (.*)$")
+FULL_PIECE = 255  # a text of that length comes from a full line buffer: its line goes on
+
+
+def environment():
+    without = {"DISPLAY", "WAYLAND_DISPLAY"}
+    clean = {name: value for name, value in os.environ.items() if name not in without}
+    return dict(clean, WINEPREFIX=str(PREFIX), WINEARCH="win64", WINEDEBUG="-all,+debugstr",
+                WINEDLLOVERRIDES="mscoree,mshtml,winemenubuilder.exe=")
+
+
+def call(*command, errors=subprocess.DEVNULL, limit=CALL_LIMIT):
+    """One program of Wine; returns its exit code, or None when it took too long."""
+    try:
+        return subprocess.run(command, env=environment(), stdin=subprocess.DEVNULL,
+                              stdout=subprocess.DEVNULL, stderr=errors, timeout=limit).returncode
+    except subprocess.TimeoutExpired:
+        return None
+
+
+def demand_call(*command, errors=subprocess.DEVNULL):
+    code = call(*command, errors=errors)
+    if code != 0:
+        raise workshop.Failure(f"{' '.join(command)}: {'no end' if code is None else code}")
+
+
+def stop_server():
+    call("wineserver", "-k")
+    call("wineserver", "-w")
+
+
+def processes():
+    """The processes that live in the prefix, by what their environment says."""
+    mark = f"WINEPREFIX={PREFIX}\0".encode()
+    found = []
+    for path in pathlib.Path("/proc").glob("[0-9]*/environ"):
+        with contextlib.suppress(OSError):
+            if mark in path.read_bytes() and int(path.parent.name) != os.getpid():
+                found.append(int(path.parent.name))
+    return found
+
+
+def create_prefix():
+    """Made once; a prefix that was not finished is made anew."""
+    stamp = FOLDER / "prefix.complete"
+    if stamp.exists():
+        return
+    shutil.rmtree(PREFIX, ignore_errors=True)
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    try:
+        demand_call("wineboot", "-i")
+        demand_call("wine", "reg", "add", START_LIMIT_KEY, "/v", "ServicesPipeTimeout",
+                    "/t", "REG_SZ", "/d", str(RUN_LIMIT * 1000), "/f")
+        for name in NAMES:
+            demand_call("wine", "sc", "create", name, "type=", "kernel",
+                        "binPath=", f"{DRIVERS_IN_WINDOWS}{name}.sys")
+    finally:
+        stop_server()
+    stamp.touch()
+
+
+def registry_text(values):
+    """A registry script that sets string values of services and removes those that are None."""
+    lines = ["Windows Registry Editor Version 5.00", ""]
+    for service, settings in values.items():
+        lines.append(f"[{SERVICES}\\{service}]")
+        for name, value in settings.items():
+            quoted = (value or "").replace("\\", "\\\\").replace('"', '\\"')
+            lines.append(f'"{name}"=-' if value is None else f'"{name}"="{quoted}"')
+        lines.append("")
+    return "\r\n".join(lines)
+
+
+def text_of_prints(raw):
+    """The texts of the debugger print, one a call; what Wine itself says follows as it comes."""
+    texts = []
+    for line in raw.splitlines():
+        match = PRINT.match(line)
+        if match:
+            texts.append(match.group(1))
+        elif texts:
+            texts[-1] += f"\n{line}"
+        else:
+            texts.append(line)
+    return texts
+
+
+def lines_of_texts(texts):
+    """What a person at the debugger would see: pieces of a long line joined again."""
+    lines, goes_on = [], False
+    for text in texts:
+        if goes_on:
+            lines[-1] += text
+        else:
+            lines.append(text)
+        goes_on = len(text) == FULL_PIECE
+    return "\n".join(lines).split("\n")
+
+
+class Run:
+    """What one run of a driver gave."""
+
+    def __init__(self):
+        self.started = self.stopped = self.timed_out = False
+        self.processes_seen = 0
+        self.texts = []
+
+
+def start_and_stop(run, log):
+    """The first call starts the prefix's server, whose error stream gets the debugger print."""
+    script = FOLDER / "services.reg"
+    demand_call("wine", "reg", "import", str(script), errors=log)
+    code = call("wine", "sc", "start", BOOT, limit=RUN_LIMIT)
+    run.started, run.timed_out = code == 0, code is None
+    run.processes_seen = len(processes())
+    if run.started:
+        run.stopped = call("wine", "sc", "stop", BOOT) == 0
+
+
+@contextlib.contextmanager
+def alone():
+    """One run at a time in this prefix."""
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    with open(FOLDER / "lock", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        yield
+
+
+def run_driver(name, files, settings):
+    """Copies files into the drivers folder and lets the boot driver load and unload `name`."""
+    run = Run()
+    (FOLDER / "services.reg").write_bytes(registry_text({
+        BOOT: {"Driver": rf"\Registry\Machine\System\CurrentControlSet\Services\{name}"},
+        name: settings}).encode("utf-16"))
+    for target, source in files.items():
+        shutil.copyfile(source, DRIVERS / target)
+    print_log = FOLDER / f"{name}.log"
+    try:
+        with open(print_log, "wb") as log:
+            start_and_stop(run, log)
+    finally:
+        stop_server()
+    run.texts = text_of_prints(print_log.read_text(errors="replace"))
+    return run
