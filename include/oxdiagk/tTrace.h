@@ -47,9 +47,6 @@ class OXDIAG_API tTrace : public tConfigurable {
     kBlockExit = 2    // the last line of a block: nested one less, itself included
   };
 
-  // The longest text that putf makes, in bytes with its terminator.
-  static constexpr u32 kMaxTraceLine = 1024;
-
   // The one stream of the module. Every name, and none, means this stream.
   static tTrace& getInstance(char* name = nullptr);
 
@@ -209,7 +206,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   // line mutex back; remembers the time.
   tTrace& endl();
 
-  // Reads option words; everything but the filter is applied once the whole list has been read.
+  // Reads option words. Filter, token and a destination's own words take effect as they are read,
+  // everything else after the last word.
   //
   //   --on, --off                  master switch
   //   --compname, --compver, --linenumber, --filename, --threadid, --verbosity

@@ -13,6 +13,9 @@ class OXDIAG_API tVEXTraceDestination : public iTraceDestination {
  public:
   static tVEXTraceDestination& getInstance();
 
+  tVEXTraceDestination(tVEXTraceDestination const&) = delete;
+  tVEXTraceDestination& operator=(tVEXTraceDestination const&) = delete;
+
   // Prints `text`; it is never taken for a format.
   iTraceDestination& put(char const* text) override;
 

@@ -16,7 +16,7 @@ void* takeStatusMemory(size_t size, i32& status) {
 void giveStatusMemoryBack(void* block) {
   i32 status = 0;
   tStatus2Heap* const heap = tStatus2Heap::getHeap(status);
-  if (heap != nullptr && block != nullptr) heap->releaseMemoryBlock(block, status);
+  if (heap != nullptr) heap->releaseMemoryBlock(block, status);
 }
 
 }  // namespace nOXDIAG100

@@ -18,13 +18,13 @@ namespace {
 constinit tStatus2Heap* pool = nullptr;
 
 constexpr u32 kArenaUnits = tStatus2Heap::kTotalUnits + 1;  // and the anchor
-constexpr u32 kTooManyUnits = 0xFFFFFFFF;
+constexpr size_t kArenaSize = size_t{kArenaUnits} * tStatus2Heap::kUnitSize;
 
 constexpr tSyncDescriptor kLock = {
     kSyncKindMutex, kSyncFlagLongLived, kSyncAccessSynchronize, {0, 0}};
 
+// A negative size counts as the 2 GiB and more that its bits say, which no pool has.
 u32 unitsOf(i32 size) {
-  if (size < 0) return kTooManyUnits;
   u32 const bytes = static_cast<u32>(size);
   u32 const remainder = bytes % tStatus2Heap::kUnitSize == 0 ? 0 : 1;
   return bytes / tStatus2Heap::kUnitSize + remainder + 1;
@@ -43,7 +43,7 @@ i32 tStatus2Heap::create() {
   void* const record = _memNewUsingCRT(sizeof(tStatus2Heap), kMemLongLived, status);
   if (record == nullptr) return status;
   i32 arenaStatus = 0;
-  void* const memory = _memNewUsingCRT(kArenaUnits * kUnitSize, kMemLongLived, arenaStatus);
+  void* const memory = _memNewUsingCRT(kArenaSize, kMemLongLived, arenaStatus);
   iSync* const sync = syncOpen(nullptr, kLock, status);
   if (sync == nullptr) {
     _memDelete(memory);
@@ -167,9 +167,9 @@ tStatus2Heap::tBlock* tStatus2Heap::findPredecessor(tBlock const* block) const {
 }
 
 bool tStatus2Heap::isReleasable(tBlock const* block, tBlock const* previous) const {
+  bool const isAllocated = block->next == block && block->units != 0;
+  if (!isAllocated || previous + previous->units > block) return false;
   tBlock const* const next = previous->next;
-  if (next == block || previous + previous->units > block) return false;
-  if (block->next != block || block->units == 0) return false;
   tBlock const* const limit = next == arena ? arena + kArenaUnits : next;
   return block->units <= static_cast<size_t>(limit - block);
 }
@@ -188,7 +188,6 @@ void tStatus2Heap::insert(tBlock* block, tBlock* previous) {
   if (previous + previous->units == block) {
     previous->units += block->units;
     previous->next = block->next;
-    block->next = nullptr;
     --freeBlocks;
   } else {
     previous->next = block;

@@ -149,9 +149,7 @@ void tStatus2Implementation::readExternal(nQELM100::iObjectReader& reader, i32& 
   u32 hasDescription = 0;
   u32 hasHighHalves = 0;
   readFixedPart(reader, hasDescription, hasHighHalves, status);
-  if (hasDescription != 0 && status >= 0) {
-    description = adoptDescription(reader.readObject(status), status);
-  }
+  if (hasDescription != 0) description = adoptDescription(reader.readObject(status), status);
   if (hasHighHalves == 0) return;
   for (u64& address : stackTrace) address |= u64{readNumber(reader, status)} << 32;
 }

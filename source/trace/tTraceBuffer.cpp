@@ -5,6 +5,28 @@
 // a copy of the write position that it has checked itself, so nobody writes beyond the buffer.
 
 namespace nOXDIAG100 {
+namespace {
+
+constexpr u64 kLowBits = 0x0101010101010101;
+constexpr u64 kHighBits = 0x8080808080808080;
+
+u64 loadWord(char const* text) {
+  u64 word = 0;
+  __builtin_memcpy(&word, text, sizeof(word));
+  return word;
+}
+
+// Whether one of the eight characters is NUL.
+constexpr bool hasNul(u64 word) {
+  return ((word - kLowBits) & ~word & kHighBits) != 0;
+}
+
+// Whether eight characters need no look at each: there is no newline and no NUL among them.
+constexpr bool isPlain(u64 word) {
+  return !hasNul(word) && !hasNul(word ^ (kLowBits * '\n'));
+}
+
+}  // namespace
 
 char* tTrace::flush(char* end) {
   *end = 0;
@@ -19,24 +41,31 @@ char* tTrace::flush(char* end) {
 }
 
 char* tTrace::appendCharacter(char character, char* position) {
+  if (character == 0) lineHasNul = 1;
   *position++ = character;
   bool const isFull = position == lineBuffer + kLineBufferSize - 1;
   return character == '\n' || isFull ? flush(position) : position;
 }
 
 void tTrace::append(char const* text) {
-  if (!isWriting() || text == nullptr) return;
-  char* position = __atomic_load_n(&writePosition, __ATOMIC_RELAXED);
-  for (; *text != 0; ++text) position = appendCharacter(*text, position);
-  __atomic_store_n(&writePosition, position, __ATOMIC_RELAXED);
+  if (isWriting() && text != nullptr) append(text, __builtin_strlen(text));
 }
 
 void tTrace::append(char const* text, u64 length) {
   if (!isWriting() || text == nullptr) return;
+  constexpr u64 kWordSize = sizeof(u64);
+  char const* const lastWord = lineBuffer + kLineBufferSize - 1 - kWordSize;
+  char const* const end = text + length;
   char* position = __atomic_load_n(&writePosition, __ATOMIC_RELAXED);
-  for (u64 index = 0; index < length; ++index) {
-    if (text[index] == 0) lineHasNul = 1;
-    position = appendCharacter(text[index], position);
+  while (text != end) {
+    u64 const left = static_cast<u64>(end - text);
+    if (left >= kWordSize && position < lastWord && isPlain(loadWord(text))) {
+      __builtin_memcpy(position, text, kWordSize);
+      position += kWordSize;
+      text += kWordSize;
+    } else {
+      position = appendCharacter(*text++, position);
+    }
   }
   __atomic_store_n(&writePosition, position, __ATOMIC_RELAXED);
 }

@@ -140,6 +140,19 @@ TEST(StatusHeapBadBlocks, ABlockInAFreeOneIsRefused) {
   giveBack(high);
 }
 
+TEST(StatusHeapBadBlocks, AForgedHeaderInAFreeBlockIsRefused) {
+  void* const high = takeBlock(kSize);
+  void* const low = takeBlock(kSize);
+  void* const guard = takeBlock(kSize);
+  giveBack(low);
+  void* const forged = moved(low, 64);
+  *headerOf(forged) = {reinterpret_cast<u64>(headerOf(forged)), 1, 0};
+  EXPECT_EQ(givingBadBlock(forged), kStatusHeapBadBlock);
+  giveBack(guard);
+  giveBack(high);
+  EXPECT_TRUE(isHeapUnused());
+}
+
 TEST(StatusHeapBadBlocks, ABlockThatReachesBehindTheArenaIsRefused) {
   void* const top = takeBlock(kSize);
   constexpr u32 kUnits[] = {17, 1024, 0x10000000, 0xFFFFFFFF};

@@ -5,6 +5,10 @@
 
 using namespace stlElements;
 
+// Every member compiles on every target, also those that no test calls.
+template class _STL::list<u32>;
+template class _STL::list<_STL::string>;
+
 using tHandles = _STL::list<u32>;
 
 // The numbers 1, 2 ... up to `last`.

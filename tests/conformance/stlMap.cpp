@@ -5,6 +5,10 @@
 
 using namespace stlElements;
 
+// Every member compiles on every target, also those that no test calls.
+template class _STL::map<u32, void*>;
+template class _STL::map<_STL::string, _STL::wstring>;
+
 using tTable = _STL::map<u32, i32>;
 
 // Keys 1 to `last` in an order that jumps around; the value is the key negated.

@@ -1,6 +1,11 @@
 #include "conformance/harness.h"
 #include "stl/string.h"
 
+// Every member compiles on every target, also those that no test calls.
+template class _STL::basic_string<char>;
+template class _STL::basic_string<wchar_t>;
+template class _STL::basic_string<wchar_t, _STL::kMemoryScratch>;
+
 // The text "0123456789" repeated until it has `length` characters.
 static _STL::string digits(size_t length) {
   _STL::string text;

@@ -5,6 +5,11 @@
 
 using namespace stlElements;
 
+// Every member compiles on every target, also those that no test calls.
+template class _STL::vector<i32>;
+template class _STL::vector<_STL::wstring>;
+template class _STL::vector<_STL::vector<_STL::string>>;
+
 using tNumbers = _STL::vector<i32>;
 
 // The numbers 0, 1, 2 ... below `count`.

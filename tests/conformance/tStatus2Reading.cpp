@@ -128,6 +128,33 @@ TEST(StatusReading, TheOldDetailIsDropped) {
   EXPECT_EQ(theHeap().getAllocatedBlocks(), u32{1});
 }
 
+TEST(StatusReading, TheOldDetailIsDroppedWhenNoneFollows) {
+  tStatus2 target;
+  OXDIAG_SET_STATUS(target, -5);
+  tItemStream& stream = cleanStream();
+  i32 status = 0;
+  tStatus2(-5).writeExternal(stream, status);
+  EXPECT_EQ(readFrom(stream, target), 0);
+  EXPECT_FALSE(target.hasDetail());
+  EXPECT_TRUE(isHeapUnused());
+}
+
+TEST(StatusReading, TheOldDetailIsDroppedWhenTheStreamIsEmpty) {
+  tStatus2 target;
+  OXDIAG_SET_STATUS(target, -5);
+  EXPECT_EQ(readFrom(cleanStream(), target), tItemStream::kStatusEnded);
+  EXPECT_FALSE(target.hasDetail());
+  EXPECT_EQ(target.getCode(), -5);
+}
+
+TEST(StatusReading, AnyDescriptionFlagButZeroAnnouncesADescription) {
+  tItemStream& stream = describedForm();
+  stream.replace(kFormDescriptionFlag, 2);
+  tStatus2 target;
+  EXPECT_EQ(readFrom(stream, target), 0);
+  EXPECT_EQ(numberOf(target.getDescription()), 42);
+}
+
 TEST(StatusReading, CopiesKeepTheOldDetail) {
   tOrigin const origin("slotbus", "old.cpp");
   tStatus2 target;

@@ -164,6 +164,18 @@ TEST(StatusRecord, WritesAndReadsItsFormInSlots10And11) {
   EXPECT_EQ(record.status.getLineNumber(), u32{4711});
 }
 
+TEST(StatusRecord, IsEmptyWhereTheStreamEndsEarly) {
+  tRecord record;
+  tTestDescription const description(42);
+  record.status.setDescription(description);
+  i32 status = 0;
+  record.slot<tReadCall>(kReadExternal)(record.address, &cleanStream(), &status);
+  EXPECT_EQ(status, tItemStream::kStatusEnded);
+  u8 const zeros[232 - 12] = {};
+  EXPECT_EQ(__builtin_memcmp(record.address + 12, zeros, sizeof zeros), 0);
+  EXPECT_EQ(record.at<i32>(232), 0);
+}
+
 TEST(StatusRecord, CopiesItsStackTraceInSlot12) {
   tRecord const record;
   u64 addresses[tStatus2::kStackTraceLength] = {};
