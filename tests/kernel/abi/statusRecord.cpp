@@ -94,7 +94,7 @@ TEST(StatusRecord, HasItsFieldsInOrder) {
   u64 addresses[tStatus2::kStackTraceLength];
   record.status.getStackTrace(addresses);
   EXPECT_EQ(__builtin_memcmp(record.address + 144, addresses, sizeof addresses), 0);
-  EXPECT_TRUE(record.at<iStatus2Description const*>(224) == record.status.getDescription());
+  EXPECT_EQ(record.at<u64>(224), reinterpret_cast<u64>(record.status.getDescription()));
   EXPECT_EQ(record.at<i32>(232), kError);
 }
 
