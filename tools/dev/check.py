@@ -8,6 +8,7 @@ import workshop
 sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
 import compileChecks  # noqa: E402
+import demos  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
 import lint  # noqa: E402
@@ -32,6 +33,7 @@ STEPS = {
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, sections, PDB", images.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
+    "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "tidy": ("clang-tidy", lint.check_tidy),
 }
 
