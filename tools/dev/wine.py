@@ -6,7 +6,9 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
+import sys
 
 import workshop
 
@@ -145,10 +147,14 @@ def start_and_stop(run, log):
 
 @contextlib.contextmanager
 def alone():
-    """One run at a time in this prefix."""
+    """One run at a time in this prefix, begun without what a killed run may have left, and ended
+    in order also when this program is told to end."""
     FOLDER.mkdir(parents=True, exist_ok=True)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
     with open(FOLDER / "lock", "w") as lock:
         fcntl.flock(lock, fcntl.LOCK_EX)
+        if processes():
+            stop_server()
         yield
 
 
