@@ -9,12 +9,12 @@ import re
 import workshop
 
 BLOCK = re.compile(r"^```cpp\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+PLACES = ["*.md", "docs/*.md", "examples/*/*.md", "platform/*/*.md"]
 
 
 def documents():
-    pages = [*(workshop.TOP / "docs").glob("*.md"), *workshop.TOP.rglob("README.md")]
-    own = [page for page in pages if "out" not in page.relative_to(workshop.TOP).parts]
-    return [page for page in sorted(own) if BLOCK.search(page.read_text())]
+    pages = sorted(page for place in PLACES for page in workshop.TOP.glob(place))
+    return [page for page in pages if BLOCK.search(page.read_text())]
 
 
 def sample_source(page):
