@@ -17,7 +17,6 @@ constexpr u32 kTraceEntry = 41;
 
 constinit tTerminatorList terminators;
 constinit u32 initialisationCount = 0;
-constinit u8 isInitialised = 0;
 
 i32 countInitialisation() {
   ++initialisationCount;
@@ -49,7 +48,6 @@ i32 initialiseGlobals() {
     ++initialisationCount;
     return 0;
   }
-  isInitialised = 1;
   for (tInitialiser initialise : initialisers.entries) {
     if (initialise != nullptr && initialise() != 0) return kStatusOutOfMemory;
   }
@@ -57,7 +55,7 @@ i32 initialiseGlobals() {
 }
 
 void terminateGlobals() {
-  if (initialisationCount == 1 && isInitialised != 0) {
+  if (initialisationCount == 1) {
     terminators.runAll();
   } else if (initialisationCount != 0) {
     --initialisationCount;
