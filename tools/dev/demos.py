@@ -11,7 +11,8 @@ sys.path.insert(0, str(workshop.TOP / "tests/kernel"))
 
 import checkDemo  # noqa: E402
 
-FILTERS = [None, "verbosity>=60"]
+# What the driver is given: nothing, so that it finds the rack beside it, or all that its key can hold.
+RUNS = [(None, None), (kernel.DEFAULT_RACK, "verbosity>=60")]
 
 
 def host_text(expression):
@@ -21,20 +22,20 @@ def host_text(expression):
     return output
 
 
-def kernel_text(expression):
-    run = kernel.run_demo(argparse.Namespace(file=None, filter=expression))
+def kernel_text(rack, expression):
+    run = kernel.run_demo(argparse.Namespace(file=rack, filter=expression))
     return "\n".join(wine.lines_of_texts(run.texts))
 
 
-def compare(expression):
-    title = f"demo lines of program and driver, filter {expression or 'by default'}"
-    return title, checkDemo.find_differences(host_text(expression), kernel_text(expression))
+def compare(rack, expression):
+    title = f"demo lines of program and driver, rack {rack and 'named' or 'beside the driver'}"
+    return title, checkDemo.find_differences(host_text(expression), kernel_text(rack, expression))
 
 
 def check():
     kernel.build()
     workshop.build("host-debug", "slotbus_demo")
-    results = [compare(expression) for expression in FILTERS]
+    results = [compare(*run) for run in RUNS]
     failed = [title for title, differences in results if differences]
     output = "\n".join(line for _, differences in results for line in differences)
     return workshop.Outcome(len(results) - len(failed), failed, output)

@@ -13,6 +13,7 @@ LIBRARIES = ["vexk.dll", "qelmk.dll", "oxdiagk.dll"]
 MARK = "[oxt] "
 BOOT_MARK = "[boot] "
 UNLOADED = "[boot] unloaded"
+OWN_RACK = "own-rack.txt"
 DEFAULT_RACK = workshop.TOP / "examples/slotbus/rack.txt"
 
 
@@ -107,11 +108,14 @@ def demo_options(arguments):
 
 
 def demo_input(options):
-    """The files beside the driver and the values of its service key. The key always names the
-    rack: Wine's kernel does not know the folder that is the driver's default."""
-    files = dict(module_files("slotbus.sys"), **{"rack.txt": options.file or DEFAULT_RACK})
-    path = rf"\??\{wine.DRIVERS_IN_WINDOWS}rack.txt"
-    return files, {"RackFile": path, "Filter": options.filter}
+    """The files beside the driver and the values of its service key. The driver finds the default
+    rack by itself; a rack of one's own is named in the key."""
+    files = dict(module_files("slotbus.sys"), **{"rack.txt": DEFAULT_RACK})
+    rack = None
+    if options.file:
+        files[OWN_RACK] = options.file
+        rack = rf"\??\{wine.DRIVERS_IN_WINDOWS}{OWN_RACK}"
+    return files, {"RackFile": rack, "Filter": options.filter}
 
 
 def run_demo(options):
