@@ -18,8 +18,9 @@ static_assert(sizeof(IO_STATUS_BLOCK) == 16 && offsetof(IO_STATUS_BLOCK, Informa
 
 // Desired access
 constexpr ACCESS_MASK FILE_READ_DATA = 0x1;
+constexpr ACCESS_MASK FILE_LIST_DIRECTORY = 0x1;  // of a directory: read its entries
 constexpr ACCESS_MASK FILE_WRITE_DATA = 0x2;
-constexpr ACCESS_MASK FILE_APPEND_DATA = 0x4;
+constexpr ACCESS_MASK FILE_APPEND_DATA = 0x4;  // alone: every write goes to the end
 constexpr ACCESS_MASK SYNCHRONIZE = 0x100000;
 constexpr ACCESS_MASK GENERIC_WRITE = 0x40000000;
 constexpr ACCESS_MASK GENERIC_READ = 0x80000000;
@@ -41,8 +42,11 @@ constexpr u32 FILE_OVERWRITE = 4;     // empty; fail
 constexpr u32 FILE_OVERWRITE_IF = 5;  // empty; create
 
 // Create options
-constexpr u32 FILE_SYNCHRONOUS_IO_NONALERT = 0x20;
+constexpr u32 FILE_DIRECTORY_FILE = 0x1;
+constexpr u32 FILE_WRITE_THROUGH = 0x2;             // a write returns when the data is on the disk
+constexpr u32 FILE_SYNCHRONOUS_IO_NONALERT = 0x20;  // SYNCHRONIZE must be asked for as well
 constexpr u32 FILE_NON_DIRECTORY_FILE = 0x40;
+constexpr u32 FILE_OPEN_FOR_BACKUP_INTENT = 0x4000;
 
 // What ZwQueryInformationFile is asked for
 enum FILE_INFORMATION_CLASS : i32 { FileStandardInformation = 5 };
@@ -61,7 +65,8 @@ static_assert(offsetof(FILE_STANDARD_INFORMATION, Directory) == 21);
 
 extern "C" {
 
-// Opens or creates the file that `attributes` names by a kernel path such as \??\C:\rack.txt.
+// Opens or creates the file that `attributes` names by a kernel path such as \??\C:\rack.txt, or
+// relative to the directory that is open as their RootDirectory.
 // `extended` and `extendedLength` are null and 0; `allocationSize` may be null. On success the
 // caller owns *file and closes it with ZwClose.
 NTOS_IMPORT NTSTATUS ZwCreateFile(HANDLE* file, ACCESS_MASK access,

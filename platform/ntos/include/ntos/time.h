@@ -1,6 +1,11 @@
 #pragma once
 
+#include "ntos/systemTimeAccess.h"
 #include "ntos/types.h"
+
+// void KeQuerySystemTime(LARGE_INTEGER* time);
+//     Stores the time since 1 January 1601, 00:00 UTC, in units of 100 ns. It moves on at every
+//     tick of the system clock, 1 to 16 ms apart, and jumps when the clock is set. Any IRQL.
 
 extern "C" {
 

@@ -7,6 +7,7 @@
 
 #include "ntoshost/debugPrint.h"
 #include "ntoshost/faults.h"
+#include "ntoshost/files.h"
 #include "ntoshost/pool.h"
 #include "ntoshost/thread.h"
 #include "ntoshost/userMemory.h"

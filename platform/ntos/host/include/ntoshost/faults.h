@@ -12,8 +12,12 @@
 
 namespace ntoshost {
 
-constexpr u32 kFaultMemory = 1;       // ExAllocatePoolWithTag gives null
-constexpr u32 kFaultUserCopy = 2;     // copyFromUser and copyToUser fault at the first byte
+constexpr u32 kFaultMemory = 1;         // ExAllocatePoolWithTag gives null
+constexpr u32 kFaultUserCopy = 2;       // copyFromUser and copyToUser fault at the first byte
+constexpr u32 kFaultFileOpen = 0x100;   // ZwCreateFile gives STATUS_INSUFFICIENT_RESOURCES
+constexpr u32 kFaultFileWrite = 0x200;  // so does ZwWriteFile
+constexpr u32 kFaultFileRead = 0x400;   // so do ZwReadFile and ZwQueryInformationFile
+constexpr u32 kFaultFile = 0x700;       // all three
 constexpr u32 kFaultOther = 0x10000;  // this bit and up: for other host-side code, see injectFault
 constexpr u32 kFaultAll = 0xFFFFFFFF;
 
