@@ -1,19 +1,9 @@
 #include "tSyncTable.h"
 
 #include "vexk/statusCodes.h"
+#include "vexk/tFastMutexGuard.h"
 
 namespace {
-
-class tGuard {
- public:
-  explicit tGuard(FAST_MUTEX& fastMutex) : mutex(fastMutex) { ExAcquireFastMutex(&mutex); }
-  ~tGuard() { ExReleaseFastMutex(&mutex); }
-  tGuard(tGuard const&) = delete;
-  tGuard& operator=(tGuard const&) = delete;
-
- private:
-  FAST_MUTEX& mutex;
-};
 
 void deleteUnused(tSharedLock* lock) {
   if (lock->handleCount == 0) delete lock;
@@ -28,7 +18,7 @@ void tSyncTable::initialise() {
 }
 
 iSync* tSyncTable::open(char const* name, tSyncDescriptor const& descriptor, i32& status) {
-  tGuard const held(guard);
+  tFastMutexGuard const held(guard);
   tSyncHandle* handle = openGuarded(name, descriptor);
   if (handle == nullptr) status = kStatusOutOfMemory;
   return handle;
@@ -57,7 +47,7 @@ tSharedLock* tSyncTable::find(char const* name, tSyncDescriptor const& descripto
 }
 
 i32 tSyncTable::close(iSync*& sync) {
-  tGuard const held(guard);
+  tFastMutexGuard const held(guard);
   return closeGuarded(sync);
 }
 
@@ -82,7 +72,7 @@ i32 tSyncTable::closeGuarded(iSync*& sync) {
 }
 
 u32 tSyncTable::countHandles() {
-  tGuard const held(guard);
+  tFastMutexGuard const held(guard);
   u32 count = 0;
   for (tSyncHandle* handle = first; handle != nullptr; handle = handle->next) ++count;
   return count;

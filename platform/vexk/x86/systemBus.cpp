@@ -1,0 +1,7 @@
+#include "common/systemBus.h"
+
+#include "x86/tPortBus.h"
+
+iBus* newSystemBus() {
+  return new tPortBus;
+}
