@@ -103,13 +103,22 @@ class tNumberStream final : public iObjectWriter, public iObjectReader {
   }
   void writeCharacter(char, i32& status) override { status = kSomeError; }
   void writeU32(u32, i32& status) override { status = kSomeError; }
+  void writeI64(i64, i32& status) override { status = kSomeError; }
+  void writeU64(u64, i32& status) override { status = kSomeError; }
+  void writeString(_STL::string const&, i32& status) override { status = kSomeError; }
+  void writeWideString(_STL::wstring const&, i32& status) override { status = kSomeError; }
   void writeObject(tObject const*, i32& status) override { status = kSomeError; }
   void readCharacter(char&, i32& status) override { status = kSomeError; }
   void readU32(u32&, i32& status) override { status = kSomeError; }
+  void readI64(i64&, i32& status) override { status = kSomeError; }
+  void readU64(u64&, i32& status) override { status = kSomeError; }
+  void readString(_STL::string&, i32& status) override { status = kSomeError; }
+  void readWideString(_STL::wstring&, i32& status) override { status = kSomeError; }
   tObject* readObject(i32& status) override {
     status = kSomeError;
     return nullptr;
   }
+  u64 getMostItems() const override { return written - read; }
 
  private:
   i32 items[kCapacity] = {};

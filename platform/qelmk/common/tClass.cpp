@@ -1,16 +1,21 @@
 #include "qelmk/tClass.h"
 
+#include "qelmk/mergeStatus.h"
 #include "qelmk/statusCodes.h"
+#include "tClassRegistry.h"
 #include "vexk/memory.h"
 
 namespace nQELM100 {
-namespace {
-
-void setFirstError(i32& status, i32 code) {
-  if (status >= 0) status = code;
+tClass tClass::forName(char const* name, i32& status) {
+  if (status < 0) return tClass();
+  size_t const length = name == nullptr ? 0 : __builtin_strlen(name);
+  tClassImplementation const* const record = qelmkClasses.find(name, length);
+  if (record == nullptr) {
+    status = kStatusClassUnknown;
+    return tClass();
+  }
+  return tClass(*record);
 }
-
-}  // namespace
 
 char const* tClass::getName() const {
   return isValid() ? implementation->getName() : "";
@@ -34,11 +39,11 @@ tObject* tClass::newInstance(i32& status) const {
 
 void tClass::deleteInstance(tObject* object, i32& status) const {
   if (object == nullptr) return;
-  if (!isValid()) return setFirstError(status, kStatusClassInvalid);
+  if (!isValid()) return mergeStatus(status, kStatusClassInvalid);
   i32 classStatus = 0;
   tClassImplementation::tDeleter const deleter = implementation->getDeleter();
   if (deleter == nullptr || object->getClass(classStatus) != *this) {
-    return setFirstError(status, kStatusClassMismatch);
+    return mergeStatus(status, kStatusClassMismatch);
   }
   deleter(object);
 }

@@ -13,18 +13,23 @@
 //     QELM_DEFINE_CLASS(nTHING::tThing, "nTHING::tThing")
 //
 // The declaring macro stands first in the class and leaves access at private. It takes the class
-// and its direct bases in the order in which the class declares them (at least one). The defining
+// and its direct bases in the order in which the class declares them, if it has any. The defining
 // macro stands at file scope, in one source, and takes the class and its registered name.
 //
 // Members that they make:
 //   ___classID                 its address is the identity of the class
 //   ___myClassImplementation   the record of the class
 //   staticGetClass(status)     the class as a value; leaves `status` alone
+//   ___registerClass(status)   lets tClass::forName find the class, and
+//   ___unregisterClass()       ends that; see "qelmk/classRegistry.h". A module registers its
+//   classes
+//                              when it starts and unregisters them when it stops
 //   ___CPPKRLCast(object, id)  protected: `object` seen as the class with that identity; first the
 //                              class itself, then each base's cast in order of declaration
 // and, for a class that has instances of its own, the four operations of tObject. Such a class has
 // an accessible default constructor.
 
+#include "qelmk/classRegistry.h"
 #include "qelmk/tClass.h"
 #include "qelmk/tClassImplementation.h"
 #include "qelmk/tObject.h"
@@ -34,6 +39,8 @@
  public:                                                                                       \
   static void* const ___classID;                                                               \
   static nQELM100::tClass staticGetClass(i32& status);                                         \
+  static void ___registerClass(i32& status);                                                   \
+  static void ___unregisterClass();                                                            \
                                                                                                \
  protected:                                                                                    \
   static nQELM100::tClassImplementation ___myClassImplementation;                              \
@@ -47,7 +54,8 @@
                                                                                                \
  private:                                                                                      \
   template <class... Bases>                                                                    \
-  static void* ___CPPKRLCastToBases(className* object, void* const* const classID) {           \
+  static void* ___CPPKRLCastToBases([[maybe_unused]] className* object,                        \
+                                    [[maybe_unused]] void* const* const classID) {             \
     void* found = nullptr;                                                                     \
     (void)(... ||                                                                              \
            ((found = Bases::___CPPKRLCast(static_cast<Bases*>(object), classID)) != nullptr)); \
@@ -74,18 +82,34 @@
                                                                                 \
  private:
 
-// The identity points to itself: no linker takes two of them for one.
-#define QELM_DEFINE_IDENTITY(className, registeredName, factory, deleter)                         \
-  constinit void* const className::___classID = const_cast<void**>(&className::___classID);       \
-  constinit nQELM100::tClassImplementation className::___myClassImplementation(registeredName,    \
-                                                                               factory, deleter); \
-  nQELM100::tClass className::staticGetClass(i32&) {                                              \
-    return nQELM100::tClass(___myClassImplementation);                                            \
+// The identity points to itself: no linker takes two of them for one. `templateHead` is empty, or
+// the head of the template that the class is an instance of.
+#define QELM_DEFINE_IDENTITY(templateHead, className, registeredName, factory, deleter)      \
+  templateHead constinit void* const className::___classID =                                 \
+      const_cast<void**>(&className::___classID);                                            \
+  templateHead constinit nQELM100::tClassImplementation className::___myClassImplementation( \
+      registeredName, factory, deleter);                                                     \
+  templateHead nQELM100::tClass className::staticGetClass(i32&) {                            \
+    return nQELM100::tClass(___myClassImplementation);                                       \
+  }                                                                                          \
+  templateHead void className::___registerClass(i32& status) {                               \
+    nQELM100::registerClass(___myClassImplementation, status);                               \
+  }                                                                                          \
+  templateHead void className::___unregisterClass() {                                        \
+    nQELM100::unregisterClass(___myClassImplementation);                                     \
   }
 
 #define QELM_DEFINE_INTERFACE(className, registeredName) \
-  QELM_DEFINE_IDENTITY(className, registeredName, nullptr, nullptr)
+  QELM_DEFINE_IDENTITY(, className, registeredName, nullptr, nullptr)
 
-#define QELM_DEFINE_CLASS(className, registeredName)                                  \
-  QELM_DEFINE_IDENTITY(className, registeredName, &nQELM100::createObject<className>, \
+#define QELM_DEFINE_CLASS(className, registeredName)                                    \
+  QELM_DEFINE_IDENTITY(, className, registeredName, &nQELM100::createObject<className>, \
                        &nQELM100::destroyObject)
+
+// For a template with one type parameter, called T in `registeredName`. Stands behind the template
+// in its header, at the scope of the template; every instance is a class of its own.
+//
+//     QELM_DEFINE_CLASS_TEMPLATE(tListOf, tNameOf<T>::kName)
+#define QELM_DEFINE_CLASS_TEMPLATE(templateName, registeredName)            \
+  QELM_DEFINE_IDENTITY(template <class T>, templateName<T>, registeredName, \
+                       &nQELM100::createObject<templateName<T>>, &nQELM100::destroyObject)

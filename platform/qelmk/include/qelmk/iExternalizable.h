@@ -13,7 +13,8 @@ class iObjectReader;
 class iObjectWriter;
 
 // Both operations do nothing when `status` is negative on entry, and leave it alone on success.
-// IRQL as the stream's.
+// IRQL as the stream's. On Windows they are slots 0 and 1 of this interface's own table: as a
+// virtual base it does not continue that of tObject.
 class QELM_API iExternalizable : public virtual tObject {
   QELM_DECLARE_INTERFACE(iExternalizable, tObject)
 

@@ -3,6 +3,7 @@
 // A stream that objects are read from.
 
 #include "ntos/types.h"
+#include "stl/string.h"
 
 namespace nQELM100 {
 
@@ -14,9 +15,17 @@ class tObject;
 // `status` alone. Locking and IRQL are the implementer's.
 class iObjectReader {
  public:
+  static constexpr u64 kUnlimitedItems = ~u64{0};
+
   virtual void readCharacter(char& value, i32& status) = 0;
   virtual void readI32(i32& value, i32& status) = 0;
   virtual void readU32(u32& value, i32& status) = 0;
+  virtual void readI64(i64& value, i32& status) = 0;
+  virtual void readU64(u64& value, i32& status) = 0;
+
+  // Exhausted memory is a failure too: kStatusOutOfMemory.
+  virtual void readString(_STL::string& value, i32& status) = 0;
+  virtual void readWideString(_STL::wstring& value, i32& status) = 0;
 
   // Makes the object that was written. The caller owns it and destroys it through its class:
   //
@@ -24,6 +33,16 @@ class iObjectReader {
   //
   // Null when a null object was written, and null with the reason in `status` on failure.
   virtual tObject* readObject(i32& status) = 0;
+
+  // No more items than this can follow, in the object that is being read or else in the stream;
+  // kUnlimitedItems when the stream cannot tell. What reads a count of items checks it against this
+  // before it makes room for them, so that a damaged or hostile stream makes nobody allocate more
+  // than it could fill:
+  //
+  //     reader.readU32(count, status);
+  //     if (status >= 0 && count > reader.getMostItems()) status = kStatusStreamMalformed;
+  //     if (status < 0) return;
+  virtual u64 getMostItems() const = 0;
 
  protected:
   ~iObjectReader() = default;

@@ -3,6 +3,7 @@
 // A stream that objects are written to.
 
 #include "ntos/types.h"
+#include "stl/string.h"
 
 namespace nQELM100 {
 
@@ -16,6 +17,12 @@ class iObjectWriter {
   virtual void writeCharacter(char value, i32& status) = 0;
   virtual void writeI32(i32 value, i32& status) = 0;
   virtual void writeU32(u32 value, i32& status) = 0;
+  virtual void writeI64(i64 value, i32& status) = 0;
+  virtual void writeU64(u64 value, i32& status) = 0;
+
+  // Text of any content and length, NUL included.
+  virtual void writeString(_STL::string const& value, i32& status) = 0;
+  virtual void writeWideString(_STL::wstring const& value, i32& status) = 0;
 
   // Writes an object so that iObjectReader::readObject makes one of the same class with the same
   // content. Null is an object too. The writer does not keep the object.

@@ -23,6 +23,11 @@ class QELM_API tClass {
 
   explicit constexpr tClass(tClassImplementation const& record) : implementation(&record) {}
 
+  // The registered class of this name; one that stands for no class, and kStatusClassUnknown in
+  // `status`, when there is none, or when `name` is null. A negative `status` on entry is kept and
+  // nothing is looked for. IRQL <= APC_LEVEL; any thread.
+  static tClass forName(char const* name, i32& status);
+
   constexpr bool isValid() const { return implementation != nullptr; }
 
   // The registered name with its namespaces, such as "nOXDIAG100::tGUIDReportable"; empty when this

@@ -2,13 +2,15 @@
 
 // What the framework knows about one class.
 
+#include "ntos/types.h"
 #include "qelmk/api.h"
 #include "qelmk/tObject.h"
 
 namespace nQELM100 {
 
 // The record of a class: one constant-initialised static object a class, made by the macros of
-// "qelmk/classMacros.h". It outlives every tClass that refers to it.
+// "qelmk/classMacros.h". It outlives every tClass that refers to it, and holds its own place in the
+// registry of classes, so that registering takes no memory.
 class QELM_API tClassImplementation {
  public:
   // Makes a default-constructed instance in the module's memory; null when that is exhausted.
@@ -31,9 +33,16 @@ class QELM_API tClassImplementation {
   constexpr tDeleter getDeleter() const { return deleter; }
 
  private:
+  friend class tClassRegistry;
+
   char const* name;
   tFactory factory;
   tDeleter deleter;
+
+  // Kept by the registry under its lock.
+  tClassImplementation* children[2] = {};
+  u64 nameHash = 0;
+  u32 registrationCount = 0;
 };
 
 // Factory and deleter of an ordinary class.

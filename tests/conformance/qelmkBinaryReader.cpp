@@ -1,0 +1,192 @@
+#include "conformance/harness.h"
+#include "qelmk/qelmk.h"
+#include "support/goldenParcel.h"
+#include "support/tParcel.h"
+#include "support/tRegistration.h"
+
+namespace {
+
+using nQELM100::dynamicCast;
+using nQELM100::kStatusStreamBadHeader;
+using nQELM100::kStatusStreamEnded;
+using nQELM100::kStatusStreamNewer;
+using nQELM100::tBinaryObjectReader;
+using nQELM100::tObject;
+
+constexpr i32 kSomeError = -12345;
+constexpr i32 kSomeWarning = 12345;
+constexpr size_t kHeaderSize = nQELM100::kBinaryStreamHeaderSize;
+
+// The status of reading the first `size` bytes of the header.
+i32 statusOfHeader(u8 const (&header)[kHeaderSize], size_t size = kHeaderSize) {
+  i32 status = 0;
+  tBinaryObjectReader const reader(header, size, status);
+  EXPECT_TRUE(reader.isAtEnd());
+  EXPECT_EQ(size_t{0}, reader.getFailurePosition());
+  return status;
+}
+
+}  // namespace
+
+TEST(QelmkBinaryReader, TakesAStreamWithoutItems) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0};
+  i32 status = kSomeWarning;
+  tBinaryObjectReader const reader(kBytes, sizeof(kBytes), status);
+  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_TRUE(reader.isAtEnd());
+  EXPECT_EQ(kHeaderSize, reader.getPosition());
+  EXPECT_EQ(u64{0}, reader.getMostItems());
+}
+
+TEST(QelmkBinaryReader, RefusesBytesThatAreNoStream) {
+  EXPECT_EQ(kStatusStreamBadHeader, statusOfHeader({'q', 'E', 'L', 'M', 1, 0, 0, 0}));
+  EXPECT_EQ(kStatusStreamBadHeader, statusOfHeader({'Q', 'E', 'L', 'N', 1, 0, 0, 0}));
+  EXPECT_EQ(kStatusStreamBadHeader, statusOfHeader({'Q', 'E', 'L', 'N', 1, 0, 0, 0}, 4));
+}
+
+TEST(QelmkBinaryReader, RefusesAVersionThatNeverWas) {
+  EXPECT_EQ(kStatusStreamBadHeader, statusOfHeader({'Q', 'E', 'L', 'M', 0, 0, 0, 0}));
+}
+
+TEST(QelmkBinaryReader, RefusesALaterVersion) {
+  EXPECT_EQ(kStatusStreamNewer, statusOfHeader({'Q', 'E', 'L', 'M', 2, 0, 0, 0}));
+  EXPECT_EQ(kStatusStreamNewer, statusOfHeader({'Q', 'E', 'L', 'M', 1, 0, 0, 0x80}));
+}
+
+TEST(QelmkBinaryReader, RefusesACutHeader) {
+  for (size_t size = 0; size < kHeaderSize; ++size) {
+    EXPECT_EQ(kStatusStreamEnded, statusOfHeader({'Q', 'E', 'L', 'M', 1, 0, 0, 0}, size));
+  }
+}
+
+TEST(QelmkBinaryReader, NoBytesAreAnEmptyStream) {
+  i32 status = 0;
+  tBinaryObjectReader const reader(nullptr, 1000, status);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_TRUE(reader.isAtEnd());
+}
+
+TEST(QelmkBinaryReader, NothingIsReadAfterABadHeader) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 2, 0, 0, 0, 'x', 'y'};
+  i32 status = 0;
+  tBinaryObjectReader reader(kBytes, sizeof(kBytes), status);
+  status = 0;
+  char character = 'c';
+  reader.readCharacter(character, status);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_EQ('c', character);
+}
+
+TEST(QelmkBinaryReader, KeepsAnEarlierErrorAndReadsNothing) {
+  i32 status = kSomeError;
+  tBinaryObjectReader const reader(kGoldenParcel, kGoldenParcelSize, status);
+  EXPECT_EQ(kSomeError, status);
+  EXPECT_TRUE(reader.isAtEnd());
+}
+
+TEST(QelmkBinaryReader, ReadsTheGoldenBytes) {
+  tRegistration<tParcel> const registration;
+  tParcel wanted;
+  ASSERT_TRUE(fillGoldenParcel(wanted));
+  i32 status = 0;
+  tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
+  tObject* const object = reader.readObject(status);
+  EXPECT_EQ(i32{0}, status);
+  EXPECT_TRUE(reader.isAtEnd());
+  auto const* const parcel = dynamicCast<tParcel>(object);
+  EXPECT_TRUE(parcel != nullptr && parcel->isLike(wanted));
+  destroy(object);
+}
+
+TEST(QelmkBinaryReader, ReadsNumbersOfEveryKind) {
+  u8 bytes[64];
+  nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  i32 status = 0;
+  writer.writeI32(-2147483647 - 1, status);
+  writer.writeU32(0xFFFFFFFF, status);
+  writer.writeI64(-1 - i64{0x7FFFFFFFFFFFFFFF}, status);
+  writer.writeU64(~u64{0}, status);
+  tBinaryObjectReader reader(bytes, writer.getSize(), status);
+  i32 number = 0;
+  u32 unsignedNumber = 0;
+  i64 wideNumber = 0;
+  u64 wideUnsignedNumber = 0;
+  reader.readI32(number, status);
+  reader.readU32(unsignedNumber, status);
+  reader.readI64(wideNumber, status);
+  reader.readU64(wideUnsignedNumber, status);
+  EXPECT_EQ(i32{0}, status);
+  EXPECT_EQ(-2147483647 - 1, number);
+  EXPECT_EQ(u32{0xFFFFFFFF}, unsignedNumber);
+  EXPECT_EQ(-1 - i64{0x7FFFFFFFFFFFFFFF}, wideNumber);
+  EXPECT_EQ(~u64{0}, wideUnsignedNumber);
+}
+
+TEST(QelmkBinaryReader, AWarningStays) {
+  tRegistration<tParcel> const registration;
+  i32 status = kSomeWarning;
+  tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
+  destroy(reader.readObject(status));
+  EXPECT_EQ(kSomeWarning, status);
+}
+
+TEST(QelmkBinaryReader, ReadsNothingAfterAnError) {
+  tRegistration<tParcel> const registration;
+  i32 status = 0;
+  tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
+  tParcel parcel;
+  status = kSomeError;
+  parcel.readExternal(reader, status);
+  EXPECT_TRUE(reader.readObject(status) == nullptr);
+  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kHeaderSize, reader.getPosition());
+  EXPECT_TRUE(parcel.isLike(tParcel()));
+}
+
+TEST(QelmkBinaryReader, TellsHowManyItemsCanFollow) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 1, 2, 3};
+  i32 status = 0;
+  tBinaryObjectReader reader(kBytes, sizeof(kBytes), status);
+  EXPECT_EQ(u64{3}, reader.getMostItems());
+  char character = '\0';
+  reader.readCharacter(character, status);
+  EXPECT_EQ(u64{2}, reader.getMostItems());
+  EXPECT_FALSE(reader.isAtEnd());
+}
+
+TEST(QelmkBinaryReader, WhatALaterWriterAddedIsPassedOver) {
+  tRegistration<tParcel> const registration;
+  tRegistration<tLaterParcel> const laterRegistration;
+  tLaterParcel later;
+  tLaterParcel* const packed = new tLaterParcel;
+  later.inside = packed;
+  u8 bytes[256];
+  nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  i32 status = 0;
+  writer.writeObject(&later, status);
+  writer.writeU32(42, status);
+  tBinaryObjectReader reader(bytes, writer.getSize(), status);
+  tObject* const object = reader.readObject(status);
+  u32 next = 0;
+  reader.readU32(next, status);
+  EXPECT_EQ(i32{0}, status);
+  EXPECT_EQ(u32{42}, next);
+  auto const* const read = dynamicCast<tLaterParcel>(object);
+  EXPECT_TRUE(read != nullptr && read->isLike(later));
+  destroy(object);
+}
+
+TEST(QelmkBinaryReader, StreamsFollowEachOther) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 'x',
+                           'Q', 'E', 'L', 'M', 1, 0, 0, 0, 'y'};
+  i32 status = 0;
+  char character = '\0';
+  tBinaryObjectReader first(kBytes, sizeof(kBytes), status);
+  first.readCharacter(character, status);
+  size_t const used = first.getPosition();
+  tBinaryObjectReader second(kBytes + used, sizeof(kBytes) - used, status);
+  second.readCharacter(character, status);
+  EXPECT_EQ(i32{0}, status);
+  EXPECT_EQ('y', character);
+  EXPECT_TRUE(second.isAtEnd());
+}
