@@ -1,0 +1,151 @@
+#include "oxdiagk/tAssertConfiguration.h"
+
+#include "assert/assertSwitches.h"
+#include "assert/tAssertOptionReader.h"
+#include "config/optionWord.h"
+#include "config/savedSettings.h"
+#include "config/tInquiryText.h"
+#include "vexk/memory.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+using tConfigElem = tAssertConfiguration::tConfigElem;
+
+constexpr tConfigElem kWithoutBreak = {.breakEnabled = false};
+constexpr tConfigElem kWithoutExceptions = {.exceptionsEnabled = false};
+
+struct tBuiltInCategory {
+  char const* name;
+  tConfigElem switches;
+};
+
+constexpr tBuiltInCategory kBuiltInCategories[] = {
+    {kDefaultCategory, {}},
+    {kWarningCategory, kWithoutBreak},
+    {"statusWarning", kWithoutExceptions},
+    {"statusFatal", kWithoutExceptions},
+};
+
+// By address: a category that options made may have the same name, when the built-in one could not
+// be allocated.
+bool isBuiltIn(char const* name) {
+  for (tBuiltInCategory const& category : kBuiltInCategories) {
+    if (name == category.name) return true;
+  }
+  return false;
+}
+
+char* copyName(char const* name) {
+  size_t const size = __builtin_strlen(name) + 1;
+  i32 status = 0;
+  void* const copy = _memNewUsingCRT(size, kMemLongLived, status);
+  if (copy != nullptr) __builtin_memcpy(copy, name, size);
+  return static_cast<char*>(copy);
+}
+
+// Zeros, before and after the object's life, are an object without categories.
+alignas(tAssertConfiguration) constinit u8 instanceStorage[sizeof(tAssertConfiguration)] = {};
+
+}  // namespace
+
+tAssertConfiguration& tAssertConfiguration::getInstance(char* /*category*/) {
+  return *reinterpret_cast<tAssertConfiguration*>(instanceStorage);
+}
+
+void tAssertConfiguration::constructInstance() {
+  new (instanceStorage) tAssertConfiguration;
+}
+
+void tAssertConfiguration::destroyInstance() {
+  getInstance().~tAssertConfiguration();
+  __builtin_memset(instanceStorage, 0, sizeof(instanceStorage));
+}
+
+tAssertConfiguration::tAssertConfiguration() : currentCategory(kDefaultCategory) {
+  for (tBuiltInCategory const& category : kBuiltInCategories) {
+    categories.insert(category.name, category.switches);
+  }
+}
+
+tAssertConfiguration::~tAssertConfiguration() {
+  removeMadeCategories();
+  // The names that they were about are gone.
+  for (tSavedConfiguration& saved : savedConfigurations) saved.category = kDefaultCategory;
+  while (!savedConfigurations.empty()) popConfiguration();
+  // A saved configuration makes the categories that it names again.
+  removeMadeCategories();
+}
+
+bool tAssertConfiguration::isOn(char const* category, bool tConfigElem::*value) const {
+  if (category == nullptr) return false;
+  tConfigElem const* const switches = categories.find(category);
+  return switches != nullptr && load(switches->*value);
+}
+
+void tAssertConfiguration::set(char const* category, bool tConfigElem::*value, bool isOn) {
+  if (category == nullptr) return;
+  tConfigElem* const switches = categories.find(category);
+  if (switches != nullptr) store(switches->*value, isOn);
+}
+
+void tAssertConfiguration::configure(int argc, char** argv) {
+  tAssertOptionReader(*this).read(argc, argv);
+}
+
+void tAssertConfiguration::configure() {
+}
+
+void tAssertConfiguration::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  tInquiryText text(buffer, size);
+  for (auto const& category : categories) {
+    text.append(" --category ").append(category.key);
+    for (tAssertSwitch const& entry : kAssertSwitches) {
+      text.append(" ").append(entry.option).appendOnOff(load(category.value.*entry.value));
+    }
+  }
+  text.finish(needed);
+}
+
+void tAssertConfiguration::pushConfiguration() {
+  if (!makeRoom(savedConfigurations)) return;
+  char* const text = copySettings(*this, kMemLongLived);
+  if (text != nullptr) savedConfigurations.push_back({currentCategory, text});
+}
+
+void tAssertConfiguration::popConfiguration() {
+  if (savedConfigurations.empty()) return;
+  tSavedConfiguration const saved = savedConfigurations.back();
+  savedConfigurations.pop_back();
+  if (restoreSettings(*this, saved.text)) currentCategory = saved.category;
+}
+
+// The key that equals `category`, or null.
+char const* tAssertConfiguration::findName(char const* category) const {
+  for (auto const& known : categories) {
+    if (isEqual(known.key, category)) return known.key;
+  }
+  return nullptr;
+}
+
+// The key of the new category; null when memory is exhausted.
+char const* tAssertConfiguration::addCategory(char const* category) {
+  char* const name = copyName(category);
+  if (name == nullptr) return nullptr;
+  if (categories.insert(name, tConfigElem())) return name;
+  _memDelete(name);
+  return nullptr;
+}
+
+void tAssertConfiguration::removeMadeCategories() {
+  for (auto next = categories.begin(); next != categories.end();) {
+    char const* const name = next->key;
+    ++next;
+    if (isBuiltIn(name)) continue;
+    categories.erase(name);
+    _memDelete(const_cast<char*>(name));
+  }
+  currentCategory = kDefaultCategory;
+}
+
+}  // namespace nOXDIAG100
