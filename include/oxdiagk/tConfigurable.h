@@ -44,7 +44,8 @@ class OXDIAG_API tConfigurable {
   virtual void configure(char const* options);
 
   // Reads `argc` words. There is no program name to skip: argv[0] is the first word. A null `argv`
-  // counts as no words. The words belong to the caller and are not kept beyond the call.
+  // counts as no words, and a null word ends the list. The words belong to the caller and are not
+  // kept beyond the call.
   virtual void configure(int argc, char** argv) = 0;
 
   // Writes the settings as an option string that configure(options) accepts.

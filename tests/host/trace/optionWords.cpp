@@ -4,12 +4,11 @@
 
 #include "oxdiagk/tConfigurable.h"
 #include "startedModules.h"
+#include "trace/modelWords.h"
 
 namespace {
 
 using nOXDIAG100::tConfigurable;
-using tWords = std::vector<std::string>;
-
 class tWordKeeper : public tConfigurable {
  public:
   using tConfigurable::configure;
@@ -30,28 +29,6 @@ class tWordKeeper : public tConfigurable {
   char** vector = nullptr;
   tWords words;
 };
-
-bool isBlank(char character) {
-  return std::string(" \t\n\v\f\r").find(character) != std::string::npos;
-}
-
-// The rules once more, as a machine that takes one character after the other.
-tWords modelWords(std::string const& text) {
-  enum { kBetween, kPlain, kQuoted } state = kBetween;
-  tWords words;
-  for (char const character : text) {
-    if (state == kBetween) {
-      if (isBlank(character)) continue;
-      words.emplace_back(character == '"' ? "" : std::string(1, character));
-      state = character == '"' ? kQuoted : kPlain;
-    } else if (state == kQuoted ? character == '"' : isBlank(character)) {
-      state = kBetween;
-    } else {
-      words.back() += character;
-    }
-  }
-  return words;
-}
 
 std::string randomText(std::mt19937& random) {
   static std::string const alphabet = "\"\"\"    \t\n\v\f\rab-=\x08\x0E\x85\xA0\xFF\x7F\x1F";

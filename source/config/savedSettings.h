@@ -1,0 +1,35 @@
+#pragma once
+
+// The text of saved settings, for the stacks of pushConfiguration and popConfiguration.
+
+#include "oxdiagk/tConfigurable.h"
+#include "stl/vector.h"
+#include "vexk/memory.h"
+
+namespace nOXDIAG100 {
+
+// Room for one more saved configuration: the stack at least doubles when it is full. False when
+// memory is exhausted, and then the stack remembers the failure.
+template <class T>
+bool makeRoom(_STL::vector<T>& stack) {
+  size_t const count = stack.size();
+  return count < stack.capacity() || stack.reserve(count == 0 ? 1 : 2 * count);
+}
+
+// The whole inquired text of whatever has an inquire, in a block with these allocation flags; null
+// when memory is exhausted, or when the object tells no size.
+template <class T>
+char* copySettings(T& object, tMemAllocationFlags flags) {
+  unsigned int needed = 0;
+  object.inquire(nullptr, 0, &needed);
+  i32 status = needed == 0 ? kStatusOutOfMemory : 0;
+  char* const text = static_cast<char*>(_memNewUsingCRT(needed, flags, status));
+  if (text != nullptr) object.inquire(text, needed, nullptr);
+  return text;
+}
+
+// Configures `object` with a text of copySettings and frees the text. False, and nothing is
+// configured, when the words of the text cannot be allocated.
+bool restoreSettings(tConfigurable& object, char* text);
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,104 @@
+#include "config/tConfigTunnel.h"
+
+#include "config/tUserText.h"
+#include "oxdiagk/instanceRegistry.h"
+#include "oxdiagk/tunnelRequest.h"
+#include "vexk/memory.h"
+#include "vexk/userMemory.h"
+
+// The requesting program may change a request at any moment: what was copied is never read again.
+
+namespace nOXDIAG100 {
+namespace {
+
+alignas(tConfigTunnel) constinit u8 instanceStorage[sizeof(tConfigTunnel)] = {};
+
+template <class T>
+bool copyIn(T& to, u64 userAddress) {
+  return vexCopyFromUser(&to, userAddress, sizeof(T)) == sizeof(T);
+}
+
+u32 lowHalf(u64 field) {
+  return static_cast<u32>(field);
+}
+
+void acquireNamed(tTunnelRecord const& record) {
+  tUserText const name(record.source, lowHalf(record.extra));
+  u32 const handle = acquireInstance(name.getText());
+  vexCopyToUser(record.address, &handle, sizeof(handle));
+}
+
+void configureWithText(u32 handle, tTunnelRecord const& record) {
+  tUserText const options(record.address, lowHalf(record.source));
+  if (options.getText() != nullptr) configure(handle, options.getText());
+}
+
+// Filled with zeros, because an object's word on what it has written is not enough to let bytes of
+// the kernel's memory out.
+char* newTextBuffer(u32 size) {
+  i32 status = 0;
+  void* const buffer = _memNewUsingCRT(size, kMemLongLived, status);
+  if (buffer != nullptr) __builtin_memset(buffer, 0, size);
+  return static_cast<char*>(buffer);
+}
+
+void inquireText(u32 handle, tTunnelRecord const& record) {
+  u32 const wanted = lowHalf(record.source);
+  char* const buffer = record.address != 0 && wanted != 0 ? newTextBuffer(wanted) : nullptr;
+  u32 const size = buffer != nullptr ? wanted : 0;
+  unsigned int needed = 0;
+  inquire(handle, buffer, size, &needed);
+  if (buffer != nullptr) vexCopyToUser(record.address, buffer, needed < size ? needed : size);
+  _memDelete(buffer);
+  if (record.extra != 0) vexCopyToUser(record.extra, &needed, sizeof(needed));
+}
+
+void serve(u32 handle, tTunnelRecord const& record) {
+  switch (record.operation) {
+    case kTunnelAcquire:
+      return acquireNamed(record);
+    case kTunnelRelease:
+      return releaseInstance(handle);
+    case kTunnelConfigure:
+      return configure(handle);
+    case kTunnelConfigureText:
+      return configureWithText(handle, record);
+    case kTunnelInquire:
+      return inquireText(handle, record);
+    case kTunnelPush:
+      return pushConfiguration(handle);
+    case kTunnelPop:
+      return popConfiguration(handle);
+    default:
+      return;
+  }
+}
+
+}  // namespace
+
+tConfigTunnel& tConfigTunnel::getInstance() {
+  return *reinterpret_cast<tConfigTunnel*>(instanceStorage);
+}
+
+void tConfigTunnel::constructInstance() {
+  new (instanceStorage) tConfigTunnel;
+}
+
+void tConfigTunnel::destroyInstance() {
+  getInstance().~tConfigTunnel();
+}
+
+tConfigTunnel::~tConfigTunnel() = default;
+
+void tConfigTunnel::dispatch(u64 request) {
+  tTunnelHeader header;
+  if (!copyIn(header, request)) return;
+  u64 at = request + sizeof(header);
+  for (u32 index = 0; index < header.count; ++index, at += sizeof(tTunnelRecord)) {
+    tTunnelRecord record;
+    if (!copyIn(record, at)) return;
+    serve(header.handle, record);
+  }
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,35 @@
+#pragma once
+
+// Serves the requests that user-mode programs send, see "oxdiagk/tunnelRequest.h".
+
+#include "ntos/types.h"
+#include "oxdiagk/api.h"
+#include "vexk/memory.h"
+
+namespace nOXDIAG100 {
+
+// The dispatcher of the module named kTunnelName. It has no state; any number of threads may be in
+// it. Slot order: destructor, dispatch.
+class OXDIAG_API tConfigTunnel {
+ public:
+  VEX_MODULE_MEMORY
+
+  // The one of the module.
+  static tConfigTunnel& getInstance();
+
+  // Build and destroy it: for the tables of the module's entry, and nobody else.
+  static void constructInstance();
+  static void destroyInstance();
+
+  tConfigTunnel() = default;
+  virtual ~tConfigTunnel();
+
+  tConfigTunnel(tConfigTunnel const&) = delete;
+  tConfigTunnel& operator=(tConfigTunnel const&) = delete;
+
+  // Runs the records of the request at this address of user memory. PASSIVE_LEVEL, in the context
+  // of the requesting program.
+  virtual void dispatch(u64 request);
+};
+
+}  // namespace nOXDIAG100
