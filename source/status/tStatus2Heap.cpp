@@ -1,5 +1,6 @@
 #include "oxdiagk/tStatus2Heap.h"
 
+#include "qelmk/mergeStatus.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
@@ -28,11 +29,6 @@ u32 unitsOf(i32 size) {
   u32 const bytes = static_cast<u32>(size);
   u32 const remainder = bytes % tStatus2Heap::kUnitSize == 0 ? 0 : 1;
   return bytes / tStatus2Heap::kUnitSize + remainder + 1;
-}
-
-// Errors are never replaced, warnings by errors only.
-void merge(i32& status, i32 code) {
-  if (status == 0 || (status > 0 && code < 0)) status = code;
 }
 
 }  // namespace
@@ -107,11 +103,11 @@ void* tStatus2Heap::allocateMemoryBlock(i32 size, i32& status) {
 }
 
 void tStatus2Heap::releaseMemoryBlock(void* block, i32& status) {
-  if (!isInside(block)) return merge(status, kStatusHeapBadBlock);
+  if (!isInside(block)) return nQELM100::mergeStatus(status, kStatusHeapBadBlock);
   i32 const acquired = lock->acquire(kSyncWaitForever);
-  if (acquired < 0) return merge(status, acquired);
-  merge(status, releaseGuarded(static_cast<tBlock*>(block) - 1));
-  merge(status, lock->release());
+  if (acquired < 0) return nQELM100::mergeStatus(status, acquired);
+  nQELM100::mergeStatus(status, releaseGuarded(static_cast<tBlock*>(block) - 1));
+  nQELM100::mergeStatus(status, lock->release());
 }
 
 void tStatus2Heap::printHeap() {

@@ -1,0 +1,7 @@
+#include "oxdiagk/iReportableTranslator.h"
+
+namespace nOXDIAG100 {
+
+iReportableTranslator::~iReportableTranslator() = default;
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,112 @@
+// JSON that a parser of somebody else's takes, whatever the statuses hold.
+
+#include "oxdiagk/statusMacros.h"
+#include "oxdiagk/tIntrinsicTypeReportable.h"
+#include "oxdiagk/tStatus2Description.h"
+#include "oxdiagreport/jsonFormat.h"
+#include "oxdiagreport/reportText.h"
+#include "oxdiagreport/textFormat.h"
+#include "report/reportTest.h"
+#include "slotbus/slotbusSupport.h"
+
+using nOXDIAG100::tIntrinsicTypeReportable;
+using nOXDIAG100::tStatus2;
+using nOXDIAG100::tStatus2Description;
+
+namespace {
+
+class OxdiagReportJson : public tReportTest {
+ protected:
+  // What Python's parser reads, as a Python expression of `data` shows it.
+  std::string parsed(std::string const& json, std::string const& expression) const {
+    std::string const program =
+        "import json,sys; data=json.load(open(sys.argv[1],encoding='utf-8')); print(" + expression +
+        ")";
+    return runProgram({"python3", "-X", "utf8", "-c", program, write("json", json)}).output;
+  }
+};
+
+_STL::wstring everyUnit() {
+  _STL::wstring text;
+  for (u32 unit = 0; unit < 0x3000; ++unit) text.push_back(static_cast<wchar_t>(unit));
+  for (u32 unit = 0xD7F0; unit < 0x10000; ++unit) text.push_back(static_cast<wchar_t>(unit));
+  return text;
+}
+
+tStatus2 statusWith(_STL::wstring const& text, char const* component) {
+  tStatus2 making;
+  tStatus2Description description(making);
+  tIntrinsicTypeReportable<_STL::wstring> const reportable(text, making);
+  description.addReportItem(3, reportable, making);
+  EXPECT_EQ(making.getCode(), 0);
+  tStatus2 status;
+#define OXDIAG_COMPONENT component
+  OXDIAG_SET_STATUS_WITH_DESCRIPTION(status, -7, description);
+#undef OXDIAG_COMPONENT
+  return status;
+}
+
+tLanguage const kEnglish("english");
+
+}  // namespace
+
+TEST_F(OxdiagReportJson, OfARackHasItsParts) {
+  std::string const json = report({save("1O | 1 | A | d\n"), "--format", "json"}).output;
+  EXPECT_EQ(parsed(json,
+                   "len(data), data[0]['code'], data[0]['kind'], data[0]['origin']['file'], "
+                   "len(data[0]['origin']['stackTrace']) > 0"),
+            "2 -61007 error examples/slotbus/component/tRackLine.cpp True\n");
+  EXPECT_EQ(parsed(json, "[item['usageType'] for item in data[0]['description']]"),
+            "[-61007, 1, 2, 3, 4, 6, 8, 9]\n");
+  EXPECT_EQ(parsed(json, "data[0]['description'][1]"),
+            "{'usageType': 1, 'class': 'nOXDIAG100::tIntrinsicTypeReportable<u32>', 'text': 'Line: "
+            "1'}\n");
+  EXPECT_EQ(parsed(json, "data[1]['kind'], data[1]['description']"), "warning []\n");
+}
+
+TEST_F(OxdiagReportJson, IsAWholeArrayInFrontOfDamage) {
+  std::string const file = save("1O | 1 | A | d\n1 | 1 | A | d");
+  std::ofstream(file, std::ios::binary | std::ios::app) << "behind";
+  tRun const done = report({file, "--format", "json"});
+  EXPECT_EQ(done.exitCode, 1);
+  EXPECT_EQ(parsed(done.output, "len(data)"), "1\n");
+}
+
+TEST_F(OxdiagReportJson, OfAPlainCodeHasNoOrigin) {
+  EXPECT_EQ(parsed(jsonOf(tStatus2(-5), kEnglish), "data['code'], data['origin']"), "-5 None\n");
+  EXPECT_EQ(parsed(jsonOf(tStatus2(), kEnglish), "data['kind'], data['description']"),
+            "success []\n");
+}
+
+TEST_F(OxdiagReportJson, TakesEveryCharacter) {
+  std::string const json = jsonOf(statusWith(everyUnit(), "a\x80\"\\\x01"), kEnglish);
+  EXPECT_EQ(parsed(json, "ascii(data['origin']['component'])"), "'a\\x80\"\\\\\\x01'\n");
+  EXPECT_EQ(parsed(json,
+                   "data['description'][0]['text'][9:0x3009] == "
+                   "''.join(chr(u) for u in range(0x3000))"),
+            "True\n");
+}
+
+TEST_F(OxdiagReportJson, PutsAReplacementForHalfAPair) {
+  _STL::wstring text(L"a\xD83D");
+  text.push_back(L'b');
+  text.append(L"\xDE00\xD83D\xDE00");
+  EXPECT_EQ(utf8Of(text), "a\uFFFDb\uFFFD\U0001F600");
+  EXPECT_EQ(utf8Of(_STL::wstring(L"\xD83D")), "\uFFFD");
+}
+
+TEST_F(OxdiagReportJson, TextSteersNoTerminal) {
+  std::string const text = textOf(statusWith(everyUnit(), "a\x1B[2J\x9B"), 1, kEnglish);
+  for (size_t index = 0; index < text.size(); ++index) {
+    unsigned char const byte = static_cast<unsigned char>(text[index]);
+    EXPECT_TRUE(byte == '\n' || (byte >= ' ' && byte != 0x7F)) << index;
+    if (byte != 0xC2) continue;
+    EXPECT_GE(static_cast<unsigned char>(text[index + 1]), 0xA0) << index;
+  }
+  EXPECT_NE(text.find("a\\x1B[2J\\x9B"), std::string::npos);
+}
+
+TEST_F(OxdiagReportJson, LineBreaksInTextAreIndented) {
+  std::string const text = textOf(statusWith(_STL::wstring(L"a\nStatus 2"), "c"), 1, kEnglish);
+  EXPECT_NE(text.find("  Item 3: \"a\n  Status 2\"\n"), std::string::npos) << text;
+}
