@@ -4,9 +4,12 @@
 #       One library of the product (vexk, qelmk, oxdiagk, a component). On the host a static
 #       library; on the kernel targets a set of objects that a module links.
 #
-#   oxdiag_kernel_module(NAME TYPE dll|sys ENTRY symbol LIBRARIES ... IMPORTS ... [EXPORTS ...])
+#   oxdiag_kernel_module(NAME TYPE dll|sys ENTRY symbol LIBRARIES ... IMPORTS ... [EXPORTS ...]
+#                        [DESCRIPTION text])
 #       windows only: links the objects of LIBRARIES into NAME.dll or NAME.sys with its PDB and,
-#       for a dll, its import library. IMPORTS name other modules or kernel images.
+#       for a dll, its import library. IMPORTS name other modules or kernel images. A module of the
+#       family has a DESCRIPTION, and then the version of the build in its header and, with that
+#       text, in its file properties.
 #
 #   oxdiag_kernel_import(NAME DEFINITION file.def)
 #       windows only: the import library of a kernel image that is not built here.
@@ -36,7 +39,7 @@ function(oxdiag_kernel_import name)
 endfunction()
 
 function(oxdiag_kernel_module name)
-  cmake_parse_arguments(ARG "" "TYPE;ENTRY" "LIBRARIES;IMPORTS;EXPORTS" ${ARGN})
+  cmake_parse_arguments(ARG "" "TYPE;ENTRY;DESCRIPTION" "LIBRARIES;IMPORTS;EXPORTS" ${ARGN})
   set(image "${OXDIAG_MODULE_DIR}/${name}.${ARG_TYPE}")
   set(flags /nologo /driver /subsystem:native /entry:${ARG_ENTRY} /nodefaultlib /debug /opt:ref
             /Brepro /WX "/pdbaltpath:%_PDB%" "/out:${image}" "/pdb:${OXDIAG_MODULE_DIR}/${name}.pdb")
@@ -50,6 +53,16 @@ function(oxdiag_kernel_module name)
   foreach(library IN LISTS ARG_LIBRARIES)
     list(APPEND objects "$<TARGET_OBJECTS:${library}>")
   endforeach()
+  if(ARG_DESCRIPTION)
+    set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+    configure_file("${PROJECT_SOURCE_DIR}/cmake/module.rc.in" "${resource}" @ONLY)
+    add_custom_command(
+      OUTPUT "${resource}.res"
+      COMMAND llvm-rc /no-preprocess /fo "${resource}.res" "${resource}"
+      DEPENDS "${resource}" VERBATIM)
+    list(APPEND objects "${resource}.res")
+    list(APPEND flags "/version:${OXDIAG_VERSION_IMAGE}")
+  endif()
   set(imports "")
   set(importTargets "")
   foreach(import IN LISTS ARG_IMPORTS)

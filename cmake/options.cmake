@@ -23,7 +23,11 @@ if(OXDIAG_TARGET STREQUAL "host")
   if(OXDIAG_SANITIZE)
     target_compile_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE}
                                                      -fno-sanitize-recover=all)
-    target_link_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE})
+    target_link_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE} -fuse-ld=lld)
+  endif()
+  if(OXDIAG_SANITIZE MATCHES "fuzzer")
+    target_compile_options(oxdiag_warnings INTERFACE
+      "-fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/tests/fuzz/uncovered.txt")
   endif()
 elseif(OXDIAG_TARGET STREQUAL "windows")
   # -fms-extensions brings __declspec, __int64 and __try; -Wpedantic must not object to them.

@@ -3,15 +3,57 @@
 // Everything that a client component may use, in one include. Each header is the manual of what it
 // declares.
 
-#include "oxdiagk/iStatus2Description.h"   // what a structured description of a status can do
-#include "oxdiagk/iTraceDestination.h"     // where trace text goes; derive your own
-#include "oxdiagk/iTraceable.h"            // objects that write themselves into a line
-#include "oxdiagk/statusMacros.h"          // set a status with its origin, in one statement
-#include "oxdiagk/tBlockTracer.h"          // entry and exit of a block of code
-#include "oxdiagk/tConfigurable.h"         // objects that are set by option words
-#include "oxdiagk/tStatus2.h"              // a code and where it was set
-#include "oxdiagk/tStatus2Heap.h"          // the fixed memory behind statuses
-#include "oxdiagk/tTrace.h"                // the trace stream
-#include "oxdiagk/tTraceFilter.h"          // which lines are shown
-#include "oxdiagk/tVEXTraceDestination.h"  // the debugger print
-#include "oxdiagk/traceMacros.h"           // a trace line or a block, in one statement
+// clang-format off
+
+// Tracing: the stream, a line or a block in one statement, which lines are shown.
+#include "oxdiagk/tTrace.h"
+#include "oxdiagk/traceMacros.h"
+#include "oxdiagk/tBlockTracer.h"
+#include "oxdiagk/tTraceFilter.h"
+#include "oxdiagk/iTraceable.h"
+
+// Where trace text goes: derive your own, or the debugger, the serial port, a file, a buffer.
+#include "oxdiagk/iTraceDestination.h"
+#include "oxdiagk/tVEXTraceDestination.h"
+#include "oxdiagk/tSerialTraceDestination.h"
+#include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tCTFTraceDestination.h"
+
+// Contracts: preconditions and their like in one statement, which are checked, what happens then.
+#include "oxdiagk/contractMacros.h"
+#include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/assertion.h"
+
+// Statuses: a code and where it was set, in one statement; the fixed memory behind them.
+#include "oxdiagk/tStatus2.h"
+#include "oxdiagk/statusMacros.h"
+#include "oxdiagk/tStatus2Heap.h"
+
+// Descriptions of statuses: typed values, and the vocabulary that makes a report of them.
+#include "oxdiagk/tStatus2Description.h"
+#include "oxdiagk/tReportItem.h"
+#include "oxdiagk/iStatus2Description.h"
+#include "oxdiagk/iVariantReportable.h"
+#include "oxdiagk/tTitleReportable.h"
+#include "oxdiagk/tWhiteSpaceReportable.h"
+#include "oxdiagk/tIntrinsicTypeReportable.h"
+#include "oxdiagk/tBoundedRangeReportable.h"
+#include "oxdiagk/tPropertyIDReportable.h"
+#include "oxdiagk/tEnumPropertyReportable.h"
+#include "oxdiagk/tGUIDReportable.h"
+#include "oxdiagk/tSSTimeAbsoluteReportable.h"
+#include "oxdiagk/tStringProxyReportable.h"
+#include "oxdiagk/tReportableValue.h"
+#include "oxdiagk/iReportableTranslator.h"
+#include "oxdiagk/iReportableTranslatorForEmptyContainers.h"
+#include "oxdiagk/iReportableTranslatorForI64.h"
+#include "oxdiagk/iReportableTranslatorTimeAbsolute.h"
+#include "oxdiagk/iStringIDToWideStringConverter.h"
+
+// Objects that are set by option words: in kernel by name and handle, from user mode by requests.
+#include "oxdiagk/tConfigurable.h"
+#include "oxdiagk/instanceRegistry.h"
+#include "oxdiagk/tunnelRequest.h"
+
+// What is installed, and whether it is enough.
+#include "oxdiagk/version.h"

@@ -12,8 +12,8 @@
 namespace nOXDIAG100 {
 
 // Builds every global object in table order, or only counts when that was done before. Returns 0,
-// or -50352 when an entry could not allocate; what was built before it is undone by
-// terminateGlobals().
+// -50352 when an entry could not allocate, or the negative status of a class registration; what was
+// built before it is undone by terminateGlobals().
 i32 initialiseGlobals();
 
 // Undoes one initialiseGlobals(): the last one destroys every object, last built first.

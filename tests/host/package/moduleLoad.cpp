@@ -2,34 +2,28 @@
 // its own.
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
+#include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/module.h"
+#include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tStatus2Heap.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "package/childProcess.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
 
 namespace {
 
+using nOXDIAG100::tAssertConfiguration;
+using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tStatus2Heap;
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tVEXTraceDestination;
-
-// Runs `body` in a child and returns its result, or -1 when it ended in another way.
-template <class Body>
-int inAProcess(Body body) {
-  pid_t const child = fork();
-  if (child == 0) _exit(body());
-  int status = 0;
-  waitpid(child, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
 
 tStatus2Heap* heap() {
   i32 status = 0;
@@ -44,6 +38,8 @@ void startPlatform() {
 // What a load with the nth allocation failing came to.
 enum tOutcome : int {
   kWhole,            // nothing failed
+  kWithoutRegistry,  // loaded; there are no handles
+  kWithoutCategory,  // loaded; contracts of one category are not checked
   kWithoutFilter,    // loaded; every line is shown
   kWithEmptyFilter,  // loaded; the filter has lost its default term
   kWithEmptyHeap,    // loaded; statuses have no detail
@@ -51,13 +47,26 @@ enum tOutcome : int {
   kWrong
 };
 
+bool isCategoryMissing() {
+  tAssertConfiguration const& contracts = tAssertConfiguration::getInstance();
+  for (char const* category : {"default", "warning", "statusWarning", "statusFatal"}) {
+    if (!contracts.checksAreEnabled(category)) return true;
+  }
+  return false;
+}
+
 tOutcome judgeLoaded() {
+  bool const isContractMissing = isCategoryMissing();
   tTrace& trace = tTrace::getInstance();
   bool const isHeapEmpty = heap()->getFreeUnits() == 0;
   bool const isFilterEmpty = trace.getFilter() != nullptr && trace.getFilter()->isEmpty();
   bool const isFilterMissing = trace.getFilter() == nullptr;
+  bool const isRegistryMissing = nOXDIAG100::acquireInstance(nullptr) == nOXDIAG100::kNoHandle;
   oxdiagkUnload();
   if (ntoshost::outstandingBlocks() != 0) return kWrong;
+  if (!isCategoryMissing()) return kWrong;
+  if (isRegistryMissing) return kWithoutRegistry;
+  if (isContractMissing) return kWithoutCategory;
   if (isHeapEmpty) return kWithEmptyHeap;
   if (isFilterMissing) return kWithoutFilter;
   return isFilterEmpty ? kWithEmptyFilter : kWhole;
@@ -92,6 +101,36 @@ TEST(ModuleLoad, BuildsTheStreamAndTheHeapAndUnloadsWithoutALeftover) {
             0);
 }
 
+TEST(ModuleLoad, UnloadDestroysTheSerialDestinationAfterTheStreamThatUsesIt) {
+  EXPECT_EQ(inAProcess([] {
+              startPlatform();
+              if (oxdiagkInitialize(nullptr) != STATUS_SUCCESS) return 1;
+              tTrace& trace = tTrace::getInstance();
+              trace.pushConfiguration();
+              trace.configure("--destination serial 9600");
+              trace.pushConfiguration();
+              if (trace.getDestination() != tSerialTraceDestination::getInstance()) return 2;
+              oxdiagkUnload();
+              return ntoshost::outstandingBlocks() == 0 ? 0 : 3;
+            }),
+            0);
+}
+
+TEST(ModuleLoad, UnloadDestroysTheSerialDestinationThatASavedConfigurationMakesAtTheEnd) {
+  EXPECT_EQ(inAProcess([] {
+              startPlatform();
+              if (oxdiagkInitialize(nullptr) != STATUS_SUCCESS) return 1;
+              tTrace& trace = tTrace::getInstance();
+              trace.configure("--destination serial");
+              trace.pushConfiguration();
+              trace.configure("--destination vex");
+              tSerialTraceDestination::destroyInstance();
+              oxdiagkUnload();
+              return ntoshost::outstandingBlocks() == 0 ? 0 : 2;
+            }),
+            0);
+}
+
 TEST(ModuleLoad, IsRefusedWithoutThePlatformLayer) {
   EXPECT_EQ(inAProcess([] {
               if (oxdiagkInitialize(nullptr) != STATUS_DRIVER_UNABLE_TO_LOAD) return 1;
@@ -109,8 +148,10 @@ TEST(ModuleLoad, EveryFailedAllocationIsRefusedOrSurvivedWithNothingLeft) {
     ++seen[outcome];
   }
   EXPECT_EQ(seen[kWrong], 0);
+  EXPECT_EQ(seen[kWithoutCategory], 4);
   EXPECT_EQ(seen[kWithoutFilter], 1);
   EXPECT_EQ(seen[kWithEmptyFilter], 1);
   EXPECT_EQ(seen[kWithEmptyHeap], 1);
-  EXPECT_GE(seen[kRefused], 3);  // the terminator, the heap's record, its lock
+  EXPECT_GE(seen[kWithoutRegistry], 2);  // its lock, its ring
+  EXPECT_GE(seen[kRefused], 12);  // a terminator a class, four more, the heap's record, its lock
 }

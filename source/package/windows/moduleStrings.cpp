@@ -1,0 +1,11 @@
+#include "package/windows/moduleStrings.h"
+
+#include "build/version.h"
+
+namespace nOXDIAG100 {
+
+constexpr char kModuleFileName[] = "oxdiagk.dll";
+
+constexpr char kBuildString[] = OXDIAG_BUILD_STRING;
+
+}  // namespace nOXDIAG100
