@@ -11,8 +11,7 @@ namespace nOXDIAG100 {
 //
 // A component may bring its own destination: derive, implement every operation, and install the
 // object with tTrace::setDestination. The object must outlive its use; a destination that can be
-// destroyed while it is installed sends the stream back to the debugger first, by
-// `tTrace::getInstance().configure("--destination vex")` in its destructor.
+// destroyed while it is installed begins its destructor with leaveStream().
 //
 // `configure`, `open` and `close` have bodies that do nothing (`open` returns 1), for destinations
 // that need no more:
@@ -65,6 +64,12 @@ class OXDIAG_API iTraceDestination {
   // inquire() for a destination whose whole settings are the one text `settings`.
   static char* inquireText(char const* settings, char* buffer, unsigned int size,
                            unsigned int* required);
+
+  // Sends the module's trace stream back to the debugger, with "--destination vex", if this is its
+  // destination, which still receives the line about it, is asked for its settings and is closed.
+  // For the beginning of the destructor of the class that implements those operations.
+  // PASSIVE_LEVEL.
+  void leaveStream();
 };
 
 }  // namespace nOXDIAG100

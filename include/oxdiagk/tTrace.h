@@ -202,6 +202,63 @@ class OXDIAG_API tTrace : public tConfigurable {
   tTrace& put(void const* address, u32 length, u32 unitSize);
   tTrace& put(void* address, u32 length, u32 unitSize);
 
+  // Appends text formatted in the manner of printf, of at most kMaxTraceLine - 1 characters:
+  //
+  //     trace.putf("slot %u: %-8s 0x%04hX, %+d degrees", slot, name, control, temperature);
+  //
+  // A conversion is "%", any of the flags, a width, "." and a precision, one length letter, and the
+  // conversion letter; all but the last may be missing. Width and precision are decimal digits or
+  // "*", which takes an int argument. A negative width argument is the flag "-" and its magnitude,
+  // a negative precision argument is no precision, "." without digits is a precision of 0.
+  //
+  //   flags     -        pad on the right
+  //             +        a plus sign in front of decimal numbers that are not negative
+  //             blank    a blank there; "+" prevails
+  //             #        a 0 in front of octal numbers, 0x or 0X in front of hexadecimal ones
+  //             0        pad numbers with zeros, behind sign and prefix; not with "-", not with a
+  //                      precision
+  //   length    h        numbers have 16 bits
+  //             l        text is wide (UTF-16); means nothing to numbers
+  //             L        means nothing
+  //   letter    d i      i32 in decimal
+  //             u        u32 in decimal
+  //             o x X    u32 in octal, in hexadecimal with small or capital digits
+  //             s        text, nothing if null; a precision limits the characters taken, and text
+  //                      of that many needs no terminator. Of wide text, the low byte of every unit
+  //             %        a percent sign; flags, width and precision do nothing
+  //             c p      nothing, not even padding, but the argument is taken
+  //             e E f F g G
+  //                      "<<'f' not supported>>", with the letter; no argument is taken
+  //             others   "<<invalid conversion specifier 'q'>>", with the character; the rest of
+  //                      the format is dropped
+  //
+  // A precision is the least number of digits. Zero has neither 0x nor a second 0 in front, and
+  // with a precision of 0 no digits (but a 0 for %#o). A format that ends within a conversion ends
+  // in front of it.
+  //
+  // There are no 64-bit numbers: of a 64-bit argument, %d, %u, %o and %x show the low half, and
+  // %lld, %zu and %I64d are invalid. For those, and for addresses, there is put.
+  //
+  // Since %f takes no argument, the next conversion takes its. On 64-bit Windows that shows the low
+  // half of the floating-point value. On targets that pass floating-point arguments in registers of
+  // their own (x86-64 Linux) it takes the next integer or address argument.
+  //
+  // Longer text is cut, behind the warning
+  //
+  //     !!!Formatted string exceeds kMaxTraceLine characters!!!!
+  //
+  // As with put, text beyond 255 characters arrives in pieces, a newline ends a line, and text ends
+  // at a NUL (wide units such as 0x0100 bring one). Null writes nothing. While the line is not
+  // shown, no argument is looked at. Compilers are deliberately not asked to check the format: they
+  // know printf, and would pass the very conversions that are not in this table.
+  //
+  // Allocates nothing, uses no floating point, and less than 2 KiB of stack. Any IRQL at which
+  // format and text may be read.
+  tTrace& putf(char const* format, ...);
+
+  // The size of putf's text in bytes, terminator included.
+  static constexpr u32 kMaxTraceLine = 1024;
+
   // Ends the line: hands it to the destination with a newline, unless it is not shown; gives the
   // line mutex back; remembers the time.
   tTrace& endl();
@@ -218,7 +275,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   //                                switches; "on" or "off" may follow
   //   --prefixwidth N              minimum prefix width
   //   --filter EXPRESSION          filter expression; with nothing behind it the filter is emptied
-  //   --destination NAME [WORDS]   destination ("vex"; no name is "vex" too), and its own words
+  //   --destination NAME [WORDS]   destination ("vex", "serial"; no name is "vex"), and its own
+  //   words
   //   --mutex-kernel-token N:0     token for opening the line mutex; all later words are tokens too
   //   --calibrate                  calibrate() after everything else
   //
@@ -240,6 +298,8 @@ class OXDIAG_API tTrace : public tConfigurable {
  protected:
   // A private stream, with the settings of a fresh one: for components that want one of their own,
   // by deriving from this class. `first` must outlive the stream or its use by it, and is open.
+  // All streams lock their lines by the one named lock. A stream that is destroyed by a thread
+  // within a line of another cannot close its handle of it, which then stays until unload.
   explicit tTrace(iTraceDestination& first);
 
  private:

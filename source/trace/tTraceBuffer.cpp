@@ -10,8 +10,10 @@ namespace {
 constexpr u64 kLowBits = 0x0101010101010101;
 constexpr u64 kHighBits = 0x8080808080808080;
 
-u64 loadWord(char const* text) {
-  u64 word = 0;
+// Four or eight characters as one number.
+template <class tWord>
+tWord loadWord(char const* text) {
+  tWord word = 0;
   __builtin_memcpy(&word, text, sizeof(word));
   return word;
 }
@@ -21,9 +23,29 @@ constexpr bool hasNul(u64 word) {
   return ((word - kLowBits) & ~word & kHighBits) != 0;
 }
 
-// Whether eight characters need no look at each: there is no newline and no NUL among them.
+// Whether the characters need no look at each: there is no newline and no NUL among them.
 constexpr bool isPlain(u64 word) {
   return !hasNul(word) && !hasNul(word ^ (kLowBits * '\n'));
+}
+
+// The same of four; the upper half is made plain.
+constexpr bool isPlain(u32 word) {
+  return isPlain(word | (kHighBits << 32));
+}
+
+// Copies one word of plain characters if that leaves a character of the room; returns its length,
+// or 0 when the next character must be looked at.
+template <class tWord>
+u64 copyWord(char const* text, u64 left, char* position, u64 room) {
+  bool const fits = left >= sizeof(tWord) && room > sizeof(tWord);
+  if (!fits || !isPlain(loadWord<tWord>(text))) return 0;
+  __builtin_memcpy(position, text, sizeof(tWord));
+  return sizeof(tWord);
+}
+
+u64 copyPlain(char const* text, u64 left, char* position, u64 room) {
+  u64 const copied = copyWord<u64>(text, left, position, room);
+  return copied != 0 ? copied : copyWord<u32>(text, left, position, room);
 }
 
 }  // namespace
@@ -53,18 +75,17 @@ void tTrace::append(char const* text) {
 
 void tTrace::append(char const* text, u64 length) {
   if (!isWriting() || text == nullptr) return;
-  constexpr u64 kWordSize = sizeof(u64);
-  char const* const lastWord = lineBuffer + kLineBufferSize - 1 - kWordSize;
   char const* const end = text + length;
+  char const* const full = lineBuffer + kLineBufferSize - 1;
   char* position = __atomic_load_n(&writePosition, __ATOMIC_RELAXED);
   while (text != end) {
     u64 const left = static_cast<u64>(end - text);
-    if (left >= kWordSize && position < lastWord && isPlain(loadWord(text))) {
-      __builtin_memcpy(position, text, kWordSize);
-      position += kWordSize;
-      text += kWordSize;
-    } else {
+    u64 const copied = copyPlain(text, left, position, static_cast<u64>(full - position));
+    if (copied == 0) {
       position = appendCharacter(*text++, position);
+    } else {
+      position += copied;
+      text += copied;
     }
   }
   __atomic_store_n(&writePosition, position, __ATOMIC_RELAXED);

@@ -1,11 +1,10 @@
+#include "config/savedSettings.h"
 #include "config/tInquiryText.h"
-#include "config/tOptionWords.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "trace/tTraceOptionReader.h"
 #include "trace/tTraceSwitchTable.h"
-#include "vexk/memory.h"
 
 namespace nOXDIAG100 {
 
@@ -38,26 +37,16 @@ void tTrace::inquire(char* buffer, unsigned int size, unsigned int* needed) {
 }
 
 void tTrace::pushConfiguration() {
-  size_t const count = savedConfigurations.size();
-  bool const hasRoom = count < savedConfigurations.capacity() ||
-                       savedConfigurations.reserve(count == 0 ? 1 : 2 * count);
-  if (!hasRoom) return;
-  unsigned int needed = 0;
-  inquire(nullptr, 0, &needed);
-  i32 status = 0;
-  char* const text = static_cast<char*>(_memNewUsingCRT(needed, kMemLongLived, status));
-  if (text == nullptr) return;
-  inquire(text, needed, nullptr);
-  savedConfigurations.push_back(text);
+  if (!makeRoom(savedConfigurations)) return;
+  char* const text = copySettings(*this, kMemLongLived);
+  if (text != nullptr) savedConfigurations.push_back(text);
 }
 
 void tTrace::popConfiguration() {
   if (savedConfigurations.empty()) return;
   char* const text = savedConfigurations.back();
   savedConfigurations.pop_back();
-  tOptionWords const words(text);
-  _memDelete(text);
-  if (!words.hasFailed()) configure(words.getCount(), words.getWords());
+  restoreSettings(*this, text);
 }
 
 }  // namespace nOXDIAG100

@@ -1,27 +1,14 @@
+#include "config/savedSettings.h"
 #include "config/tOptionWords.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
-namespace {
-
-// The destination's settings in a block of their own; null when memory is exhausted.
-char* copySettings(iTraceDestination& destination) {
-  unsigned int needed = 0;
-  destination.inquire(nullptr, 0, &needed);
-  i32 status = needed == 0 ? kStatusOutOfMemory : 0;
-  char* const settings = static_cast<char*>(_memNewUsingCRT(needed, kMemScratch, status));
-  if (settings != nullptr) destination.inquire(settings, needed, nullptr);
-  return settings;
-}
-
-}  // namespace
-
 iTraceDestination* tTrace::setDestination(iTraceDestination& next) {
   put("Switching trace destination to ").put(next.getDescription()).endl();
   iTraceDestination& former = *destination;
-  char* const settings = copySettings(former);
+  char* const settings = copySettings(former, kMemScratch);
   former.close();
   destination = &next;
   iTraceDestination* const result = next.open() != 0 ? &former : fallBack(former, settings);

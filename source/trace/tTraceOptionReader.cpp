@@ -1,6 +1,9 @@
 #include "trace/tTraceOptionReader.h"
 
 #include "config/numberText.h"
+#include "config/optionWord.h"
+#include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 
@@ -17,17 +20,17 @@ iTraceDestination* getDebuggerPrint() {
   return &tVEXTraceDestination::getInstance();
 }
 
+// Made when it is first chosen.
+template <class T>
+iTraceDestination* getOrMake() {
+  return T::getInstance();
+}
+
 constexpr tSink kSinks[] = {
     {"vex", &getDebuggerPrint},
+    {"serial", &getOrMake<tSerialTraceDestination>},
+    {"file", &getOrMake<tFileTraceDestination>},
 };
-
-bool isEqual(char const* left, char const* right) {
-  return __builtin_strcmp(left, right) == 0;
-}
-
-bool isOption(char const* word) {
-  return word[0] == '-' && word[1] == '-';
-}
 
 iTraceDestination* findSink(char const* name) {
   for (tSink const& sink : kSinks) {
@@ -39,10 +42,7 @@ iTraceDestination* findSink(char const* name) {
 }  // namespace
 
 tTraceOptionReader::tTraceOptionReader(tTrace& trace, int argc, char** argv)
-    : trace(trace),
-      filter(trace.getFilter()),
-      next(argv),
-      end(argv == nullptr || argc < 0 ? argv : argv + argc) {
+    : trace(trace), filter(trace.getFilter()), next(argv), end(argv + countWords(argc, argv)) {
 }
 
 void tTraceOptionReader::read() {
@@ -94,12 +94,12 @@ void tTraceOptionReader::readSwitchValue(u32 index) {
   i32 const field = tTraceSwitchTable::entries[index].filterField;
   bool const isFiltered = filter != nullptr && field != tTraceSwitchTable::kNoField;
   char const* const value = takeValue();
-  switches[index] = kOn;
+  tOnOff const said = value == nullptr ? tOnOff::kNeither : readOnOff(value);
+  switches[index] = said == tOnOff::kOff ? kOff : kOn;
+  if (!isFiltered || said != tOnOff::kNeither) return;
   if (value == nullptr) {
-    if (isFiltered) filter->removeField(field);
-  } else if (isEqual(value, "off")) {
-    switches[index] = kOff;
-  } else if (!isEqual(value, "on") && isFiltered) {
+    filter->removeField(field);
+  } else {
     filter->addTerm(value, tTraceFilter::kAnd, field);
   }
 }

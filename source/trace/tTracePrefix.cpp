@@ -27,17 +27,10 @@ u32 getOffsetIndex(tTrace::tTraceType type) {
   return type == tTrace::kBlockExit ? 1 : 2;
 }
 
-u64 getLength(char const* text, u64 most) {
-  u64 length = 0;
-  while (length < most && text[length] != '\0') ++length;
-  return length;
-}
-
+// From the end: a name is shorter than the path before it.
 char const* getLastPart(char const* path) {
-  char const* part = path;
-  for (; *path != '\0'; ++path) {
-    if (*path == '/' || *path == '\\') part = path + 1;
-  }
+  char const* part = path + __builtin_strlen(path);
+  while (part != path && part[-1] != '/' && part[-1] != '\\') --part;
   return part;
 }
 
@@ -153,7 +146,9 @@ void tTracePrefix::putField(u32 field, u64 timeDelta) {
 }
 
 void tTracePrefix::put(char const* text) {
-  u64 const length = getLength(text, fieldLimit - count);
+  u64 const whole = __builtin_strlen(text);
+  u64 const room = fieldLimit - count;
+  u64 const length = whole < room ? whole : room;
   trace.append(text, length);
   count += length;
 }

@@ -175,6 +175,26 @@ TEST(BlockTracer, ABlockWithoutNameShowsNone) {
   EXPECT_STREQ("{\n} \n", stream.text());
 }
 
+TEST(BlockTracer, ABlockWithoutNameShowsTheRest) {
+  tBlockStream stream;
+  i32 status = 5;
+  {
+    tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, nullptr,
+                             reinterpret_cast<void*>(0x1A), &status, stream.trace);
+  }
+  EXPECT_STREQ("this=0x1A; tStatus=5 {\n} tStatus=5; \n", stream.text());
+}
+
+TEST(BlockTracer, AnEmptyNameIsAName) {
+  tBlockStream stream;
+  char name[1] = "";
+  {
+    tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, name, nullptr,
+                             static_cast<i32*>(nullptr), stream.trace);
+  }
+  EXPECT_STREQ("; {\n} \n", stream.text());
+}
+
 TEST(BlockTracer, MissingComponentAndFileAreShownAsNothing) {
   tBlockStream stream;
   stream.showFieldsInFull();
@@ -220,6 +240,51 @@ TEST(BlockTracer, TheFilterMayHideOneOfTheTwoLines) {
   EXPECT_EQ(i32{0}, stream.trace.getNestingLevel());
 }
 
+TEST(BlockTracer, AnExitMayBeShownWithoutItsEntry) {
+  tBlockStream stream;
+  {
+    tBlockTracer const block(stream.component, kVersion, 42, stream.file, kHidden, stream.work,
+                             nullptr, static_cast<i32*>(nullptr), stream.trace);
+    stream.trace.getFilter()->parseExpression("verbosity>=99");
+  }
+  EXPECT_STREQ("} work\n", stream.text());
+}
+
+TEST(BlockTracer, AHiddenBlockSeesItsStatusLater) {
+  tBlockStream stream;
+  i32 status = -5;
+  stream.trace.disable();
+  {
+    tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, stream.work,
+                             nullptr, &status, stream.trace);
+    status = 0;
+    stream.trace.enable();
+  }
+  EXPECT_STREQ("} tStatus=0; work\n", stream.text());
+}
+
+TEST(BlockTracer, TheLevelNeverFallsBelow0) {
+  tBlockStream stream;
+  {
+    tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, stream.work,
+                             nullptr, static_cast<i32*>(nullptr), stream.trace);
+    tPrefixedStream::withType(tTrace::kBlockExit).openOn(stream.trace).endl();
+    EXPECT_EQ(i32{0}, stream.trace.getNestingLevel());
+  }
+  EXPECT_EQ(i32{0}, stream.trace.getNestingLevel());
+}
+
+TEST(BlockTracer, TheLevelIsThatOfTheBlocksStream) {
+  tBlockStream stream;
+  tRecordingDestination otherRecord(1);
+  tPrivateTrace other(otherRecord);
+  tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, stream.work,
+                           nullptr, static_cast<i32*>(nullptr), stream.trace);
+  EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
+  EXPECT_EQ(i32{0}, other.getNestingLevel());
+  EXPECT_EQ(u32{0}, otherRecord.pieceCount());
+}
+
 TEST(BlockTracer, ItsOwnNestingLevelIsAlways0) {
   tBlockStream stream;
   EXPECT_EQ(u32{0}, tBlockTracer::getNestingLevel());
@@ -228,4 +293,35 @@ TEST(BlockTracer, ItsOwnNestingLevelIsAlways0) {
   tBlockTracer const inner(stream.component, kVersion, 43, stream.file, kShown, stream.play,
                            nullptr, static_cast<i32*>(nullptr), stream.trace);
   EXPECT_EQ(u32{0}, tBlockTracer::getNestingLevel());
+}
+
+// The objects stand in frames of clients that were compiled before.
+TEST(BlockTracer, ItKeepsWhatItWasBuiltWithInThisOrder) {
+  struct tMembers {
+    char* component;
+    tSSVersion version;
+    u32 line;
+    char* file;
+    u32 verbosity;
+    char* blockName;
+    i32* legacyStatus;
+    tStatus2* statusObject;
+    tTrace* trace;
+  };
+  static_assert(sizeof(tMembers) == sizeof(tBlockTracer));
+  tBlockStream stream;
+  i32 status = 0;
+  tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, stream.work,
+                           nullptr, &status, stream.trace);
+  tMembers members;
+  __builtin_memcpy(static_cast<void*>(&members), static_cast<void const*>(&block), sizeof(members));
+  EXPECT_TRUE(members.component == stream.component);
+  EXPECT_TRUE(members.version == kVersion);
+  EXPECT_EQ(u32{42}, members.line);
+  EXPECT_TRUE(members.file == stream.file);
+  EXPECT_EQ(u32{kShown}, members.verbosity);
+  EXPECT_TRUE(members.blockName == stream.work);
+  EXPECT_TRUE(members.legacyStatus == &status);
+  EXPECT_TRUE(members.statusObject == nullptr);
+  EXPECT_TRUE(members.trace == &stream.trace);
 }

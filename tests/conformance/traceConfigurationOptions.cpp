@@ -315,6 +315,17 @@ TEST(TraceOptions, NullVectorCountsAsNoWords) {
                "--filter \"verbosity>=100\" --mutex off");
 }
 
+TEST(TraceOptions, NullWordEndsTheList) {
+  tStream stream;
+  char width[] = "--prefixwidth";
+  char number[] = "7";
+  char off[] = "--off";
+  char* words[] = {width, number, nullptr, off};
+  stream.trace.configure(4, words);
+  EXPECT_EQ(stream.trace.getMinPrefixWidth(), u32{7});
+  EXPECT_EQ(stream.trace.isEnabled(), u32{1});
+}
+
 TEST(TraceOptions, CountOfZeroOrLessReadsNoWord) {
   tStream stream;
   char word[] = "--off";

@@ -5,6 +5,10 @@
 //   - an empty filter is not inquired, so the terms of the stream that is configured survive;
 //   - calibration offsets are inquired, but configuring measures anew;
 //   - a destination that no option names is inquired and ignored;
+//   - the rates 2000 and 1800 of the serial port have no word in its settings, and the mode of a
+//   file
+//     is left out of them;
+//   - file names with blanks are written without quotes;
 //   - filter terms that an expression cannot say: those without an operator, and those whose text
 //     is empty or holds a blank, "|", "&" or a double quote. They come only from a word behind a
 //     field switch.
@@ -12,16 +16,22 @@
 #include <random>
 
 #include "keptLines.h"
+#include "ntos/driveFolder.h"
+#include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "rounds.h"
 #include "startedModules.h"
 
 namespace {
 
+using nOXDIAG100::tFileTraceDestination;
+using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tVEXTraceDestination;
 using tWords = std::vector<std::string>;
 
-constexpr int kRounds = 100'000;
+constexpr int kRounds = roundsOf(100'000);
 
 class tGenerator {
  public:
@@ -102,6 +112,18 @@ class tGenerator {
     }
   }
 
+  // A destination with its own words, of those that can be told in settings.
+  void addSink(tWords& words) {
+    words.push_back("--destination");
+    words.push_back(oneOf({"vex", "serial", "file"}));
+    if (words.back() == "vex") return;
+    bool const isSerial = words.back() == "serial";
+    if (isSerial) words.push_back(oneOf({"115200", "9600", "19200", "1200", "110"}));
+    if (!isSerial)
+      words.push_back(oneOf({"C:/a.out", "c:\\B.out", "C:/no/b.out", "x.out", "D:/d"}));
+    if (!isSerial && below(2) == 0) words.push_back(oneOf({"overwrite", "append"}));
+  }
+
   tWords options(bool mayBeOdd) {
     tWords words;
     for (u32 count = below(12); count != 0; --count) addOption(words, mayBeOdd);
@@ -138,6 +160,10 @@ struct tStream {
   tOwnTrace trace{tVEXTraceDestination::getInstance()};
 };
 
+std::string destinationOf(std::string const& settings) {
+  return settings.substr(0, settings.find(" --compname"));
+}
+
 std::string withoutFilter(std::string const& settings) {
   size_t const filter = settings.find(" --filter \"");
   size_t const mutex = settings.find(" --mutex ", filter);
@@ -173,6 +199,42 @@ TEST_F(TraceRoundTrip, EveryStateThatOptionsReachComesBack) {
     ASSERT_EQ(settingsOf(target.trace), settingsOf(source.trace)) << testing::PrintToString(words);
   }
   EXPECT_GT(withFilter, kRounds / 2) << "the generator reaches too few filters";
+}
+
+TEST_F(TraceRoundTrip, EveryDestinationComesBackWithItsSettings) {
+  tDriveFolder const drive;
+  tGenerator generator(5);
+  for (int round = 0; round < kRounds / 5; ++round) {
+    tWords words = generator.options(false);
+    generator.addSink(words);
+    tStream source;
+    configure(source.trace, words);
+    std::string const given = inquiredText(source.trace);
+    std::string const settings = settingsOf(source.trace);
+    tStream target;
+    generator.addSink(words);
+    configure(target.trace, words);
+    target.trace.configure(given.c_str());
+    ASSERT_EQ(destinationOf(settingsOf(target.trace)), destinationOf(settings)) << given;
+  }
+  tSerialTraceDestination::getInstance()->close();
+  tFileTraceDestination::getInstance()->close();
+}
+
+TEST_F(TraceRoundTrip, RateWithoutAWordIsTheOneChosenLast) {
+  tDriveFolder const drive;
+  tStream stream;
+  stream.trace.configure("--destination serial 2000");
+  std::string const given = inquiredText(stream.trace);
+  EXPECT_NE(given.find(" --destination serial  --destination serial  --compname"),
+            std::string::npos);
+  stream.trace.configure("--destination vex");
+  stream.trace.configure(given.c_str());
+  EXPECT_EQ(settingsOf(stream.trace), given.substr(0, given.find(" --calibrate")));
+  stream.trace.configure("--destination serial 115200");
+  stream.trace.configure(given.c_str());
+  EXPECT_NE(inquiredText(stream.trace).find("--destination serial 115200"), std::string::npos);
+  stream.trace.configure("--destination vex");
 }
 
 TEST_F(TraceRoundTrip, PushAndPopRestoreEveryStateThatOptionsReach) {

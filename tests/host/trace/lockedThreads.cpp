@@ -5,10 +5,12 @@
 #include <thread>
 
 #include "keptLines.h"
+#include "oxdiagk/tBlockTracer.h"
 #include "startedModules.h"
 
 namespace {
 
+using nOXDIAG100::tBlockTracer;
 using nOXDIAG100::tTrace;
 
 constexpr int kThreadCount = 2;
@@ -73,6 +75,19 @@ TEST(TraceThreads, LongLinesOfDifferentThreadsDoNotMix) {
         withoutPrefix(kept.pieces[index]) + kept.pieces[index + 1] + kept.pieces[index + 2];
     ASSERT_EQ(line, std::string(700, line[0]) + "\n");
   }
+}
+
+TEST(TraceThreads, OpenBlockDoesNotKeepOtherThreadsFromWriting) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.configure("--mutex on --prefixwidth 0 --compname off --linenumber off --filename off");
+  char name[] = "work";
+  {
+    tBlockTracer const block(name, tSSVersion(), 1, name, 100, name, nullptr,
+                             static_cast<i32*>(nullptr), trace);
+    std::thread([&] { putLine(trace, 1, 2); }).join();
+  }
+  EXPECT_EQ(kept.text(), "work; {\n  " + expectedLine(1, 2) + "} work\n");
 }
 
 TEST(TraceThreads, SwitchingTheMutexWaitsForTheLineOfAnotherThread) {

@@ -2,23 +2,15 @@
 // its contract forbids, so these tests also show that no such call is made.
 
 #include "keptLines.h"
-#include "ntos/irql.h"
+#include "oxdiagk/tSerialTraceDestination.h"
 #include "startedModules.h"
+#include "tRaisedIrql.h"
+#include "vexk/serialSupport.h"
 
 namespace {
 
+using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tTrace;
-
-class tRaisedIrql {
- public:
-  explicit tRaisedIrql(KIRQL irql) { KeRaiseIrql(irql, &former); }
-  ~tRaisedIrql() { KeLowerIrql(former); }
-  tRaisedIrql(tRaisedIrql const&) = delete;
-  tRaisedIrql& operator=(tRaisedIrql const&) = delete;
-
- private:
-  KIRQL former = PASSIVE_LEVEL;
-};
 
 void putLine(tTrace& trace, char const* text) {
   trace.putPrefix("irql", tSSVersion(), 1, "a/file", 100, tTrace::kTraceLine);
@@ -38,6 +30,16 @@ TEST(TraceIrql, LinesAreWrittenAtDispatchLevel) {
   ASSERT_EQ(kept.pieces.size(), 2u);
   EXPECT_NE(kept.pieces[0].find("] high 2#101"), std::string::npos) << kept.pieces[0];
   EXPECT_EQ(kept.pieces[1], "end\n");
+}
+
+TEST(TraceIrql, FormattedTextIsWrittenAtDispatchLevel) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    trace.putf("%d %s %ls", 5, "narrow", L"wide").endl();
+  }
+  EXPECT_EQ(kept.text(), "5 narrow wide\n");
 }
 
 TEST(TraceIrql, LockedLinesAreWrittenAtApcLevel) {
@@ -62,4 +64,18 @@ TEST(TraceIrql, LineThatCannotBeLockedIsWrittenAllTheSame) {
   EXPECT_EQ(kept.pieces.size(), 2u);
   trace.disableMutex();
   EXPECT_EQ(trace.mutexIsEnabled(), 0u);
+}
+
+TEST(TraceIrql, SerialPortIsWaitedForAndWrittenAtDispatchLevel) {
+  tSerialFile const file;
+  tSerialTraceDestination serial;
+  serial.open();
+  vexkhost::setSerialModemLines(0);
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    serial.put("lost", 4);
+    vexkhost::setSerialModemLines(0xB0);
+    serial.put("high\n");
+  }
+  EXPECT_EQ(file.content(), "high\n\r");
 }

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "oxdiagk/iTraceDestination.h"
+
+namespace nOXDIAG100 {
+
+class tStatus2;
+
+// Captures trace text in a buffer of the caller's.
+//
+//     char text[512];
+//     i32 position = 0;
+//     {
+//       tCTFTraceDestination capture(text, position, sizeof(text), nullptr);
+//       iTraceDestination* const former = trace.setDestination(capture);
+//       runSelfTest();
+//       trace.setDestination(*former);
+//     }
+//     // text[0] to text[position - 1] is what was traced meanwhile
+//
+// The last byte of the buffer stays a terminator; when all others are used, what follows is
+// dropped. A capture that is the trace stream's destination when it is destroyed sends the stream
+// back to the debugger print first, and so still receives the line that announces it.
+//
+// Buffer and position belong to the caller and must outlive the capture. They may be looked at at
+// any time, and the position may be set back to capture anew.
+//
+// IRQL: as far as the buffer is accessible; construction and destruction of a capture that is the
+// current destination at PASSIVE_LEVEL. Thread safety: calls are serialised by their caller, which
+// for a stream of several threads means "--mutex on". Without it text may be lost or mixed, but
+// nothing is written outside the buffer.
+class OXDIAG_API tCTFTraceDestination : public iTraceDestination {
+ public:
+  // `size` is that of the buffer in bytes; `position` the index of the next byte to write, from 0.
+  // Unless the position stands at the last byte or behind it, a terminator is stored in the last
+  // byte. A null buffer, a size of 1 or less or a negative position captures nothing. `status` is
+  // not used.
+  tCTFTraceDestination(char* buffer, i32& position, i32 size, tStatus2* status);
+
+  // Leaves the trace stream of the module, if it writes here.
+  ~tCTFTraceDestination() override;
+
+  tCTFTraceDestination(tCTFTraceDestination const&) = delete;
+  tCTFTraceDestination& operator=(tCTFTraceDestination const&) = delete;
+
+  // Captures `text` and terminates it; the next text overwrites that terminator. Null counts as no
+  // text.
+  iTraceDestination& put(char const* text) override;
+
+  // Captures exactly `length` bytes, NUL bytes included, and adds no terminator.
+  iTraceDestination& put(char const* text, unsigned int length) override;
+
+  // Has no options of its own.
+  void configure(int argc, char** const argv) override;
+
+  // " --destination ctf", which describes the capture: no option of the trace stream selects one.
+  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+
+  u32 open() override;
+  void close() override;
+
+  // "CTF log file"
+  char const* getDescription() const override;
+
+ private:
+  // Captures as much of `size` bytes as there is room for, and moves the position by `advance` of
+  // them at most.
+  void capture(char const* bytes, u64 size, u64 advance);
+
+  char* const captured;
+  i32* const position;
+  i32 const capacity;  // bytes before the last one
+};
+
+}  // namespace nOXDIAG100

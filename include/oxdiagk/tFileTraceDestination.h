@@ -1,0 +1,95 @@
+#pragma once
+
+#include "oxdiagk/iTraceDestination.h"
+
+namespace nOXDIAG100 {
+
+// Trace text into a file on a local drive: "--destination file C:/rack.out overwrite".
+//
+// The file name is a drive letter, a colon, a slash or backslash, and the path on that drive, such
+// as "C:/DebugTrace.out", which is the default. What follows the first separator goes to the kernel
+// as it is; name folders with backslashes ("D:\logs\rack.out"), the only separator of the kernel's
+// own drives. Bytes from 0x80 on stand for the characters 0xFF80 to 0xFFFF.
+//
+// Line feeds become CR LF, every other byte is written as it is, NUL included. Each put reaches the
+// disk before it returns, in blocks of at most 513 bytes, always at the end of the file. Others may
+// read and write the file meanwhile.
+//
+// Nothing is reported: a full disk loses text, and so does a put at DISPATCH_LEVEL or above.
+//
+// Thread safety: none of its own; the stream serialises its lines with "--mutex on". Blocks that
+// threads put at once are written whole, in any order, as long as nobody opens, closes or
+// configures meanwhile.
+// IRQL: PASSIVE_LEVEL, with put also at DISPATCH_LEVEL and above. Not at APC_LEVEL: the kernel
+// would be asked to write where it must not.
+class OXDIAG_API tFileTraceDestination : public iTraceDestination {
+ public:
+  // The one instance that options name, created by the first call. Null when memory is exhausted;
+  // the next call tries again. Not locked: the first call must not race with another. It lives
+  // until the library is unloaded.
+  static tFileTraceDestination* getInstance();
+
+  // Closes and destroys that instance: for the tables of the module's entry, and nobody else.
+  static void destroyInstance();
+
+  // Closed, with the default name and mode.
+  tFileTraceDestination();
+
+  // Leaves the trace stream of the module, if it writes here; closes the file, then its drive.
+  ~tFileTraceDestination() override;
+
+  tFileTraceDestination(tFileTraceDestination const&) = delete;
+  tFileTraceDestination& operator=(tFileTraceDestination const&) = delete;
+
+  // Writes `text` up to its terminator. A null text counts as an empty one.
+  iTraceDestination& put(char const* text) override;
+
+  // Writes exactly `length` bytes, or nothing while closed. A null text counts as an empty one,
+  // whatever the length; an empty text still issues a write of no bytes.
+  //
+  // When the kernel says that the handle is not valid in this context, the file is closed, opened
+  // by the same name to be appended to, and the block written once more. If it does not open, the
+  // destination stays closed.
+  iTraceDestination& put(char const* text, unsigned int length) override;
+
+  // Takes the name and mode of the next open(): the words "overwrite" and "append", and any other
+  // word as file name. Of several names or modes the last counts; without a mode the file is
+  // appended to, without a name the name stays. A name is kept up to its first 256 bytes.
+  void configure(int argc, char** const argv) override;
+
+  // " --destination file " and the name of the last open(), as it is. The mode is left out on
+  // purpose: what is restored from this text appends.
+  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+
+  // Opens or creates the file, emptied first in the mode "overwrite", unless someone else has it
+  // open in a way that forbids that. A file that is open is closed first. Returns 1, or 0 when the
+  // file cannot be opened; the name of the next open() is then the default.
+  //
+  // Names of 128 bytes and more are refused, as are those that do not begin with drive letter,
+  // colon and one separator.
+  u32 open() override;
+
+  // Closes the file, then its drive. Does nothing when nothing is open.
+  void close() override;
+
+  // "File = " and the name of the next open(). Valid until the next call for this object.
+  char const* getDescription() const override;
+
+ private:
+  static constexpr u32 kNameCapacity = 256;
+  static constexpr u32 kDescriptionCapacity = 512;
+
+  bool openActive(bool overwrites);
+  void releaseHandles();
+  void writeBlock(char const* bytes, u32 length);
+
+  HANDLE directory = nullptr;
+  HANDLE file = nullptr;
+  char activeName[kNameCapacity];   // of the last open(); terminated only when shorter
+  char pendingName[kNameCapacity];  // of the next
+  u32 activeOverwrites = 0;
+  u32 pendingOverwrites = 0;
+  mutable char description[kDescriptionCapacity] = {};
+};
+
+}  // namespace nOXDIAG100

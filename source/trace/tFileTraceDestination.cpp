@@ -1,0 +1,156 @@
+#include "oxdiagk/tFileTraceDestination.h"
+
+#include "config/optionWord.h"
+#include "config/tInquiryText.h"
+#include "ntos/file.h"
+#include "ntos/irql.h"
+#include "trace/tTraceFileBlock.h"
+#include "trace/traceFileOpen.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constexpr char kDefaultName[] = "C:/DebugTrace.out";
+
+constinit tFileTraceDestination* instance = nullptr;
+
+// Copies as much of a text as there is room for; the rest of the name becomes zeros.
+template <u32 capacity>
+void storeName(char (&name)[capacity], char const* text) {
+  __builtin_memset(name, 0, capacity);
+  for (u32 index = 0; index < capacity && text[index] != 0; ++index) name[index] = text[index];
+}
+
+// A name as text: the stored one has no terminator when it fills its place.
+template <u32 capacity>
+struct tNameText {
+  char text[capacity + 1];
+
+  explicit tNameText(char const (&name)[capacity]) {
+    __builtin_memcpy(text, name, capacity);
+    text[capacity] = 0;
+  }
+};
+
+// Threads whose texts meet a handle that is no longer valid reopen the file at once; each handle is
+// closed by one of them.
+void replaceHandle(HANDLE& place, HANDLE next) {
+  HANDLE const former = __atomic_exchange_n(&place, next, __ATOMIC_ACQ_REL);
+  if (former != nullptr) ZwClose(former);
+}
+
+HANDLE load(HANDLE const& place) {
+  return __atomic_load_n(&place, __ATOMIC_ACQUIRE);
+}
+
+NTSTATUS write(HANDLE file, char const* bytes, u32 length) {
+  IO_STATUS_BLOCK result;
+  return ZwWriteFile(file, nullptr, nullptr, nullptr, &result, bytes, length, nullptr, nullptr);
+}
+
+}  // namespace
+
+tFileTraceDestination* tFileTraceDestination::getInstance() {
+  if (instance == nullptr) instance = new tFileTraceDestination;
+  return instance;
+}
+
+void tFileTraceDestination::destroyInstance() {
+  delete instance;
+  instance = nullptr;
+}
+
+tFileTraceDestination::tFileTraceDestination() {
+  storeName(activeName, kDefaultName);
+  storeName(pendingName, kDefaultName);
+}
+
+tFileTraceDestination::~tFileTraceDestination() {
+  leaveStream();
+  releaseHandles();
+}
+
+iTraceDestination& tFileTraceDestination::put(char const* text) {
+  if (text == nullptr) return put(nullptr, 0);
+  return put(text, static_cast<unsigned int>(__builtin_strlen(text)));
+}
+
+iTraceDestination& tFileTraceDestination::put(char const* text, unsigned int length) {
+  if (load(file) == nullptr) return *this;
+  tTraceFileBlock block;
+  for (unsigned int index = 0; text != nullptr && index < length; ++index) {
+    block.append(text[index]);
+    if (!block.isFull()) continue;
+    writeBlock(block.getBytes(), block.getLength());
+    block.clear();
+  }
+  writeBlock(block.getBytes(), block.getLength());
+  return *this;
+}
+
+void tFileTraceDestination::configure(int argc, char** const argv) {
+  pendingOverwrites = 0;
+  int const count = countWords(argc, argv);
+  for (int index = 0; index < count; ++index) {
+    if (isEqual(argv[index], "overwrite")) {
+      pendingOverwrites = 1;
+    } else if (isEqual(argv[index], "append")) {
+      pendingOverwrites = 0;
+    } else {
+      storeName(pendingName, argv[index]);
+    }
+  }
+}
+
+char* tFileTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
+  tNameText const name(activeName);
+  return tInquiryText(buffer, size)
+      .append(" --destination file ")
+      .append(name.text)
+      .finish(required);
+}
+
+u32 tFileTraceDestination::open() {
+  activeOverwrites = pendingOverwrites;
+  __builtin_memcpy(activeName, pendingName, sizeof(activeName));
+  if (openActive(activeOverwrites != 0)) return 1;
+  storeName(pendingName, kDefaultName);
+  return 0;
+}
+
+void tFileTraceDestination::close() {
+  releaseHandles();
+}
+
+char const* tFileTraceDestination::getDescription() const {
+  tNameText const name(pendingName);
+  tInquiryText(description, sizeof(description))
+      .append("File = ")
+      .append(name.text)
+      .finish(nullptr);
+  return description;
+}
+
+bool tFileTraceDestination::openActive(bool overwrites) {
+  releaseHandles();
+  tNameText const name(activeName);
+  tTraceFileHandles const handles = openTraceFile(name.text, overwrites);
+  replaceHandle(directory, handles.directory);
+  replaceHandle(file, handles.file);
+  return handles.file != nullptr;
+}
+
+void tFileTraceDestination::releaseHandles() {
+  replaceHandle(file, nullptr);
+  replaceHandle(directory, nullptr);
+}
+
+void tFileTraceDestination::writeBlock(char const* bytes, u32 length) {
+  HANDLE const current = load(file);
+  if (current == nullptr || KeGetCurrentIrql() >= DISPATCH_LEVEL) return;
+  if (write(current, bytes, length) != STATUS_OBJECT_TYPE_MISMATCH) return;
+  close();
+  if (openActive(false)) write(load(file), bytes, length);
+}
+
+}  // namespace nOXDIAG100

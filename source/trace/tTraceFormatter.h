@@ -1,0 +1,39 @@
+#pragma once
+
+#include "oxdiagk/api.h"
+#include "trace/tFormatArguments.h"
+#include "trace/tFormatOutput.h"
+
+namespace nOXDIAG100 {
+
+class tFormatConversion;
+
+// The formatter behind tTrace::putf, whose comment in "oxdiagk/tTrace.h" describes the formats.
+//
+// Allocates nothing, uses no floating point, and reads no more of a text argument than it may have
+// to write. Any IRQL at which the format and the text arguments may be read.
+class OXDIAG_API tTraceFormatter {
+ public:
+  // Formats into `buffer` of `size` bytes, of which at most tTrace::kMaxTraceLine are used. Returns
+  // the number of characters written, terminator excluded, or -1 when the text and its terminator
+  // did not fit: the buffer then holds as much as does fit, terminated. With a null buffer or a
+  // size of 0 nothing fits, so the outcome is always -1. A null format counts as an empty one.
+  static i32 format(char* buffer, u32 size, char const* format, va_list arguments);
+
+ private:
+  tTraceFormatter(char* buffer, u32 size, va_list arguments)
+      : output(buffer, size), arguments(arguments) {}
+
+  i32 run(char const* format);
+  char const* putPlainText(char const* format);
+  bool convert(tFormatConversion const& conversion);
+  template <class tUnit>
+  void putText(tUnit const* text, tFormatConversion const& conversion);
+  void putUnsupported(char letter);
+  void putInvalid(char letter);
+
+  tFormatOutput output;
+  tFormatArguments arguments;
+};
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,259 @@
+// The model of a 16550 behind the host's I/O ports, connected to a file or to nothing.
+
+#include <errno.h>
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "ntoshost/executive.h"
+#include "serialSupport.h"
+
+namespace {
+
+struct tAccesses {
+  std::vector<vexkhost::SerialAccess> list;
+
+  tAccesses() {
+    vexkhost::setSerialAccessHook(
+        [](void* context, vexkhost::SerialAccess const& access) {
+          static_cast<tAccesses*>(context)->list.push_back(access);
+        },
+        this);
+  }
+  ~tAccesses() { vexkhost::setSerialAccessHook(nullptr, nullptr); }
+  tAccesses(tAccesses const&) = delete;
+  tAccesses& operator=(tAccesses const&) = delete;
+};
+
+}  // namespace
+
+TEST(SerialPort, ReadsFFEverywhereWhenNothingIsConnected) {
+  tOpenPorts const ports;
+  for (u64 port = kComData; port <= kComScratch; ++port) {
+    ports.write(port, 0x55);
+    EXPECT_EQ(ports.read(port), 0xFF) << port;
+  }
+}
+
+TEST(SerialPort, OtherPortsReadFFAndIgnoreWrites) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  for (u64 const port : {u64{0}, u64{0x2F8}, u64{0x3F7}, u64{0x400}, u64{0x103F8}, ~u64{0}}) {
+    ports.write(port, 'x');
+    EXPECT_EQ(ports.read(port), 0xFF) << port;
+  }
+  EXPECT_EQ(file.content(), "");
+}
+
+TEST(SerialPort, WrongHandlesAndAccessWordsReachNothing) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.bus->writeByte(0, kComData, 'x', kBusWriteByte);
+  ports.bus->writeByte(ports.handle + 1, kComData, 'x', kBusWriteByte);
+  ports.bus->writeByte(ports.handle, kComData, 'x', kBusReadByte);
+  EXPECT_EQ(file.content(), "");
+  EXPECT_EQ(ports.bus->readByte(0, kComModemStatus, kBusReadByte), 0xFF);
+  EXPECT_EQ(ports.bus->readByte(ports.handle, kComModemStatus, kBusWriteByte), 0xFF);
+}
+
+TEST(SerialPort, BusIsRefusedWhenMemoryIsExhausted) {
+  u64 const before = ntoshost::outstandingBlocks();
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);
+  EXPECT_EQ(busNewBusObject(kBusSystemIo), nullptr);
+  ntoshost::clearFaults();
+  EXPECT_EQ(ntoshost::faultsInjected(), 1u);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+}
+
+TEST(SerialPort, StartsIdleAndReady) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  EXPECT_EQ(ports.read(kComData), 0x00);
+  EXPECT_EQ(ports.read(kComInterruptEnable), 0x00);
+  EXPECT_EQ(ports.read(kComFifoControl), 0x01);  // no interrupt, no FIFO
+  EXPECT_EQ(ports.read(kComLineControl), 0x00);
+  EXPECT_EQ(ports.read(kComModemControl), 0x00);
+  EXPECT_EQ(ports.read(kComLineStatus), 0x60);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xB0);
+  EXPECT_EQ(ports.read(kComScratch), 0x00);
+}
+
+TEST(SerialPort, DivisorLatchCoversTheFirstTwoRegistersWhileItsBitIsSet) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.write(kComInterruptEnable, 0x05);
+  ports.write(kComLineControl, 0x80);
+  ports.write(kComData, 0x0C);
+  ports.write(kComInterruptEnable, 0x01);
+  EXPECT_EQ(ports.read(kComData), 0x0C);
+  EXPECT_EQ(ports.read(kComInterruptEnable), 0x01);
+  ports.write(kComLineControl, 0x03);
+  EXPECT_EQ(ports.read(kComData), 0x00);
+  EXPECT_EQ(ports.read(kComInterruptEnable), 0x05);
+  EXPECT_EQ(file.content(), "");
+}
+
+TEST(SerialPort, RegistersKeepWhatTheyHaveBitsFor) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  for (u16 const port : {kComInterruptEnable, kComModemControl, kComScratch, kComLineControl}) {
+    ports.write(port, 0xFF);
+  }
+  EXPECT_EQ(ports.read(kComModemControl), 0x1F);
+  EXPECT_EQ(ports.read(kComScratch), 0xFF);
+  EXPECT_EQ(ports.read(kComLineControl), 0xFF);
+  ports.write(kComLineControl, 0x03);
+  EXPECT_EQ(ports.read(kComInterruptEnable), 0x0F);
+}
+
+TEST(SerialPort, FifoIsTold) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.write(kComFifoControl, 0x01);
+  EXPECT_EQ(ports.read(kComFifoControl), 0xC1);
+  ports.write(kComFifoControl, 0x00);
+  EXPECT_EQ(ports.read(kComFifoControl), 0x01);
+}
+
+TEST(SerialPort, StatusRegistersAreReadOnly) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.write(kComLineStatus, 0x00);
+  ports.write(kComModemStatus, 0x00);
+  EXPECT_EQ(ports.read(kComLineStatus), 0x60);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xB0);
+}
+
+TEST(SerialPort, BytesAreInTheFileAsSoonAsTheyAreSent) {
+  tSerialFile const file;
+  ASSERT_TRUE(file.isConnected);
+  tOpenPorts const ports;
+  ports.write(kComData, 'a');
+  EXPECT_EQ(file.content(), "a");
+  ports.write(kComData, 0);
+  ports.write(kComData, 0xFF);
+  EXPECT_EQ(file.content(), std::string("a\0\xFF", 3));
+  EXPECT_EQ(ports.read(kComLineStatus), 0x60);
+}
+
+TEST(SerialPort, FileIsEmptiedByTheConnection) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.write(kComData, 'a');
+  EXPECT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  EXPECT_EQ(file.content(), "");
+}
+
+TEST(SerialPort, ConnectionResetsTheRegisters) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  ports.write(kComScratch, 0x55);
+  vexkhost::setSerialModemLines(0);
+  EXPECT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  EXPECT_EQ(ports.read(kComScratch), 0x00);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xB0);
+}
+
+TEST(SerialPort, FileThatCannotBeOpenedLeavesThePortAbsent) {
+  tSerialFile const file;
+  errno = 0;
+  EXPECT_FALSE(vexkhost::connectSerialFile("no/such/folder/file"));
+  EXPECT_EQ(errno, ENOENT);
+  EXPECT_EQ(tOpenPorts().read(kComScratch), 0xFF);
+}
+
+TEST(SerialPort, DisconnectedPortIsAbsent) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::disconnectSerialPort();
+  vexkhost::disconnectSerialPort();
+  ports.write(kComData, 'a');
+  EXPECT_EQ(ports.read(kComLineStatus), 0xFF);
+  EXPECT_EQ(file.content(), "");
+}
+
+TEST(SerialPort, FullDiskLosesBytesAndTheTransmitterIsEmpty) {
+  ASSERT_TRUE(vexkhost::connectSerialFile("/dev/full"));
+  tOpenPorts const ports;
+  ports.write(kComData, 'a');
+  ports.write(kComData, 'b');
+  EXPECT_EQ(ports.read(kComLineStatus), 0x60);
+  EXPECT_EQ(vexkhost::getLostSerialBytes(), 2u);
+  vexkhost::disconnectSerialPort();
+}
+
+TEST(SerialPort, NothingWaitsForAReaderOfAFile) {
+  tSerialFile const file;
+  tOpenPorts().write(kComData, 'a');
+  EXPECT_TRUE(vexkhost::drainSerialPort(0));
+  EXPECT_EQ(vexkhost::getLostSerialBytes(), 0u);
+}
+
+TEST(SerialPort, ModemLinesAreSetOneByOne) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  u8 const lines[] = {vexkhost::kSerialClearToSend, vexkhost::kSerialDataSetReady,
+                      vexkhost::kSerialRingIndicator, vexkhost::kSerialCarrierDetect, 0};
+  for (u8 const line : lines) {
+    vexkhost::setSerialModemLines(line);
+    EXPECT_EQ(ports.read(kComModemStatus) & 0xF0, line);
+  }
+}
+
+TEST(SerialPort, ModemLinesAreNothingButTheUpperFourBits) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::setSerialModemLines(0xBF);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xB0);
+}
+
+TEST(SerialPort, ChangeOfAModemLineIsToldOnce) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::setSerialModemLines(0x00);
+  EXPECT_EQ(ports.read(kComModemStatus), 0x0B);
+  EXPECT_EQ(ports.read(kComModemStatus), 0x00);
+  vexkhost::setSerialModemLines(0x10);
+  vexkhost::setSerialModemLines(0x00);
+  EXPECT_EQ(ports.read(kComModemStatus), 0x01);
+}
+
+TEST(SerialPort, OnlyTheEndOfARingIsToldAsAChange) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::setSerialModemLines(0xF0);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xF0);
+  vexkhost::setSerialModemLines(0xB0);
+  EXPECT_EQ(ports.read(kComModemStatus), 0xB4);
+}
+
+TEST(SerialPort, HookSeesEveryAccessInOrder) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  tAccesses const seen;
+  ports.write(kComLineControl, 0x83);
+  ports.read(kComModemStatus);
+  ports.read(0x2F8);
+  ASSERT_EQ(seen.list.size(), 3u);
+  EXPECT_EQ(seen.list[0].port, kComLineControl);
+  EXPECT_EQ(seen.list[0].value, 0x83);
+  EXPECT_TRUE(seen.list[0].isWrite);
+  EXPECT_EQ(seen.list[1].port, kComModemStatus);
+  EXPECT_FALSE(seen.list[1].isWrite);
+  EXPECT_EQ(seen.list[2].port, 0x2F8);
+}
+
+TEST(SerialPort, HookActsBeforeTheAccessItSees) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::setSerialModemLines(0);
+  vexkhost::setSerialAccessHook(
+      [](void*, vexkhost::SerialAccess const&) {
+        vexkhost::setSerialModemLines(vexkhost::kSerialDataSetReady);
+      },
+      nullptr);
+  EXPECT_EQ(ports.read(kComModemStatus) & 0xF0, vexkhost::kSerialDataSetReady);
+  vexkhost::setSerialAccessHook(nullptr, nullptr);
+  vexkhost::setSerialModemLines(0);
+  EXPECT_EQ(ports.read(kComModemStatus) & 0xF0, 0);
+}
