@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Reads the JSON of a benchmark run and puts the library beside the hand-written floor.
+"""Reads the JSON of a benchmark run and puts the library beside its peers in the same run.
 
-A benchmark named "NAME/ours" is put beside "NAME/floor" of the same run. With repetitions the
-medians are compared. Names without such a pair are listed below the table.
+A benchmark named "NAME/ours" is put beside every "NAME/PEER": the hand-written floor first, then
+others in the order of the run, a table for each peer. With repetitions the medians are compared.
+Names that are in no such pair are listed below the tables.
 
 usage: ratios.py [FILE]     the file, or standard input
 """
@@ -27,17 +28,33 @@ def median_times(report):
     return single | medians
 
 
-def print_table(times):
-    names = [name.removesuffix("/ours") for name in times if name.endswith("/ours")]
-    paired = [name for name in names if f"{name}/floor" in times]
-    if not paired:
-        sys.exit("ratios.py: the report holds no pair of NAME/ours and NAME/floor")
-    width = max(len(name) for name in paired)
-    print(f"{'':{width}}  {'ours':>10}  {'floor':>10}  {'ours / floor':>12}")
-    for name in paired:
-        ours, floor = times[f"{name}/ours"], times[f"{name}/floor"]
-        print(f"{name:{width}}  {ours:7.1f} ns  {floor:7.1f} ns  {ours / floor:12.2f}")
-    shown = {f"{name}/{side}" for name in paired for side in ("ours", "floor")}
+def pairs(times):
+    """Peer -> names that have a benchmark of ours and one of the peer's; the floor is first."""
+    found = {"floor": []}
+    for name in times:
+        base, _, peer = name.rpartition("/")
+        if peer != "ours" and f"{base}/ours" in times:
+            found.setdefault(peer, []).append(base)
+    return {peer: names for peer, names in found.items() if names}
+
+
+def print_table(times, peer, names, width):
+    print(f"{'':{width}}  {'ours':>10}  {peer:>10}  {f'ours / {peer}':>15}")
+    for name in names:
+        ours, theirs = times[f"{name}/ours"], times[f"{name}/{peer}"]
+        print(f"{name:{width}}  {ours:7.1f} ns  {theirs:7.1f} ns  {ours / theirs:15.2f}")
+    print()
+
+
+def print_tables(times):
+    peers = pairs(times)
+    if not peers:
+        sys.exit("ratios.py: the report holds no pair of NAME/ours and NAME/PEER")
+    width = max(len(name) for names in peers.values() for name in names)
+    for peer, names in peers.items():
+        print_table(times, peer, names, width)
+    shown = {f"{name}/{side}" for peer, names in peers.items() for name in names
+             for side in ("ours", peer)}
     for name, time in times.items():
         if name not in shown:
             print(f"{name:{width}}  {time:7.1f} ns")
@@ -51,7 +68,7 @@ def main():
             report = json.load(file)
     except (OSError, ValueError) as problem:
         sys.exit(f"ratios.py: cannot read the report: {problem}")
-    print_table(median_times(report))
+    print_tables(median_times(report))
 
 
 if __name__ == "__main__":

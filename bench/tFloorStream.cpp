@@ -37,21 +37,52 @@ char* copy(char* to, char const* from, size_t length) {
   return to + length;
 }
 
+// A prefix of 51 characters with its "] ".
+char* writePrefix(char* to) {
+  constexpr char kPrefix[] = "[slotbus--118--tRackReader.cpp";
+  constexpr size_t kPrefixWidth = 49;
+  __builtin_memset(to, '-', kPrefixWidth);
+  __builtin_memcpy(to, kPrefix, sizeof(kPrefix) - 1);
+  return copy(to + kPrefixWidth, "] ", 2);
+}
+
 }  // namespace
 
 void tFloorStream::putLine(u32 verbosity, u32 slot) {
-  constexpr char kPrefix[] = "[slotbus--118--tRackReader.cpp";
-  constexpr size_t kPrefixWidth = 49;
   lineStart = vexReadTimeStampCounter();
   if (enabled && verbosity >= level) {
     char digits[10];
     char* const digitsEnd = digits + sizeof(digits);
-    __builtin_memset(buffer, '-', kPrefixWidth);
-    __builtin_memcpy(buffer, kPrefix, sizeof(kPrefix) - 1);
-    char* to = copy(buffer + kPrefixWidth, "] slot ", 7);
+    char* to = copy(writePrefix(buffer), "slot ", 5);
     char* const first = writeDecimal(slot, digitsEnd);
     to = copy(to, first, static_cast<size_t>(digitsEnd - first));
     to = copy(to, " answered\n", 10);
+    *to = '\0';
+    destination->put(buffer);
+  }
+  lineEnd = vexReadTimeStampCounter();
+}
+
+void tFloorStream::enterBlock(u32 verbosity, char const* name) {
+  lineStart = vexReadTimeStampCounter();
+  if (enabled && verbosity >= level) {
+    char* to = indent(writePrefix(buffer));
+    to = copy(to, name, __builtin_strlen(name));
+    to = copy(to, "; {\n", 4);
+    *to = '\0';
+    destination->put(buffer);
+  }
+  ++nesting;
+  lineEnd = vexReadTimeStampCounter();
+}
+
+void tFloorStream::leaveBlock(u32 verbosity, char const* name) {
+  lineStart = vexReadTimeStampCounter();
+  --nesting;
+  if (enabled && verbosity >= level) {
+    char* to = copy(indent(writePrefix(buffer)), "} ", 2);
+    to = copy(to, name, __builtin_strlen(name));
+    to = copy(to, "\n", 1);
     *to = '\0';
     destination->put(buffer);
   }
@@ -98,6 +129,11 @@ void tFloorStream::putDump(void const* address, u32 length) {
     *to = '\0';
     destination->put(buffer);
   }
+}
+
+char* tFloorStream::indent(char* to) const {
+  __builtin_memset(to, ' ', 2 * nesting);
+  return to + 2 * nesting;
 }
 
 void tFloorStream::append(char const* text, size_t length) {

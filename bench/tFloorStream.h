@@ -13,9 +13,13 @@ class tFloorStream {
   void setEnabled(bool value) { enabled = value; }
   void setLevel(u32 value) { level = value; }
 
-  // One whole line: a prefix of 50 characters, "] " included, then "slot ", the number, "
+  // One whole line: a prefix of 51 characters, "] " included, then "slot ", the number, "
   // answered".
   void putLine(u32 verbosity, u32 slot);
+
+  // The two lines of a block, with the same prefix; lines in between are indented.
+  void enterBlock(u32 verbosity, char const* name);
+  void leaveBlock(u32 verbosity, char const* name);
 
   // A number in decimal or as 0x and hexadecimal digits, into the line buffer, which is handed over
   // when it is full.
@@ -29,6 +33,7 @@ class tFloorStream {
  private:
   static constexpr u32 kBufferSize = 256;
 
+  char* indent(char* to) const;
   void append(char const* text, size_t length);
   void flush();
 
@@ -37,6 +42,7 @@ class tFloorStream {
   u32 level = 100;
   u64 lineStart = 0;
   u64 lineEnd = 0;
+  size_t nesting = 0;
   size_t used = 0;
   char buffer[kBufferSize] = {};
 };
