@@ -7,6 +7,7 @@
 #define OXDIAG_COMPONENT_VERSION ::nSLOTBUS100::kVersion
 #define OXDIAG_TRACE_STREAM trace
 
+#include "oxdiagk/contractMacros.h"
 #include "oxdiagk/statusMacros.h"
 #include "oxdiagk/traceMacros.h"
 #include "vexk/tSSVersion.h"

@@ -8,7 +8,8 @@ using nOXDIAG100::tTrace;
 
 namespace nSLOTBUS100 {
 
-u32 readRackText(char const* text, size_t length, tTrace& trace) {
+u32 readRackText(char const* text, size_t length, tTrace& trace, tStatusRecord* record) {
+  OXDIAG_REQUIRE(text != nullptr || length == 0);
   tRack* const rack = new tRack;
   if (rack == nullptr) {
     tStatus2 status;
@@ -16,7 +17,7 @@ u32 readRackText(char const* text, size_t length, tTrace& trace) {
     OXDIAG_TRACE(kTraceFailure, put("no memory for the rack").put(status));
     return 1;
   }
-  tRackReader reader(*rack, trace);
+  tRackReader reader(*rack, trace, record);
   u32 const result = reader.read(tTextSpan(text, length));
   delete rack;
   return result;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oxdiagk/tTrace.h"
+#include "slotbus/component/tStatusRecord.h"
 
 namespace nSLOTBUS100 {
 
@@ -9,7 +10,9 @@ namespace nSLOTBUS100 {
 //
 // `text` may hold any bytes and needs no terminator; null is allowed with length 0 only.
 // Returns 0 when the rack is good, 1 when something was wrong: a bad line, a text that is not a
-// rack, or exhausted memory. Nothing is kept after the call. IRQL: PASSIVE_LEVEL.
-u32 readRackText(char const* text, size_t length, nOXDIAG100::tTrace& trace);
+// rack, or exhausted memory. The statuses of what is wrong go into `record`, unless that is null.
+// Nothing else is kept after the call. IRQL: PASSIVE_LEVEL.
+u32 readRackText(char const* text, size_t length, nOXDIAG100::tTrace& trace,
+                 tStatusRecord* record = nullptr);
 
 }  // namespace nSLOTBUS100

@@ -2,6 +2,7 @@
 
 #include "oxdiagk/iTraceable.h"
 #include "slotbus/component/tTextSpan.h"
+#include "stl/string.h"
 
 namespace nSLOTBUS100 {
 
@@ -20,7 +21,13 @@ class tExcerpt : public nOXDIAG100::iTraceable {
 
   void put(nOXDIAG100::tTrace& trace) const override;
 
+  // The same as wide text, without the quotes; "..." behind it tells of what is cut off. hasFailed
+  // of the result tells that there was no memory for it. IRQL <= DISPATCH_LEVEL.
+  _STL::wstring getWide() const;
+
  private:
+  char getShown(size_t index) const;
+
   tTextSpan text;
 };
 

@@ -8,7 +8,7 @@ namespace nSLOTBUS100 {
 // question mark for each other UTF-16 unit. Any IRQL.
 class tNarrowText {
  public:
-  static constexpr u32 kMaxLength = 520;  // characters
+  static constexpr u32 kMaxLength = 1000;  // characters
 
   // `wide` is terminated; what is longer than kMaxLength is cut.
   explicit tNarrowText(wchar_t const* wide);

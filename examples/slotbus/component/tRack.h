@@ -24,7 +24,7 @@ class tRack {
   u32 getCount() const { return count; }
 
   // `index` is below getCount().
-  tDevice const& getDevice(u32 index) const { return devices[index]; }
+  tDevice const& getDevice(u32 index) const;
 
   // The device in a slot, or with an instance number; null if there is none.
   tDevice const* findSlot(u32 slot) const;
@@ -32,6 +32,9 @@ class tRack {
 
  private:
   static constexpr u32 kCapacity = kLastSlot - kFirstSlot + 1;
+
+  // The class invariant.
+  bool isSound() const;
 
   u32 count = 0;
   tDevice devices[kCapacity];

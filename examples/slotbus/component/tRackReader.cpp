@@ -26,16 +26,18 @@ unsigned int lengthOf(tTextSpan text) {
 
 }  // namespace
 
-tRackReader::tRackReader(tRack& target, tTrace& stream) : rack(target), trace(stream) {
+tRackReader::tRackReader(tRack& target, tTrace& stream, tStatusRecord* keptStatuses)
+    : rack(target), trace(stream), record(keptStatuses) {
 }
 
 u32 tRackReader::read(tTextSpan text) {
+  OXDIAG_REQUIRE_MESSAGE(lineCount == 0, "a reader reads once");
   OXDIAG_BLOCK(kTraceDetail);
   OXDIAG_TRACE(kTraceProgress, put("reading ").put(text.getLength(), 10).put(" bytes"));
   tStatus2 status;
   checkText(text, status);
   if (status.isError()) {
-    countFailure(text, status);
+    countFailure({0, text}, status);
   } else {
     readLines(text);
     if (rack.getCount() == 0) traceEmptyRack();
@@ -54,6 +56,7 @@ void tRackReader::readLines(tTextSpan text) {
   if (text.beginsWith(kUtf8Mark)) text = text.getBehind(sizeof(kUtf8Mark) - 1);
   while (!text.isEmpty()) {
     readLine(dropCarriageReturn(text.takeUntil('\n')));
+    OXDIAG_LOOP_INVARIANT(rack.getCount() + failureCount <= lineCount);
   }
 }
 
@@ -66,13 +69,14 @@ void tRackReader::readLine(tTextSpan text) {
   tDevice device;
   line.read(device, status);
   if (status.isError()) {
-    countFailure(line.getOffence(), status);
+    countFailure({lineCount, line.getOffence()}, status);
     return;
   }
   rack.add(device, status);
   if (status.isError()) {
-    countFailure(line.getText(), status);
-    traceTwin(device, status);
+    tDevice const& twin = findTwin(device, status);
+    bool const isTold = countFailure({lineCount, line.getText(), twin.lineNumber}, status);
+    if (isTold) traceTwin(twin);
     return;
   }
   traceDevice(device);
@@ -97,47 +101,52 @@ void tRackReader::traceHardwareIds(tDevice const& device) {
   }
 }
 
-void tRackReader::countFailure(tTextSpan offence, tStatus2 const& status) {
+// Returns whether this one is told.
+bool tRackReader::countFailure(tFailurePlace const& place, tStatus2& status) {
   ++failureCount;
-  if (failureCount <= kMaxTracedFailures) traceFailure(offence, status);
+  if (failureCount > kMaxTracedFailures) return false;
+  describeFailure(place, status);
+  traceFailure(place.offence, status);
+  keep(status);
+  return true;
+}
+
+void tRackReader::keep(tStatus2 const& status) {
+  if (record != nullptr) record->add(status);
 }
 
 void tRackReader::traceFailure(tTextSpan offence, tStatus2 const& status) {
-  OXDIAG_TRACE(kTraceFailure, put("line ")
-                                  .put(lineCount, 10)
-                                  .put(": ")
-                                  .put(describeStatusCode(status.getCode()))
-                                  .put(": ")
+  OXDIAG_TRACE(kTraceFailure, putf("line %u: %s: ", lineCount, describeStatusCode(status.getCode()))
                                   .put(tExcerpt(offence))
                                   .put(status));
 }
 
-void tRackReader::traceTwin(tDevice const& device, tStatus2 const& status) {
-  if (failureCount > kMaxTracedFailures) return;
+tDevice const& tRackReader::findTwin(tDevice const& device, tStatus2 const& status) {
   bool const isSlot = status.getCode() == kStatusSlotTaken;
   tDevice const* twin = isSlot ? rack.findSlot(device.slot) : rack.findInstance(device.instance);
-  OXDIAG_TRACE(
-      kTraceFailure,
-      put("line ").put(twin->lineNumber, 10).put(" came first: ").put(tExcerpt(twin->description)));
+  OXDIAG_CHECK(twin != nullptr);
+  return *twin;
+}
+
+void tRackReader::traceTwin(tDevice const& twin) {
+  OXDIAG_TRACE(kTraceFailure,
+               putf("line %u came first: ", twin.lineNumber).put(tExcerpt(twin.description)));
 }
 
 void tRackReader::traceEmptyRack() {
   tStatus2 status;
   OXDIAG_SET_STATUS(status, kWarningEmptyRack);
   OXDIAG_TRACE(kTraceFailure, put(describeStatusCode(status.getCode())).put(status));
+  keep(status);
 }
 
 void tRackReader::traceSummary() {
   if (failureCount > kMaxTracedFailures) {
-    OXDIAG_TRACE(kTraceSummary, put(failureCount - kMaxTracedFailures, 10)
-                                    .put(" more failures were counted but not shown"));
+    OXDIAG_TRACE(kTraceSummary, putf("%u more failures were counted but not shown",
+                                     failureCount - kMaxTracedFailures));
   }
-  OXDIAG_TRACE(kTraceSummary, put("devices: ")
-                                  .put(rack.getCount(), 10)
-                                  .put(", failures: ")
-                                  .put(failureCount, 10)
-                                  .put(", lines: ")
-                                  .put(lineCount, 10));
+  OXDIAG_TRACE(kTraceSummary, putf("devices: %u, failures: %u, lines: %u", rack.getCount(),
+                                   failureCount, lineCount));
 }
 
 }  // namespace nSLOTBUS100

@@ -2,14 +2,17 @@
 
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/tTrace.h"
+#include "slotbus/component/failureDescription.h"
 #include "slotbus/component/tRack.h"
+#include "slotbus/component/tStatusRecord.h"
 #include "slotbus/component/tTextSpan.h"
 
 namespace nSLOTBUS100 {
 
 // Reads the whole text of a rack into a tRack and traces what it finds on a stream, at the levels
 // of component.h. A line that is wrong is told about (its number, the reason, the text, the status
-// in full) and skipped; the lines after it are read as usual.
+// in full) and skipped; the lines after it are read as usual. The status has a description of what
+// would have been right; with a record, it is kept there.
 //
 //     tRackReader reader(*rack, tTrace::getInstance());
 //     u32 const result = reader.read(tTextSpan(text, length));
@@ -18,12 +21,12 @@ namespace nSLOTBUS100 {
 // byte order mark at the start is skipped. Not locked. IRQL <= APC_LEVEL.
 class tRackReader {
  public:
-  // Failures beyond this number are counted but not traced, so that a file that is no rack at all
-  // does not flood the debugger.
+  // Failures beyond this number are counted but neither traced nor kept, so that a file that is no
+  // rack at all does not flood the debugger.
   static constexpr u32 kMaxTracedFailures = 50;
 
-  // Both objects must outlive the reader.
-  tRackReader(tRack& target, nOXDIAG100::tTrace& stream);
+  // All objects must outlive the reader. `keptStatuses` may be null.
+  tRackReader(tRack& target, nOXDIAG100::tTrace& stream, tStatusRecord* keptStatuses = nullptr);
 
   // Returns 0 when every line was good, 1 when something was wrong. An empty rack is good (and a
   // warning). `text` must outlive the rack. Call once.
@@ -38,14 +41,17 @@ class tRackReader {
   void readLine(tTextSpan text);
   void traceDevice(tDevice const& device);
   void traceHardwareIds(tDevice const& device);
-  void countFailure(tTextSpan offence, nOXDIAG100::tStatus2 const& status);
+  bool countFailure(tFailurePlace const& place, nOXDIAG100::tStatus2& status);
+  void keep(nOXDIAG100::tStatus2 const& status);
   void traceFailure(tTextSpan offence, nOXDIAG100::tStatus2 const& status);
-  void traceTwin(tDevice const& device, nOXDIAG100::tStatus2 const& status);
+  tDevice const& findTwin(tDevice const& device, nOXDIAG100::tStatus2 const& status);
+  void traceTwin(tDevice const& twin);
   void traceEmptyRack();
   void traceSummary();
 
   tRack& rack;
   nOXDIAG100::tTrace& trace;
+  tStatusRecord* record;
   u32 lineCount = 0;
   u32 failureCount = 0;
 };

@@ -1,5 +1,7 @@
 #include "slotbus/component/tTextSpan.h"
 
+#include "slotbus/component/component.h"
+
 namespace nSLOTBUS100 {
 namespace {
 
@@ -14,6 +16,7 @@ tTextSpan tTextSpan::getFirst(size_t count) const {
 }
 
 tTextSpan tTextSpan::getBehind(size_t count) const {
+  OXDIAG_REQUIRE(count <= length);
   return tTextSpan(text + count, length - count);
 }
 

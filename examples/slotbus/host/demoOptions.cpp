@@ -3,12 +3,14 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "slotbus/host/optionTable.h"
+
 namespace {
 
 char const* const kDescription =
     "Reads the text of a measuring rack and traces on standard output what it finds.";
 
-char const* const kFooter =
+char const* const kVerbositiesAndFilter =
     "Verbosities of the component:\n"
     "  150  the summary\n"
     "  140  each bad line, with its status in full\n"
@@ -17,21 +19,57 @@ char const* const kFooter =
     "   60  details: hardware ids, entry to and exit from each step\n"
     "\n"
     "Filter: terms of a field, an operator and a value, joined from left to right by\n"
-    "&& and ||. An expression that begins with && or || extends the default, which\n"
-    "is verbosity>=100; any other replaces it.\n"
+    "&& and ||. An expression that begins with && or || extends the filter that is\n"
+    "there, verbosity>=100 or that of --trace; any other replaces it.\n"
     "  fields     compname compver linenumber filename threadid verbosity\n"
     "             (the beginning of a name is enough)\n"
-    "  operators  == != > < >= <=\n"
+    "  operators  == != > < >= <=\n";
+
+char const* const kExamplesAndCodes =
+    "\n"
+    "A switch with nothing behind it is on. A TERM is an operator and a value, such\n"
+    "as ==5. More in docs/options.md and docs/destinations.md.\n"
     "\n"
     "Examples:\n"
     "  slotbus_demo                            everything but details\n"
     "  slotbus_demo --filter 'verbosity>=140'  what is wrong, and the summary\n"
     "  slotbus_demo --filter '|| verb==60'     details too\n"
     "  slotbus_demo my-rack.txt --filter 'verb>=100 && line<100'\n"
+    "  slotbus_demo --trace '--timestamp --timedelta --prefixwidth 70'\n"
+    "  slotbus_demo --trace '--destination file C:/rack.out overwrite'\n"
+    "  slotbus_demo --assert '--category default --break off'\n"
     "\n"
     "Exit code: 0 the rack is good, 1 something in it is wrong, 2 the file cannot be\n"
     "read, 3 the library cannot be started, 4 the output cannot be written, 64 the\n"
-    "command line is wrong.";
+    "command line is wrong; an option word that the library would pass over is.";
+
+std::string makeFooter() {
+  return kVerbositiesAndFilter + describeOptions() + kExamplesAndCodes;
+}
+
+void addOptions(CLI::App& app, tDemoOptions& options) {
+  app.add_option("FILE", options.file,
+                 "The rack to read, at most 1 MiB; by default\n" + options.file)
+      ->type_name("");
+  app.add_option("--filter", options.filter, "Which lines are shown, see below")->type_name("EXPR");
+  app.add_option("--trace", options.trace, "Option words of the trace, see below")
+      ->type_name("WORDS");
+  app.add_option("--assert", options.assertions, "Option words of the assertions, see below")
+      ->type_name("WORDS");
+  app.add_flag("--capture", options.captures,
+               "Trace into a buffer, whatever the destination, and print\nit at the end");
+  app.add_option("--drive-c", options.driveC, "The folder that is C: to the trace; by default .")
+      ->type_name("DIR");
+  app.add_option(
+         "--serial", options.serial,
+         "Where serial port 1 ends; by default in a terminal of its\nown, which is named on "
+         "standard error")
+      ->type_name("FILE");
+  app.add_option("--save", options.save,
+                 "A file for the statuses of what is wrong, to be read by\noxdiagreport")
+      ->type_name("FILE");
+  app.add_flag("--check-only", options.checksOnly)->group("");
+}
 
 }  // namespace
 
@@ -40,11 +78,8 @@ std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
   options.file = SLOTBUS_DEFAULT_RACK;
   CLI::App app(kDescription, "slotbus_demo");
   app.get_formatter()->column_width(18);
-  app.footer(kFooter);
-  app.add_option("FILE", options.file,
-                 "The rack to read, at most 1 MiB; by default\n" + options.file)
-      ->type_name("");
-  app.add_option("--filter", options.filter, "Which lines are shown, see below")->type_name("EXPR");
+  app.footer(makeFooter());
+  addOptions(app, options);
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& problem) {

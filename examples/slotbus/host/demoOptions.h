@@ -7,6 +7,13 @@
 struct tDemoOptions {
   std::string file;
   std::optional<std::string> filter;
+  std::string trace;                  // option words of the trace stream
+  std::string assertions;             // option words of the assertions
+  bool captures = false;              // trace into a buffer, printed at the end
+  std::optional<std::string> driveC;  // the folder that is drive C:, by default the current one
+  std::optional<std::string> serial;  // a file for serial port 1 instead of a terminal
+  std::optional<std::string> save;    // a file for the statuses of what is wrong
+  bool checksOnly = false;            // only tell what is wrong with the options
 };
 
 // Exit codes of the demo.
@@ -15,7 +22,7 @@ enum tExitCode : int {
   kExitBadRack = 1,   // something in the rack is wrong; the trace tells what
   kExitNoFile = 2,    // the file is missing or cannot be read
   kExitNoModule = 3,  // the library could not be started
-  kExitNoOutput = 4,  // the trace could not be written to standard output
+  kExitNoOutput = 4,  // the trace or the statuses could not be written
   kExitUsage = 64,    // the command line is wrong
 };
 

@@ -4,6 +4,8 @@
 #include <cctype>
 #include <string_view>
 
+#include "slotbus/host/quotedWord.h"
+
 namespace {
 
 constexpr std::string_view kBlanks = " \t\n\v\f\r";
@@ -47,23 +49,31 @@ bool isOperator(std::string_view run) {
   return false;
 }
 
-char const* findTermProblem(std::string_view term) {
-  if (term.empty()) return " has nothing on one side of && or ||";
-  std::string_view const field = term.substr(0, term.find_first_of(" \t\n\v\f\r=!<>"));
-  if (!isField(field)) return " has no known field (see --help)";
-  std::string_view const behind = trim(term.substr(field.size()));
-  size_t const runLength = behind.find_first_not_of("=!<>");
-  std::string_view const run = behind.substr(0, runLength);
+// `text` is an operator and a value.
+char const* findComparisonProblem(std::string_view text, bool isNumber) {
+  size_t const runLength = text.find_first_not_of("=!<>");
+  std::string_view const run = text.substr(0, runLength);
   if (!isOperator(run)) return " has none of the operators == != > < >= <=";
-  std::string_view const value = trim(behind.substr(run.size()));
+  std::string_view const value = trim(text.substr(run.size()));
   if (value.empty()) return " has no value";
   if (value.find_first_of(" \t\n\v\f\r|&") != std::string_view::npos) {
     return " goes on behind its value without && or ||";
   }
-  if (isNumeric(field) && std::isdigit(static_cast<unsigned char>(value[0])) == 0) {
+  if (isNumber && std::isdigit(static_cast<unsigned char>(value[0])) == 0) {
     return " needs a number";
   }
   return nullptr;
+}
+
+char const* findFieldTermProblem(std::string_view term) {
+  if (term.empty()) return " has nothing on one side of && or ||";
+  std::string_view const field = term.substr(0, term.find_first_of(" \t\n\v\f\r=!<>"));
+  if (!isField(field)) return " has no known field (see --help)";
+  return findComparisonProblem(trim(term.substr(field.size())), isNumeric(field));
+}
+
+std::string describe(std::string_view text, char const* problem) {
+  return quoteWord(text).append(problem);
 }
 
 }  // namespace
@@ -75,12 +85,16 @@ std::optional<std::string> findFilterProblem(std::string const& expression) {
   for (bool isLast = false; !isLast;) {
     size_t const connector = findConnector(rest);
     std::string_view const term = trim(rest.substr(0, connector));
-    if (char const* problem = findTermProblem(term)) {
-      std::string_view const shown = term.empty() ? std::string_view(expression) : term;
-      return std::string("'").append(shown).append("'").append(problem);
+    if (char const* problem = findFieldTermProblem(term)) {
+      return describe(term.empty() ? std::string_view(expression) : term, problem);
     }
     isLast = connector == rest.size();
     rest.remove_prefix(isLast ? connector : connector + 2);
   }
   return std::nullopt;
+}
+
+std::optional<std::string> findTermProblem(std::string const& term, bool isNumber) {
+  char const* const problem = findComparisonProblem(term, isNumber);
+  return problem == nullptr ? std::nullopt : std::optional(describe(term, problem));
 }

@@ -1,26 +1,12 @@
 #include "slotbus/windows/tRackFile.h"
 
-#include "ntos/file.h"
-#include "ntos/string.h"
 #include "slotbus/component/component.h"
 #include "slotbus/component/statusCodes.h"
+#include "slotbus/windows/openFile.h"
 
 using nOXDIAG100::tStatus2;
 
 namespace {
-
-constexpr u32 kFlags = OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE;
-constexpr u32 kOptions = FILE_SYNCHRONOUS_IO_NONALERT | FILE_NON_DIRECTORY_FILE;
-
-NTSTATUS openForReading(wchar_t const* path, HANDLE& file) {
-  UNICODE_STRING name;
-  RtlInitUnicodeString(&name, path);
-  OBJECT_ATTRIBUTES attributes;
-  InitializeObjectAttributes(&attributes, &name, kFlags, nullptr, nullptr);
-  IO_STATUS_BLOCK result;
-  return ZwCreateFile(&file, GENERIC_READ | SYNCHRONIZE, &attributes, &result, nullptr,
-                      FILE_ATTRIBUTE_NORMAL, FILE_SHARE_READ, FILE_OPEN, kOptions, nullptr, 0);
-}
 
 NTSTATUS inquireSize(HANDLE file, u64& size) {
   IO_STATUS_BLOCK result;
@@ -36,7 +22,7 @@ NTSTATUS inquireSize(HANDLE file, u64& size) {
 void tRackFile::read(wchar_t const* path, tStatus2& status) {
   if (status.isError()) return;
   HANDLE file = nullptr;
-  NTSTATUS const opened = openForReading(path, file);
+  NTSTATUS const opened = openFile(path, GENERIC_READ, FILE_SHARE_READ, FILE_OPEN, file);
   if (!NT_SUCCESS(opened)) {
     OXDIAG_SET_STATUS(status, opened);
     return;

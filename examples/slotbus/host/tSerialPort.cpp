@@ -1,0 +1,55 @@
+#include "slotbus/host/tSerialPort.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "vexkhost/serialPort.h"
+
+namespace {
+
+constexpr size_t kMaxNameSize = 128;
+
+void waitForReturnKey() {
+  std::fputs("Watch it from another terminal, then press Return here.\n", stderr);
+  for (int key = 0; key != '\n' && key != EOF;) key = std::getchar();
+}
+
+}  // namespace
+
+tSerialPort::~tSerialPort() {
+  if (isConnected) vexkhost::disconnectSerialPort();
+}
+
+bool tSerialPort::connect(std::optional<std::string> const& file) {
+  isConnected = file ? connectFile(*file) : connectTerminal();
+  return isConnected;
+}
+
+bool tSerialPort::connectFile(std::string const& file) {
+  if (vexkhost::connectSerialFile(file.c_str())) return true;
+  problem = "cannot open '" + file + "' for the serial port: " + std::strerror(errno);
+  return false;
+}
+
+bool tSerialPort::connectTerminal() {
+  std::array<char, kMaxNameSize> name = {};
+  if (!vexkhost::connectSerialTerminal(name.data(), name.size())) {
+    problem = std::string("cannot make a terminal for the serial port: ") + std::strerror(errno);
+    return false;
+  }
+  std::fprintf(stderr, "serial port 1 is %s\n", name.data());
+  if (isatty(STDIN_FILENO) != 0) waitForReturnKey();
+  return true;
+}
+
+bool tSerialPort::finish() {
+  if (!isConnected) return true;
+  bool const isRead = vexkhost::drainSerialPort(kReaderPatience);
+  if (isRead && vexkhost::getLostSerialBytes() == 0) return true;
+  problem = "not all that was sent to the serial port was taken";
+  return false;
+}

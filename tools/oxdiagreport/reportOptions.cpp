@@ -1,0 +1,53 @@
+#include "oxdiagreport/reportOptions.h"
+
+#include <CLI/CLI.hpp>
+#include <map>
+
+#include "oxdiagreport/exitCodes.h"
+
+namespace {
+
+char const* const kDescription = "Prints statuses that were saved as bytes.";
+
+char const* const kFooter =
+    "\n"
+    "Text has one status a paragraph: its number in the file, its code and origin, and\n"
+    "its description in the language asked for. JSON is one array of objects.\n"
+    "\n"
+    "Examples:\n"
+    "  slotbus_demo --save rack.statuses; oxdiagreport rack.statuses\n"
+    "  oxdiagreport --format json --language german <rack.statuses\n"
+    "\n"
+    "Exit code: 0 everything was printed, 1 the file is damaged or no file of statuses\n"
+    "(what stands before the damage is printed), 2 the file cannot be read, 3 the\n"
+    "library cannot be started, 4 the output cannot be written, 64 the command line is\n"
+    "wrong.";
+
+std::map<std::string, tFormat> const kFormats = {{"text", tFormat::kText},
+                                                 {"json", tFormat::kJson}};
+
+}  // namespace
+
+std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) {
+  tReportOptions options;
+  CLI::App app(kDescription, "oxdiagreport");
+  app.get_formatter()->column_width(18);
+  app.footer(kFooter);
+  std::string format = "text";
+  app.add_option("FILE", options.file, "The saved statuses; by default, or as -, standard input")
+      ->type_name("");
+  app.add_option("--format", format, "text (by default) or json")
+      ->check(CLI::IsMember({"text", "json"}))
+      ->type_name("FORMAT");
+  app.add_option("--language", options.language, "english (by default) or german")
+      ->check(CLI::IsMember({"english", "german"}))
+      ->type_name("LANGUAGE");
+  try {
+    app.parse(argc, argv);
+  } catch (CLI::ParseError const& problem) {
+    exitCode = app.exit(problem) == 0 ? kExitGood : kExitUsage;
+    return std::nullopt;
+  }
+  options.format = kFormats.at(format);
+  return options;
+}

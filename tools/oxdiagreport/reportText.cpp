@@ -1,0 +1,76 @@
+#include "oxdiagreport/reportText.h"
+
+#include <cstdio>
+
+namespace {
+
+void append(std::string& utf8, unsigned int character) {
+  auto const add = [&utf8](unsigned int byte) { utf8 += static_cast<char>(byte); };
+  if (character < 0x80) {
+    add(character);
+  } else if (character < 0x800) {
+    add(0xC0 | character >> 6);
+    add(0x80 | (character & 0x3F));
+  } else if (character < 0x10000) {
+    add(0xE0 | character >> 12);
+    add(0x80 | (character >> 6 & 0x3F));
+    add(0x80 | (character & 0x3F));
+  } else {
+    add(0xF0 | character >> 18);
+    add(0x80 | (character >> 12 & 0x3F));
+    add(0x80 | (character >> 6 & 0x3F));
+    add(0x80 | (character & 0x3F));
+  }
+}
+
+constexpr unsigned int kReplacement = 0xFFFD;
+
+bool isHigh(unsigned int unit) {
+  return unit >= 0xD800 && unit < 0xDC00;
+}
+
+bool isLow(unsigned int unit) {
+  return unit >= 0xDC00 && unit < 0xE000;
+}
+
+}  // namespace
+
+std::string utf8Of(_STL::wstring const& text) {
+  std::string utf8;
+  for (size_t index = 0; index < text.size(); ++index) {
+    unsigned int const unit = text[index];
+    unsigned int const next = index + 1 < text.size() ? text[index + 1] : 0;
+    if (isHigh(unit) && isLow(next)) {
+      append(utf8, 0x10000 + ((unit - 0xD800) << 10) + (next - 0xDC00));
+      ++index;
+    } else {
+      append(utf8, isHigh(unit) || isLow(unit) ? kReplacement : unit);
+    }
+  }
+  return utf8;
+}
+
+std::string utf8Of(char const* bytes) {
+  std::string utf8;
+  for (; *bytes != '\0'; ++bytes) append(utf8, static_cast<unsigned char>(*bytes));
+  return utf8;
+}
+
+std::string withoutControls(std::string_view utf8) {
+  std::string shown;
+  for (size_t index = 0; index < utf8.size(); ++index) {
+    auto byte = static_cast<unsigned char>(utf8[index]);
+    // U+0080 to U+009F are control characters too, in UTF-8 the byte C2 and their own number.
+    bool const isHighControl = byte == 0xC2 && index + 1 < utf8.size() &&
+                               static_cast<unsigned char>(utf8[index + 1]) < 0xA0;
+    if (isHighControl) byte = static_cast<unsigned char>(utf8[++index]);
+    if (isHighControl || (byte < ' ' && byte != '\n') || byte == 0x7F) {
+      char escape[8];
+      std::snprintf(escape, sizeof(escape), "\\x%02X", byte);
+      shown += escape;
+    } else {
+      shown += static_cast<char>(byte);
+    }
+  }
+  return shown;
+}
