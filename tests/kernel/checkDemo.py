@@ -6,19 +6,22 @@ texts and failed statuses in full. Left out are the lines of the program and the
 and what the two compilers and machines make different:
   - the source line in a prefix: of a macro call over several lines one compiler takes the first,
     the other the last;
-  - the addresses of stack traces, but there have to be as many, and the first has to be one.
+  - the addresses of stack traces, but there have to be as many, and the first has to be one;
+  - the address of a status' description, but there has to be one on both or on neither.
 
 usage: checkDemo.py HOST KERNEL    files with the two outputs; exit code 1 when they differ
 """
 
 import difflib
 import re
-import sys
 
-PREFIX = re.compile(r"^\[slotbus--\d+--(\w+\.cpp)-*\] ")
+import comparison
+
+PREFIX = re.compile(r"^\[slotbus--(?:\d+--)?(\w+\.cpp)-*\] ")
 SURROUNDING_SOURCES = {"main.cpp", "driver.cpp"}
 STATUS_HEAD = "tStatus2 Contents:"
 STACK_ADDRESS = re.compile(r"^\t\t0x([0-9A-F]+)$")
+DESCRIPTION = re.compile(r"^(\tAddress of Status Description = )0x0*[1-9A-F][0-9A-F]*$")
 SUMMARY = re.compile(r"^\[.*\] +devices: [1-9]\d*, failures: \d+, lines: [1-9]\d*$")
 
 
@@ -49,7 +52,7 @@ def without_addresses(lines):
         if address and not (is_first and int(address.group(1), 16) == 0):
             shown.append("\t\t(address)")
         else:
-            shown.append(line)
+            shown.append(DESCRIPTION.sub(r"\1(address)", line))
         is_first = line == "\tStack Trace ="
     return shown
 
@@ -66,22 +69,10 @@ def find_differences(host_text, kernel_text):
     return list(difflib.unified_diff(host, kernel, "host", "kernel", lineterm=""))
 
 
-def read(name):
-    with open(name, encoding="utf-8", errors="replace", newline="") as file:
+def read(path):
+    with open(path, encoding="utf-8", errors="replace", newline="") as file:
         return file.read()
 
 
-def main():
-    if len(sys.argv) != 3:
-        sys.exit(__doc__)
-    try:
-        differences = find_differences(read(sys.argv[1]), read(sys.argv[2]))
-    except OSError as problem:
-        sys.exit(f"checkDemo.py: {problem}")
-    for line in differences:
-        print(line)
-    sys.exit(1 if differences else 0)
-
-
 if __name__ == "__main__":
-    main()
+    comparison.main("checkDemo.py", __doc__, find_differences, read)

@@ -60,6 +60,35 @@ void tItemStream::writeU32(u32 value, i32& status) {
   write(kU32, value, status);
 }
 
+void tItemStream::writeHalves(tKind kind, u64 value, i32& status) {
+  write(kind, static_cast<u32>(value), status);
+  write(kind, static_cast<u32>(value >> 32), status);
+}
+
+void tItemStream::writeI64(i64 value, i32& status) {
+  writeHalves(kI64, static_cast<u64>(value), status);
+}
+
+void tItemStream::writeU64(u64 value, i32& status) {
+  writeHalves(kU64, value, status);
+}
+
+template <class tText>
+void tItemStream::writeText(tKind kind, tText const& value, i32& status) {
+  write(kind, static_cast<u32>(value.size()), status);
+  for (size_t index = 0; index < value.size(); ++index) {
+    write(kCharacter, static_cast<u16>(value[index]), status);
+  }
+}
+
+void tItemStream::writeString(_STL::string const& value, i32& status) {
+  writeText(kString, value, status);
+}
+
+void tItemStream::writeWideString(_STL::wstring const& value, i32& status) {
+  writeText(kWideString, value, status);
+}
+
 void tItemStream::writeObject(tObject const* object, i32& status) {
   if (status < 0) return;
   if (object == nullptr) return write(kNullObject, 0, status);
@@ -94,6 +123,43 @@ void tItemStream::readU32(u32& value, i32& status) {
   read(kU32, value, status);
 }
 
+bool tItemStream::readHalves(tKind kind, u64& value, i32& status) {
+  u32 low = 0;
+  u32 high = 0;
+  if (!read(kind, low, status) || !read(kind, high, status)) return false;
+  value = static_cast<u64>(high) << 32 | low;
+  return true;
+}
+
+void tItemStream::readI64(i64& value, i32& status) {
+  u64 bits = 0;
+  if (readHalves(kI64, bits, status)) value = static_cast<i64>(bits);
+}
+
+void tItemStream::readU64(u64& value, i32& status) {
+  readHalves(kU64, value, status);
+}
+
+template <class tText>
+void tItemStream::readText(tKind kind, tText& value, i32& status) {
+  u32 length = 0;
+  if (!read(kind, length, status)) return;
+  value.clear();
+  for (u32 character = 0; length != 0 && read(kCharacter, character, status); --length) {
+    if (!value.push_back(static_cast<typename tText::value_type>(character))) {
+      status = kStatusOutOfMemory;
+    }
+  }
+}
+
+void tItemStream::readString(_STL::string& value, i32& status) {
+  readText(kString, value, status);
+}
+
+void tItemStream::readWideString(_STL::wstring& value, i32& status) {
+  readText(kWideString, value, status);
+}
+
 tObject* tItemStream::readObject(i32& status) {
   if (position < count && position < end && items[position].kind == kNullObject) {
     if (status >= 0) ++position;
@@ -107,6 +173,11 @@ tObject* tItemStream::readObject(i32& status) {
   if (status >= 0) return object;
   classes[index].deleteInstance(object, status);
   return nullptr;
+}
+
+u64 tItemStream::getMostItems() const {
+  u32 const last = count < end ? count : end;
+  return position < last ? last - position : 0;
 }
 
 u32 tItemStream::findClass(tClass const& wanted) {

@@ -14,7 +14,19 @@ class tItemStream final : public nQELM100::iObjectWriter, public nQELM100::iObje
   static constexpr i32 kStatusWrongKind = -77002;  // the item is of another kind
 
   // An object is one item with its class, followed by what its writeExternal writes.
-  enum tKind : u32 { kCharacter, kI32, kU32, kObject, kNullObject };
+  // A 64-bit value is two items, the lower half first; a text is its length, followed by its
+  // characters.
+  enum tKind : u32 {
+    kCharacter,
+    kI32,
+    kU32,
+    kObject,
+    kNullObject,
+    kI64,
+    kU64,
+    kString,
+    kWideString
+  };
   struct tItem {
     tKind kind;
     u32 value;
@@ -46,18 +58,33 @@ class tItemStream final : public nQELM100::iObjectWriter, public nQELM100::iObje
   void writeCharacter(char value, i32& status) override;
   void writeI32(i32 value, i32& status) override;
   void writeU32(u32 value, i32& status) override;
+  void writeI64(i64 value, i32& status) override;
+  void writeU64(u64 value, i32& status) override;
+  void writeString(_STL::string const& value, i32& status) override;
+  void writeWideString(_STL::wstring const& value, i32& status) override;
   void writeObject(nQELM100::tObject const* object, i32& status) override;
 
   void readCharacter(char& value, i32& status) override;
   void readI32(i32& value, i32& status) override;
   void readU32(u32& value, i32& status) override;
+  void readI64(i64& value, i32& status) override;
+  void readU64(u64& value, i32& status) override;
+  void readString(_STL::string& value, i32& status) override;
+  void readWideString(_STL::wstring& value, i32& status) override;
   nQELM100::tObject* readObject(i32& status) override;
+  u64 getMostItems() const override;
 
  private:
   static constexpr u32 kClassCapacity = 8;
 
   void write(tKind kind, u32 value, i32& status);
   bool read(tKind kind, u32& value, i32& status);
+  void writeHalves(tKind kind, u64 value, i32& status);
+  bool readHalves(tKind kind, u64& value, i32& status);
+  template <class tText>
+  void writeText(tKind kind, tText const& value, i32& status);
+  template <class tText>
+  void readText(tKind kind, tText& value, i32& status);
   u32 findClass(nQELM100::tClass const& wanted);
 
   tItem items[kCapacity] = {};

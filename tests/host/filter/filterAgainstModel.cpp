@@ -6,6 +6,7 @@
 #include "filterModel.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "randomFilters.h"
+#include "rounds.h"
 #include "writtenFilter.h"
 
 namespace {
@@ -13,7 +14,7 @@ namespace {
 using nOXDIAG100::readNumber;
 using nOXDIAG100::tTraceFilter;
 
-constexpr int kExpressions = 120'000;
+constexpr int kExpressions = roundsOf(120'000);
 constexpr int kNoises = 30'000;
 constexpr int kSequences = 10'000;
 constexpr int kStepsOfASequence = 6;

@@ -14,13 +14,14 @@
 #include "filterModel.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "randomFilters.h"
+#include "rounds.h"
 #include "writtenFilter.h"
 
 namespace {
 
 using nOXDIAG100::tTraceFilter;
 
-constexpr int kRounds = 100'000;
+constexpr int kRounds = roundsOf(100'000);
 
 // The written form behind one more trip through the parser.
 std::string writtenAgain(tTraceFilter const& filter) {

@@ -39,6 +39,14 @@ TEST_F(SlotbusComparison, OtherAddressesPass) {
   EXPECT_EQ(compareWith(replaced("\t\t0x[0-9A-F]+", "\t\t0x1234")), 0);
 }
 
+TEST_F(SlotbusComparison, OtherAddressesOfDescriptionsPass) {
+  EXPECT_EQ(compareWith(replaced("Description = 0x[0-9A-F]+", "Description = 0x1234")), 0);
+}
+
+TEST_F(SlotbusComparison, AMissingDescriptionFails) {
+  EXPECT_EQ(compareWith(replaced("Description = 0x[0-9A-F]+", "Description = 0x0")), 1);
+}
+
 TEST_F(SlotbusComparison, OtherLineNumbersInPrefixesPass) {
   EXPECT_EQ(compareWith(replaced("--[0-9]+--tRackReader.cpp-", "--4--tRackReader.cpp-")), 0);
 }

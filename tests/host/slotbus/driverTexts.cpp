@@ -31,7 +31,7 @@ class tWide {
   wchar_t const* get() const { return text; }
 
  private:
-  wchar_t text[1000];
+  wchar_t text[2000];
 };
 
 }  // namespace

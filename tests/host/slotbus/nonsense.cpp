@@ -4,13 +4,14 @@
 #include <random>
 #include <set>
 
+#include "rounds.h"
 #include "slotbusSupport.h"
 
 using namespace nSLOTBUS100;
 
 namespace {
 
-constexpr u32 kTexts = 40000;  // for each way of making them
+constexpr u32 kTexts = roundsOf(40'000);  // for each way of making them
 constexpr char const* kShowNothing = "verbosity>=1000";
 
 using tRandom = std::mt19937;

@@ -3,8 +3,10 @@
 #include "conformance/harness.h"
 #include "oxdiagk/iTraceable.h"
 #include "oxdiagk/tConfigurable.h"
+#include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "support/recordingBus.h"
 #include "support/recordingDestination.h"
 
 namespace {
@@ -12,6 +14,7 @@ namespace {
 using nOXDIAG100::iTraceable;
 using nOXDIAG100::iTraceDestination;
 using nOXDIAG100::tConfigurable;
+using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tVEXTraceDestination;
 
@@ -151,6 +154,34 @@ TEST(DestinationSlots, DebuggerPrintOfTheLibraryIsLaidOutTheSame) {
   EXPECT_EQ(getSlot<tOpen>(object, 6)(object), u32{1});
   getSlot<tAct>(object, 7)(object);
   EXPECT_STREQ(getSlot<tDescribe>(object, 8)(object), "VEX print to debugger");
+}
+
+TEST(DestinationSlots, SerialPortOfTheLibraryIsLaidOutTheSame) {
+  tRecordedPort port;
+  alignas(
+      tSerialTraceDestination) static constinit u8 storage[sizeof(tSerialTraceDestination)] = {};
+  void* const object = new (storage) tSerialTraceDestination;
+  char word[] = "9600";
+  char* words[] = {word};
+  getSlot<tConfigureVector>(object, 4)(object, 1, words);
+  EXPECT_EQ(getSlot<tOpen>(object, 6)(object), u32{1});
+  EXPECT_TRUE(getSlot<tPutCounted>(object, 2)(object, "ab", 2) == object);
+  EXPECT_TRUE(getSlot<tPut>(object, 3)(object, "c") == object);
+  EXPECT_STREQ(port.takeEvents(),
+               "new(0) open(0,0,0) w3FB=80 w3F8=C w3FB=3 "
+               "r3FE=B0 r3FD=20 w3F8=61 r3FD=20 w3F8=62 r3FE=B0 r3FD=20 w3F8=63 ");
+  char buffer[32];
+  unsigned int required = 0;
+  getSlot<tInquireDestination>(object, 5)(object, buffer, sizeof(buffer), &required);
+  EXPECT_STREQ(buffer, " --destination serial 9600");
+  EXPECT_EQ(required, 27u);
+  EXPECT_STREQ(getSlot<tDescribe>(object, 8)(object), "Serial port with baud rate 9600");
+  getSlot<tAct>(object, 7)(object);
+  EXPECT_STREQ(port.takeEvents(), "release(7) delete ");
+  getSlot<tOpen>(object, 6)(object);
+  port->clear();
+  getSlot<tDestroy>(object, 1)(object, 0);
+  EXPECT_STREQ(port.takeEvents(), "release(7) delete ");
 }
 
 TEST(TraceSlots, ConfigureIsInTheSecondAndThirdSlot) {

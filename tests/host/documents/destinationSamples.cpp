@@ -1,0 +1,67 @@
+// The code in the document on destinations, as it stands there.
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "destinations.samples"
+#include "trace/capturedPrint.h"
+#include "trace/startedModules.h"
+
+namespace {
+
+class DestinationSamples : public testing::Test {
+ protected:
+  void TearDown() override {
+    EXPECT_EQ(tTrace::getInstance().getDestination(), &tVEXTraceDestination::getInstance());
+  }
+
+  tCapturedPrint print;
+};
+
+void traceOneLine() {
+  tTrace::getInstance().put("self test").endl();
+}
+
+}  // namespace
+
+TEST_F(DestinationSamples, TheSelfTestIsCaptured) {
+  char text[100];
+  std::string const expected = "self test\nSwitching trace destination to VEX print to debugger\n";
+  EXPECT_EQ(captureSelfTest(&traceOneLine, text, sizeof(text)), static_cast<i32>(expected.size()));
+  EXPECT_EQ(text, expected);
+  EXPECT_EQ(print.text(), "Switching trace destination to CTF log file\n");
+}
+
+TEST_F(DestinationSamples, ASmallBufferKeepsTheBeginning) {
+  char text[5];
+  EXPECT_EQ(captureSelfTest(&traceOneLine, text, sizeof(text)), 4);
+  EXPECT_STREQ(text, "self");
+}
+
+TEST_F(DestinationSamples, TheOwnDestinationSeesWhatIsTracedAndLeavesTheStream) {
+  {
+    tLastCharacter own;
+    tTrace::getInstance().setDestination(own);
+    tTrace::getInstance().put("abc").endl();
+    EXPECT_EQ(own.last, '\n');
+  }
+  EXPECT_EQ(tTrace::getInstance().getDestination(), &tVEXTraceDestination::getInstance());
+}
+
+TEST_F(DestinationSamples, WhenNothingOpensTheDebuggerPrintTakesOver) {
+  tLastCharacter first;
+  tLastCharacter second;
+  tTrace::getInstance().setDestination(first);
+  first.isBroken = second.isBroken = true;
+  print.prints.clear();
+  EXPECT_EQ(tTrace::getInstance().setDestination(second), &tVEXTraceDestination::getInstance());
+  EXPECT_EQ(print.text(),
+            "Trace destination couldn't be opened and previous destination couldn't be restored!\n"
+            "The trace destination has been changed to VEX print to debugger by default\n");
+}
+
+TEST_F(DestinationSamples, WhoAsksLearnsWhetherADestinationWorks) {
+  EXPECT_FALSE(canWriteTo("--destination file Z:/x.out"));
+  EXPECT_FALSE(canWriteTo("--destination"));
+}
