@@ -9,9 +9,11 @@ sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
 import compileChecks  # noqa: E402
 import demos  # noqa: E402
+import fuzz  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
 import lint  # noqa: E402
+import metal  # noqa: E402
 import programs  # noqa: E402
 
 
@@ -30,9 +32,11 @@ STEPS = {
                    lambda: programs.check("host-clang", "host_tests")),
     "host-tsan": ("thread tests, g++, thread sanitizer",
                   lambda: programs.check("host-tsan", "thread_tests", "thread")),
+    "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
-    "modules": ("the modules as files: imports, exports, sections, PDB", images.check),
+    "modules": ("the modules as files: imports, exports, sections, PDB, version", images.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
+    "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "tidy": ("clang-tidy", lint.check_tidy),
 }

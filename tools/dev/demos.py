@@ -1,7 +1,10 @@
-"""The demo on both targets: the component traces the same in the program and in the driver."""
+"""The demo on both targets: the component traces and saves the same in the program and in the
+driver, and the report tool reads what both saved."""
 
-import argparse
+import collections
+import pathlib
 import sys
+import tempfile
 
 import kernel
 import wine
@@ -10,32 +13,91 @@ import workshop
 sys.path.insert(0, str(workshop.TOP / "tests/kernel"))
 
 import checkDemo  # noqa: E402
+import checkStatuses  # noqa: E402
 
-# What the driver is given: nothing, so that it finds the rack beside it, or all that its key can hold.
-RUNS = [(None, None), (kernel.DEFAULT_RACK, "verbosity>=60")]
+TRACED_FILE = "oxdiag-demo.out"
+SAVED_FILE = "oxdiag-demo.statuses"
+
+Run = collections.namedtuple("Run", "title arguments file", defaults=[None])
+
+# What the driver is given: nothing, so that it finds the rack beside it, or all that its key can
+# hold; where the lines go.
+RUNS = [
+    Run("the rack beside the driver", []),
+    Run("a named rack, with details",
+        [str(kernel.DEFAULT_RACK), "--filter", "verbosity>=60",
+         "--assert", "--category default --break off --category mine --terminate"]),
+    Run("another prefix",
+        ["--trace", "--timestamp off --linenumber off --prefixwidth 30 --indent off"]),
+    Run("a file", ["--trace", f"--destination file C:/{TRACED_FILE} overwrite"], TRACED_FILE),
+    Run("a capture", ["--capture", "--filter", "&& verbosity!=100"]),
+]
 
 
-def host_text(expression):
+def read(path):
+    return path.read_bytes().decode(errors="replace") if path.exists() else ""
+
+
+def host_text(run, folder):
     program = workshop.tree("host-debug") / "examples/slotbus/slotbus_demo"
-    options = [] if expression is None else ["--filter", expression]
-    _, output = workshop.run([program, kernel.DEFAULT_RACK, *options])
-    return output
+    arguments = run.arguments
+    if str(kernel.DEFAULT_RACK) not in arguments:
+        arguments = [kernel.DEFAULT_RACK, *arguments]
+    _, output = workshop.run([program, "--drive-c", folder, *arguments])
+    return read(folder / run.file) if run.file else output
 
 
-def kernel_text(rack, expression):
-    run = kernel.run_demo(argparse.Namespace(file=rack, filter=expression))
-    return "\n".join(wine.lines_of_texts(run.texts))
+def kernel_text(run):
+    if run.file:
+        (wine.DRIVE_C / run.file).unlink(missing_ok=True)
+    done = kernel.run_demo(kernel.demo_options(run.arguments))
+    return read(wine.DRIVE_C / run.file) if run.file else "\n".join(wine.lines_of_texts(done.texts))
 
 
-def compare(rack, expression):
-    title = f"demo lines of program and driver, rack {rack and 'named' or 'beside the driver'}"
-    return title, checkDemo.find_differences(host_text(expression), kernel_text(rack, expression))
+def compare(run):
+    with tempfile.TemporaryDirectory() as folder:
+        host = host_text(run, pathlib.Path(folder))
+    return f"demo lines of program and driver, {run.title}", \
+        checkDemo.find_differences(host, kernel_text(run))
+
+
+def save_on_host(path):
+    program = workshop.tree("host-debug") / "examples/slotbus/slotbus_demo"
+    workshop.run([program, kernel.DEFAULT_RACK, "--save", path])
+
+
+def save_in_kernel():
+    path = wine.DRIVE_C / SAVED_FILE
+    path.unlink(missing_ok=True)
+    kernel.run_demo(kernel.demo_options(["--save", SAVED_FILE]))
+    return path
+
+
+def report(path):
+    """What the tool prints, without the lines that differ from run to run."""
+    program = workshop.tree("host-debug") / "tools/oxdiagreport/oxdiagreport"
+    code, output = workshop.run([program, path])
+    lines = [line for line in output.splitlines() if not line.startswith("  Time: ")]
+    return lines if code == 0 and lines else [f"oxdiagreport ended with {code}", path.name, output]
+
+
+def compare_saved():
+    with tempfile.TemporaryDirectory() as folder:
+        host, driver = pathlib.Path(folder) / "host", save_in_kernel()
+        save_on_host(host)
+        if not host.exists() or not driver.exists():
+            return "statuses saved by program and driver", ["a file is missing"]
+        differences = checkStatuses.find_differences(host.read_bytes(), driver.read_bytes())
+        ours, theirs = report(host), report(driver)
+    if ours != theirs or not ours[0].startswith("Status 1: "):
+        differences += ["the reports differ:", *ours, "", *theirs]
+    return "statuses saved by program and driver", differences
 
 
 def check():
     kernel.build()
-    workshop.build("host-debug", "slotbus_demo")
-    results = [compare(*run) for run in RUNS]
+    workshop.build("host-debug", "slotbus_demo", "oxdiagreport")
+    results = [*map(compare, RUNS), compare_saved()]
     failed = [title for title, differences in results if differences]
     output = "\n".join(line for _, differences in results for line in differences)
     return workshop.Outcome(len(results) - len(failed), failed, output)

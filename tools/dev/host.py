@@ -14,13 +14,13 @@ def build(presets):
 
 
 def demo(arguments):
-    workshop.step("build the demo", workshop.build, "host-release", "slotbus_demo")
+    workshop.step("build the demo", workshop.build, "host-release", "slotbus_demo", "oxdiagreport")
     program = workshop.tree("host-release") / "examples/slotbus/slotbus_demo"
     os.execv(program, ["slotbus_demo", *arguments])
 
 
 def bench(arguments):
-    """The benchmarks, and then the library beside the hand-written floors of the same run."""
+    """The benchmarks, and then the library beside its peers in the same run."""
     workshop.step("build the benchmarks", workshop.build, "host-release", "oxdiag_bench")
     folder = workshop.tree("host-release") / "bench"
     report = folder / "report.json"

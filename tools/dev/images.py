@@ -1,10 +1,11 @@
-"""What the built Windows modules must be, read back with LLVM's own readers."""
+"""What the built Windows modules must be."""
 
 import re
 
+import versions
 import workshop
+from moduleFiles import pdb_of, read
 
-MODULES = workshop.tree("windows") / "modules"
 KERNEL = {"ntoskrnl.exe", "hal.dll"}
 FAMILY = {
     "vexk.dll": KERNEL,
@@ -13,10 +14,6 @@ FAMILY = {
     "slotbus.sys": KERNEL | {"vexk.dll", "qelmk.dll", "oxdiagk.dll"},
 }
 ENTRIES = {"DllInitialize", "DllUnload"}
-
-
-def read(image, *what):
-    return workshop.demand(["llvm-readobj", *what, MODULES / image])
 
 
 def imports(image):
@@ -71,7 +68,7 @@ def guid_of_image(image):
 
 
 def guid_of_pdb(image):
-    pdb = (MODULES / image).with_suffix(".pdb")
+    pdb = pdb_of(image)
     if not pdb.exists():
         return None
     text = workshop.demand(["llvm-pdbutil", "dump", "--summary", pdb])
@@ -85,7 +82,8 @@ def pdb_check(image):
 
 
 def checks_of(image):
-    checks = [import_check, native_check, section_check, unwind_check, pdb_check]
+    checks = [import_check, native_check, section_check, unwind_check, pdb_check,
+              *versions.checks_of(image)]
     return checks + [export_check] if image.endswith(".dll") else checks
 
 

@@ -14,6 +14,8 @@ MARK = "[oxt] "
 BOOT_MARK = "[boot] "
 UNLOADED = "[boot] unloaded"
 OWN_RACK = "own-rack.txt"
+WRONG_USAGE = 64
+DEMO = workshop.tree("host-release") / "examples/slotbus/slotbus_demo"
 DEFAULT_RACK = workshop.TOP / "examples/slotbus/rack.txt"
 
 
@@ -98,13 +100,49 @@ def test():
     return 1 if outcome.failed else 0
 
 
-def demo_options(arguments):
-    """[FILE] [--filter EXPRESSION]; None for what is not given."""
-    parser = argparse.ArgumentParser(prog="./dev kernel demo", description=__doc__)
+def demo_parser():
+    """What is not given is None, and so leaves its value in the service key unset."""
+    parser = argparse.ArgumentParser(prog="./dev kernel demo", description="The slot bus as a driver.",
+                                     epilog="./dev demo --help lists the option words.")
     parser.add_argument("file", nargs="?", type=pathlib.Path, metavar="FILE",
                         help="the rack to read; examples/slotbus/rack.txt if none is given")
-    parser.add_argument("--filter", metavar="EXPRESSION", help="shows only lines that pass")
-    return parser.parse_args(arguments)
+    parser.add_argument("--filter", metavar="EXPR", help="which lines are shown")
+    parser.add_argument("--trace", metavar="WORDS", help="option words of the trace")
+    parser.add_argument("--assert", metavar="WORDS", dest="assertions",
+                        help="option words of the assertions")
+    parser.add_argument("--capture", action="store_const", const="1",
+                        help="trace into a buffer, and print it at the end")
+    parser.add_argument("--save", metavar="NAME",
+                        help="a file on drive C: for the statuses of what is wrong")
+    return parser
+
+
+def demo_options(arguments):
+    """A value that is itself an option word, as in --trace --off, is one for argparse only when it
+    is written together with its option."""
+    words = list(arguments)
+    for name in ("--trace", "--assert", "--filter"):
+        if name in words[:-1]:
+            place = words.index(name)
+            words[place:place + 2] = [f"{name}={words[place + 1]}"]
+    return demo_parser().parse_args(words)
+
+
+def check_options(options):
+    """The host program tells what is wrong with option words; the driver passes over it."""
+    workshop.step("build the host program, which checks the options",
+                  workshop.build, "host-release", "slotbus_demo")
+    given = {"--filter": options.filter, "--trace": options.trace, "--assert": options.assertions}
+    words = [f"{name}={value}" for name, value in given.items() if value is not None]
+    code, output = workshop.run([DEMO, "--check-only", *words])
+    if code == 0 and names_destination(options, "serial"):
+        code, output = WRONG_USAGE, "Wine has no ports: the serial port needs a kernel or ./dev demo.\n"
+    print(output, end="", file=sys.stderr)
+    return code
+
+
+def names_destination(options, name):
+    return re.search(rf"--destination\s+{name}\b", options.trace or "") is not None
 
 
 def demo_input(options):
@@ -115,7 +153,9 @@ def demo_input(options):
     if options.file:
         files[OWN_RACK] = options.file
         rack = rf"\??\{wine.DRIVERS_IN_WINDOWS}{OWN_RACK}"
-    return files, {"RackFile": rack, "Filter": options.filter}
+    return files, {"RackFile": rack, "Filter": options.filter, "Trace": options.trace,
+                   "Assert": options.assertions, "Capture": options.capture,
+                   "Save": options.save and rf"C:\{options.save}"}
 
 
 def run_demo(options):
@@ -124,12 +164,14 @@ def run_demo(options):
         return wine.run_driver("slotbus", *demo_input(options))
 
 
-def show_demo(run):
+def show_demo(run, options):
     """A person wants the component's lines; what the boot driver says counts when it went wrong."""
     held = run.stopped and UNLOADED in run.texts
     for line in wine.lines_of_texts(run.texts):
         if not (held and line.startswith(BOOT_MARK)):
             print(line)
+    if names_destination(options, "file") or options.save:
+        print(f"drive C: of the driver is {wine.DRIVE_C}", file=sys.stderr)
     if not held:
         print("slotbus.sys was not loaded and unloaded as it should be", file=sys.stderr)
     return 0 if held else 1
@@ -142,9 +184,12 @@ def demo(arguments):
     except OSError as error:
         print(f"cannot read the rack file '{error.filename}': {error.strerror}", file=sys.stderr)
         return 2
+    code = check_options(options)
+    if code != 0:
+        return code
     workshop.step("build the Windows modules", build)
     return show_demo(workshop.step("load, run and unload slotbus.sys under Wine", run_demo,
-                                   options))
+                                   options), options)
 
 
 if __name__ == "__main__":

@@ -7,6 +7,8 @@ import pathlib
 import workshop
 
 FOLDERS = ["include", "source", "platform", "examples", "tests", "bench", "tools"]
+# Windows code first: it is the product, and what the analyser reads fastest.
+PRESETS = ["windows", "host-clang", "metal"]
 CLEAN = workshop.OUT / "tidy"  # one empty file for each unit that was found clean, as it was then
 
 
@@ -25,7 +27,8 @@ def check_format():
 def units(preset):
     """File -> compiler call of the project's translation units in a preset's database."""
     database = json.loads((workshop.tree(preset) / "compile_commands.json").read_text())
-    return {entry["file"]: entry["command"] for entry in database}
+    return {entry["file"]: entry["command"] for entry in database
+            if entry["file"].endswith(".cpp")}
 
 
 def common_digest():
@@ -58,18 +61,17 @@ class Unit:
 
 
 def all_units():
-    """Every unit once: as Windows code if it is built there, which is the product and what the
-    analyser reads fastest, else as host code."""
+    """Every unit once, as the first of the presets that builds it."""
     common = common_digest()
-    windows = units("windows")
-    host = {file: command for file, command in units("host-clang").items() if file not in windows}
-    return [Unit(file, command, preset, common)
-            for preset, calls in (("windows", windows), ("host-clang", host))
-            for file, command in sorted(calls.items())]
+    calls = {}
+    for preset in PRESETS:
+        for file, command in sorted(units(preset).items()):
+            calls.setdefault(file, (command, preset))
+    return [Unit(file, command, preset, common) for file, (command, preset) in calls.items()]
 
 
 def check_tidy():
-    for preset in ("windows", "host-clang"):
+    for preset in PRESETS:
         workshop.configure(preset)
     CLEAN.mkdir(parents=True, exist_ok=True)
     work = all_units()

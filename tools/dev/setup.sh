@@ -8,7 +8,9 @@ packages=(
   clang libclang-rt-14-dev clang-format clang-tidy   # second compiler, sanitizers, lint
   lld llvm mingw-w64-x86-64-dev                      # Windows modules and their inspection
   wine wine64                                        # the kernel interface they run in
+  qemu-system-x86                                    # the emulated PC of the metal tests
   libcli11-dev                                       # command lines of programs for people
+  libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev  # peers of the benchmarks
 )
 
 is_installed() {

@@ -14,7 +14,8 @@ import workshop
 
 FOLDER = workshop.OUT / "wine"
 PREFIX = FOLDER / "prefix"
-DRIVERS = PREFIX / "drive_c/windows/system32/drivers"
+DRIVE_C = PREFIX / "drive_c"
+DRIVERS = DRIVE_C / "windows/system32/drivers"
 DRIVERS_IN_WINDOWS = "C:\\windows\\system32\\drivers\\"
 SERVICES = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services"
 BOOT = "oxdiagboot"

@@ -1,0 +1,167 @@
+"""./dev fuzz: the fuzz targets, each for a time; and their corpora replayed, for the tests."""
+
+import re
+import shutil
+import subprocess
+import sys
+import threading
+import time
+
+import programs
+import workshop
+
+PRESET = "host-fuzz"
+CORPORA = workshop.TOP / "tests/fuzz/corpus"
+DICTIONARIES = workshop.TOP / "tests/fuzz/words"
+FOUND = workshop.OUT / "fuzz"
+
+DEFAULT_SECONDS = 60
+SECONDS_BETWEEN_LINES = 10
+INPUT_TIME_LIMIT = 20  # seconds for one input; a usual one takes a thousandth of one
+REPLAY_TIME_LIMIT = 300
+REPLAY_RUNS = 2000
+
+USAGE = """usage: ./dev fuzz [TARGET | all] [SECONDS]
+       ./dev fuzz --list"""
+
+PULSE = re.compile(r"#(\d+)\s.*\bcov: (\d+)")
+REPRODUCER = re.compile(r"Test unit written to (\S+)")
+DEMAND = re.compile(r"^finding: .*?(?=^==)", re.MULTILINE | re.DOTALL)
+SAID = re.compile(r"^.*(ERROR: |runtime error: |ntos: )", re.MULTILINE)
+LINES_SHOWN = 25
+
+
+def targets():
+    """The names, as the build lists them."""
+    workshop.configure(PRESET)
+    return (workshop.tree(PRESET) / "tests/fuzz/targets.txt").read_text().split()
+
+
+def call(target, *options):
+    """The command that starts a target, with its dictionary if it has one."""
+    command = [workshop.tree(PRESET) / "tests/fuzz/bin" / f"fuzz.{target}", *options]
+    dictionary = DICTIONARIES / f"{target}.txt"
+    if dictionary.exists():
+        command.append(f"-dict={dictionary}")
+    return [str(part) for part in command]
+
+
+def told(output):
+    """What a target said of its finding: a demand says all, a sanitizer needs its call stack."""
+    if demand := DEMAND.search(output):
+        return demand[0].rstrip()
+    said = SAID.search(output)
+    return "\n".join(output[said.start() if said else 0:].splitlines()[:LINES_SHOWN])
+
+
+class Run:
+    """One target at work: its progress is printed from time to time, its end in any case."""
+
+    printing = threading.Lock()
+
+    def __init__(self, target, seconds):
+        self.target, self.seconds = target, seconds
+        self.inputs, self.findings = FOUND / target / "inputs", FOUND / target / "findings"
+        self.runs = self.coverage = 0
+        self.output = []
+
+    def say(self, text):
+        with Run.printing:
+            print(f"{self.target}: {text}", flush=True)
+
+    def state(self):
+        passed = max(time.monotonic() - self.start, 0.1)
+        return (f"{passed:.0f} s, {self.runs:,} runs, {self.runs / passed:,.0f} a second, "
+                f"coverage {self.coverage}")
+
+    def command(self):
+        for folder in (self.inputs, self.findings):
+            folder.mkdir(parents=True, exist_ok=True)
+        return call(self.target, f"-max_total_time={self.seconds}", f"-timeout={INPUT_TIME_LIMIT}",
+                    f"-artifact_prefix={self.findings}/", self.inputs, CORPORA / self.target)
+
+    def listen(self, lines):
+        spoken = self.start
+        for line in lines:
+            self.output.append(line)
+            if pulse := PULSE.match(line):
+                self.runs, self.coverage = int(pulse[1]), int(pulse[2])
+            if time.monotonic() - spoken >= SECONDS_BETWEEN_LINES:
+                spoken = time.monotonic()
+                self.say(self.state())
+
+    def work(self):
+        """True when nothing was found."""
+        self.start = time.monotonic()
+        self.say(f"{self.seconds} s from now")
+        with subprocess.Popen(self.command(), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              text=True, errors="replace", env=programs.environment()) as process:
+            self.listen(process.stdout)
+        if process.returncode == 0:
+            self.say(f"{self.state()}, no finding")
+        else:
+            self.report("".join(self.output), process.returncode)
+        return process.returncode == 0
+
+    def report(self, output, code):
+        reproducer = REPRODUCER.search(output)
+        path = reproducer[1] if reproducer else ""
+        program = call(self.target)[0]
+        self.say(f"{self.state()}, FINDING, exit code {code}\n{told(output)}\n"
+                 f"reproducer: {path or 'none was written'}\n"
+                 f"again with:  {program} {path}")
+
+
+def fuzz(names, seconds):
+    workshop.step("build the fuzz targets", workshop.build, PRESET, "fuzz_targets")
+    held = workshop.in_parallel(lambda name: Run(name, seconds).work(), names)
+    findings = held.count(False)
+    print(f"{len(names) - findings} of {len(names)} targets without a finding, {seconds} s each")
+    return 1 if findings else 0
+
+
+def main(arguments):
+    known = targets()
+    if arguments == ["--list"]:
+        print("\n".join(known))
+        return 0
+    name, seconds = (arguments + ["all", str(DEFAULT_SECONDS)][len(arguments):])[:2]
+    is_usable = len(arguments) <= 2 and seconds.isdecimal() and int(seconds) > 0
+    if not is_usable or name not in ["all", *known]:
+        print(f"{USAGE}\ntargets: {' '.join(known)}", file=sys.stderr)
+        return 2
+    return fuzz(known if name == "all" else [name], int(seconds))
+
+
+def replay(target):
+    """Every input of the committed corpus, and a fixed number of inputs made from them."""
+    corpus = sorted((CORPORA / target).glob("*"))
+    folder = workshop.tree(PRESET) / "runs" / target
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    limit = ["timeout", "-k", "5", REPLAY_TIME_LIMIT]
+    prefix = f"-artifact_prefix={folder}/"
+    for options in (corpus, [f"-runs={REPLAY_RUNS}", "-seed=1", folder, CORPORA / target]):
+        code, output = workshop.run([*limit, *call(target, prefix, *options)],
+                                    env=programs.environment())
+        if code != 0 or not corpus:
+            return f"{target}: exit code {code}, {len(corpus)} inputs\n{told(output)}"
+    return ""
+
+
+def check():
+    workshop.build(PRESET, "fuzz_targets")
+    names = targets()
+    complaints = workshop.in_parallel(replay, names)
+    failed = [f"fuzz {name}" for name, complaint in zip(names, complaints) if complaint]
+    return workshop.Outcome(len(names) - len(failed), failed or ([] if names else ["fuzz: none"]),
+                            "\n".join(filter(None, complaints)))
+
+
+if __name__ == "__main__":
+    try:
+        sys.exit(main(sys.argv[1:]))
+    except workshop.Failure as failure:
+        sys.exit(str(failure))
+    except KeyboardInterrupt:
+        sys.exit(130)
