@@ -56,9 +56,11 @@ function(oxdiag_kernel_module name)
   if(ARG_DESCRIPTION)
     set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
     configure_file("${PROJECT_SOURCE_DIR}/cmake/module.rc.in" "${resource}" @ONLY)
+    # By name only: llvm-rc takes an absolute path such as /clients/... for its option /c.
     add_custom_command(
       OUTPUT "${resource}.res"
-      COMMAND llvm-rc /no-preprocess /fo "${resource}.res" "${resource}"
+      COMMAND llvm-rc /no-preprocess /fo "${name}.rc.res" "${name}.rc"
+      WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
       DEPENDS "${resource}" VERBATIM)
     list(APPEND objects "${resource}.res")
     list(APPEND flags "/version:${OXDIAG_VERSION_IMAGE}")
