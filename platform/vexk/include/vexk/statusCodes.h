@@ -33,3 +33,6 @@ constexpr i32 kStatusSyncFailed = -50707;
 
 // The version that a client wants and the versions that are installed do not meet.
 constexpr i32 kStatusVersionMismatch = -50708;
+
+// No dispatcher of a registered module has the name that a request is for.
+constexpr i32 kStatusNoDispatcher = -50709;

@@ -6,6 +6,7 @@
 #include "vexk/cpu.h"
 #include "vexk/debug.h"
 #include "vexk/iBus.h"
+#include "vexk/iLib.h"
 #include "vexk/memory.h"
 #include "vexk/module.h"
 #include "vexk/number.h"
