@@ -7,7 +7,10 @@
 constexpr u32 IRP_MJ_CREATE = 0x00;
 constexpr u32 IRP_MJ_CLOSE = 0x02;
 constexpr u32 IRP_MJ_DEVICE_CONTROL = 0x0E;
+constexpr u32 IRP_MJ_INTERNAL_DEVICE_CONTROL = 0x0F;
+constexpr u32 IRP_MJ_CLEANUP = 0x12;
 constexpr u32 IRP_MJ_POWER = 0x16;
+constexpr u32 IRP_MJ_SYSTEM_CONTROL = 0x17;
 constexpr u32 IRP_MJ_PNP = 0x1B;
 constexpr u32 IRP_MJ_MAXIMUM_FUNCTION = 0x1B;
 

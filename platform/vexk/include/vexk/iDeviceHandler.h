@@ -1,0 +1,59 @@
+#pragma once
+
+// What stands behind a device object of the family. The first word of the device extension points
+// to it, so a driver's dispatch finds it from the device object alone.
+
+#include "ntos/device.h"
+#include "ntos/guid.h"
+#include "vexk/api.h"
+
+class iChildBus;
+
+// Slot order is a promise: handleDeviceControl is the first and isChildDevice the tenth operation.
+// Objects live in non-paged memory. What is not said of an operation's IRQL is PASSIVE_LEVEL.
+class iDeviceHandler {
+ public:
+  // Serves a device control request. `input` is the caller's pointer for METHOD_NEITHER codes, and
+  // `output` the request's user buffer; neither has been looked at. Writes how many bytes it has
+  // given back into `information`, and its status into `status`; both are 0 before.
+  // IRQL <= DISPATCH_LEVEL; any number of threads at once.
+  virtual void handleDeviceControl(u32 code, void* input, u32 inputLength, void* output,
+                                   u32 outputLength, u64* information, i32* status) = 0;
+
+  // The device object; the physical device at the bottom of its stack; the device that requests are
+  // passed on to, null for a device that has none below it.
+  virtual DEVICE_OBJECT* getDeviceObject() = 0;
+  virtual DEVICE_OBJECT* getPhysicalDevice() = 0;
+  virtual DEVICE_OBJECT* getLowerDevice() = 0;
+
+  // Of a device that is a bus: the kind of bus and its number, as its children tell them.
+  virtual void getBusTypeGUID(GUID& busType) = 0;
+  virtual u32 getLegacyBusNumber() = 0;
+
+  // Where the device's children are made from now on, before the device starts; null when there is
+  // no such place any more.
+  virtual void attachChildBus(iChildBus* bus) = 0;
+
+  // The device has started: the requests below it have succeeded. A negative `status` fails the
+  // start.
+  virtual void start(i32& status) = 0;
+
+  // The device goes: told once, by surprise or in order, before its memory does. Nothing may use it
+  // after that.
+  virtual void stop(bool isSurprise) = 0;
+
+  // Whether the device is a child that a bus has made; otherwise it is one of the platform's own.
+  virtual bool isChildDevice() = 0;
+
+ protected:
+  ~iDeviceHandler() = default;
+};
+
+// The first word of every device extension of the family.
+struct tDeviceExtension {
+  iDeviceHandler* handler;
+};
+
+inline iDeviceHandler& vexHandlerOf(DEVICE_OBJECT const& device) {
+  return *static_cast<tDeviceExtension*>(device.DeviceExtension)->handler;
+}
