@@ -13,8 +13,14 @@
 #
 #   oxdiag_kernel_import(NAME DEFINITION file.def)
 #       windows only: the import library of a kernel image that is not built here.
+#
+# The tools are called by OXDIAG_TOOL, which spares them absolute paths; the step `windows` of the
+# tests looks whether each of them is.
 
 set(OXDIAG_MODULE_DIR "${CMAKE_BINARY_DIR}/modules")
+file(MAKE_DIRECTORY "${OXDIAG_MODULE_DIR}")
+
+set(OXDIAG_TOOL "${CMAKE_COMMAND}" -P "${CMAKE_CURRENT_LIST_DIR}/callTool.cmake")
 
 function(oxdiag_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;DEFINES" ${ARGN})
@@ -32,8 +38,8 @@ function(oxdiag_kernel_import name)
   set(library "${OXDIAG_MODULE_DIR}/${name}.lib")
   add_custom_command(
     OUTPUT "${library}"
-    COMMAND ${CMAKE_COMMAND} -E make_directory "${OXDIAG_MODULE_DIR}"
-    COMMAND llvm-dlltool -m i386:x86-64 -d "${ARG_DEFINITION}" -l "${library}"
+    COMMAND ${OXDIAG_TOOL} llvm-dlltool -m i386:x86-64 -d "${ARG_DEFINITION}" -l "${name}.lib"
+    WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
     DEPENDS "${ARG_DEFINITION}" VERBATIM)
   add_custom_target(${name}.import DEPENDS "${library}")
 endfunction()
@@ -42,9 +48,9 @@ function(oxdiag_kernel_module name)
   cmake_parse_arguments(ARG "" "TYPE;ENTRY;DESCRIPTION" "LIBRARIES;IMPORTS;EXPORTS" ${ARGN})
   set(image "${OXDIAG_MODULE_DIR}/${name}.${ARG_TYPE}")
   set(flags /nologo /driver /subsystem:native /entry:${ARG_ENTRY} /nodefaultlib /debug /opt:ref
-            /Brepro /WX "/pdbaltpath:%_PDB%" "/out:${image}" "/pdb:${OXDIAG_MODULE_DIR}/${name}.pdb")
+            /Brepro /WX "/pdbaltpath:%_PDB%" "/out:${name}.${ARG_TYPE}" "/pdb:${name}.pdb")
   if(ARG_TYPE STREQUAL "dll")
-    list(APPEND flags /dll "/implib:${OXDIAG_MODULE_DIR}/${name}.lib")
+    list(APPEND flags /dll "/implib:${name}.lib")
   endif()
   foreach(symbol IN LISTS ARG_EXPORTS)
     list(APPEND flags "/export:${symbol}")
@@ -56,11 +62,10 @@ function(oxdiag_kernel_module name)
   if(ARG_DESCRIPTION)
     set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
     configure_file("${PROJECT_SOURCE_DIR}/cmake/module.rc.in" "${resource}" @ONLY)
-    # By name only: llvm-rc takes an absolute path such as /clients/... for its option /c.
     add_custom_command(
       OUTPUT "${resource}.res"
-      COMMAND llvm-rc /no-preprocess /fo "${name}.rc.res" "${name}.rc"
-      WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
+      COMMAND ${OXDIAG_TOOL} llvm-rc /no-preprocess /fo "${resource}.res" "${resource}"
+      WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
       DEPENDS "${resource}" VERBATIM)
     list(APPEND objects "${resource}.res")
     list(APPEND flags "/version:${OXDIAG_VERSION_IMAGE}")
@@ -77,8 +82,8 @@ function(oxdiag_kernel_module name)
   endif()
   add_custom_command(
     OUTPUT ${outputs}
-    COMMAND ${CMAKE_COMMAND} -E make_directory "${OXDIAG_MODULE_DIR}"
-    COMMAND lld-link ${flags} ${objects} ${imports}
+    COMMAND ${OXDIAG_TOOL} lld-link ${flags} ${objects} ${imports}
+    WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
     DEPENDS ${ARG_LIBRARIES} ${objects} ${imports} ${importTargets}
     COMMAND_EXPAND_LISTS VERBATIM)
   add_custom_target(${name}.module ALL DEPENDS ${outputs})
