@@ -4,6 +4,7 @@ import hashlib
 import json
 import pathlib
 
+import lintGroups
 import workshop
 
 FOLDERS = ["include", "source", "platform", "examples", "tests", "bench", "tools"]
@@ -45,14 +46,12 @@ class Unit:
     """One translation unit as one preset compiles it."""
 
     def __init__(self, file, command, preset, common):
-        self.file, self.preset = file, preset
+        self.file, self.command, self.preset = file, command, preset
         text = pathlib.Path(file).read_bytes() + command.encode()
         self.stamp = CLEAN / hashlib.sha256(common + text).hexdigest()
 
     def complaints(self):
-        """What clang-tidy says of it, nothing if it is clean or was found clean as it stands."""
-        if self.stamp.exists():
-            return ""
+        """What clang-tidy says of it, nothing if it is clean."""
         code, output = workshop.run(["clang-tidy", "--quiet", "-p", workshop.tree(self.preset),
                                      self.file])
         if code == 0:
@@ -70,11 +69,25 @@ def all_units():
     return [Unit(file, command, preset, common) for file, (command, preset) in calls.items()]
 
 
+def not_clean(job):
+    """The members of a group that is not clean as a whole."""
+    number, group = job
+    if not group.is_clean(number):
+        return group.units
+    for unit in group.units:
+        unit.stamp.touch()
+    return []
+
+
 def check_tidy():
+    """What was found clean as it stands is passed over."""
     for preset in PRESETS:
         workshop.configure(preset)
     CLEAN.mkdir(parents=True, exist_ok=True)
     work = all_units()
-    said = [text for text in workshop.in_parallel(Unit.complaints, work) if text]
+    groups, alone = lintGroups.join([unit for unit in work if not unit.stamp.exists()])
+    for left in workshop.in_parallel(not_clean, enumerate(groups)):
+        alone += left
+    said = [text for text in workshop.in_parallel(Unit.complaints, alone) if text]
     failed = ["clang-tidy"] if said or not work else []
     return workshop.Outcome(1 - len(failed), failed, "\n".join(said))
