@@ -13,12 +13,13 @@ import shutil
 
 import workshop
 
-FOLDER = workshop.OUT / "tidy/groups"
-PRESET, FOLDERS = "host-clang", ["tests", "bench"]  # who reads much that is not ours
+FOLDER = workshop.OUT / "tidy/tests"
+# Only the tests: the analyser, which they go without, looks at functions of the main source alone.
+PRESET, TESTS = "host-clang", workshop.TOP / "tests"
 LARGEST = 8
 
 # A name defined at the left margin, as clang-format leaves it: of a class, function or constant.
-NAMES = re.compile(r"^(?!TEST|TYPED_TEST|BENCHMARK|namespace|using [\w:]+;|[\s/#}])"
+NAMES = re.compile(r"^(?!TEST|TYPED_TEST|namespace|using [\w:]+;|[\s/#}])"
                    r"[^\n({=;:]*?(?:::[^\n({=;:]*?)*(\w+)(?:\[\w*\])?(?: final)? ?(?:[({=;]|:(?!:))",
                    re.MULTILINE)
 INCLUDE = re.compile(r'^#include "(.+)"', re.MULTILINE)
@@ -41,10 +42,6 @@ def includes(path, folders):
     return frozenset(found)
 
 
-def folder_of(unit):
-    return pathlib.Path(unit.file).relative_to(workshop.TOP).parts[0]
-
-
 def words_of(unit):
     """The compiler call without the source and the object; the same for all that fit together."""
     words = shlex.split(unit.command)
@@ -53,8 +50,9 @@ def words_of(unit):
 
 
 def may_join(unit):
-    is_meant = unit.preset == PRESET and folder_of(unit) in FOLDERS
-    return is_meant and not SWITCH.search(pathlib.Path(unit.file).read_text())
+    path = pathlib.Path(unit.file)
+    return (unit.preset == PRESET and TESTS in path.parents
+            and not SWITCH.search(path.read_text()))
 
 
 class Group:
@@ -62,7 +60,7 @@ class Group:
 
     def __init__(self, unit):
         self.units, self.own, self.read = [], set(), set()
-        self.preset, self.folder, self.words = unit.preset, folder_of(unit), words_of(unit)
+        self.words = words_of(unit)
 
     def takes(self, unit):
         """Joins the unit if it fits: what it defines, the others neither define nor include."""
@@ -70,9 +68,8 @@ class Group:
         folders = tuple(pathlib.Path(word[2:]) for word in self.words if word.startswith("-I"))
         own = names(path)
         read = frozenset().union(*map(names, includes(path, (path.parent, *folders))))
-        if (len(self.units) == LARGEST or own & (self.own | self.read) or read & self.own
-                or [unit.preset, folder_of(unit)] != [self.preset, self.folder]
-                or words_of(unit) != self.words):
+        if (len(self.units) == LARGEST or words_of(unit) != self.words
+                or own & (self.own | self.read) or read & self.own):
             return False
         self.units.append(unit)
         self.own |= own
@@ -80,18 +77,16 @@ class Group:
         return True
 
     def write(self, number):
-        """The source, below the settings of the folder from which its members come."""
-        folder = FOLDER / self.folder
-        folder.mkdir(parents=True, exist_ok=True)
-        settings = workshop.TOP / self.folder / ".clang-tidy"
-        shutil.copyfile(settings, folder / ".clang-tidy")
-        path = folder / f"group{number}.cpp"
+        """The source, beside the settings of the tests."""
+        FOLDER.mkdir(parents=True, exist_ok=True)
+        shutil.copyfile(TESTS / ".clang-tidy", FOLDER / ".clang-tidy")
+        path = FOLDER / f"group{number}.cpp"
         path.write_text("".join(f'#include "{unit.file}"  // NOLINT\n' for unit in self.units))
         return path
 
     def is_clean(self, number):
         code, _ = workshop.run(["clang-tidy", "--quiet", self.write(number), "--", *self.words],
-                               cwd=workshop.tree(self.preset))
+                               cwd=workshop.tree(PRESET))
         return code == 0
 
 
