@@ -1,7 +1,8 @@
 #pragma once
 
+#include "oxdiagk/tCategoryTable.h"
 #include "oxdiagk/tConfigurable.h"
-#include "stl/map.h"
+#include "oxdiagk/tConfigurationLock.h"
 #include "stl/vector.h"
 
 // The eight switches of a category, in the order of inquire. SWITCH(word, query, Name, atFirst):
@@ -48,12 +49,15 @@ namespace nOXDIAG100 {
 //
 // Categories are never removed while the object lives. Names are compared byte by byte.
 //
-// Thread safety: contracts may be checked, and the accessors called, on any thread while another
-// one sets switches. Nothing is locked: whoever configures, saves or restores serialises with
-// others who do. While a new category is being made, a check at that moment may not find its
-// category and is left out; make categories before the threads that use them.
+// Thread safety: any thread may call anything. configure, inquire, pushConfiguration and
+// popConfiguration wait for each other, one call at a time; what belongs together, such as a push
+// and its pop, or "--category" in one call and its switches in the next, is the caller's to order,
+// for all threads share the one stack and the one current category. The accessors take no lock, so
+// contracts are checked meanwhile: a switch is read and stored as a whole, and a category that is
+// being made is found complete or not yet. The object is destroyed when nobody uses it any more.
 // IRQL: the accessors allocate nothing and work at any IRQL at which the name may be read.
-// configure, pushConfiguration and popConfiguration: PASSIVE_LEVEL.
+// configure, inquire, pushConfiguration and popConfiguration: PASSIVE_LEVEL. The object lies in
+// non-paged memory.
 class OXDIAG_API tAssertConfiguration : public tConfigurable {
  public:
 // clang-format off
@@ -136,15 +140,6 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
  private:
   friend class tAssertOptionReader;  // applies option words
 
-  // By bytes, as strcmp orders texts. Most names differ in the first byte, and a lookup is what a
-  // contract costs.
-  struct tCategoryOrder {
-    bool operator()(char const* left, char const* right) const noexcept {
-      if (*left != *right) return static_cast<u8>(*left) < static_cast<u8>(*right);
-      return __builtin_strcmp(left, right) < 0;
-    }
-  };
-
   struct tSavedConfiguration {
     char const* category;
     char* text;  // owned
@@ -165,9 +160,10 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
   char const* addCategory(char const* category);
   void removeMadeCategories();
 
-  _STL::map<char const*, tConfigElem, tCategoryOrder> categories;
+  tCategoryTable<tConfigElem> categories;
   char const* currentCategory;  // a key of the table, or the built-in "default"
   _STL::vector<tSavedConfiguration> savedConfigurations;
+  tConfigurationLock configurationLock;
 };
 static_assert(sizeof(tAssertConfiguration::tConfigElem) == 8, "a byte for each switch");
 

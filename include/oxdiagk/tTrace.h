@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oxdiagk/tConfigurable.h"
+#include "oxdiagk/tConfigurationLock.h"
 #include "stl/string.h"
 #include "stl/vector.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
@@ -71,10 +72,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   bool isLineShown() const { return isWriting(); }
 
 // clang-format off
-#define OXDIAG_TRACE_SWITCH(Name, name)       \
-  void enable##Name() { name = 1; }           \
-  void disable##Name() { name = 0; }          \
-  u32 name##IsEnabled() const { return name; }
+#define OXDIAG_TRACE_SWITCH(Name, name)             \
+  void enable##Name() { store(name, 1u); }          \
+  void disable##Name() { store(name, 0u); }         \
+  u32 name##IsEnabled() const { return load(name); }
 
   // The switches of the prefix, and its shape. Each line stands for three operations, as in
   // enableTimeStamp(), disableTimeStamp(), timeStampIsEnabled(); a query returns 1 or 0.
@@ -303,6 +304,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   explicit tTrace(iTraceDestination& first);
 
  private:
+  friend class iTraceDestination;   // takes the stream off a destination that goes
   friend class tTraceOptionReader;  // applies option words
   friend class tTracePrefix;        // writes prefixes and keeps the times
   friend class tTraceSwitchTable;   // knows the option word of every switch
@@ -310,13 +312,28 @@ class OXDIAG_API tTrace : public tConfigurable {
   static constexpr u32 kLineBufferSize = 256;
   static constexpr u32 kTraceTypeCount = 3;
 
+  // A word that one thread reads while another stores it. There is no order among such words.
+  template <class T>
+  static T load(T const& word) {
+    return __atomic_load_n(&word, __ATOMIC_RELAXED);
+  }
+  template <class T>
+  static void store(T& word, T value) {
+    __atomic_store_n(&word, value, __ATOMIC_RELAXED);
+  }
+
   bool isWriting() const {
-    return enabled != 0 && lineSuppressed == 0;
+    return load(enabled) != 0 && load(lineSuppressed) == 0;
   }
   void append(char const* text);
   void append(char const* text, u64 length);
   char* appendCharacter(char character, char* position);
   char* flush(char* end);
+  void send(char const* text, u32 length, bool hasNul);
+  void install(iTraceDestination& next);
+  void beginSwitch();
+  void endSwitch();
+  void leave(iTraceDestination& leaving);
   void appendSigned(i64 value, u32 radix);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
   iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
@@ -325,16 +342,17 @@ class OXDIAG_API tTrace : public tConfigurable {
   // mutex. endLine gives back what this thread's beginLine took, whatever the switch is by then.
   void beginLine();
   void endLine();
+  iSync* getMutex() const;
   void openMutex();
   void closeMutex();
 
   // The end of the last line is stored after its mutex is given back, so other threads may read it
   // at that moment.
   u64 getLastLineTime() const {
-    return __atomic_load_n(&lastLineTime, __ATOMIC_RELAXED);
+    return load(lastLineTime);
   }
   void setLastLineTime(u64 time) {
-    __atomic_store_n(&lastLineTime, time, __ATOMIC_RELAXED);
+    store(lastLineTime, time);
   }
 
   iTraceDestination* destination;
@@ -366,7 +384,11 @@ class OXDIAG_API tTrace : public tConfigurable {
   u64 carriedDelta = 0;
   u32 mutexOwner = 0;  // thread whose lines hold the mutex, while mutexDepth is not 0
   u32 mutexDepth = 0;
-  u32 lineHasNul = 0;  // the text in the line buffer contains a NUL
+  u32 lineHasNul = 0;       // the text in the line buffer contains a NUL
+  u32 textsOnTheWay = 0;    // threads that are handing a text to the destination
+  u32 switchingThread = 0;  // the one that switches destinations, 0 while none does
+  u32 switchDepth = 0;      // its switches within each other
+  tConfigurationLock configurationLock;
 };
 
 }  // namespace nOXDIAG100

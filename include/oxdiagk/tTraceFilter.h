@@ -7,6 +7,7 @@
 namespace nOXDIAG100 {
 
 class tTraceFilterTerm;
+struct tTraceFilterLine;
 
 // What decides whether a trace line is shown: an ordered list of terms, each comparing one property
 // of the line with a constant, joined strictly left to right by "&&" and "||".
@@ -27,9 +28,16 @@ class tTraceFilterTerm;
 // Malformed text is never reported: a term with an unknown field is dropped, and a term without one
 // of the operators (such as verbosity=5) repeats the outcome of the term before it.
 //
-// Thread safety: none. Lines may be evaluated on any number of threads at once, but not while the
-// filter is changed. Changing allocates and releases non-paged memory: IRQL <= DISPATCH_LEVEL.
-// Evaluating and writing allocate nothing and take no lock: any IRQL.
+// Thread safety: evaluate() and usesField() may be called on any number of threads while another
+// one changes the filter; a line that is judged at that moment may be judged by a part of the
+// terms. A removed term's memory is released when no evaluation is under way, at a later change or
+// with the filter if need be. Everything else is for one thread at a time: those who change or
+// write a filter order this among themselves. Of the filter of a trace stream, configure, inquire,
+// push and pop of the stream are in that order already; whoever changes it through
+// tTrace::getFilter() must not do so while another thread calls those. A filter is destroyed when
+// nobody evaluates it any more.
+// IRQL: changing allocates and releases non-paged memory: <= DISPATCH_LEVEL. Evaluating and writing
+// allocate nothing and take no lock: any IRQL.
 class OXDIAG_API tTraceFilter {
  public:
   VEX_MODULE_MEMORY
@@ -98,7 +106,8 @@ class OXDIAG_API tTraceFilter {
 
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {
-    return field >= 0 && field < kFieldCount && ((usedFields >> field) & 1) != 0;
+    u32 const fields = __atomic_load_n(&usedFields, __ATOMIC_RELAXED);
+    return field >= 0 && field < kFieldCount && ((fields >> field) & 1) != 0;
   }
 
   // Writes the filter as option text, with the blank before it:
@@ -121,12 +130,19 @@ class OXDIAG_API tTraceFilter {
   bool isEmpty() const { return first == nullptr; }
 
  private:
+  bool evaluateTerms(tTraceFilterLine const& line) const;
   void append(tTraceFilterTerm* term);
   void remove(tTraceFilterTerm* term);
+  void setUsedFields(u32 fields);
+  void publishShortForm();
+  void releaseRemoved();
 
   tTraceFilterTerm* first = nullptr;
   tTraceFilterTerm* last = nullptr;
-  u32 usedFields = 0;  // a bit for each field that a term looks at
+  tTraceFilterTerm* removed = nullptr;  // out of the list, perhaps still looked at
+  u64 shortForm = 0;                    // what needs no list, see tTraceFilterShortForm
+  mutable u32 evaluations = 0;          // that walk the list at this moment
+  u32 usedFields = 0;                   // a bit for each field that a term looks at
   bool failed = false;
 };
 

@@ -2,7 +2,6 @@
 
 #include "assert/assertSwitches.h"
 #include "assert/tAssertOptionReader.h"
-#include "config/optionWord.h"
 #include "config/savedSettings.h"
 #include "config/tInquiryText.h"
 #include "vexk/memory.h"
@@ -64,7 +63,7 @@ void tAssertConfiguration::destroyInstance() {
 
 tAssertConfiguration::tAssertConfiguration() : currentCategory(kDefaultCategory) {
   for (tBuiltInCategory const& category : kBuiltInCategories) {
-    categories.insert(category.name, category.switches);
+    categories.add(category.name, category.switches);
   }
 }
 
@@ -79,17 +78,18 @@ tAssertConfiguration::~tAssertConfiguration() {
 
 bool tAssertConfiguration::isOn(char const* category, bool tConfigElem::*value) const {
   if (category == nullptr) return false;
-  tConfigElem const* const switches = categories.find(category);
-  return switches != nullptr && load(switches->*value);
+  auto const* const found = categories.find(category);
+  return found != nullptr && load(found->value.*value);
 }
 
 void tAssertConfiguration::set(char const* category, bool tConfigElem::*value, bool isOn) {
   if (category == nullptr) return;
-  tConfigElem* const switches = categories.find(category);
-  if (switches != nullptr) store(switches->*value, isOn);
+  auto* const found = categories.find(category);
+  if (found != nullptr) store(found->value.*value, isOn);
 }
 
 void tAssertConfiguration::configure(int argc, char** argv) {
+  tConfigurationGuard const guard(configurationLock);
   tAssertOptionReader(*this).read(argc, argv);
 }
 
@@ -97,23 +97,26 @@ void tAssertConfiguration::configure() {
 }
 
 void tAssertConfiguration::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  tConfigurationGuard const guard(configurationLock);
   tInquiryText text(buffer, size);
-  for (auto const& category : categories) {
-    text.append(" --category ").append(category.key);
+  for (auto const* known = categories.first(); known != nullptr; known = known->nextByName) {
+    text.append(" --category ").append(known->name);
     for (tAssertSwitch const& entry : kAssertSwitches) {
-      text.append(" ").append(entry.option).appendOnOff(load(category.value.*entry.value));
+      text.append(" ").append(entry.option).appendOnOff(load(known->value.*entry.value));
     }
   }
   text.finish(needed);
 }
 
 void tAssertConfiguration::pushConfiguration() {
+  tConfigurationGuard const guard(configurationLock);
   if (!makeRoom(savedConfigurations)) return;
   char* const text = copySettings(*this, kMemLongLived);
   if (text != nullptr) savedConfigurations.push_back({currentCategory, text});
 }
 
 void tAssertConfiguration::popConfiguration() {
+  tConfigurationGuard const guard(configurationLock);
   if (savedConfigurations.empty()) return;
   tSavedConfiguration const saved = savedConfigurations.back();
   savedConfigurations.pop_back();
@@ -122,27 +125,26 @@ void tAssertConfiguration::popConfiguration() {
 
 // The key that equals `category`, or null.
 char const* tAssertConfiguration::findName(char const* category) const {
-  for (auto const& known : categories) {
-    if (isEqual(known.key, category)) return known.key;
-  }
-  return nullptr;
+  auto const* const found = categories.find(category);
+  return found == nullptr ? nullptr : found->name;
 }
 
 // The key of the new category; null when memory is exhausted.
 char const* tAssertConfiguration::addCategory(char const* category) {
   char* const name = copyName(category);
   if (name == nullptr) return nullptr;
-  if (categories.insert(name, tConfigElem())) return name;
+  if (categories.add(name, tConfigElem()) != nullptr) return name;
   _memDelete(name);
   return nullptr;
 }
 
 void tAssertConfiguration::removeMadeCategories() {
-  for (auto next = categories.begin(); next != categories.end();) {
-    char const* const name = next->key;
-    ++next;
+  for (auto* next = categories.first(); next != nullptr;) {
+    auto* const category = next;
+    next = category->nextByName;
+    char const* const name = category->name;
     if (isBuiltIn(name)) continue;
-    categories.erase(name);
+    categories.take(*category);
     _memDelete(const_cast<char*>(name));
   }
   currentCategory = kDefaultCategory;

@@ -46,8 +46,8 @@ void tAssertOptionReader::readOption(char const* word) {
   isCategoryPending = isEqual(word, "--category");
   for (tAssertSwitch const& entry : kAssertSwitches) {
     if (!isEqual(word, entry.option)) continue;
-    auto* const switches = configuration.categories.find(configuration.currentCategory);
-    if (switches != nullptr) pendingSwitch = &(switches->*entry.value);
+    auto* const category = configuration.categories.find(configuration.currentCategory);
+    if (category != nullptr) pendingSwitch = &(category->value.*entry.value);
   }
 }
 

@@ -17,15 +17,23 @@ bool makeRoom(_STL::vector<T>& stack) {
 }
 
 // The whole inquired text of whatever has an inquire, in a block with these allocation flags; null
-// when memory is exhausted, or when the object tells no size.
+// when memory is exhausted, or when the object tells no size. A switch that another thread sets
+// meanwhile may make the text longer than it was when it was measured; then it is taken anew, for
+// the words at its end must not be cut.
 template <class T>
 char* copySettings(T& object, tMemAllocationFlags flags) {
-  unsigned int needed = 0;
-  object.inquire(nullptr, 0, &needed);
-  i32 status = needed == 0 ? kStatusOutOfMemory : 0;
-  char* const text = static_cast<char*>(_memNewUsingCRT(needed, flags, status));
-  if (text != nullptr) object.inquire(text, needed, nullptr);
-  return text;
+  constexpr int kMostAttempts = 100;
+  for (int attempt = 1;; ++attempt) {
+    unsigned int needed = 0;
+    object.inquire(nullptr, 0, &needed);
+    i32 status = needed == 0 ? kStatusOutOfMemory : 0;
+    char* const text = static_cast<char*>(_memNewUsingCRT(needed, flags, status));
+    if (text == nullptr) return nullptr;
+    unsigned int written = 0;
+    object.inquire(text, needed, &written);
+    if (written <= needed || attempt == kMostAttempts) return text;
+    _memDelete(text);
+  }
 }
 
 // Configures `object` with a text of copySettings and frees the text. False, and nothing is

@@ -36,7 +36,7 @@ void configureWithText(u32 handle, tTunnelRecord const& record) {
 // Filled with zeros, because an object's word on what it has written is not enough to let bytes of
 // the kernel's memory out.
 char* newTextBuffer(u32 size) {
-  i32 status = 0;
+  i32 status = size > kTunnelMostBytes ? kStatusOutOfMemory : 0;
   void* const buffer = _memNewUsingCRT(size, kMemLongLived, status);
   if (buffer != nullptr) __builtin_memset(buffer, 0, size);
   return static_cast<char*>(buffer);
@@ -94,7 +94,8 @@ void tConfigTunnel::dispatch(u64 request) {
   tTunnelHeader header;
   if (!copyIn(header, request)) return;
   u64 at = request + sizeof(header);
-  for (u32 index = 0; index < header.count; ++index, at += sizeof(tTunnelRecord)) {
+  u32 const count = header.count < kTunnelMostRecords ? header.count : kTunnelMostRecords;
+  for (u32 index = 0; index < count; ++index, at += sizeof(tTunnelRecord)) {
     tTunnelRecord record;
     if (!copyIn(record, at)) return;
     serve(header.handle, record);

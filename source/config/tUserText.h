@@ -16,7 +16,7 @@ class tUserText {
   tUserText(tUserText const&) = delete;
   tUserText& operator=(tUserText const&) = delete;
 
-  // Null when memory was exhausted.
+  // Null when memory was exhausted, or the text longer than kTunnelMostBytes.
   char* getText() const { return text; }
 
  private:

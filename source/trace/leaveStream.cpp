@@ -6,13 +6,20 @@
 namespace nOXDIAG100 {
 
 void iTraceDestination::leaveStream() {
-  tTrace& trace = tTrace::getInstance();
-  if (trace.getDestination() != this) return;
+  tTrace::getInstance().leave(*this);
+}
+
+// Under the lock, so that no switch under way still has the destination in its hands. A stream that
+// is not there has no lock, and no destination either.
+void tTrace::leave(iTraceDestination& leaving) {
+  if (getDestination() == nullptr) return;
+  tConfigurationGuard const guard(configurationLock);
+  if (getDestination() != &leaving) return;
   // As words, because splitting a text takes memory, and there may be none.
   char option[] = "--destination";
   char name[] = "vex";
   char* words[] = {option, name};
-  trace.configure(2, words);
+  configure(2, words);
 }
 
 }  // namespace nOXDIAG100

@@ -4,6 +4,7 @@
 #include "config/tInquiryText.h"
 #include "ntos/file.h"
 #include "ntos/irql.h"
+#include "trace/findOrMake.h"
 #include "trace/tTraceFileBlock.h"
 #include "trace/traceFileOpen.h"
 
@@ -51,8 +52,7 @@ NTSTATUS write(HANDLE file, char const* bytes, u32 length) {
 }  // namespace
 
 tFileTraceDestination* tFileTraceDestination::getInstance() {
-  if (instance == nullptr) instance = new tFileTraceDestination;
-  return instance;
+  return findOrMake(instance);
 }
 
 void tFileTraceDestination::destroyInstance() {

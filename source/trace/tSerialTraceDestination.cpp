@@ -1,6 +1,7 @@
 #include "oxdiagk/tSerialTraceDestination.h"
 
 #include "config/tInquiryText.h"
+#include "trace/findOrMake.h"
 #include "trace/serialRates.h"
 #include "trace/tPollLimit.h"
 #include "vexk/iBus.h"
@@ -29,8 +30,7 @@ constinit tSerialTraceDestination* instance = nullptr;
 }  // namespace
 
 tSerialTraceDestination* tSerialTraceDestination::getInstance() {
-  if (instance == nullptr) instance = new tSerialTraceDestination;
-  return instance;
+  return findOrMake(instance);
 }
 
 void tSerialTraceDestination::destroyInstance() {

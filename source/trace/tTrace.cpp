@@ -42,19 +42,19 @@ tTrace::~tTrace() {
 }
 
 void tTrace::setMinPrefixWidth(u32 width) {
-  minPrefixWidth = width;
+  store(minPrefixWidth, width);
 }
 
 u32 tTrace::getMinPrefixWidth() const {
-  return minPrefixWidth;
+  return load(minPrefixWidth);
 }
 
 i32 tTrace::getNestingLevel() const {
-  return nestingLevel;
+  return load(nestingLevel);
 }
 
 iTraceDestination* tTrace::getDestination() {
-  return destination;
+  return __atomic_load_n(&destination, __ATOMIC_ACQUIRE);
 }
 
 tTraceFilter* tTrace::getFilter() {
@@ -62,20 +62,20 @@ tTraceFilter* tTrace::getFilter() {
 }
 
 void tTrace::enable() {
-  enabled = 1;
+  store(enabled, 1u);
 }
 
 void tTrace::disable() {
-  enabled = 0;
+  store(enabled, 0u);
 }
 
 u32 tTrace::isEnabled() const {
-  return enabled;
+  return load(enabled);
 }
 
 tTrace& tTrace::endl() {
   append("\n");
-  lineSuppressed = 0;
+  store(lineSuppressed, 0u);
   endLine();
   setLastLineTime(readTimeStampCounter());
   return *this;

@@ -1,8 +1,11 @@
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
+#include "trace/mixedText.h"
+#include "vexk/threadUtility.h"
 
 // Threads that do not lock their lines may append at once. Their text then mixes, but each works on
-// a copy of the write position that it has checked itself, so nobody writes beyond the buffer.
+// a copy of the write position that it has checked itself, so nobody writes beyond the buffer. What
+// goes to the destination is a copy, which nobody changes while the destination reads it.
 
 namespace nOXDIAG100 {
 namespace {
@@ -36,7 +39,7 @@ constexpr bool isPlain(u32 word) {
 // Copies one word of plain characters if that leaves a character of the room; returns its length,
 // or 0 when the next character must be looked at.
 template <class tWord>
-u64 copyWord(char const* text, u64 left, char* position, u64 room) {
+OXDIAG_MIXES_TEXT u64 copyWord(char const* text, u64 left, char* position, u64 room) {
   bool const fits = left >= sizeof(tWord) && room > sizeof(tWord);
   if (!fits || !isPlain(loadWord<tWord>(text))) return 0;
   __builtin_memcpy(position, text, sizeof(tWord));
@@ -51,19 +54,32 @@ u64 copyPlain(char const* text, u64 left, char* position, u64 room) {
 }  // namespace
 
 char* tTrace::flush(char* end) {
-  *end = 0;
-  // Only the counted form carries what stands behind a NUL.
-  if (lineHasNul == 0) {
-    destination->put(lineBuffer);
-  } else {
-    destination->put(lineBuffer, static_cast<unsigned int>(end - lineBuffer));
-    lineHasNul = 0;
-  }
+  u32 const length = static_cast<u32>(end - lineBuffer);
+  char text[kLineBufferSize];
+  copyMixedText(text, lineBuffer, length);
+  text[length] = 0;
+  bool const hasNul = load(lineHasNul) != 0;
+  if (hasNul) store(lineHasNul, 0u);
+  send(text, length, hasNul);
   return lineBuffer;
 }
 
-char* tTrace::appendCharacter(char character, char* position) {
-  if (character == 0) lineHasNul = 1;
+// Counts itself before it looks at the destination, so a thread that switches destinations either
+// is seen here or sees the text on its way. What other threads write meanwhile is lost, as is what
+// they would write to a closed destination.
+void tTrace::send(char const* text, u32 length, bool hasNul) {
+  __atomic_fetch_add(&textsOnTheWay, 1, __ATOMIC_SEQ_CST);
+  u32 const switcher = __atomic_load_n(&switchingThread, __ATOMIC_SEQ_CST);
+  if (switcher == 0 || switcher == tThreadUtility::getCurrentThreadId()) {
+    iTraceDestination* const current = getDestination();
+    // Only the counted form carries what stands behind a NUL.
+    hasNul ? current->put(text, length) : current->put(text);
+  }
+  __atomic_fetch_sub(&textsOnTheWay, 1, __ATOMIC_RELEASE);
+}
+
+OXDIAG_MIXES_TEXT char* tTrace::appendCharacter(char character, char* position) {
+  if (character == 0) store(lineHasNul, 1u);
   *position++ = character;
   bool const isFull = position == lineBuffer + kLineBufferSize - 1;
   return character == '\n' || isFull ? flush(position) : position;
@@ -77,7 +93,7 @@ void tTrace::append(char const* text, u64 length) {
   if (!isWriting() || text == nullptr) return;
   char const* const end = text + length;
   char const* const full = lineBuffer + kLineBufferSize - 1;
-  char* position = __atomic_load_n(&writePosition, __ATOMIC_RELAXED);
+  char* position = load(writePosition);
   while (text != end) {
     u64 const left = static_cast<u64>(end - text);
     u64 const copied = copyPlain(text, left, position, static_cast<u64>(full - position));
@@ -88,7 +104,7 @@ void tTrace::append(char const* text, u64 length) {
       text += copied;
     }
   }
-  __atomic_store_n(&writePosition, position, __ATOMIC_RELAXED);
+  store(writePosition, position);
 }
 
 }  // namespace nOXDIAG100

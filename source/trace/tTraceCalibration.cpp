@@ -21,18 +21,19 @@ constexpr tSSVersion kVersion;
 }  // namespace
 
 void tTrace::calibrate() {
+  tConfigurationGuard const guard(configurationLock);
   i32 status = 0;
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
   if (lock == nullptr) return;
   if (lock->acquire(kSyncWaitForever) >= 0) {
-    u32 const wasEnabled = enabled;
-    enabled = 0;
+    u32 const wasEnabled = load(enabled);
+    store(enabled, 0u);
     tTraceCalibration calibration(*this);
     calibration.run();
-    calibrationOffsets[0] = calibration.getBlockEntryCost();
-    calibrationOffsets[1] = calibration.getBlockExitCost();
-    calibrationOffsets[2] = calibration.getLineCost();
-    enabled = wasEnabled;
+    store(calibrationOffsets[0], calibration.getBlockEntryCost());
+    store(calibrationOffsets[1], calibration.getBlockExitCost());
+    store(calibrationOffsets[2], calibration.getLineCost());
+    store(enabled, wasEnabled);
     lock->release();
   }
   syncClose(lock);

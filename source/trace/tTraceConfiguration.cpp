@@ -12,37 +12,41 @@ void tTrace::configure() {
 }
 
 void tTrace::configure(int argc, char** argv) {
+  tConfigurationGuard const guard(configurationLock);
   tTraceOptionReader(*this, argc, argv).read();
 }
 
 void tTrace::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  tConfigurationGuard const guard(configurationLock);
   tInquiryText text(buffer, size);
-  text.append(enabled != 0 ? "--on" : "--off");
+  text.append(load(enabled) != 0 ? "--on" : "--off");
   unsigned int pieceNeeded = 0;
   destination->inquire(text.getPosition(), text.getRoom(), &pieceNeeded);
   text.skip(pieceNeeded);
   for (u32 index = 0; index < tTraceSwitchTable::kMutex; ++index) {
     tTraceSwitchTable::tSwitch const& entry = tTraceSwitchTable::entries[index];
-    text.append(" ").append(entry.option).appendOnOff(this->*entry.value != 0);
+    text.append(" ").append(entry.option).appendOnOff(load(this->*entry.value) != 0);
   }
-  text.append(" --prefixwidth ").appendNumber(minPrefixWidth);
+  text.append(" --prefixwidth ").appendNumber(load(minPrefixWidth));
   if (filter != nullptr) {
     unsigned int filterNeeded = 0;
     filter->write(text.getPosition(), text.getRoom(), &filterNeeded);
     text.skip(filterNeeded);
   }
-  text.append(" --mutex").appendOnOff(mutex != 0).append(" --calibrate");
-  for (u64 const offset : calibrationOffsets) text.append(" ").appendNumber(offset);
+  text.append(" --mutex").appendOnOff(load(mutex) != 0).append(" --calibrate");
+  for (u64 const& offset : calibrationOffsets) text.append(" ").appendNumber(load(offset));
   text.finish(needed);
 }
 
 void tTrace::pushConfiguration() {
+  tConfigurationGuard const guard(configurationLock);
   if (!makeRoom(savedConfigurations)) return;
   char* const text = copySettings(*this, kMemLongLived);
   if (text != nullptr) savedConfigurations.push_back(text);
 }
 
 void tTrace::popConfiguration() {
+  tConfigurationGuard const guard(configurationLock);
   if (savedConfigurations.empty()) return;
   char* const text = savedConfigurations.back();
   savedConfigurations.pop_back();

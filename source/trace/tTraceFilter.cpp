@@ -1,6 +1,7 @@
 #include "oxdiagk/tTraceFilter.h"
 
 #include "trace/tTraceFilterParser.h"
+#include "trace/tTraceFilterShortForm.h"
 #include "trace/tTraceFilterTerm.h"
 #include "trace/tTraceFilterWriter.h"
 
@@ -21,12 +22,13 @@ bool combine(bool result, u32 connector, bool outcome) {
 
 }  // namespace
 
-tTraceFilter::tTraceFilter() {
+tTraceFilter::tTraceFilter() : shortForm(tTraceFilterShortForm::kEmpty) {
   addTerm(kDefaultTerm, kFirst, kVerbosity);
 }
 
 tTraceFilter::~tTraceFilter() {
   removeAll();
+  releaseRemoved();
 }
 
 tTraceFilter* tTraceFilter::create() {
@@ -53,11 +55,15 @@ void tTraceFilter::addTerm(char const* operatorAndValue, size_t length, u32 conn
     return;
   }
   append(term);
+  publishShortForm();
+  releaseRemoved();
 }
 
 void tTraceFilter::removeAll() {
   while (first != nullptr) remove(first);
-  usedFields = 0;
+  setUsedFields(0);
+  publishShortForm();
+  releaseRemoved();
 }
 
 void tTraceFilter::removeField(i32 field) {
@@ -67,20 +73,31 @@ void tTraceFilter::removeField(i32 field) {
     if (term->getField() == field) remove(term);
     term = next;
   }
-  usedFields &= ~(1u << field);
-  if (first != nullptr) first->connector = kFirst;
+  setUsedFields(usedFields & ~(1u << field));
+  if (first != nullptr) first->setConnector(kFirst);
+  publishShortForm();
+  releaseRemoved();
 }
 
 bool tTraceFilter::evaluate(char const* component, char const* versionText, u32 line,
                             char const* file, u32 threadId, u32 verbosity) const {
   tTraceFilterLine const facts{
       orEmpty(component), orEmpty(versionText), orEmpty(file), line, threadId, verbosity};
+  tTraceFilterShortForm const form(__atomic_load_n(&shortForm, __ATOMIC_RELAXED));
+  return form.isWhole() ? form.evaluate(facts) : evaluateTerms(facts);
+}
+
+// Counts itself before it looks at the list: a term that it can come upon is not released.
+bool tTraceFilter::evaluateTerms(tTraceFilterLine const& line) const {
+  __atomic_fetch_add(&evaluations, 1, __ATOMIC_SEQ_CST);
   bool result = true;
   bool outcome = false;
-  for (tTraceFilterTerm const* term = first; term != nullptr; term = term->next) {
-    outcome = term->evaluate(facts, outcome);
-    result = combine(result, term->connector, outcome);
+  tTraceFilterTerm const* term = tTraceFilterTerm::follow(first);
+  for (; term != nullptr; term = tTraceFilterTerm::follow(term->next)) {
+    outcome = term->evaluate(line, outcome);
+    result = combine(result, term->getConnector(), outcome);
   }
+  __atomic_fetch_sub(&evaluations, 1, __ATOMIC_SEQ_CST);
   return result;
 }
 
@@ -90,15 +107,36 @@ char* tTraceFilter::write(char* buffer, unsigned int size, unsigned int* needed)
 
 void tTraceFilter::append(tTraceFilterTerm* term) {
   term->previous = last;
-  (last == nullptr ? first : last->next) = term;
+  setUsedFields(usedFields | 1u << term->getField());
+  tTraceFilterTerm::lead(last == nullptr ? first : last->next, term);
   last = term;
-  usedFields |= 1u << term->getField();
 }
 
+// A line that stands at the term finds its way on: the term keeps its link to the next.
 void tTraceFilter::remove(tTraceFilterTerm* term) {
-  (term->previous == nullptr ? first : term->previous->next) = term->next;
+  tTraceFilterTerm::lead(term->previous == nullptr ? first : term->previous->next, term->next);
   (term->next == nullptr ? last : term->next->previous) = term->previous;
-  tTraceFilterTerm::destroy(term);
+  term->previous = removed;
+  removed = term;
+}
+
+void tTraceFilter::setUsedFields(u32 fields) {
+  __atomic_store_n(&usedFields, fields, __ATOMIC_RELAXED);
+}
+
+void tTraceFilter::publishShortForm() {
+  tTraceFilterShortForm const form(first, first != nullptr && first == last);
+  __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELAXED);
+}
+
+// Whoever begins to evaluate from here on does not come upon a removed term.
+void tTraceFilter::releaseRemoved() {
+  if (__atomic_load_n(&evaluations, __ATOMIC_SEQ_CST) != 0) return;
+  while (removed != nullptr) {
+    tTraceFilterTerm* const term = removed;
+    removed = term->previous;
+    tTraceFilterTerm::destroy(term);
+  }
 }
 
 }  // namespace nOXDIAG100

@@ -43,6 +43,10 @@ i32 compareTexts(char const* left, char const* right) {
   return compareNumbers(static_cast<u8>(*left), static_cast<u8>(*right));
 }
 
+bool isSatisfyingOrder(i32 operation, i32 order) {
+  return ((kSatisfyingOrders[operation] >> (order + 1)) & 1) != 0;
+}
+
 bool isKeptAsNumber(i32 field) {
   return field == tTraceFilter::kLineNumber || field == tTraceFilter::kVerbosity;
 }
@@ -79,7 +83,11 @@ void tTraceFilterTerm::destroy(tTraceFilterTerm* term) {
 
 bool tTraceFilterTerm::evaluate(tTraceFilterLine const& line, bool outcomeBefore) const {
   if (operation == kNoOperator) return outcomeBefore;
-  return ((kSatisfyingOrders[operation] >> (compare(line) + 1)) & 1) != 0;
+  return isSatisfyingOrder(operation, compare(line));
+}
+
+bool tTraceFilterTerm::isSatisfied(i32 operation, u32 left, u32 right) {
+  return isSatisfyingOrder(operation, compareNumbers(left, right));
 }
 
 tTraceFilterTerm::tTraceFilterTerm(tMemBlockReferenceBase&& itsBlock, u32 connector, i32 field)

@@ -34,12 +34,23 @@ class tTraceFilterTerm {
   tTraceFilterTerm(tTraceFilterTerm const&) = delete;
   tTraceFilterTerm& operator=(tTraceFilterTerm const&) = delete;
 
+  // A link that lines follow while the filter is changed, and how it is changed.
+  static tTraceFilterTerm const* follow(tTraceFilterTerm* const& link) {
+    return __atomic_load_n(&link, __ATOMIC_SEQ_CST);
+  }
+  static void lead(tTraceFilterTerm*& link, tTraceFilterTerm* to) {
+    __atomic_store_n(&link, to, __ATOMIC_SEQ_CST);
+  }
+
   // The outcome for `line`; `outcomeBefore` is that of the term before, which a term without
   // operator repeats.
   bool evaluate(tTraceFilterLine const& line, bool outcomeBefore) const;
 
   i32 getField() const { return field; }
   i32 getOperator() const { return operation; }
+
+  // Whether a number satisfies the operation, which is not kNoOperator, with the constant `right`.
+  static bool isSatisfied(i32 operation, u32 left, u32 right);
 
   // The constant of line number, verbosity and thread id.
   u32 getNumber() const { return number; }
@@ -49,7 +60,9 @@ class tTraceFilterTerm {
 
   tTraceFilterTerm* next = nullptr;
   tTraceFilterTerm* previous = nullptr;
-  u32 connector;
+
+  u32 getConnector() const { return __atomic_load_n(&connector, __ATOMIC_RELAXED); }
+  void setConnector(u32 value) { __atomic_store_n(&connector, value, __ATOMIC_RELAXED); }
 
  private:
   tTraceFilterTerm(tMemBlockReferenceBase&& itsBlock, u32 connector, i32 field);
@@ -58,6 +71,7 @@ class tTraceFilterTerm {
   void setValue(char const* value, size_t length);
   i32 compare(tTraceFilterLine const& line) const;
 
+  u32 connector;
   i32 field;
   i32 operation = kNoOperator;
   u32 number = 0;

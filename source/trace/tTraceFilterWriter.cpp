@@ -18,7 +18,7 @@ char* tTraceFilterWriter::write(tTraceFilterTerm const* first, unsigned int* nee
 }
 
 void tTraceFilterWriter::appendTerm(tTraceFilterTerm const& term) {
-  text.append(kConnectors[term.connector]).append(kTraceFilterFields[term.getField()]);
+  text.append(kConnectors[term.getConnector()]).append(kTraceFilterFields[term.getField()]);
   if (term.getOperator() != tTraceFilterTerm::kNoOperator) {
     text.append(kTraceFilterOperators[term.getOperator()]);
   }

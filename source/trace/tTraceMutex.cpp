@@ -13,7 +13,8 @@ void tTrace::openMutex() {
     descriptor.token[1] = mutexKernelToken[1];
   }
   i32 status = 0;
-  mutexObject = syncOpen("nOXDIAG100::tTrace::_mutex", descriptor, status);
+  iSync* const opened = syncOpen("nOXDIAG100::tTrace::_mutex", descriptor, status);
+  __atomic_store_n(&mutexObject, opened, __ATOMIC_RELEASE);
 }
 
 void tTrace::closeMutex() {
@@ -22,33 +23,42 @@ void tTrace::closeMutex() {
 }
 
 void tTrace::enableMutex() {
+  tConfigurationGuard const guard(configurationLock);
   openMutex();
   tSyncLock const lock(mutexObject);
-  mutex = 1;
+  store(mutex, 1u);
 }
 
 void tTrace::disableMutex() {
+  tConfigurationGuard const guard(configurationLock);
   tSyncLock const lock(mutexObject);
-  mutex = 0;
+  store(mutex, 0u);
 }
 
 u32 tTrace::mutexIsEnabled() const {
-  return mutex;
+  return load(mutex);
+}
+
+// Once opened, the lock stays, so whoever has seen it may use it.
+iSync* tTrace::getMutex() const {
+  return __atomic_load_n(&mutexObject, __ATOMIC_ACQUIRE);
 }
 
 void tTrace::beginLine() {
-  if (mutex == 0 || mutexObject == nullptr) return;
-  if (mutexObject->acquire(kSyncWaitForever) < 0) return;
+  if (load(mutex) == 0) return;
+  iSync* const lock = getMutex();
+  if (lock == nullptr || lock->acquire(kSyncWaitForever) < 0) return;
   __atomic_store_n(&mutexOwner, tThreadUtility::getCurrentThreadId(), __ATOMIC_RELAXED);
   __atomic_store_n(&mutexDepth, mutexDepth + 1, __ATOMIC_RELEASE);
 }
 
 void tTrace::endLine() {
-  if (mutexObject == nullptr || __atomic_load_n(&mutexDepth, __ATOMIC_ACQUIRE) == 0) return;
+  iSync* const lock = getMutex();
+  if (lock == nullptr || __atomic_load_n(&mutexDepth, __ATOMIC_ACQUIRE) == 0) return;
   u32 const owner = __atomic_load_n(&mutexOwner, __ATOMIC_RELAXED);
   if (owner != tThreadUtility::getCurrentThreadId()) return;
   __atomic_store_n(&mutexDepth, mutexDepth - 1, __ATOMIC_RELAXED);
-  mutexObject->release();
+  lock->release();
 }
 
 }  // namespace nOXDIAG100

@@ -44,7 +44,7 @@ tTrace& tTrace::putPrefix(char const* component, tSSVersion version, unsigned in
                           char const* file, unsigned int verbosity, tTraceType type) {
   u64 const startTime = readTimeStampCounter();
   beginLine();
-  lineStartTime = startTime;
+  store(lineStartTime, startTime);
   tTracePrefix::tOrigin const origin{orEmpty(component), version,   line,
                                      orEmpty(file),      verbosity, type};
   tTracePrefix(*this, origin, startTime).open();
@@ -58,32 +58,37 @@ tTrace& tTrace::putPrefix(char* component, tSSVersion version, unsigned int line
 }
 
 tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime)
+    : tTracePrefix(trace, origin, startTime, trace.getMinPrefixWidth(),
+                   trace.truncationIsEnabled() != 0) {
+}
+
+tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, u32 width,
+                           bool isTruncated)
     : trace(trace),
       origin(origin),
       startTime(startTime),
-      padTarget(getPadTarget(trace.minPrefixWidth)),
-      fieldLimit(trace.truncation != 0 ? padTarget : kUnlimited) {
+      padTarget(getPadTarget(width)),
+      fieldLimit(isTruncated ? padTarget : kUnlimited),
+      isWithoutEnd(isTruncated && width == 0) {
 }
 
 void tTracePrefix::open() {
-  trace.lineSuppressed = isPassed() ? 0 : 1;
+  tTrace::store(trace.lineSuppressed, isPassed() ? 0u : 1u);
   bool const isShown = trace.isWriting();
   u64 const timeDelta = takeTimeDelta(isShown);
   if (isShown) write(timeDelta);
   if (origin.type == tTrace::kBlockExit) leaveBlock();
-  if (isShown && trace.indenting != 0 && trace.nestingLevel > 0) {
-    putRun(kBlanks, kBlanksPerLevel * static_cast<u64>(trace.nestingLevel));
-  }
+  if (isShown && trace.indentingIsEnabled() != 0) indent();
   if (origin.type == tTrace::kBlockEntry) enterBlock();
 }
 
 u32 tTracePrefix::getEnabledFields(tTrace const& trace) {
-  u32 const switches[kFieldCount] = {trace.componentName, trace.componentVersion, trace.lineNumber,
-                                     trace.fileName,      trace.threadId,         trace.timeStamp,
-                                     trace.timeDelta,     trace.verbosity};
+  u32 const* const switches[kFieldCount] = {
+      &trace.componentName, &trace.componentVersion, &trace.lineNumber, &trace.fileName,
+      &trace.threadId,      &trace.timeStamp,        &trace.timeDelta,  &trace.verbosity};
   u32 fields = 0;
   for (u32 field = 0; field < kFieldCount; ++field) {
-    if (switches[field] != 0) fields |= 1u << field;
+    if (tTrace::load(*switches[field]) != 0) fields |= 1u << field;
   }
   return fields;
 }
@@ -101,10 +106,11 @@ bool tTracePrefix::isPassed() const {
 }
 
 u64 tTracePrefix::takeTimeDelta(bool isShown) {
-  if (trace.timeDelta == 0) return 0;
-  u64 const offset = trace.calibrationOffsets[getOffsetIndex(origin.type)];
-  u64 const delta = startTime - (offset + trace.getLastLineTime()) + trace.carriedDelta;
-  trace.carriedDelta = isShown ? 0 : delta;
+  if (trace.timeDeltaIsEnabled() == 0) return 0;
+  u64 const offset = tTrace::load(trace.calibrationOffsets[getOffsetIndex(origin.type)]);
+  u64 const carried = tTrace::load(trace.carriedDelta);
+  u64 const delta = startTime - (offset + trace.getLastLineTime()) + carried;
+  tTrace::store(trace.carriedDelta, isShown ? u64{0} : delta);
   return delta;
 }
 
@@ -118,7 +124,7 @@ void tTracePrefix::write(u64 timeDelta) {
     separator = "--";
   }
   if (count < padTarget) putRun(fields != 0 ? kDashes : kBlanks, padTarget - count);
-  if (trace.truncation != 0 && trace.minPrefixWidth == 0) return;
+  if (isWithoutEnd) return;
   trace.append(fields != 0 ? "] " : "  ");
 }
 
@@ -132,7 +138,7 @@ void tTracePrefix::putField(u32 field, u64 timeDelta) {
     case kLineNumber:
       return putNumber(origin.line, kDecimal);
     case kFileName:
-      return put(trace.filePath != 0 ? origin.file : getLastPart(origin.file));
+      return put(trace.filePathIsEnabled() != 0 ? origin.file : getLastPart(origin.file));
     case kThreadId:
       put("0x");
       return putNumber(tThreadUtility::getCurrentThreadId(), kHexadecimal);
@@ -163,6 +169,11 @@ void tTracePrefix::putNumber(u64 number, u32 radix) {
 void tTracePrefix::putRun(char const* run, u64 length) {
   for (; length > kRunLength; length -= kRunLength) trace.append(run, kRunLength);
   trace.append(run, length);
+}
+
+void tTracePrefix::indent() {
+  i32 const level = trace.getNestingLevel();
+  if (level > 0) putRun(kBlanks, kBlanksPerLevel * static_cast<u64>(level));
 }
 
 // All threads share the level without a lock; an update must at least not be lost, for a lost one

@@ -40,6 +40,9 @@ class tTracePrefix {
   static u32 getEnabledFields(tTrace const& trace);
 
  private:
+  // With the width and the truncation read once, as others may change them meanwhile.
+  tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, u32 width, bool isTruncated);
+
   bool isPassed() const;
   u64 takeTimeDelta(bool isShown);
   void write(u64 timeDelta);
@@ -47,6 +50,7 @@ class tTracePrefix {
   void put(char const* text);
   void putNumber(u64 number, u32 radix);
   void putRun(char const* run, u64 length);
+  void indent();
   void enterBlock();
   void leaveBlock();
 
@@ -55,6 +59,7 @@ class tTracePrefix {
   u64 const startTime;
   u64 const padTarget;
   u64 const fieldLimit;
+  bool const isWithoutEnd;
   u64 count = 0;  // characters written of the prefix, fields and separators
 };
 

@@ -17,7 +17,7 @@ tTrace& tTrace::putPrefixPrototype() {
   append("tTrace::putPrefixPrototype=[");
   for (u32 field = 0; field < tTracePrefix::kFieldCount; ++field) {
     if (((fields >> field) & 1) == 0) continue;
-    bool const isPath = field == tTracePrefix::kFileName && filePath != 0;
+    bool const isPath = field == tTracePrefix::kFileName && filePathIsEnabled() != 0;
     append(separator);
     append(isPath ? "filepath" : kFieldNames[field]);
     separator = "--";

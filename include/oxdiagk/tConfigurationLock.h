@@ -1,0 +1,41 @@
+#pragma once
+
+#include "ntos/mutex.h"
+#include "ntos/wait.h"
+
+namespace nOXDIAG100 {
+
+// What serialises the configuration of one object. A thread that holds it may take it again, so an
+// operation that configures may call others that do. It is taken by configuring alone: whoever
+// writes lines or checks contracts never waits for it.
+//
+// Its object lies in non-paged memory. IRQL <= APC_LEVEL; the kernel may be asked to open files
+// while it is held, which a fast mutex would forbid.
+class tConfigurationLock {
+ public:
+  tConfigurationLock() { KeInitializeMutex(&mutex, 0); }
+  tConfigurationLock(tConfigurationLock const&) = delete;
+  tConfigurationLock& operator=(tConfigurationLock const&) = delete;
+
+  void acquire() { KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, nullptr); }
+  void release() { KeReleaseMutex(&mutex, 0); }
+
+ private:
+  KMUTEX mutex;
+};
+
+// Holds the lock for a scope.
+class tConfigurationGuard {
+ public:
+  explicit tConfigurationGuard(tConfigurationLock& configurationLock) : lock(configurationLock) {
+    lock.acquire();
+  }
+  ~tConfigurationGuard() { lock.release(); }
+  tConfigurationGuard(tConfigurationGuard const&) = delete;
+  tConfigurationGuard& operator=(tConfigurationGuard const&) = delete;
+
+ private:
+  tConfigurationLock& lock;
+};
+
+}  // namespace nOXDIAG100
