@@ -22,9 +22,13 @@ namespace nOXDIAG100 {
 // configure, inquire, open, close, getDescription. (The compiler lays out a run of overloads in the
 // reverse order of declaration, hence the order below.)
 //
-// Thread safety and IRQL: calls into a destination are serialised only as far as the stream
-// serialises its lines ("--mutex on"). Without that, text of several threads may arrive interleaved
-// and at once, at whatever IRQL they run; no destination may corrupt its own state over it.
+// Thread safety and IRQL: `put` is serialised only as far as the stream serialises its lines
+// ("--mutex on"). Without that, text of several threads may arrive interleaved and at once, at
+// whatever IRQL they run; no destination may corrupt its own state over it. The text does not
+// change while it is being put. The other operations come from the stream one at a time, at
+// PASSIVE_LEVEL: `open` and `close` while no other thread is within `put`, `configure`, `inquire`
+// and `getDescription` perhaps while some are. Whoever calls them on a destination of a stream
+// directly brings that order along. `put` must not switch the stream's destination.
 class OXDIAG_API iTraceDestination {
  public:
   VEX_MODULE_MEMORY
@@ -67,8 +71,10 @@ class OXDIAG_API iTraceDestination {
 
   // Sends the module's trace stream back to the debugger, with "--destination vex", if this is its
   // destination, which still receives the line about it, is asked for its settings and is closed.
+  // When it returns, no thread is within the destination and none enters it again, so threads may
+  // go on writing lines while a destination is destroyed; but nobody may be installing it.
   // For the beginning of the destructor of the class that implements those operations.
-  // PASSIVE_LEVEL.
+  // PASSIVE_LEVEL, and not within a line while the line mutex is on.
   void leaveStream();
 };
 

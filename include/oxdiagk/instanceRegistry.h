@@ -16,7 +16,7 @@
 //
 // Any thread may call any function. Each looks its handle up under the registry's lock and calls
 // the object outside it, so a slow configuration holds up nobody else's lookup. Two threads that
-// configure the same object are therefore not serialised here, see tConfigurable.
+// configure the same object wait for each other in the object, see tConfigurable.
 // IRQL: PASSIVE_LEVEL.
 
 #include "ntos/types.h"

@@ -22,13 +22,15 @@ class tStatus2;
 // dropped. A capture that is the trace stream's destination when it is destroyed sends the stream
 // back to the debugger print first, and so still receives the line that announces it.
 //
-// Buffer and position belong to the caller and must outlive the capture. They may be looked at at
-// any time, and the position may be set back to capture anew.
+// Buffer and position belong to the caller and must outlive the capture. They may be looked at
+// between texts, and the position may be set back to capture anew.
 //
 // IRQL: as far as the buffer is accessible; construction and destruction of a capture that is the
-// current destination at PASSIVE_LEVEL. Thread safety: calls are serialised by their caller, which
-// for a stream of several threads means "--mutex on". Without it text may be lost or mixed, but
-// nothing is written outside the buffer.
+// current destination at PASSIVE_LEVEL. Thread safety: texts of several threads are captured whole
+// and in order with "--mutex on". Without it they may be lost or mixed, but nothing is written
+// outside the buffer. Other threads may be tracing while a capture is destroyed: the destructor
+// waits for those that are within put. Buffer and position are looked at, and the position set
+// back, when no thread traces or the capture is no longer installed.
 class OXDIAG_API tCTFTraceDestination : public iTraceDestination {
  public:
   // `size` is that of the buffer in bytes; `position` the index of the next byte to write, from 0.

@@ -17,8 +17,9 @@ namespace nOXDIAG100 {
 // configure(options), configure(), inquire, pushConfiguration, popConfiguration. (The compiler lays
 // out a run of overloads in the reverse order of declaration, hence the order below.)
 //
-// Thread safety: none of its own; callers that configure one object from several threads serialise
-// themselves. IRQL: PASSIVE_LEVEL, unless a derived class allows more.
+// Thread safety: that of the derived class. Of tTrace and tAssertConfiguration, operations called
+// on several threads wait for each other, one at a time; what belongs together, such as a push and
+// its pop, is the callers' to order. IRQL: PASSIVE_LEVEL, unless a derived class allows more.
 class OXDIAG_API tConfigurable {
  public:
   VEX_MODULE_MEMORY

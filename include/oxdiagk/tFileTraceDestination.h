@@ -17,16 +17,16 @@ namespace nOXDIAG100 {
 //
 // Nothing is reported: a full disk loses text, and so does a put at DISPATCH_LEVEL or above.
 //
-// Thread safety: none of its own; the stream serialises its lines with "--mutex on". Blocks that
-// threads put at once are written whole, in any order, as long as nobody opens, closes or
-// configures meanwhile.
+// Thread safety: any number of threads may put at once; their blocks are written whole, in any
+// order. The other operations are for one thread at a time, open() and close() while nobody puts:
+// as the destination of a stream the file is used in just this way, whoever configures the stream.
 // IRQL: PASSIVE_LEVEL, with put also at DISPATCH_LEVEL and above. Not at APC_LEVEL: the kernel
 // would be asked to write where it must not.
 class OXDIAG_API tFileTraceDestination : public iTraceDestination {
  public:
   // The one instance that options name, created by the first call. Null when memory is exhausted;
-  // the next call tries again. Not locked: the first call must not race with another. It lives
-  // until the library is unloaded.
+  // the next call tries again. Any thread, at IRQL <= DISPATCH_LEVEL. It lives until the library is
+  // unloaded.
   static tFileTraceDestination* getInstance();
 
   // Closes and destroys that instance: for the tables of the module's entry, and nobody else.

@@ -24,12 +24,13 @@ namespace nOXDIAG100 {
 //
 // IRQL: put waits by polling, neither blocks nor allocates, and may run wherever the platform's
 // port access and timebase may. getInstance, open, close and the destructor need PASSIVE_LEVEL.
-// Thread safety: none of its own; calls are serialised as iTraceDestination says. Two threads that
-// put at once mix their bytes and do no other harm.
+// Thread safety: two threads that put at once mix their bytes and do no other harm. The other
+// operations are for one thread at a time, open() and close() while nobody puts: as the destination
+// of a stream the port is used in just this way, whoever configures the stream.
 class OXDIAG_API tSerialTraceDestination : public iTraceDestination {
  public:
   // The instance that "--destination serial" selects, made by the first call and kept until the
-  // module is unloaded. Null when memory is exhausted; a later call tries again. Takes no lock.
+  // module is unloaded. Null when memory is exhausted; a later call tries again. Any thread.
   static tSerialTraceDestination* getInstance();
 
   // Destroys that instance, if there is one. For the end of the module, after the trace stream's.

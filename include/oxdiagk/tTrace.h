@@ -33,12 +33,30 @@ OXDIAG_API u64 readTimeStampCounter();
 // While the stream is disabled, or the filter rejected the line, text is dropped. Nothing is ever
 // reported to the writer.
 //
-// Thread safety: all threads share the stream. With "--mutex on" a line belongs to its thread from
-// putPrefix to endl, which must then both be called at IRQL <= APC_LEVEL; lines of different
-// threads do not mix. Without it they may, within a line, but nothing is written beyond the buffer.
-// A put without prefix takes no lock. The switches are plain 32-bit stores.
+// Thread safety: all threads share the stream, and any of them may call anything at any time but
+// for what the last paragraph says.
+//
+// Lines: with "--mutex on" a line belongs to its thread from putPrefix to endl, which must then
+// both be called at IRQL <= APC_LEVEL; lines of different threads do not mix. Without it they may,
+// within a line, but nothing is written beyond the buffer. A put without prefix takes no lock. The
+// switches are single words, stored and read as a whole; there is no order among several.
+//
+// Configuration: configure, inquire, pushConfiguration, popConfiguration, setDestination,
+// calibrate, enableMutex and disableMutex wait for each other, one call at a time. What belongs
+// together, such as a push and its pop, is the callers' to order. Lines wait for none of them: a
+// line that is opened meanwhile is judged and shown by what is set at that moment, which may be a
+// part of it. While destinations are switched, what other threads write is lost, and calibrate
+// drops it likewise.
+//
+// What is left to the callers: the stream is built before and destroyed after everybody's use of
+// it. The filter is changed through getFilter() by one thread, while nobody configures or inquires.
+// With
+// "--mutex on" nothing of the configuration is called within a line, nor is a destination destroyed
+// there that the stream may be using: another thread that configures may be waiting for the line to
+// end. And a destination's put does not switch destinations: the switch would wait for that put.
+//
 // IRQL: writing allocates nothing and works at any IRQL that the destination allows. Everything
-// that configures runs at PASSIVE_LEVEL.
+// that configures runs at PASSIVE_LEVEL. A stream lies in non-paged memory.
 class OXDIAG_API tTrace : public tConfigurable {
  public:
   // The kind of line that a prefix opens.
@@ -115,7 +133,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   // and opens `next`. When that fails the old destination is configured as it was and opened again;
   // when that fails too, the debugger print takes over. Both are told by lines of the stream.
   // Returns the destination that was current before the call, or the debugger-print destination
-  // when the stream fell back to it. `next` stays the caller's. IRQL: PASSIVE_LEVEL.
+  // when the stream fell back to it. `next` stays the caller's. The former destination is closed
+  // when no thread is within its put any more, and no thread enters it afterwards, so it may then
+  // be destroyed. Waits by looking every millisecond; a put that never returns is waited for for
+  // ever. IRQL: PASSIVE_LEVEL.
   iTraceDestination* setDestination(iTraceDestination& next);
 
   // The filter, owned by the stream; null when it could not be allocated, and then every line is

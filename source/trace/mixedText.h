@@ -11,12 +11,16 @@ namespace nOXDIAG100 {
 
 // Copies `size` bytes from or to such a buffer.
 OXDIAG_MIXES_TEXT inline void copyMixedText(char* to, char const* from, u64 size) {
-  for (; size >= sizeof(u64); size -= sizeof(u64)) {
-    __builtin_memcpy(to, from, sizeof(u64));
-    to += sizeof(u64);
-    from += sizeof(u64);
+  constexpr u64 kWord = sizeof(u64);
+  u64 done = 0;
+  for (; done + kWord <= size; done += kWord) __builtin_memcpy(to + done, from + done, kWord);
+  if (done == size) return;
+  if (size > kWord) {
+    // The last word lies in part upon the one before.
+    __builtin_memcpy(to + size - kWord, from + size - kWord, kWord);
+  } else {
+    for (; done < size; ++done) to[done] = from[done];
   }
-  while (size-- != 0) *to++ = *from++;
 }
 
 }  // namespace nOXDIAG100
