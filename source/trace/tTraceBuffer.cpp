@@ -73,7 +73,11 @@ void tTrace::send(char const* text, u32 length, bool hasNul) {
   if (switcher == 0 || switcher == tThreadUtility::getCurrentThreadId()) {
     iTraceDestination* const current = getDestination();
     // Only the counted form carries what stands behind a NUL.
-    hasNul ? current->put(text, length) : current->put(text);
+    if (hasNul) {
+      current->put(text, length);
+    } else {
+      current->put(text);
+    }
   }
   __atomic_fetch_sub(&textsOnTheWay, 1, __ATOMIC_RELEASE);
 }

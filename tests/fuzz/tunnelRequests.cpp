@@ -1,10 +1,13 @@
 // Requests to the configuration tunnel, in a page of user memory of which nothing is known but that
-// it ends, against a model of the tunnel. What is demanded is every byte of that page afterwards,
-// what the object behind the handle was told, and the handles issued. An input is lines that write
-// the page:
+// it ends, behind one that can only be read, against a model of the tunnel. What is demanded is
+// every byte of both afterwards, what the object behind the handle was told, and the handles
+// issued. An input is lines that write the page:
 //
 //     r A B C D   a record at the end of the request: operation A, fields B, C, D
 //     p FIELD AT  makes field 0, 1 or 2 of the last record, B, C or D, an address in the page
+//     e FIELD N   makes it an address N bytes before the page, where nothing can be written
+//     k FIELD N   makes it an address of the kernel's half
+//     z FIELD N   makes it an address N bytes before the last one there is
 //     t AT TEXT   writes a text
 //     n N         changes the count in the header by N
 //     h N         the handle: of the object, none or unknown
@@ -32,20 +35,32 @@ using namespace nOXDIAG100;
 
 constexpr u64 kPage = 4096;
 constexpr u64 kBase = 0x10000000;  // a number that an input can name
+constexpr u64 kArea = kBase - kPage;
+constexpr u64 kAreaSize = 3 * kPage;  // with the page behind that is none
+constexpr u64 kKernelHalf = 0xFFFF800000000000;
 constexpr unsigned kMostFault = 8;
 constexpr size_t kHeader = 8;
 constexpr size_t kRecord = 32;
-constexpr u32 kNeverGiven = 0x7FFFFFFF;  // bytes; the pool has half of that
+constexpr u32 kAlmostTooLong = 0xFFFFF;  // bytes; two more are refused
 constexpr u32 kUnknownHandle = 0xCFFFFFF0;
 
-// The page, the same for all inputs, and what behind it may not be touched.
+// What stands before the page: names and options over and over.
+std::string readOnlyBytes() {
+  std::string bytes;
+  while (bytes.size() < kPage) bytes += std::string("trace assert --checks off", 26);
+  return bytes.substr(0, kPage);
+}
+
+// The page, the same for all inputs, the one before it, and what behind it may not be touched.
 char* page() {
   static char* const mapped = [] {
-    void* const at = mmap(reinterpret_cast<void*>(kBase), 2 * kPage, PROT_READ | PROT_WRITE,
+    void* const at = mmap(reinterpret_cast<void*>(kArea), kAreaSize, PROT_READ | PROT_WRITE,
                           MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED_NOREPLACE, -1, 0);
-    if (at != reinterpret_cast<void*>(kBase)) fail("the page is mapped", "a failure");
-    mprotect(static_cast<char*>(at) + kPage, kPage, PROT_NONE);
-    return static_cast<char*>(at);
+    if (at != reinterpret_cast<void*>(kArea)) fail("the page is mapped", "a failure");
+    std::memcpy(at, readOnlyBytes().data(), kPage);
+    mprotect(at, kPage, PROT_READ);
+    mprotect(static_cast<char*>(at) + 2 * kPage, kPage, PROT_NONE);
+    return static_cast<char*>(at) + kPage;
   }();
   return mapped;
 }
@@ -80,7 +95,7 @@ class tPage {
     } else {
       readLines(input);
     }
-    tameLengths();
+    tame();
   }
 
   // The request with the handle of the object or another.
@@ -114,11 +129,17 @@ class tPage {
   }
 
   void apply(tScript& script) {
-    switch (script.operation("rptnhwo!*")) {
+    switch (script.operation("rpekztnhwo!*")) {
       case 'r':
         return addRecord(script);
       case 'p':
-        return setAddress(script);
+        return setAddress(script, kBase, false);
+      case 'e':
+        return setAddress(script, kBase, true);
+      case 'k':
+        return setAddress(script, kKernelHalf, false);
+      case 'z':
+        return setAddress(script, 0, true);
       case 't':
       case 'w':
         return write(script);
@@ -149,23 +170,38 @@ class tPage {
     ++records;
   }
 
-  void setAddress(tScript& script) {
+  void setAddress(tScript& script, u64 from, bool isBefore) {
     size_t const field = 8 + 8 * (script.number() % 3);
-    u64 const value = kBase + script.number();
+    u64 const distance = script.number();
+    u64 const value = isBefore ? from - distance : from + distance;
     put(last, &value, sizeof value, field);
   }
 
-  // Lengths that the pool might just have would only cost time: they become short.
-  void tameLengths() {
+  void tame() {
     for (u64 at = request + kHeader; at + kRecord <= kPage; at += kRecord) {
       bool const isName = bytes[at] == 1;
-      u64 const place = at + (isName ? 24 : 16);
-      u32 length = 0;
-      std::memcpy(&length, bytes.data() + place, sizeof length);
-      if (length < kPage || length > kNeverGiven || bytes[at] > 5) continue;
-      length %= kPage;
-      put(place, &length, sizeof length, 0);
+      tameLength(at + (isName ? 24 : 16));
+      tameAddress(at + 8);
+      tameAddress(at + (isName ? 16 : 24));
     }
+  }
+
+  // Lengths that are long and yet served would only cost time: they become short.
+  void tameLength(u64 place) {
+    u32 length = 0;
+    std::memcpy(&length, bytes.data() + place, sizeof length);
+    if (length < kPage || length >= kAlmostTooLong) return;
+    length %= kPage;
+    put(place, &length, sizeof length, 0);
+  }
+
+  // What is not about the pages could be about this program: it becomes an address in them.
+  void tameAddress(u64 place) {
+    u64 address = 0;
+    std::memcpy(&address, bytes.data() + place, sizeof address);
+    if (address < kPage || address >= kKernelHalf || address - kArea < kAreaSize) return;
+    address = kArea + address % kAreaSize;
+    put(place, &address, sizeof address, 0);
   }
 
   void write(tScript& script) {
@@ -206,6 +242,7 @@ void fuzzInput(std::string const& input) {
   u32 const handles[] = {handle, kNoHandle, kUnknownHandle};
   content.setHandle(handles[content.handleKind]);
   tTunnelModel model(content.bytes, kBase, handle, handle + 1);
+  model.readOnly = readOnlyBytes();
   model.memory = content.memory;
   std::memcpy(page(), content.bytes.data(), kPage);
   model.memory.arm();
@@ -214,6 +251,7 @@ void fuzzInput(std::string const& input) {
   model.dispatch(kBase + content.request);
   demandEqual(recorder.calls, model.calls, "the object is told what the model says");
   demandEqual(std::string(page(), kPage), model.bytes, "user memory is as the model says");
+  demandEqual(std::string(page() - kPage, kPage), model.readOnly, "what is read only stays");
   demandHandles(model, handle);
   releaseInstance(handle);
 }

@@ -45,8 +45,9 @@ struct tTunnelModel::tRecord {
 };
 
 std::string tTunnelModel::copyIn(u64 address, u64 length) const {
-  if (address < base || address - base >= bytes.size()) return "";
-  return bytes.substr(address - base, length);
+  u64 const first = base - readOnly.size();
+  if (address < first || address - first >= readOnly.size() + bytes.size()) return "";
+  return (readOnly + bytes).substr(address - first, length);
 }
 
 void tTunnelModel::copyOut(u64 address, std::string const& content) {

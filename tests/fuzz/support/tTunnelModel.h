@@ -10,14 +10,15 @@
 
 class tTunnelModel {
  public:
-  // `bytes` are the user memory, at `base`; there is none beside it. `handle` is that of the
-  // recorder, `nextHandle` the one that the registry issues next.
+  // `bytes` are the user memory, at `base`; there is none beside it but `readOnly`. `handle` is
+  // that of the recorder, `nextHandle` the one that the registry issues next.
   tTunnelModel(std::string bytes, u64 base, u32 handle, u32 nextHandle)
       : bytes(std::move(bytes)), base(base), recorder(handle), nextHandle(nextHandle) {}
 
   void dispatch(u64 request);
 
   std::string bytes;
+  std::string readOnly;  // what can only be read, right before the bytes
   u64 base;
   u32 recorder;  // 0 when the request released it
   u32 nextHandle;

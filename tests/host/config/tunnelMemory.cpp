@@ -8,6 +8,7 @@
 
 #include <cstring>
 #include <iterator>
+#include <memory>
 #include <string>
 
 #include "oxdiagk/tTrace.h"
@@ -194,6 +195,63 @@ TEST(TunnelMemory, TheLargestBufferOnlyMeasuresWhenThereIsNoMemoryForIt) {
   EXPECT_EQ(needed, 15u);
   EXPECT_STREQ(recorder.calls(), "measure push ");
   EXPECT_EQ(recorder.lastSize, 0u);
+}
+
+TEST(TunnelMemory, TextOfTheLargestSizeIsTakenAndOneByteMoreIsNot) {
+  tRegisteredRecorder recorder;
+  std::string const text("--checks\0", 9);
+  std::string const longText = text + std::string(kTunnelMostBytes, 'x');
+  tTestRequest(recorder.handle, makeRecord(4, addressOf(longText.data()), kTunnelMostBytes - 1),
+               makeRecord(4, addressOf(longText.data()), kTunnelMostBytes),
+               makeRecord(4, addressOf(longText.data()), kTunnelMostBytes + 1))
+      .send();
+  EXPECT_STREQ(recorder.calls(), "configure(--checks) configure(--checks) ");
+}
+
+TEST(TunnelMemory, ANameThatIsTooLongMeansTheTraceStream) {
+  std::string const name = "assert" + std::string(kTunnelMostBytes, 'x');
+  for (u32 length : {kTunnelMostBytes, kTunnelMostBytes + 1}) {
+    u32 handle = kNoHandle;
+    tTestRequest(kNoHandle, makeRecord(1, addressOf(&handle), addressOf(name.data()), length))
+        .send();
+    i32 status = 0;
+    bool const isTrace =
+        tInstanceRegistry::getInstance().find(handle, status) == &tTrace::getInstance();
+    EXPECT_EQ(isTrace, length > kTunnelMostBytes);
+    releaseInstance(handle);
+  }
+}
+
+TEST(TunnelMemory, ABufferOfTheLargestSizeIsFilledAndOneByteMoreOnlyMeasures) {
+  tRegisteredRecorder recorder;
+  char buffer[16] = "";
+  u32 needed = 0;
+  tTestRequest(recorder.handle, inquireRecord(buffer, kTunnelMostBytes, &needed)).send();
+  EXPECT_EQ(recorder.lastSize, kTunnelMostBytes);
+  EXPECT_EQ(std::strlen(buffer) + 1, needed);
+  needed = 0;
+  std::strcpy(buffer, "untouched");
+  tTestRequest(recorder.handle, inquireRecord(buffer, kTunnelMostBytes + 1, &needed)).send();
+  EXPECT_STREQ(buffer, "untouched");
+  EXPECT_EQ(needed, 15u);
+  EXPECT_STREQ(recorder.calls(), "inquire measure ");
+}
+
+TEST(TunnelMemory, NoMoreRecordsRunThanTheMost) {
+  struct tRequest {
+    tTunnelHeader header;
+    tTunnelRecord records[kTunnelMostRecords + 1];
+  };
+  tRegisteredRecorder recorder;
+  auto const request = std::make_unique<tRequest>();
+  request->records[kTunnelMostRecords - 1] = makeRecord(6);
+  request->records[kTunnelMostRecords] = makeRecord(7);
+  for (u32 count :
+       {kTunnelMostRecords - 1, kTunnelMostRecords, kTunnelMostRecords + 1, 0xFFFFFFFF}) {
+    request->header = {recorder.handle, count};
+    tConfigTunnel::getInstance().dispatch(addressOf(request.get()));
+  }
+  EXPECT_STREQ(recorder.calls(), "push push push ");
 }
 
 TEST(TunnelMemory, WithoutMemoryANameMeansTheTraceStream) {

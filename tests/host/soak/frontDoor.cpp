@@ -120,6 +120,7 @@ class tWorker {
 
   char const* options() { return below(3) == 0 ? oneOf(kAssertOptions) : oneOf(kTraceOptions); }
 
+  size_t choose();
   void step();
 
   void exchangeHandle() {
@@ -245,14 +246,21 @@ constexpr tWorker::tNamedAction tWorker::kActions[] = {
     {"captures", &tWorker::capture, 2},
 };
 
-void tWorker::step() {
+size_t tWorker::choose() {
   u32 total = 0;
   for (tNamedAction const& named : kActions) total += named.weight;
   u32 chosen = below(total);
-  size_t index = 0;
-  while (chosen >= kActions[index].weight) chosen -= kActions[index++].weight;
-  (this->*kActions[index].action)();
-  ++counts[index];
+  for (size_t index = 0; index + 1 < std::size(kActions); ++index) {
+    if (chosen < kActions[index].weight) return index;
+    chosen -= kActions[index].weight;
+  }
+  return std::size(kActions) - 1;
+}
+
+void tWorker::step() {
+  size_t const chosen = choose();
+  (this->*kActions[chosen].action)();
+  ++counts[chosen];
 }
 
 void tell(std::vector<tWorker> const& workers, tShared const& shared, u64 seconds, u64 seed) {
