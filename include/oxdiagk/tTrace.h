@@ -91,8 +91,8 @@ class OXDIAG_API tTrace : public tConfigurable {
 
 // clang-format off
 #define OXDIAG_TRACE_SWITCH(Name, name)             \
-  void enable##Name() { store(name, 1u); }          \
-  void disable##Name() { store(name, 0u); }         \
+  void enable##Name() { store(name, 1); }           \
+  void disable##Name() { store(name, 0); }          \
   u32 name##IsEnabled() const { return load(name); }
 
   // The switches of the prefix, and its shape. Each line stands for three operations, as in
@@ -338,9 +338,9 @@ class OXDIAG_API tTrace : public tConfigurable {
   static T load(T const& word) {
     return __atomic_load_n(&word, __ATOMIC_RELAXED);
   }
-  template <class T>
-  static void store(T& word, T value) {
-    __atomic_store_n(&word, value, __ATOMIC_RELAXED);
+  template <class T, class V>
+  static void store(T& word, V value) {
+    __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_RELAXED);
   }
 
   bool isWriting() const {

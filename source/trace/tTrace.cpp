@@ -62,11 +62,11 @@ tTraceFilter* tTrace::getFilter() {
 }
 
 void tTrace::enable() {
-  store(enabled, 1u);
+  store(enabled, 1);
 }
 
 void tTrace::disable() {
-  store(enabled, 0u);
+  store(enabled, 0);
 }
 
 u32 tTrace::isEnabled() const {
@@ -75,7 +75,7 @@ u32 tTrace::isEnabled() const {
 
 tTrace& tTrace::endl() {
   append("\n");
-  store(lineSuppressed, 0u);
+  store(lineSuppressed, 0);
   endLine();
   setLastLineTime(readTimeStampCounter());
   return *this;

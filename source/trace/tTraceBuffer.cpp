@@ -59,7 +59,7 @@ char* tTrace::flush(char* end) {
   copyMixedText(text, lineBuffer, length);
   text[length] = 0;
   bool const hasNul = load(lineHasNul) != 0;
-  if (hasNul) store(lineHasNul, 0u);
+  if (hasNul) store(lineHasNul, 0);
   send(text, length, hasNul);
   return lineBuffer;
 }
@@ -83,7 +83,7 @@ void tTrace::send(char const* text, u32 length, bool hasNul) {
 }
 
 OXDIAG_MIXES_TEXT char* tTrace::appendCharacter(char character, char* position) {
-  if (character == 0) store(lineHasNul, 1u);
+  if (character == 0) store(lineHasNul, 1);
   *position++ = character;
   bool const isFull = position == lineBuffer + kLineBufferSize - 1;
   return character == '\n' || isFull ? flush(position) : position;

@@ -27,7 +27,7 @@ void tTrace::calibrate() {
   if (lock == nullptr) return;
   if (lock->acquire(kSyncWaitForever) >= 0) {
     u32 const wasEnabled = load(enabled);
-    store(enabled, 0u);
+    store(enabled, 0);
     tTraceCalibration calibration(*this);
     calibration.run();
     store(calibrationOffsets[0], calibration.getBlockEntryCost());

@@ -26,13 +26,13 @@ void tTrace::enableMutex() {
   tConfigurationGuard const guard(configurationLock);
   openMutex();
   tSyncLock const lock(mutexObject);
-  store(mutex, 1u);
+  store(mutex, 1);
 }
 
 void tTrace::disableMutex() {
   tConfigurationGuard const guard(configurationLock);
   tSyncLock const lock(mutexObject);
-  store(mutex, 0u);
+  store(mutex, 0);
 }
 
 u32 tTrace::mutexIsEnabled() const {

@@ -143,10 +143,10 @@ void tTraceOptionReader::readTokens() {
 }
 
 void tTraceOptionReader::apply() {
-  if (master != kUnchanged) tTrace::store(trace.enabled, master == kOn ? 1u : 0u);
+  if (master != kUnchanged) tTrace::store(trace.enabled, master == kOn ? 1 : 0);
   for (u32 index = 0; index < tTraceSwitchTable::kMutex; ++index) {
     if (switches[index] == kUnchanged) continue;
-    tTrace::store(trace.*tTraceSwitchTable::entries[index].value, switches[index] == kOn ? 1u : 0u);
+    tTrace::store(trace.*tTraceSwitchTable::entries[index].value, switches[index] == kOn ? 1 : 0);
   }
   applyMutex();
   if (hasWidth) trace.setMinPrefixWidth(width);

@@ -73,7 +73,7 @@ tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, 
 }
 
 void tTracePrefix::open() {
-  tTrace::store(trace.lineSuppressed, isPassed() ? 0u : 1u);
+  tTrace::store(trace.lineSuppressed, isPassed() ? 0 : 1);
   bool const isShown = trace.isWriting();
   u64 const timeDelta = takeTimeDelta(isShown);
   if (isShown) write(timeDelta);
@@ -110,7 +110,7 @@ u64 tTracePrefix::takeTimeDelta(bool isShown) {
   u64 const offset = tTrace::load(trace.calibrationOffsets[getOffsetIndex(origin.type)]);
   u64 const carried = tTrace::load(trace.carriedDelta);
   u64 const delta = startTime - (offset + trace.getLastLineTime()) + carried;
-  tTrace::store(trace.carriedDelta, isShown ? u64{0} : delta);
+  tTrace::store(trace.carriedDelta, isShown ? 0 : delta);
   return delta;
 }
 
