@@ -349,7 +349,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   void append(char const* text);
   void append(char const* text, u64 length);
   char* appendCharacter(char character, char* position);
-  char* flush(char* end);
+  char* flush(char const* end);
   void send(char const* text, u32 length, bool hasNul);
   void install(iTraceDestination& next);
   void beginSwitch();

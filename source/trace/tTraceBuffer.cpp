@@ -53,7 +53,7 @@ u64 copyPlain(char const* text, u64 left, char* position, u64 room) {
 
 }  // namespace
 
-char* tTrace::flush(char* end) {
+char* tTrace::flush(char const* end) {
   u32 const length = static_cast<u32>(end - lineBuffer);
   char text[kLineBufferSize];
   copyMixedText(text, lineBuffer, length);

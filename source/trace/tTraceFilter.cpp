@@ -125,7 +125,7 @@ void tTraceFilter::setUsedFields(u32 fields) {
 }
 
 void tTraceFilter::publishShortForm() {
-  tTraceFilterShortForm const form(first, first != nullptr && first == last);
+  tTraceFilterShortForm const form(first, first == last);
   __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELAXED);
 }
 

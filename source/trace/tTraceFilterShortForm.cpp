@@ -7,7 +7,8 @@ namespace nOXDIAG100 {
 
 tTraceFilterShortForm::tTraceFilterShortForm(tTraceFilterTerm const* first, bool isOnlyOne)
     : word(first == nullptr ? kEmpty : kNone) {
-  if (!isOnlyOne || first->getOperator() == tTraceFilterTerm::kNoOperator) return;
+  if (first == nullptr || !isOnlyOne) return;
+  if (first->getOperator() == tTraceFilterTerm::kNoOperator) return;
   bool const isVerbosity = first->getField() == tTraceFilter::kVerbosity;
   if (!isVerbosity && first->getField() != tTraceFilter::kLineNumber) return;
   word = (isVerbosity ? kVerbosityTerm : kLineNumberTerm) |
