@@ -17,8 +17,7 @@
 // The records run in order on the calling thread. Nothing is told about a record but through the
 // addresses of results in it. A record with an unknown operation is skipped; so is, for a result,
 // an address that cannot be written, from the first such byte on. The records after it still run.
-// A record that cannot be read ends the request, and so does record number kTunnelMostRecords: the
-// program's thread is in the kernel all the while, where nobody can end it.
+// A record that cannot be read ends the request.
 //
 // The handle is read once, before the first record: a handle that a request acquires serves the
 // next request. Each record is read once, when its turn comes, so a result may change a later
@@ -31,16 +30,14 @@ namespace nOXDIAG100 {
 // The name of the tunnel among the platform's dispatchers.
 constexpr char kTunnelName[] = "nOXDIAG100://nConfigTunnel";
 
-// The most records of a request that run; those behind them do not.
-constexpr u32 kTunnelMostRecords = 0x10000;
-
-// The longest text that the kernel copies, and the largest buffer that it fills, in bytes: far more
-// than any object can use. What is larger counts as something for which there is no memory.
+// The longest text that the kernel copies in, and the most of a buffer that it fills, in bytes: far
+// more than any object can use. A longer text counts as one for which there is no memory, a larger
+// buffer as one of this size.
 constexpr u32 kTunnelMostBytes = 0x100000;
 
 struct tTunnelHeader {
   u32 handle;  // for all operations but kTunnelAcquire
-  u32 count;   // of records, see kTunnelMostRecords; 0 does nothing
+  u32 count;   // of records; 0 does nothing
 };
 
 // Which function a record calls, and which fields of the record it uses.
@@ -52,8 +49,7 @@ enum tTunnelOperation : u32 {
   kTunnelRelease = 2,    // releaseInstance
   kTunnelConfigure = 3,  // configure, of the object's own source
   // configure. `address` and `source`: address and length of the options. Does nothing when there
-  // is
-  // no memory for them.
+  // is no memory for them.
   kTunnelConfigureText = 4,
   // inquire. `address` and `source`: the buffer and its size in bytes. `extra`: where the 4-byte
   // needed size goes; it is 0 when the handle is none. Either address may be null. No more bytes of

@@ -22,6 +22,10 @@ u32 lowHalf(u64 field) {
   return static_cast<u32>(field);
 }
 
+u32 smaller(u32 a, u32 b) {
+  return a < b ? a : b;
+}
+
 void acquireNamed(tTunnelRecord const& record) {
   tUserText const name(record.source, lowHalf(record.extra));
   u32 const handle = acquireInstance(name.getText());
@@ -36,19 +40,19 @@ void configureWithText(u32 handle, tTunnelRecord const& record) {
 // Filled with zeros, because an object's word on what it has written is not enough to let bytes of
 // the kernel's memory out.
 char* newTextBuffer(u32 size) {
-  i32 status = size > kTunnelMostBytes ? kStatusOutOfMemory : 0;
+  i32 status = 0;
   void* const buffer = _memNewUsingCRT(size, kMemLongLived, status);
   if (buffer != nullptr) __builtin_memset(buffer, 0, size);
   return static_cast<char*>(buffer);
 }
 
 void inquireText(u32 handle, tTunnelRecord const& record) {
-  u32 const wanted = lowHalf(record.source);
+  u32 const wanted = smaller(lowHalf(record.source), kTunnelMostBytes);
   char* const buffer = record.address != 0 && wanted != 0 ? newTextBuffer(wanted) : nullptr;
   u32 const size = buffer != nullptr ? wanted : 0;
   unsigned int needed = 0;
   inquire(handle, buffer, size, &needed);
-  if (buffer != nullptr) vexCopyToUser(record.address, buffer, needed < size ? needed : size);
+  if (buffer != nullptr) vexCopyToUser(record.address, buffer, smaller(needed, size));
   _memDelete(buffer);
   if (record.extra != 0) vexCopyToUser(record.extra, &needed, sizeof(needed));
 }
@@ -94,8 +98,7 @@ void tConfigTunnel::dispatch(u64 request) {
   tTunnelHeader header;
   if (!copyIn(header, request)) return;
   u64 at = request + sizeof(header);
-  u32 const count = header.count < kTunnelMostRecords ? header.count : kTunnelMostRecords;
-  for (u32 index = 0; index < count; ++index, at += sizeof(tTunnelRecord)) {
+  for (u32 index = 0; index < header.count; ++index, at += sizeof(tTunnelRecord)) {
     tTunnelRecord record;
     if (!copyIn(record, at)) return;
     serve(header.handle, record);

@@ -8,9 +8,8 @@
 
 namespace {
 
-// What the kernel does not copy or fill, and how many records it runs.
+// What the kernel does not copy.
 constexpr u64 kTooLarge = 0x100001;
-constexpr u64 kMostRecords = 0x10000;
 constexpr u32 kNone = 0;
 
 template <class T>
@@ -61,7 +60,7 @@ void tTunnelModel::dispatch(u64 request) {
   std::string const header = copyIn(request, 8);
   if (header.size() != 8) return;
   u32 const handle = numberAt<u32>(header, 0);
-  u64 const count = std::min<u64>(numberAt<u32>(header, 4), kMostRecords);
+  u64 const count = numberAt<u32>(header, 4);
   for (u64 index = 0; index < count; ++index) {
     std::string const record = copyIn(request + 8 + 32 * index, 32);
     if (record.size() != 32) return;
@@ -118,7 +117,7 @@ void tTunnelModel::configure(u32 handle, tRecord const& record) {
 void tTunnelModel::inquire(u32 handle, tRecord const& record) {
   u64 size = record.second & 0xFFFFFFFF;
   if (record.first == 0) size = 0;
-  if (size != 0 && (size >= kTooLarge || !memory.allocate())) size = 0;
+  if (size != 0 && !memory.allocate()) size = 0;
   u32 needed = 0;
   if (handle != kNone && handle == recorder) {
     calls += size == 0 ? "measure " : "inquire ";

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -222,36 +223,31 @@ TEST(TunnelMemory, ANameThatIsTooLongMeansTheTraceStream) {
   }
 }
 
-TEST(TunnelMemory, ABufferOfTheLargestSizeIsFilledAndOneByteMoreOnlyMeasures) {
+TEST(TunnelMemory, ABufferCountsUpToTheLargestSize) {
   tRegisteredRecorder recorder;
-  char buffer[16] = "";
-  u32 needed = 0;
-  tTestRequest(recorder.handle, inquireRecord(buffer, kTunnelMostBytes, &needed)).send();
-  EXPECT_EQ(recorder.lastSize, kTunnelMostBytes);
-  EXPECT_EQ(std::strlen(buffer) + 1, needed);
-  needed = 0;
-  std::strcpy(buffer, "untouched");
-  tTestRequest(recorder.handle, inquireRecord(buffer, kTunnelMostBytes + 1, &needed)).send();
-  EXPECT_STREQ(buffer, "untouched");
-  EXPECT_EQ(needed, 15u);
-  EXPECT_STREQ(recorder.calls(), "inquire measure ");
+  for (u32 size : {kTunnelMostBytes - 1, kTunnelMostBytes, kTunnelMostBytes + 1, 0xFFFFFFFF}) {
+    char buffer[16] = "";
+    u32 needed = 0;
+    tTestRequest(recorder.handle, inquireRecord(buffer, size, &needed)).send();
+    EXPECT_EQ(recorder.lastSize, std::min(size, kTunnelMostBytes));
+    EXPECT_STREQ(buffer, recorder.settings);
+    EXPECT_EQ(needed, 15u);
+  }
 }
 
-TEST(TunnelMemory, NoMoreRecordsRunThanTheMost) {
+TEST(TunnelMemory, EveryRecordRunsHoweverManyThereAre) {
+  constexpr u32 kMany = 0x10001;
   struct tRequest {
     tTunnelHeader header;
-    tTunnelRecord records[kTunnelMostRecords + 1];
+    tTunnelRecord records[kMany];
   };
   tRegisteredRecorder recorder;
   auto const request = std::make_unique<tRequest>();
-  request->records[kTunnelMostRecords - 1] = makeRecord(6);
-  request->records[kTunnelMostRecords] = makeRecord(7);
-  for (u32 count :
-       {kTunnelMostRecords - 1, kTunnelMostRecords, kTunnelMostRecords + 1, 0xFFFFFFFF}) {
-    request->header = {recorder.handle, count};
-    tConfigTunnel::getInstance().dispatch(addressOf(request.get()));
-  }
-  EXPECT_STREQ(recorder.calls(), "push push push ");
+  request->header = {recorder.handle, kMany};
+  request->records[0] = makeRecord(6);
+  request->records[kMany - 1] = makeRecord(7);
+  tConfigTunnel::getInstance().dispatch(addressOf(request.get()));
+  EXPECT_STREQ(recorder.calls(), "push pop ");
 }
 
 TEST(TunnelMemory, WithoutMemoryANameMeansTheTraceStream) {
