@@ -12,6 +12,7 @@
 #include "vexk/iLib.h"
 #include "vexk/memory.h"
 #include "vexk/module.h"
+#include "vexk/moduleInfo.h"
 #include "vexk/number.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
