@@ -2,6 +2,7 @@
 
 #include "tDispatcherTable.h"
 #include "tModuleTable.h"
+#include "vexk/eventLog.h"
 #include "vexk/module.h"
 #include "vexk/statusCodes.h"
 
@@ -11,12 +12,18 @@ bool isComplete(_tLibModuleInfo const& module) {
   return module.package != nullptr && module.name != nullptr && module.entry != nullptr;
 }
 
-i32 registerModule(_tLibModuleInfo& module) {
-  if (pkgIsVexkInitialized() == 0) return kStatusNotInitialized;
-  if (!isComplete(module)) return kStatusBadArgument;
-  i32 status = vexModuleTable.add(module);
-  if (status < 0) return status;
-  status = module.entry(kModuleLoad);
+i32 callEntry(_tLibModuleInfo const& module, u32 reason) {
+  i32 const status = module.entry(reason);
+  if (status < 0) {
+    _vexLogEvent("vexk", "registration - ", kVexEventFailure,
+                 "ssMain(%d) of %s failed with status %d\n", static_cast<int>(reason), module.name,
+                 static_cast<int>(status));
+  }
+  return status;
+}
+
+i32 start(_tLibModuleInfo const& module) {
+  i32 const status = callEntry(module, kModuleLoad);
   if (status < 0) {
     vexModuleTable.remove(module);
   } else {
@@ -25,10 +32,20 @@ i32 registerModule(_tLibModuleInfo& module) {
   return status;
 }
 
-i32 unregisterModule(_tLibModuleInfo& module) {
+i32 registerModule(_tLibModuleInfo const& module) {
+  if (pkgIsVexkInitialized() == 0) return kStatusNotInitialized;
+  if (!isComplete(module)) return kStatusBadArgument;
+  i32 const status = vexModuleTable.add(module);
+  if (status >= 0) return start(module);
+  _vexLogEvent("vexk", "registration - ", kVexEventFailure, "%s was not registered, status %d\n",
+               module.name, static_cast<int>(status));
+  return status;
+}
+
+i32 unregisterModule(_tLibModuleInfo const& module) {
   if (!vexModuleTable.remove(module)) return kStatusBadArgument;
   vexDispatcherTable.close(&module);
-  return module.entry(kModuleUnload);
+  return callEntry(module, kModuleUnload);
 }
 
 }  // namespace

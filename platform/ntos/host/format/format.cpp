@@ -46,14 +46,28 @@ template void formatInto(TextSink<char>& sink, char const* format, FormatArgumen
 template void formatInto(TextSink<wchar_t>& sink, wchar_t const* format, FormatArguments& arguments,
                          char const* call);
 
+namespace {
+
+template <class Character>
+i32 formatBuffer(Character* buffer, size_t count, Character const* format, va_list list,
+                 char const* call) {
+  FormatArguments arguments(list);
+  TextSink<Character> sink(buffer, count);
+  formatInto(sink, format, arguments, call);
+  if (sink.isCut()) return -1;
+  if (sink.getLength() < count) buffer[sink.getLength()] = 0;
+  return static_cast<i32>(sink.getLength());
+}
+
+}  // namespace
+
 }  // namespace ntoshost
 
 i32 _vsnwprintf(wchar_t* buffer, size_t count, wchar_t const* format, va_list list) {
   ntoshost::requireIrqlAtMost(PASSIVE_LEVEL, "_vsnwprintf");
-  ntoshost::FormatArguments arguments(list);
-  ntoshost::TextSink<wchar_t> sink(buffer, count);
-  ntoshost::formatInto(sink, format, arguments, "_vsnwprintf");
-  if (sink.isCut()) return -1;
-  if (sink.getLength() < count) buffer[sink.getLength()] = 0;
-  return static_cast<i32>(sink.getLength());
+  return ntoshost::formatBuffer(buffer, count, format, list, "_vsnwprintf");
+}
+
+i32 _vsnprintf(char* buffer, size_t count, char const* format, va_list list) {
+  return ntoshost::formatBuffer(buffer, count, format, list, "_vsnprintf");
 }

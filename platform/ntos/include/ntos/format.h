@@ -12,4 +12,7 @@ extern "C" {
 // PASSIVE_LEVEL.
 NTOS_IMPORT i32 _vsnwprintf(wchar_t* buffer, size_t count, wchar_t const* format,
                             va_list arguments);
+
+// The same for bytes: `%s` takes narrow text. PASSIVE_LEVEL for `%S` and its like, else any IRQL.
+NTOS_IMPORT i32 _vsnprintf(char* buffer, size_t count, char const* format, va_list arguments);
 }

@@ -5,7 +5,7 @@
 #include "vexk/callStack.h"
 #include "vexk/cpu.h"
 #include "vexk/debug.h"
-#include "vexk/dispatch.h"
+#include "vexk/eventLog.h"
 #include "vexk/iBus.h"
 #include "vexk/iChildBus.h"
 #include "vexk/iDeviceHandler.h"
@@ -24,3 +24,4 @@
 #include "vexk/threadUtility.h"
 #include "vexk/timerTimebase.h"
 #include "vexk/userMemory.h"
+#include "vexk/version.h"
