@@ -92,7 +92,15 @@ void tConfigTunnel::destroyInstance() {
   getInstance().~tConfigTunnel();
 }
 
-tConfigTunnel::~tConfigTunnel() = default;
+tConfigTunnel::tConfigTunnel() : iDispatcher(kTunnelName) {
+  i32 status = 0;
+  iLib::exportDispatcher(*this, status);
+}
+
+tConfigTunnel::~tConfigTunnel() {
+  i32 status = 0;
+  iLib::unexportDispatcher(*this, status);
+}
 
 void tConfigTunnel::dispatch(u64 request) {
   tTunnelHeader header;

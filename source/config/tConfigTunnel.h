@@ -4,13 +4,15 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "vexk/iLib.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
 
-// The dispatcher of the module named kTunnelName. It has no state; any number of threads may be in
-// it. Slot order: destructor, dispatch.
-class OXDIAG_API tConfigTunnel {
+// The dispatcher of the module named kTunnelName, exported as long as it lives; where it cannot be
+// exported, nobody is served. It has no state of its own; any number of threads may be in it.
+// Slot order: destructor, dispatch.
+class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
  public:
   VEX_MODULE_MEMORY
 
@@ -21,15 +23,12 @@ class OXDIAG_API tConfigTunnel {
   static void constructInstance();
   static void destroyInstance();
 
-  tConfigTunnel() = default;
-  virtual ~tConfigTunnel();
-
-  tConfigTunnel(tConfigTunnel const&) = delete;
-  tConfigTunnel& operator=(tConfigTunnel const&) = delete;
+  tConfigTunnel();
+  ~tConfigTunnel() override;
 
   // Runs the records of the request at this address of user memory. PASSIVE_LEVEL, in the context
   // of the requesting program.
-  virtual void dispatch(u64 request);
+  void dispatch(u64 request) override;
 };
 
 }  // namespace nOXDIAG100

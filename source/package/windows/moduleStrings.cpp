@@ -4,6 +4,8 @@
 
 namespace nOXDIAG100 {
 
+constexpr char kModuleName[] = "oxdiagk";
+
 constexpr char kModuleFileName[] = "oxdiagk.dll";
 
 constexpr char kBuildString[] = OXDIAG_BUILD_STRING;

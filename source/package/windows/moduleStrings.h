@@ -1,11 +1,12 @@
 #pragma once
 
-// What the module says about itself: its file name and one line about its build, for the identity
+// What the module says about itself: its names and one line about its build, for the identity
 // block and for every event of its life. Constant data; any IRQL, before every initialisation.
 
 namespace nOXDIAG100 {
 
-// "oxdiagk.dll", on every target.
+// "oxdiagk", and "oxdiagk.dll" on every target.
+extern char const kModuleName[];
 extern char const kModuleFileName[];
 
 // Version, date and time of the sources in UTC, and the build path: module, target system,

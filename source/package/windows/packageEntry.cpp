@@ -3,21 +3,47 @@
 #include "ntos/status.h"
 #include "oxdiagk/module.h"
 #include "package/windows/globalObjects.h"
+#include "package/windows/lifeEvents.h"
+#include "package/windows/moduleRecord.h"
 #include "package/windows/ssMain.h"
+#include "vexk/debug.h"
 #include "vexk/module.h"
+#include "vexk/version.h"
 
 namespace nOXDIAG100 {
 namespace {
 
+constexpr tSSVersion kOldestPlatform(2, 0, 0, tSSVersion::kPhaseDevelopment, 0, 0);
+
+bool isPlatformGood() {
+  if (pkgIsVexkInitialized() == 0) return false;
+  if (vexCompareVersion(kVexVersion, kOldestPlatform) >= 0) return true;
+  ssprintf("VEX Version %u.%u or later required\n",
+           static_cast<unsigned>(kOldestPlatform.getMajor()),
+           static_cast<unsigned>(kOldestPlatform.getMinor()));
+  return false;
+}
+
+i32 buildAndRegister(UNICODE_STRING const* registryPath) {
+  i32 status = initialiseGlobals();
+  if (status < 0) {
+    logFailedGlobals(status);
+    return status;
+  }
+  fillModuleRecord(registryPath);
+  libRegisterModuleWithVEX(moduleRecord.info, status);
+  return status;
+}
+
 i32 enterAtLoad() {
   i32 status = initialiseGlobals();
-  if (status >= 0) status = ssMain(kReasonLoad);
+  if (status >= 0) status = ssMain(kModuleLoad);
   if (status < 0) terminateGlobals();
   return status;
 }
 
 i32 enterAtUnload() {
-  i32 const status = ssMain(kReasonUnload);
+  i32 const status = ssMain(kModuleUnload);
   terminateGlobals();
   return status;
 }
@@ -26,9 +52,9 @@ i32 enterAtUnload() {
 
 i32 moduleEntry(u32 reason) {
   switch (reason) {
-    case kReasonLoad:
+    case kModuleLoad:
       return enterAtLoad();
-    case kReasonUnload:
+    case kModuleUnload:
       return enterAtUnload();
     default:
       return ssMain(reason);
@@ -37,19 +63,20 @@ i32 moduleEntry(u32 reason) {
 
 }  // namespace nOXDIAG100
 
-NTSTATUS oxdiagkInitialize(UNICODE_STRING const* /*registryPath*/) {
+NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath) {
   using namespace nOXDIAG100;
-  if (pkgIsVexkInitialized() == 0) return STATUS_DRIVER_UNABLE_TO_LOAD;
-  i32 status = initialiseGlobals();
-  if (status >= 0) status = moduleEntry(kReasonLoad);
-  if (status >= 0) return STATUS_SUCCESS;
+  if (!isPlatformGood()) return STATUS_DRIVER_UNABLE_TO_LOAD;
+  logLifeEvent(kModuleLoad);
+  if (buildAndRegister(registryPath) >= 0) return STATUS_SUCCESS;
   terminateGlobals();
   return STATUS_DRIVER_UNABLE_TO_LOAD;
 }
 
 NTSTATUS oxdiagkUnload() {
   using namespace nOXDIAG100;
-  moduleEntry(kReasonUnload);
+  i32 status = 0;
+  libUnregisterModuleWithVEX(moduleRecord.info, status);
   terminateGlobals();
+  logLifeEvent(kModuleUnload);
   return STATUS_SUCCESS;
 }

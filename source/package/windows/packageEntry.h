@@ -6,8 +6,8 @@
 
 namespace nOXDIAG100 {
 
-// kReasonLoad counts the globals once more and runs ssMain, uncounting them if that fails;
-// kReasonUnload runs ssMain and uncounts. Every reason returns the status of ssMain.
+// kModuleLoad counts the globals once more and runs ssMain, uncounting them if that fails;
+// kModuleUnload runs ssMain and uncounts. Every reason returns the status of ssMain.
 i32 moduleEntry(u32 reason);
 
 }  // namespace nOXDIAG100

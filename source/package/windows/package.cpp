@@ -1,0 +1,31 @@
+#include "oxdiagk/package.h"
+
+#include "package/windows/lifeEvents.h"
+#include "package/windows/moduleRecord.h"
+#include "package/windows/packageEntry.h"
+#include "package/windows/wdmWrapperState.h"
+
+using namespace nOXDIAG100;
+
+tModulePackage* pkgSetLegacyWrapperLoadState(u32 state) {
+  tModulePackage& package = moduleRecord.package;
+  package.legacyWrapperState = state;
+  if (state == 0) {
+    package.legacyWrapperWords[0] = 0;
+    package.legacyWrapperWords[1] = 0;
+  }
+  return &package;
+}
+
+tModuleGUID const* pkgSetWDMWrapperLoadStateAndGetGUID(u32 state) {
+  if (state != 0) initialiseWDMWrapper();
+  moduleRecord.package.wdmWrapperState = state;
+  return &moduleRecord.package.identity->guid;
+}
+
+i32 pkgWDMWrapperCallSSMain(u32 reason) {
+  logLifeEvent(reason);
+  i32 const status = moduleEntry(reason);
+  if (status < 0) logFailedMain(reason, status);
+  return status;
+}
