@@ -5,21 +5,18 @@
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
-#include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/module.h"
-#include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tStatus2Heap.h"
 #include "oxdiagk/tTrace.h"
-#include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "package/childProcess.h"
+#include "package/loadOutcome.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
 
 namespace {
 
-using nOXDIAG100::tAssertConfiguration;
 using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tStatus2Heap;
 using nOXDIAG100::tTrace;
@@ -35,41 +32,10 @@ void startPlatform() {
   qelmkInitialize();
 }
 
-// What a load with the nth allocation failing came to.
-enum tOutcome : int {
-  kWhole,            // nothing failed
-  kWithoutRegistry,  // loaded; there are no handles
-  kWithoutCategory,  // loaded; contracts of one category are not checked
-  kWithoutFilter,    // loaded; every line is shown
-  kWithEmptyFilter,  // loaded; the filter has lost its default term
-  kWithEmptyHeap,    // loaded; statuses have no detail
-  kRefused,          // not loaded, and nothing is left
-  kWrong
-};
-
-bool isCategoryMissing() {
-  tAssertConfiguration const& contracts = tAssertConfiguration::getInstance();
-  for (char const* category : {"default", "warning", "statusWarning", "statusFatal"}) {
-    if (!contracts.checksAreEnabled(category)) return true;
-  }
-  return false;
-}
-
-tOutcome judgeLoaded() {
-  bool const isContractMissing = isCategoryMissing();
-  tTrace& trace = tTrace::getInstance();
-  bool const isHeapEmpty = heap()->getFreeUnits() == 0;
-  bool const isFilterEmpty = trace.getFilter() != nullptr && trace.getFilter()->isEmpty();
-  bool const isFilterMissing = trace.getFilter() == nullptr;
-  bool const isRegistryMissing = nOXDIAG100::acquireInstance(nullptr) == nOXDIAG100::kNoHandle;
+tLoadOutcome judgeLoaded() {
+  tLoadOutcome const outcome = judgeLoadedLibrary();
   oxdiagkUnload();
-  if (ntoshost::outstandingBlocks() != 0) return kWrong;
-  if (!isCategoryMissing()) return kWrong;
-  if (isRegistryMissing) return kWithoutRegistry;
-  if (isContractMissing) return kWithoutCategory;
-  if (isHeapEmpty) return kWithEmptyHeap;
-  if (isFilterMissing) return kWithoutFilter;
-  return isFilterEmpty ? kWithEmptyFilter : kWhole;
+  return ntoshost::outstandingBlocks() == 0 && isLibraryGone() ? outcome : kWrong;
 }
 
 int loadWithFailure(u64 n) {
@@ -79,7 +45,7 @@ int loadWithFailure(u64 n) {
   ntoshost::clearFaults();
   if (status == STATUS_SUCCESS) return judgeLoaded();
   if (status != STATUS_DRIVER_UNABLE_TO_LOAD) return kWrong;
-  return ntoshost::outstandingBlocks() == 0 && heap() == nullptr ? kRefused : kWrong;
+  return ntoshost::outstandingBlocks() == 0 && isLibraryGone() ? kRefused : kWrong;
 }
 
 }  // namespace
@@ -140,7 +106,7 @@ TEST(ModuleLoad, IsRefusedWithoutThePlatformLayer) {
 }
 
 TEST(ModuleLoad, EveryFailedAllocationIsRefusedOrSurvivedWithNothingLeft) {
-  int seen[kWrong + 1] = {};
+  int seen[kOutcomeCount] = {};
   u64 failures = 0;
   for (int outcome = kWrong; outcome != kWhole; ++failures) {
     outcome = inAProcess([&] { return loadWithFailure(failures + 1); });
