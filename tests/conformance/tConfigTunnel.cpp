@@ -7,6 +7,8 @@
 #include "support/tRecordingConfigurable.h"
 #include "support/tTexts.h"
 #include "support/tunnelRecords.h"
+#include "vexk/iLib.h"
+#include "vexk/statusCodes.h"
 
 namespace {
 
@@ -325,4 +327,29 @@ TEST(ConfigTunnel, EmptyOptionTextIsHandedOn) {
   tRegisteredRecorder recorder;
   tTestRequest(recorder.handle, makeRecord(4, 0, 0)).send();
   EXPECT_STREQ(recorder.calls(), "configure() ");
+}
+
+TEST(ConfigTunnel, IsReachedThroughThePlatformByItsName) {
+  tRegisteredRecorder recorder;
+  tTestRequest const request(recorder.handle, makeRecord(6), makeRecord(7));
+  i32 status = 0;
+  iLib::deliver("nOXDIAG100://nConfigTunnel", 26, addressOf(&request), status);
+  EXPECT_EQ(status, 0);
+  EXPECT_STREQ(recorder.calls(), "push pop ");
+  iLib::deliver("nOXDIAG100://nConfigTunnel", 25, addressOf(&request), status);
+  EXPECT_EQ(status, kStatusNoDispatcher);
+  EXPECT_STREQ(recorder.calls(), "push pop ");
+}
+
+TEST(ConfigTunnel, ASecondOneIsNotReachedAndTakesNothingAway) {
+  tRegisteredRecorder recorder;
+  tTestRequest const request(recorder.handle, makeRecord(6));
+  i32 status = 0;
+  {
+    tConfigTunnel const second;
+    iLib::deliver(second.getName(), 26, addressOf(&request), status);
+  }
+  iLib::deliver("nOXDIAG100://nConfigTunnel", 26, addressOf(&request), status);
+  EXPECT_EQ(status, 0);
+  EXPECT_STREQ(recorder.calls(), "push push ");
 }

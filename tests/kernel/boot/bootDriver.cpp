@@ -5,8 +5,10 @@
 #include "ntos/debug.h"
 #include "ntos/driver.h"
 #include "ntos/registry.h"
+#include "ntos/status.h"
 #include "ntos/string.h"
 #include "tBootedModules.h"
+#include "vexk/eventLog.h"
 
 namespace {
 
@@ -44,9 +46,37 @@ NTSTATUS readDriverKey(UNICODE_STRING* bootKey) {
   return STATUS_SUCCESS;
 }
 
+bool startsWith(char const* text, char const* start) {
+  while (*start != '\0' && *text == *start) ++text, ++start;
+  return *start == '\0';
+}
+
+// The platform's event log must tell what has just happened.
+NTSTATUS demandLastEvent(char const* start) {
+  tVexEvent event = {};
+  for (u64 next = 1; vexReadEvent(next, event); next = event.number + 1) {
+  }
+  if (startsWith(event.text, start)) return STATUS_SUCCESS;
+  DbgPrint("[boot] the last event is '%s'\n", event.text);
+  return STATUS_DRIVER_UNABLE_TO_LOAD;
+}
+
+NTSTATUS startModules() {
+  NTSTATUS status = modules.initialise();
+  if (status < 0) return status;
+  status = demandLastEvent("oxdiagk.dll load: ");
+  if (status < 0) modules.unload();
+  return status;
+}
+
+NTSTATUS stopModules() {
+  NTSTATUS const status = modules.unload();
+  return status < 0 ? status : demandLastEvent("oxdiagk.dll unload: ");
+}
+
 NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
   NTSTATUS status = readDriverKey(bootKey);
-  if (status >= 0) status = modules.initialise();
+  if (status >= 0) status = startModules();
   if (status < 0) return status;
   status = ZwLoadDriver(&driverKey.path);
   if (status >= 0) return STATUS_SUCCESS;
@@ -56,7 +86,7 @@ NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
 
 void unload(DRIVER_OBJECT* /*driver*/) {
   NTSTATUS const driverStatus = ZwUnloadDriver(&driverKey.path);
-  NTSTATUS const moduleStatus = modules.unload();
+  NTSTATUS const moduleStatus = stopModules();
   if (driverStatus >= 0 && moduleStatus >= 0) {
     DbgPrint("[boot] unloaded\n");
   } else {
