@@ -49,7 +49,8 @@ TEST(Package, KeepsTheStateOfTheLegacyWrapper) {
 
 TEST(Package, KeepsTheStateOfTheWDMWrapperAndGivesTheIdentifier) {
   tModulePackage const& package = *pkgSetLegacyWrapperLoadState(0);
-  for (u32 const state : {1u, 0xFFFFFFFFu, 0u}) {
+  u32 const states[] = {1, 0xFFFFFFFF, 0};
+  for (u32 const state : states) {
     EXPECT_TRUE(pkgSetWDMWrapperLoadStateAndGetGUID(state) == &package.identity->guid);
     EXPECT_EQ(state, package.wdmWrapperState);
   }
@@ -57,7 +58,7 @@ TEST(Package, KeepsTheStateOfTheWDMWrapperAndGivesTheIdentifier) {
 
 TEST(Package, OtherReasonsAreToldAndDoNothing) {
   u64 const next = findNextEvent();
-  for (u32 const reason : {2u, 3u, 4u, 5u}) EXPECT_EQ(0, pkgWDMWrapperCallSSMain(reason));
+  for (u32 reason = 2; reason <= 5; ++reason) EXPECT_EQ(0, pkgWDMWrapperCallSSMain(reason));
   tVexEvent event;
   EXPECT_TRUE(vexReadEvent(next, event));
   EXPECT_TRUE(startsWith(event.text, "oxdiagk.dll open: "));

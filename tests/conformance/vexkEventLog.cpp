@@ -76,7 +76,8 @@ TEST(EventLog, TakesNullsForEmptyTexts) {
 
 TEST(EventLog, TellsTheTurnsOfAModulesLife) {
   tLog log;
-  for (u32 const reason : {0u, 1u, 2u, 3u, 4u, 0xFFFFFFFFu}) {
+  u32 const reasons[] = {0, 1, 2, 3, 4, 0xFFFFFFFF};
+  for (u32 const reason : reasons) {
     pkgModulePackageEventLog(reason, "some.dll", "1.0.0f7 today", "ssMain", &entry);
   }
   EXPECT_TRUE(startsWith(log.read(), "some.dll load: 1.0.0f7 today, ssMain at "));

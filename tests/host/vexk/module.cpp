@@ -8,7 +8,9 @@
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
+#include "vexk/iLib.h"
 #include "vexk/memory.h"
+#include "vexk/moduleInfo.h"
 #include "vexk/number.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
@@ -105,4 +107,66 @@ TEST(VexkHostModule, ALockThatSurvivesAStopIsFoundAfterTheNextStart) {
   EXPECT_EQ(0, syncClose(again));
   EXPECT_EQ(0, syncClose(survivor));
   EXPECT_EQ("", printOfUnload());
+}
+
+namespace {
+
+i32 enterTestModule(u32 /*reason*/) {
+  return 0;
+}
+
+constinit tModulePackage testPackage = {};
+constinit _tLibModuleInfo testModule = {&testPackage, "test", &enterTestModule, 0};
+
+}  // namespace
+
+TEST(VexkHostModule, RegistersNoModuleAtRest) {
+  i32 status = 0;
+  libRegisterModuleWithVEX(testModule, status);
+  EXPECT_EQ(kStatusNotInitialized, status);
+  status = 0;
+  libUnregisterModuleWithVEX(testModule, status);
+  EXPECT_EQ(kStatusBadArgument, status);
+}
+
+TEST(VexkHostModule, ExportsAndReachesNoDispatcherAtRest) {
+  class tSilent : public iLib::iDispatcher {
+   public:
+    tSilent() : iDispatcher("silent") {}
+    void dispatch(u64 /*request*/) override {}
+  };
+  tSilent silent;
+  i32 status = 0;
+  iLib::exportDispatcher(silent, status);
+  EXPECT_EQ(kStatusNotInitialized, status);
+  status = 0;
+  iLib::unexportDispatcher(silent, status);
+  EXPECT_EQ(kStatusNotInitialized, status);
+  status = 0;
+  iLib::deliver("silent", 6, 0, status);
+  EXPECT_EQ(kStatusNotInitialized, status);
+}
+
+TEST(VexkHostModule, AModuleWithoutMemoryIsNotRegisteredAndSaysSo) {
+  vexkInitialize();
+  std::string text;
+  ntoshost::setDebugPrintSink(&appendTo, &text);
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);
+  i32 status = 0;
+  libRegisterModuleWithVEX(testModule, status);
+  ntoshost::clearFaults();
+  ntoshost::setDebugPrintSink(nullptr, nullptr);
+  EXPECT_EQ(kStatusOutOfMemory, status);
+  EXPECT_EQ("vexk registration - test was not registered, status -50352\n", text);
+  EXPECT_EQ("", printOfUnload());
+}
+
+TEST(VexkHostModule, AStopTellsHowManyModulesAreRegistered) {
+  vexkInitialize();
+  i32 status = 0;
+  libRegisterModuleWithVEX(testModule, status);
+  EXPECT_EQ("[vexk] 1 modules are still registered at unload\n", printOfUnload());
+  libUnregisterModuleWithVEX(testModule, status);
+  EXPECT_EQ(0, status);
+  EXPECT_EQ(0u, ntoshost::outstandingBlocks());
 }

@@ -3,8 +3,22 @@
 #include "conformance/harness.h"
 #include "vexk/memory.h"
 
+// The compiler knows these only when it is told to use them.
+void operator delete(void* block, size_t size) noexcept;
+void operator delete[](void* block, size_t size) noexcept;
+
+namespace {
+
+// The compiler thinks that a plain operator never fails; it does not know these.
+using tNew = void*(size_t size);
+
+constinit tNew* volatile newObject = &::operator new;
+constinit tNew* volatile newArray = &::operator new[];
+
+}  // namespace
+
 TEST(ModuleMemory, IsThatOfThePlatform) {
-  void* const block = ::operator new(40);
+  void* const block = newObject(40);
   EXPECT_TRUE(block != nullptr);
   EXPECT_EQ(reinterpret_cast<u64>(block) % 16, u64{0});
   _memDelete(block);
@@ -14,14 +28,14 @@ TEST(ModuleMemory, IsThatOfThePlatform) {
 }
 
 TEST(ModuleMemory, TheSizeOfADeleteIsIgnored) {
-  ::operator delete (::operator new(40), size_t{1});
-  ::operator delete[](::operator new[](40), size_t{1} << 40);
-  ::operator delete (nullptr, size_t{8});
-  ::operator delete[](nullptr, size_t{0});
+  void* const none = nullptr;
+  ::operator delete (newObject(40), size_t{1});
+  ::operator delete[](newArray(40), size_t{1} << 40);
+  ::operator delete (none, size_t{8});
+  ::operator delete[](none, size_t{8});
 }
 
 TEST(ModuleMemory, ThereIsNoneOfAnImpossibleSize) {
-  size_t volatile const impossible = size_t{1} << 62;
-  EXPECT_TRUE(::operator new(impossible) == nullptr);
-  EXPECT_TRUE(::operator new[](impossible) == nullptr);
+  EXPECT_TRUE(newObject(size_t{1} << 62) == nullptr);
+  EXPECT_TRUE(newArray(size_t{1} << 62) == nullptr);
 }
