@@ -22,12 +22,15 @@
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
 
-// Builds the library's global objects in their order and then the process-wide status heap.
-// `registryPath` is the service key of the module; null is allowed and counts as empty.
-// Returns STATUS_SUCCESS, or STATUS_DRIVER_UNABLE_TO_LOAD (0xC000026C) with nothing left
-// constructed when the platform layer is not running or memory is exhausted.
+// Builds the library's global objects in their order, registers the module with the platform layer,
+// which makes the process-wide status heap, and opens the configuration tunnel. `registryPath` is
+// the service key of the module, kept in its record and cut at 260 characters; null is allowed and
+// counts as empty. Returns STATUS_SUCCESS, or STATUS_DRIVER_UNABLE_TO_LOAD (0xC000026C) with
+// nothing left constructed when the platform layer is not running or older than 2.0, memory is
+// exhausted, or another module has one of its class names. Why is in the platform's event log.
 OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
 
-// Destroys the status heap, then the global objects in reverse order of construction. Every status
-// with detail must be gone by then. Always returns STATUS_SUCCESS.
+// Closes the tunnel and waits for the requests in it, destroys the status heap and then the global
+// objects in reverse order of construction. Every status with detail must be gone by then. Always
+// returns STATUS_SUCCESS.
 OXDIAG_API NTSTATUS oxdiagkUnload();

@@ -2,8 +2,8 @@
 
 #include <stdarg.h>
 
-#include "ntos/format.h"
 #include "ntos/time.h"
+#include "tEventLine.h"
 #include "tEventRing.h"
 #include "vexk/debug.h"
 
@@ -14,41 +14,17 @@ constexpr u32 kReasonCount = sizeof(kReasonNames) / sizeof(kReasonNames[0]);
 
 constinit u32 leastPrintedLevel = kVexEventFailure;
 
-// The line of an event while it is made; text beyond its room is cut.
-class tEventLine {
- public:
-  void append(char const* format, ...) VEX_PRINTF_FORMAT(2, 3) {
-    va_list arguments;
-    va_start(arguments, format);
-    appendList(format, arguments);
-    va_end(arguments);
-  }
-
-  void appendList(char const* format, va_list arguments) {
-    u32 const room = kVexEventTextSize - 1 - length;
-    i32 const written = _vsnprintf(text + length, room, format, arguments);
-    length += written < 0 ? room : static_cast<u32>(written);
-    text[length] = '\0';
-  }
-
-  void dropNewline() {
-    if (length != 0 && text[length - 1] == '\n') text[--length] = '\0';
-  }
-
-  void log(u32 level) const {
-    LARGE_INTEGER now;
-    KeQuerySystemTime(&now);
-    vexEventRing.add(level, now.QuadPart, text);
-    if (level >= __atomic_load_n(&leastPrintedLevel, __ATOMIC_RELAXED)) ssprintf("%s\n", text);
-  }
-
- private:
-  u32 length = 0;
-  char text[kVexEventTextSize] = "";
-};
-
 char const* orEmpty(char const* text) {
   return text == nullptr ? "" : text;
+}
+
+void log(u32 level, tEventLine const& line) {
+  LARGE_INTEGER now;
+  KeQuerySystemTime(&now);
+  vexEventRing.add(level, now.QuadPart, line.getText());
+  if (level >= __atomic_load_n(&leastPrintedLevel, __ATOMIC_RELAXED)) {
+    ssprintf("%s\n", line.getText());
+  }
 }
 
 }  // namespace
@@ -64,7 +40,7 @@ void pkgModulePackageEventLog(u32 reason, char const* fileName, char const* buil
   }
   line.append(": %s, %s at %p", orEmpty(buildString), orEmpty(entryName),
               reinterpret_cast<void*>(entry));
-  line.log(kVexEventLife);
+  log(kVexEventLife, line);
 }
 
 void _vexLogEvent(char const* component, char const* location, u32 level, char const* format, ...) {
@@ -75,7 +51,7 @@ void _vexLogEvent(char const* component, char const* location, u32 level, char c
   line.appendList(orEmpty(format), arguments);
   va_end(arguments);
   line.dropNewline();
-  line.log(level);
+  log(level, line);
 }
 
 bool vexReadEvent(u64 leastNumber, tVexEvent& event) {

@@ -21,14 +21,21 @@ constinit tEventRing vexEventRing;
 void tEventRing::add(u32 level, i64 time, char const* text) {
   u64 const number = __atomic_add_fetch(&lastNumber, 1, __ATOMIC_ACQ_REL);
   tPlace& place = places[number % kVexEventCount];
+  if (__atomic_exchange_n(&place.isWritten, 1, __ATOMIC_ACQUIRE) != 0) return;
+  // Who was held up on the way here may be too late.
+  if (get(place.number) < number) replace(place, number, level, time, text);
+  put(place.isWritten, u32{0});
+}
+
+void tEventRing::replace(tPlace& place, u64 number, u32 level, i64 time, char const* text) {
   put(place.number, u64{0});
-  write(place, level, time, text);
+  put(place.time, time);
+  put(place.level, level);
+  writeText(place, text);
   put(place.number, number);
 }
 
-void tEventRing::write(tPlace& place, u32 level, i64 time, char const* text) {
-  put(place.time, time);
-  put(place.level, level);
+void tEventRing::writeText(tPlace& place, char const* text) {
   u32 length = 0;
   for (; length + 1 < kVexEventTextSize && text[length] != '\0'; ++length) {
     put(place.text[length], text[length]);

@@ -5,8 +5,8 @@
 #include "vexk/eventLog.h"
 
 // Writers and readers meet in single words and bytes and never wait: a reader sees by the number of
-// a place that it was written anew, and looks further. Two writers come to the same place at once
-// only if kVexEventCount events happen during one; then the texts may mix, terminated all the same.
+// a place that it is written anew, and looks further. A writer that finds another one in its place,
+// because kVexEventCount events have come during that one's, lets its own event go.
 class tEventRing {
  public:
   constexpr tEventRing() = default;
@@ -21,10 +21,12 @@ class tEventRing {
     u64 number;  // of the event; 0 while there is none and while it is written
     i64 time;
     u32 level;
+    u32 isWritten;  // 1 while a writer is in the place
     char text[kVexEventTextSize];
   };
 
-  void write(tPlace& place, u32 level, i64 time, char const* text);
+  static void replace(tPlace& place, u64 number, u32 level, i64 time, char const* text);
+  static void writeText(tPlace& place, char const* text);
   bool copy(u64 number, tVexEvent& event) const;
 
   u64 lastNumber = 0;

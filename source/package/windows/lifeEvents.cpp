@@ -1,6 +1,6 @@
 #include "package/windows/lifeEvents.h"
 
-#include "package/windows/moduleRecord.h"
+#include "package/windows/moduleStrings.h"
 #include "package/windows/packageEntry.h"
 #include "vexk/eventLog.h"
 

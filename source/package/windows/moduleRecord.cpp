@@ -6,13 +6,7 @@
 
 namespace nOXDIAG100 {
 
-constinit tModuleIdentity const kModuleIdentity = {
-    tModuleIdentity::kFormat,
-    kModuleName,
-    {0xB4E0D7C2, 0x5A39, 0x4F16, {0x8C, 0x71, 0x2E, 0x93, 0x60, 0xAF, 0x1D, 0x58}},
-    kModuleFileName,
-    kBuildString};
-
+// NOLINTNEXTLINE(cppcoreguidelines-interfaces-global-init): the address of a global is constant.
 constinit tModuleRecord moduleRecord = {
     {&moduleRecord.package, nullptr, &moduleEntry, 0},
     {tModulePackage::kFormat, &kModuleIdentity, 0, {}, {}, 0, 0, {}}};

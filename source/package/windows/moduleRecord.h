@@ -14,8 +14,6 @@ struct tModuleRecord {
 // The one of the module. Its name and registry path are empty until fillModuleRecord().
 extern tModuleRecord moduleRecord;
 
-extern tModuleIdentity const kModuleIdentity;
-
 // Copies the module's name, and the registry path of DllInitialize, cut at 260 characters; null is
 // an empty path. PASSIVE_LEVEL.
 void fillModuleRecord(UNICODE_STRING const* registryPath);

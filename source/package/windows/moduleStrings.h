@@ -3,6 +3,8 @@
 // What the module says about itself: its names and one line about its build, for the identity
 // block and for every event of its life. Constant data; any IRQL, before every initialisation.
 
+#include "vexk/moduleInfo.h"
+
 namespace nOXDIAG100 {
 
 // "oxdiagk", and "oxdiagk.dll" on every target.
@@ -17,5 +19,8 @@ extern char const kModuleFileName[];
 // The time is not that of the compilation, so that the same sources make the same file; where it
 // comes from is said in cmake/buildTime.cmake.
 extern char const kBuildString[];
+
+// All of it, with the module's identifier, as the platform reads it.
+extern tModuleIdentity const kModuleIdentity;
 
 }  // namespace nOXDIAG100

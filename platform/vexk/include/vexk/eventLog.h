@@ -10,8 +10,9 @@
 //     ssKernelExportDriver .\source\package\windows\clientPkgExportDriver:124 - ssMain(0) of
 //     oxdiagk failed with status -50352
 //
-// Logging never fails, waits or allocates, and works before vexkInitialize. Any IRQL at which the
-// arguments may be read, except where a wide text is formatted; any thread.
+// Logging never waits or allocates, and works before vexkInitialize. An event may be lost when
+// kVexEventCount others come while it is written. Any IRQL at which the arguments may be read,
+// except where a wide text is formatted; any thread.
 
 #include "ntos/types.h"
 #include "vexk/api.h"

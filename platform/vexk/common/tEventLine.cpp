@@ -1,0 +1,21 @@
+#include "tEventLine.h"
+
+#include "ntos/format.h"
+
+void tEventLine::append(char const* format, ...) {
+  va_list arguments;
+  va_start(arguments, format);
+  appendList(format, arguments);
+  va_end(arguments);
+}
+
+void tEventLine::appendList(char const* format, va_list arguments) {
+  u32 const room = kVexEventTextSize - 1 - length;
+  i32 const written = _vsnprintf(text + length, room, format, arguments);
+  length += written < 0 ? room : static_cast<u32>(written);
+  text[length] = '\0';
+}
+
+void tEventLine::dropNewline() {
+  if (length != 0 && text[length - 1] == '\n') text[--length] = '\0';
+}
