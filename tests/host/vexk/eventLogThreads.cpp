@@ -22,7 +22,7 @@ std::string textOf(u32 writer, u32 round) {
   return std::string(10 + round % 180, static_cast<char>('a' + writer));
 }
 
-void write(u32 writer) {
+void writeEvents(u32 writer) {
   for (u32 round = 0; round < kRounds; ++round) {
     _vexLogEvent("w", "", writer, "%s", textOf(writer, round).c_str());
   }
@@ -68,7 +68,7 @@ TEST(EventLogThreads, WhatIsReadIsWhole) {
   u64 seen = 0;
   std::thread reader([&] { seen = readAll(first, isDone); });
   std::vector<std::thread> writers;
-  for (u32 writer = 0; writer < kWriters; ++writer) writers.emplace_back(write, writer);
+  for (u32 writer = 0; writer < kWriters; ++writer) writers.emplace_back(&writeEvents, writer);
   for (std::thread& writer : writers) writer.join();
   isDone = true;
   reader.join();
