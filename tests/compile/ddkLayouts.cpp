@@ -5,6 +5,7 @@
 #define __INTRINSIC_DEFINED_InterlockedBitTestAndReset
 
 #include <ntifs.h>
+#include <stdio.h>
 #include <wchar.h>
 
 #include "abiChecks.h"

@@ -107,6 +107,26 @@ TEST_F(ModuleLife, TheTerminatorsRunOnce) {
   EXPECT_TRUE(image.isGone());
 }
 
+TEST_F(ModuleLife, ASecondLoadOfAnUnloadedImageBuildsNothing) {
+  ASSERT_EQ(image.initialise(), STATUS_SUCCESS);
+  EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  EXPECT_EQ(image.initialise(), STATUS_SUCCESS);
+  EXPECT_EQ(image.getOutcome(), kWithoutRegistry);
+  EXPECT_EQ(acquireThroughTunnel(), 0u);
+  EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  EXPECT_TRUE(image.isGone());
+}
+
+TEST_F(ModuleLife, UnloadNeedsNoMemory) {
+  ASSERT_EQ(image.initialise(), STATUS_SUCCESS);
+  acquireThroughTunnel();
+  ntoshost::failFrom(ntoshost::kFaultAll, 1);
+  EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  ntoshost::clearFaults();
+  EXPECT_TRUE(image.isGone());
+  EXPECT_EQ(ntoshost::outstandingBlocks(), 0u);
+}
+
 TEST_F(ModuleLife, OtherReasonsDoNothing) {
   ASSERT_EQ(image.initialise(), STATUS_SUCCESS);
   u64 const blocks = ntoshost::outstandingBlocks();
