@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
-#include "slotbus/host/optionTable.h"
+#include "options/optionTable.h"
 
 namespace {
 
@@ -44,7 +44,7 @@ char const* const kExamplesAndCodes =
     "command line is wrong; an option word that the library would pass over is.";
 
 std::string makeFooter() {
-  return kVerbositiesAndFilter + describeOptions() + kExamplesAndCodes;
+  return kVerbositiesAndFilter + describeOptions("--") + kExamplesAndCodes;
 }
 
 void addOptions(CLI::App& app, tDemoOptions& options) {

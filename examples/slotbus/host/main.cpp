@@ -4,15 +4,15 @@
 
 #include "ntoshost/executive.h"
 #include "ntoshost/files.h"
+#include "options/filterCheck.h"
+#include "options/tOptionCheck.h"
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tCTFTraceDestination.h"
 #include "slotbus/component/component.h"
 #include "slotbus/component/slotbus.h"
 #include "slotbus/component/tCaptureBuffer.h"
 #include "slotbus/host/demoOptions.h"
-#include "slotbus/host/filterCheck.h"
 #include "slotbus/host/tModules.h"
-#include "slotbus/host/tOptionCheck.h"
 #include "slotbus/host/tOptionWordList.h"
 #include "slotbus/host/tRackFile.h"
 #include "slotbus/host/tSerialPort.h"
@@ -44,7 +44,8 @@ void applyFilter(std::string expression, tTrace& trace) {
 std::optional<std::string> findProblem(tOptionLanguage const& language, std::string const& text) {
   tOptionWordList const list(text);
   auto const problem = tOptionCheck(language, list.get()).findProblem();
-  return problem ? std::optional(std::string(language.name) + ": " + *problem) : std::nullopt;
+  return problem ? std::optional(std::string("--").append(language.name) + ": " + *problem)
+                 : std::nullopt;
 }
 
 // What is wrong with what the user typed for the library, if anything.

@@ -110,8 +110,8 @@ TEST_F(SlotbusDemoOptions, WhatIsNoTraceOptionIsPointedOutWithTheNearestWord) {
 }
 
 TEST_F(SlotbusDemoOptions, AnOptionOfTheOtherKindIsSentThere) {
-  expectRefused("--trace", {{"--break off", "'--break' belongs to --assert."}});
-  expectRefused("--assert", {{"--timestamp", "'--timestamp' belongs to --trace."}});
+  expectRefused("--trace", {{"--break off", "'--break' belongs to assert, not to trace."}});
+  expectRefused("--assert", {{"--timestamp", "'--timestamp' belongs to trace, not to assert."}});
 }
 
 TEST_F(SlotbusDemoOptions, AValueThatIsNeitherOnNorOffIsPointedOut) {

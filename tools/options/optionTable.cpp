@@ -1,4 +1,4 @@
-#include "slotbus/host/optionTable.h"
+#include "options/optionTable.h"
 
 #include <algorithm>
 #include <array>
@@ -72,8 +72,8 @@ void appendLine(std::string& text, std::string_view word, std::string_view value
   text += head + "\n";
 }
 
-void appendLanguage(std::string& text, tOptionLanguage const& language) {
-  text.append("\nWords of ").append(language.name).append(":\n");
+void appendLanguage(std::string& text, tOptionLanguage const& language, std::string_view prefix) {
+  text.append("\nWords of ").append(prefix).append(language.name).append(":\n");
   for (tOption const& option : language.options) {
     appendLine(text, option.word, option.values, option.effect);
   }
@@ -81,8 +81,8 @@ void appendLanguage(std::string& text, tOptionLanguage const& language) {
 
 }  // namespace
 
-tOptionLanguage const kTraceLanguage = {"--trace", kTraceOptions};
-tOptionLanguage const kAssertLanguage = {"--assert", kAssertOptions};
+tOptionLanguage const kTraceLanguage = {"trace", kTraceOptions};
+tOptionLanguage const kAssertLanguage = {"assert", kAssertOptions};
 std::span<tDestinationName const> const kDestinationNames = kDestinations;
 std::span<std::string_view const> const kBaudRates = kBauds;
 
@@ -92,13 +92,13 @@ tOption const* findOption(tOptionLanguage const& language, std::string_view word
   return found == language.options.end() ? nullptr : &*found;
 }
 
-std::string describeOptions() {
+std::string describeOptions(std::string_view prefix) {
   std::string text;
-  appendLanguage(text, kTraceLanguage);
+  appendLanguage(text, kTraceLanguage, prefix);
   text += "\nNames behind --destination:\n";
   for (tDestinationName const& name : kDestinationNames) {
     appendLine(text, name.word, name.values, name.effect);
   }
-  appendLanguage(text, kAssertLanguage);
+  appendLanguage(text, kAssertLanguage, prefix);
   return text;
 }

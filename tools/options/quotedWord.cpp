@@ -1,4 +1,4 @@
-#include "slotbus/host/quotedWord.h"
+#include "options/quotedWord.h"
 
 namespace {
 constexpr size_t kMaxShownLength = 60;

@@ -1,11 +1,11 @@
-#include "slotbus/host/tOptionCheck.h"
+#include "options/tOptionCheck.h"
 
 #include <algorithm>
 
-#include "slotbus/host/filterCheck.h"
-#include "slotbus/host/nearestWord.h"
-#include "slotbus/host/quotedWord.h"
-#include "slotbus/host/valueForms.h"
+#include "options/filterCheck.h"
+#include "options/nearestWord.h"
+#include "options/quotedWord.h"
+#include "options/valueForms.h"
 
 namespace {
 
@@ -42,7 +42,7 @@ void tOptionCheck::readOption(std::string const& word) {
   tOptionLanguage const& other =
       known.name == kTraceLanguage.name ? kAssertLanguage : kTraceLanguage;
   if (findOption(other, word) != nullptr) {
-    refuse(word, join("belongs to ", other.name));
+    refuse(word, join("belongs to ", other.name).append(", not to ").append(known.name));
   } else {
     refuse(word, "is no option", getOptionWords());
   }

@@ -1,4 +1,4 @@
-#include "slotbus/host/valueForms.h"
+#include "options/valueForms.h"
 
 #include <cctype>
 

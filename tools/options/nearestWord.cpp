@@ -1,4 +1,4 @@
-#include "slotbus/host/nearestWord.h"
+#include "options/nearestWord.h"
 
 #include <algorithm>
 #include <cctype>

@@ -28,7 +28,7 @@ struct tOption {
 
 // The option words that one object of the library understands.
 struct tOptionLanguage {
-  std::string_view name;  // the demo's own option that takes them
+  std::string_view name;  // of the object, as the registry of instances has it
   std::span<tOption const> options;
 };
 
@@ -48,5 +48,6 @@ extern std::span<std::string_view const> const kBaudRates;
 // The option in `language` that is this word; null if there is none.
 tOption const* findOption(tOptionLanguage const& language, std::string_view word);
 
-// All options of both languages and all destinations, a line each.
-std::string describeOptions();
+// All options of both languages and all destinations, a line each. `prefix` makes the name of a
+// language what takes its words in the program that shows them, such as --trace.
+std::string describeOptions(std::string_view prefix);

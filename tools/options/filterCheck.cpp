@@ -1,10 +1,10 @@
-#include "slotbus/host/filterCheck.h"
+#include "options/filterCheck.h"
 
 #include <array>
 #include <cctype>
 #include <string_view>
 
-#include "slotbus/host/quotedWord.h"
+#include "options/quotedWord.h"
 
 namespace {
 

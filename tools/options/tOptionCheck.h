@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "slotbus/host/optionTable.h"
+#include "options/optionTable.h"
 
 // The library passes over what it does not understand in option words, as a driver must. A person
 // at a terminal wants to be told: this class does the telling. It reads words as the library does
