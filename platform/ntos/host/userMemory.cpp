@@ -1,6 +1,8 @@
 #include "ntoshost/userMemory.h"
 
 #include <errno.h>
+#include <poll.h>
+#include <sys/pidfd.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -15,7 +17,10 @@ constexpr size_t kPagesAtOnce = 16;
 
 using Transfer = decltype(&process_vm_readv);
 
-constinit i32 g_userProcess = 0;
+constexpr int kNone = -1;
+
+constinit thread_local i32 g_process = 0;
+constinit thread_local int g_descriptor = kNone;  // what holds on to that process
 
 void* pointerTo(u64 address) {
   return reinterpret_cast<void*>(address);
@@ -42,9 +47,13 @@ struct UserPages {
   size_t length = 0;
 };
 
-size_t copy(Transfer transfer, u8 const* local, u64 userAddress, size_t length) {
-  if (injectFault(kFaultUserCopy)) return 0;
-  i32 const process = getUserProcess();
+// A process that has ended is gone, also while its number is still kept for its parent.
+bool isGone() {
+  pollfd watched = {g_descriptor, POLLIN, 0};
+  return g_descriptor != kNone && poll(&watched, 1, 0) != 0;
+}
+
+size_t copy(Transfer transfer, i32 process, u8 const* local, u64 userAddress, size_t length) {
   size_t copied = 0;
   while (copied < length) {
     UserPages const pages(userAddress + copied, length - copied);
@@ -54,6 +63,13 @@ size_t copy(Transfer transfer, u8 const* local, u64 userAddress, size_t length) 
     copied += static_cast<size_t>(moved);
   }
   return copied;
+}
+
+// Looking again behind the copy tells that what was read is of no later process with that number.
+size_t copyUnlessGone(Transfer transfer, u8 const* local, u64 userAddress, size_t length) {
+  if (injectFault(kFaultUserCopy) || isGone()) return 0;
+  size_t const copied = copy(transfer, getUserProcess(), local, userAddress, length);
+  return isGone() ? 0 : copied;
 }
 
 // Nothing is at address 0, but only who may look is told so.
@@ -67,24 +83,29 @@ bool mayTouch(i32 process) {
 }  // namespace
 
 bool setUserProcess(i32 pid) {
-  if (pid != 0 && !mayTouch(pid)) return false;
-  __atomic_store_n(&g_userProcess, pid, __ATOMIC_RELEASE);
-  return true;
+  int const descriptor = pid == 0 ? kNone : pidfd_open(pid, 0);
+  bool const isReached = pid == 0 || (descriptor != kNone && mayTouch(pid));
+  int const unneeded = isReached ? g_descriptor : descriptor;
+  if (isReached) {
+    g_process = pid;
+    g_descriptor = descriptor;
+  }
+  if (unneeded != kNone) close(unneeded);
+  return isReached;
 }
 
 i32 getUserProcess() {
-  i32 const process = __atomic_load_n(&g_userProcess, __ATOMIC_ACQUIRE);
-  return process != 0 ? process : getpid();
+  return g_process != 0 ? g_process : getpid();
 }
 
 size_t copyFromUser(void* to, u64 userAddress, size_t length) {
   requireIrqlAtMost(APC_LEVEL, "copyFromUser");
-  return copy(process_vm_readv, static_cast<u8*>(to), userAddress, length);
+  return copyUnlessGone(process_vm_readv, static_cast<u8*>(to), userAddress, length);
 }
 
 size_t copyToUser(u64 userAddress, void const* from, size_t length) {
   requireIrqlAtMost(APC_LEVEL, "copyToUser");
-  return copy(process_vm_writev, static_cast<u8 const*>(from), userAddress, length);
+  return copyUnlessGone(process_vm_writev, static_cast<u8 const*>(from), userAddress, length);
 }
 
 }  // namespace ntoshost

@@ -3,11 +3,17 @@
 #include "ntoshost/userMemory.h"
 
 #include <gtest/gtest.h>
+#include <linux/sched.h>
+#include <signal.h>
 #include <sys/mman.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstring>
 #include <string>
+#include <thread>
 
 #include "ntos/irql.h"
 #include "ntos/thread.h"
@@ -175,6 +181,44 @@ TEST_F(OtherProcess, OneThatIsGoneGivesNothing) {
   end();
   u8 copy = 0;
   EXPECT_EQ(ntoshost::copyFromUser(&copy, addressOf(m_bytes), 1), 0u);
+}
+
+// Threads are told apart, so a thread may serve a process while the others see to their own.
+TEST_F(OtherProcess, ItIsThatOfOneThread) {
+  ASSERT_TRUE(ntoshost::setUserProcess(m_child));
+  m_bytes[0] = 'm';
+  std::thread([&] {
+    EXPECT_EQ(ntoshost::getUserProcess(), getpid());
+    u8 copy = 0;
+    EXPECT_EQ(ntoshost::copyFromUser(&copy, addressOf(m_bytes), 1), 1u);
+    EXPECT_EQ(copy, 'm');
+  }).join();
+  EXPECT_EQ(ntoshost::getUserProcess(), m_child);
+}
+
+// The next process with the number is a fork of this one too, so all addresses are good in it.
+TEST_F(OtherProcess, AnotherOneWithItsNumberIsNotTakenForIt) {
+  ASSERT_TRUE(ntoshost::setUserProcess(m_child));
+  pid_t const number = m_child;
+  end();
+  pid_t numbers[] = {number};
+  clone_args arguments = {};
+  arguments.exit_signal = SIGCHLD;
+  arguments.set_tid = addressOf(numbers);
+  arguments.set_tid_size = 1;
+  long const next = syscall(SYS_clone3, &arguments, sizeof(arguments));
+  if (next == 0) {
+    pause();
+    _exit(0);
+  }
+  ASSERT_EQ(next, number) << "choosing the number of a process needs root: " << strerror(errno);
+  u8 copy = 0;
+  EXPECT_EQ(ntoshost::copyFromUser(&copy, addressOf(m_bytes), 1), 0u);
+  EXPECT_EQ(ntoshost::copyToUser(addressOf(m_bytes), &copy, 1), 0u);
+  ASSERT_TRUE(ntoshost::setUserProcess(number));
+  EXPECT_EQ(ntoshost::copyFromUser(&copy, addressOf(m_bytes), 1), 1u);
+  kill(number, SIGKILL);
+  waitpid(number, nullptr, 0);
 }
 
 TEST_F(OtherProcess, OneThatIsGoneCannotBeSet) {

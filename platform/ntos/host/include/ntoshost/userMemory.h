@@ -2,15 +2,18 @@
 
 #include "ntos/types.h"
 
-// User-mode memory: the memory of the user process, by default this process itself.
+// User-mode memory: the memory of the calling thread's user process, by default this process
+// itself. Threads that serve different processes do so side by side.
 
 namespace ntoshost {
 
-// Makes `pid` the user process of all threads; 0 is this process. False, and nothing changes, when
-// there is no such process or its memory may not be touched.
+// Makes `pid` the user process of the calling thread; 0 is this process, and what a thread says
+// before it ends if it said another. False, and nothing changes, when there is no such process or
+// its memory may not be touched. The process is held on to: when it ends it is gone, and another
+// one that gets its number is not taken for it.
 bool setUserProcess(i32 pid);
 
-// The process id that the copies use.
+// The process id that the copies of the calling thread use.
 i32 getUserProcess();
 
 // Copies `length` bytes from or to the user process and returns how many were copied before the

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <sys/types.h>
+
+// The process at the other end of a connection, as the kernel names it.
+class tRequestPeer {
+ public:
+  constexpr tRequestPeer() = default;
+
+  // Asks who has connected and holds on to that process until `close`. False, and nothing is held,
+  // when the process is gone or none of this system's.
+  bool identify(int connection);
+  void close();
+
+  bool isServed() const;  // the user of this program, or root
+  bool isAlive() const;
+  pid_t getProcess() const { return process; }
+
+ private:
+  static constexpr int kNone = -1;
+
+  pid_t process = 0;
+  uid_t user = 0;
+  int descriptor = kNone;
+};

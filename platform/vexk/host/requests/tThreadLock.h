@@ -1,0 +1,27 @@
+#pragma once
+
+#include <pthread.h>
+
+// A lock of the host's own threads; they are no part of the kernel that the executive plays.
+class tThreadLock {
+ public:
+  constexpr tThreadLock() = default;
+
+  void take() { pthread_mutex_lock(&mutex); }
+  void giveBack() { pthread_mutex_unlock(&mutex); }
+
+  // Holds a lock for a scope.
+  class tGuard {
+   public:
+    explicit tGuard(tThreadLock& held) : lock(held) { lock.take(); }
+    ~tGuard() { lock.giveBack(); }
+    tGuard(tGuard const&) = delete;
+    tGuard& operator=(tGuard const&) = delete;
+
+   private:
+    tThreadLock& lock;
+  };
+
+ private:
+  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+};
