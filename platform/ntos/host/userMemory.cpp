@@ -2,7 +2,7 @@
 
 #include <errno.h>
 #include <poll.h>
-#include <sys/pidfd.h>
+#include <sys/syscall.h>
 #include <sys/uio.h>
 #include <unistd.h>
 
@@ -83,7 +83,7 @@ bool mayTouch(i32 process) {
 }  // namespace
 
 bool setUserProcess(i32 pid) {
-  int const descriptor = pid == 0 ? kNone : pidfd_open(pid, 0);
+  int const descriptor = pid == 0 ? kNone : static_cast<int>(syscall(SYS_pidfd_open, pid, 0));
   bool const isReached = pid == 0 || (descriptor != kNone && mayTouch(pid));
   int const unneeded = isReached ? g_descriptor : descriptor;
   if (isReached) {

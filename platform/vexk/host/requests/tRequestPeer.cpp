@@ -1,8 +1,8 @@
 #include "host/requests/tRequestPeer.h"
 
 #include <poll.h>
-#include <sys/pidfd.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 bool tRequestPeer::identify(int connection) {
@@ -11,7 +11,7 @@ bool tRequestPeer::identify(int connection) {
   if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &who, &size) != 0) return false;
   process = who.pid;
   user = who.uid;
-  descriptor = process > 0 ? pidfd_open(process, 0) : kNone;
+  descriptor = process > 0 ? static_cast<int>(syscall(SYS_pidfd_open, process, 0)) : kNone;
   return descriptor != kNone;
 }
 

@@ -139,8 +139,7 @@ bool tRequestSocket::isStale() const {
 void tRequestSocket::close() {
   tLockedFolder const folder(path);
   struct stat found;
-  bool const isOurs =
-      lstat(path, &found) == 0 && found.st_dev == device && found.st_ino == file;
+  bool const isOurs = lstat(path, &found) == 0 && found.st_dev == device && found.st_ino == file;
   if (isOurs) unlink(path);
   closeKeepingError(descriptor);
 }
