@@ -1,0 +1,194 @@
+// The request server from start to stop, and the file of its socket.
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <fstream>
+#include <thread>
+
+#include "requests/requestTest.h"
+
+using vexkhost::startRequestServer;
+using vexkhost::stopRequestServer;
+
+namespace {
+
+class ServerLife : public RequestTest {
+ protected:
+  void expectRefusedStart(char const* at, int error) {
+    errno = 0;
+    EXPECT_FALSE(startRequestServer(at));
+    EXPECT_EQ(errno, error);
+  }
+};
+
+mode_t modeOf(std::string const& path) {
+  struct stat found = {};
+  stat(path.c_str(), &found);
+  return found.st_mode;
+}
+
+// A server that dies without taking its socket away.
+int leaveASocket(std::string const& path) {
+  return tChild([&path] { return startRequestServer(path.c_str()) ? 0 : 1; }).await();
+}
+
+}  // namespace
+
+TEST_F(ServerLife, ServesFromStartToStop) {
+  EXPECT_FALSE(tConnection(path).isConnected());
+  startServer();
+  EXPECT_EQ(callOnce(), 0);
+  stopRequestServer();
+  EXPECT_FALSE(tConnection(path).isConnected());
+  EXPECT_TRUE(folder.isEmpty());
+}
+
+TEST_F(ServerLife, CanBeginAnew) {
+  for (int round = 0; round < 20; ++round) {
+    startServer();
+    EXPECT_EQ(callOnce(), 0);
+    stopRequestServer();
+  }
+}
+
+TEST_F(ServerLife, AStopWithoutStartDoesNothing) {
+  stopRequestServer();
+  startServer();
+  stopRequestServer();
+  stopRequestServer();
+}
+
+TEST_F(ServerLife, TheSocketIsTheOwnersAlone) {
+  startServer();
+  EXPECT_EQ(modeOf(path), mode_t{S_IFSOCK | 0600});
+}
+
+TEST_F(ServerLife, ASecondStartIsRefused) {
+  startServer();
+  expectRefusedStart(path.c_str(), EALREADY);
+  EXPECT_EQ(callOnce(), 0);
+}
+
+TEST_F(ServerLife, ASocketThatSomebodyListensAtIsLeftAlone) {
+  int started[2];
+  int finish[2];
+  ASSERT_EQ(pipe(started) + pipe(finish), 0);
+  tChild other([&] {
+    bool const isGood = startRequestServer(path.c_str()) && write(started[1], "s", 1) == 1;
+    char byte;
+    close(finish[1]);
+    bool const isEnd = read(finish[0], &byte, 1) == 0;
+    stopRequestServer();
+    return isGood && isEnd ? 0 : 1;
+  });
+  char byte;
+  EXPECT_EQ(read(started[0], &byte, 1), 1);
+  expectRefusedStart(path.c_str(), EADDRINUSE);
+  EXPECT_EQ(callOnce(), 0);
+  for (int end : {finish[0], finish[1], started[0], started[1]}) close(end);
+  EXPECT_EQ(other.await(), 0);
+}
+
+TEST_F(ServerLife, ASocketThatADeadServerLeftIsReplaced) {
+  ASSERT_EQ(leaveASocket(path), 0);
+  EXPECT_FALSE(folder.isEmpty());
+  startServer();
+  EXPECT_EQ(callOnce(), 0);
+}
+
+TEST_F(ServerLife, WhatIsNoSocketIsLeftAlone) {
+  std::ofstream(path) << "precious";
+  expectRefusedStart(path.c_str(), EADDRINUSE);
+  EXPECT_EQ(std::filesystem::file_size(path), 8u);
+  std::filesystem::remove(path);
+}
+
+TEST_F(ServerLife, TheStopTakesOnlyItsOwnSocketAway) {
+  startServer();
+  std::filesystem::remove(path);
+  std::ofstream(path) << "precious";
+  stopRequestServer();
+  EXPECT_TRUE(std::filesystem::exists(path));
+  std::filesystem::remove(path);
+}
+
+TEST_F(ServerLife, PathsThatAreTooShortOrTooLongAreRefused) {
+  expectRefusedStart("", ENAMETOOLONG);
+  std::string const longest = path + std::string(vexkhost::kRequestPathSize - 1 - path.size(), 'x');
+  expectRefusedStart((longest + "x").c_str(), ENAMETOOLONG);
+  EXPECT_TRUE(startRequestServer(longest.c_str()));
+}
+
+TEST_F(ServerLife, AFolderThatIsMissingIsTold) {
+  expectRefusedStart(folder.pathOf("missing/socket").c_str(), ENOENT);
+}
+
+TEST_F(ServerLife, ByDefaultItIsInTheFolderOfTheUsersSession) {
+  setenv("XDG_RUNTIME_DIR", folder.pathOf("").c_str(), 1);
+  EXPECT_TRUE(startRequestServer(nullptr));
+  EXPECT_TRUE(tConnection(folder.pathOf("oxdiag.socket")).isConnected());
+  unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST_F(ServerLife, WithoutSessionItIsInAFolderOfTheUsersOwn) {
+  char found[vexkhost::kRequestPathSize];
+  std::string const wanted = "/tmp/oxdiag-" + std::to_string(geteuid()) + "/oxdiag.socket";
+  for (char const* session : {"", "relative"}) {
+    setenv("XDG_RUNTIME_DIR", session, 1);
+    EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
+    EXPECT_EQ(found, wanted);
+  }
+  unsetenv("XDG_RUNTIME_DIR");
+  EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
+  EXPECT_EQ(found, wanted);
+}
+
+TEST_F(ServerLife, ASessionFolderWithALongNameIsRefused) {
+  setenv("XDG_RUNTIME_DIR", ("/" + std::string(200, 'x')).c_str(), 1);
+  expectRefusedStart(nullptr, ENAMETOOLONG);
+  unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST_F(ServerLife, StartsAndStopsOfManyThreadsLeaveNothing) {
+  auto const startAndStop = [this] {
+    for (int round = 0; round < 50; ++round) {
+      startRequestServer(path.c_str());
+      stopRequestServer();
+    }
+  };
+  std::thread first(startAndStop);
+  std::thread second(startAndStop);
+  first.join();
+  second.join();
+}
+
+// Of many processes that want the same path at once one gets it, and it is reached there.
+TEST_F(ServerLife, OneOfManyGetsThePath) {
+  ASSERT_EQ(leaveASocket(path), 0);
+  int started[2];
+  int finish[2];
+  ASSERT_EQ(pipe(started) + pipe(finish), 0);
+  auto const compete = [&] {
+    close(finish[1]);
+    char const result = startRequestServer(path.c_str()) ? 's' : errno == EADDRINUSE ? 'r' : '?';
+    bool isSaid = write(started[1], &result, 1) == 1;
+    char byte;
+    isSaid = isSaid && read(finish[0], &byte, 1) == 0;
+    stopRequestServer();
+    return isSaid ? 0 : 1;
+  };
+  {
+    tChild const children[] = {tChild(compete), tChild(compete), tChild(compete), tChild(compete)};
+    std::string results(std::size(children), ' ');
+    for (char& result : results) EXPECT_EQ(read(started[0], &result, 1), 1);
+    EXPECT_EQ(std::count(results.begin(), results.end(), 's'), 1) << results;
+    EXPECT_EQ(std::count(results.begin(), results.end(), 'r'), 3) << results;
+    EXPECT_EQ(callOnce(), 0);
+    close(finish[1]);
+  }
+  close(finish[0]);
+  close(started[0]);
+  close(started[1]);
+}
