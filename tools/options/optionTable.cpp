@@ -49,7 +49,7 @@ constexpr tOption kAssertOptions[] = {
 };
 
 constexpr tDestinationName kDestinations[] = {
-    {"vex", "", "debugger print: here, standard output"},
+    {"vex", "", "debugger print; of the demo, standard output"},
     {"serial", "[BAUD]", "serial port 1; 1200 to 115200 baud (115200)"},
     {"file", "[NAME] [overwrite|append]", "a file such as C:/rack.out\n(C:/DebugTrace.out)"},
 };
@@ -72,13 +72,6 @@ void appendLine(std::string& text, std::string_view word, std::string_view value
   text += head + "\n";
 }
 
-void appendLanguage(std::string& text, tOptionLanguage const& language, std::string_view prefix) {
-  text.append("\nWords of ").append(prefix).append(language.name).append(":\n");
-  for (tOption const& option : language.options) {
-    appendLine(text, option.word, option.values, option.effect);
-  }
-}
-
 }  // namespace
 
 tOptionLanguage const kTraceLanguage = {"trace", kTraceOptions};
@@ -92,13 +85,15 @@ tOption const* findOption(tOptionLanguage const& language, std::string_view word
   return found == language.options.end() ? nullptr : &*found;
 }
 
-std::string describeOptions(std::string_view prefix) {
-  std::string text;
-  appendLanguage(text, kTraceLanguage, prefix);
+std::string describeOptions(tOptionLanguage const& language, std::string_view prefix) {
+  std::string text = "\nWords of " + std::string(prefix) + std::string(language.name) + ":\n";
+  for (tOption const& option : language.options) {
+    appendLine(text, option.word, option.values, option.effect);
+  }
+  if (findOption(language, "--destination") == nullptr) return text;
   text += "\nNames behind --destination:\n";
   for (tDestinationName const& name : kDestinationNames) {
     appendLine(text, name.word, name.values, name.effect);
   }
-  appendLanguage(text, kAssertLanguage, prefix);
   return text;
 }

@@ -48,6 +48,6 @@ extern std::span<std::string_view const> const kBaudRates;
 // The option in `language` that is this word; null if there is none.
 tOption const* findOption(tOptionLanguage const& language, std::string_view word);
 
-// All options of both languages and all destinations, a line each. `prefix` makes the name of a
-// language what takes its words in the program that shows them, such as --trace.
-std::string describeOptions(std::string_view prefix);
+// The options of a language, and the destinations if it can name them, a line each. `prefix` makes
+// the name of the language what takes its words in the program that shows them, such as --trace.
+std::string describeOptions(tOptionLanguage const& language, std::string_view prefix);

@@ -44,7 +44,8 @@ char const* const kExamplesAndCodes =
     "command line is wrong; an option word that the library would pass over is.";
 
 std::string makeFooter() {
-  return kVerbositiesAndFilter + describeOptions("--") + kExamplesAndCodes;
+  return kVerbositiesAndFilter + describeOptions(kTraceLanguage, "--") +
+         describeOptions(kAssertLanguage, "--") + kExamplesAndCodes;
 }
 
 void addOptions(CLI::App& app, tDemoOptions& options) {

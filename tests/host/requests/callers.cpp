@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <sys/mman.h>
 
+#include <memory>
 #include <thread>
 #include <vector>
 

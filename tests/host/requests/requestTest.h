@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
 #include <iterator>
 #include <optional>
@@ -88,12 +89,12 @@ class tDoubler : public iLib::iDispatcher {
     doubling.result = 2 * doubling.number;
     u64 const place = request + offsetof(tDoubling, result);
     size_t const written = vexCopyToUser(place, &doubling.result, sizeof(doubling.result));
-    __atomic_add_fetch(written == 0 ? &unwritten : &served, 1, __ATOMIC_RELAXED);
+    ++(written == 0 ? unwritten : served);
   }
 
   i32 status = 0;
-  int served = 0;
-  int unwritten = 0;
+  std::atomic<int> served = 0;
+  std::atomic<int> unwritten = 0;
   tGate gate;
 };
 

@@ -1,0 +1,103 @@
+#include "oxdiagctl/controlOptions.h"
+
+#include <CLI/CLI.hpp>
+
+#include "options/optionTable.h"
+#include "oxdiagctl/exitCodes.h"
+#include "oxdiagctl/iRequestChannel.h"
+
+namespace {
+
+char const* const kDescription =
+    "Shows and changes the settings of a running diagnostics library: where its trace\n"
+    "goes, what stands in it, and which assertions are checked.";
+
+char const* const kExamples =
+    "\n"
+    "Examples:\n"
+    "  oxdiagctl list                                   what can be set\n"
+    "  oxdiagctl trace                                  the settings of the trace\n"
+    "  oxdiagctl trace --timestamp on --threadid on     changes two of them\n"
+    "  oxdiagctl trace --push --destination file C:/x.out --filter \"verbosity>=60\"\n"
+    "  oxdiagctl trace --pop                            back to what they were\n"
+    "  oxdiagctl assert --category warning --checks off\n"
+    "  oxdiagctl trace --raw >settings.txt              as the library tells them\n"
+    "\n"
+    "Words of `trace` and `assert`: oxdiagctl trace --help. More in docs/configuring.md.\n";
+
+char const* const kCodes =
+    "\n"
+    "Exit code: 0 done, 1 the target did not do what was asked of it, 2 nobody listens,\n"
+    "3 access is denied, 4 a word is unknown or would have no effect (nothing is\n"
+    "changed then), 5 the output cannot be written, 64 the command line is wrong.";
+
+char const* const kOrder =
+    "\n"
+    "With words the settings are changed and the changes are shown, without words the\n"
+    "settings are. --push comes before the words and --pop instead of them.\n";
+
+// In front of the command and behind it.
+void addPlace(CLI::App& command, tControlOptions& options) {
+  command.get_formatter()->column_width(18);
+  command.allow_windows_style_options(false);
+  command.add_option("--at", options.place, kPlaceHelp)->type_name("PLACE");
+}
+
+// What `trace` and `assert` have in common.
+void addSettings(CLI::App& command, tOptionLanguage const& language, tControlOptions& options) {
+  addPlace(command, options);
+  command.allow_extras();
+  CLI::Option* const push =
+      command.add_flag("--push", options.pushes, "Save the settings in the target first");
+  command.add_flag("--pop", options.pops, "Restore the settings that were saved last")
+      ->excludes(push);
+  command.add_flag("--raw", options.isRaw, "Print the settings as the library tells them");
+  command.footer(describeOptions(language, "oxdiagctl ") + kOrder + kCodes);
+}
+
+void addCommands(CLI::App& app, tControlOptions& options) {
+  CLI::App* const list = app.add_subcommand("list", "Show what can be set");
+  addPlace(*list, options);
+  list->callback([&options] { options.command = tCommand::kList; });
+  CLI::App* const trace = app.add_subcommand("trace", "Show or change the settings of the trace");
+  CLI::App* const assertion =
+      app.add_subcommand("assert", "Show or change the settings of the assertions");
+  addSettings(*trace, kTraceLanguage, options);
+  addSettings(*assertion, kAssertLanguage, options);
+  trace->callback([&options, trace] {
+    options.command = tCommand::kTrace;
+    options.words = trace->remaining();
+  });
+  assertion->callback([&options, assertion] {
+    options.command = tCommand::kAssert;
+    options.words = assertion->remaining();
+  });
+  CLI::App* const words = app.add_subcommand("words", "")->group("");
+  words->add_option("OBJECT", options.words)->required()->expected(1);
+  words->callback([&options] { options.command = tCommand::kWords; });
+}
+
+// Of several wishes about the settings only one can be had.
+std::optional<std::string> findContradiction(tControlOptions const& options) {
+  if (options.pops && !options.words.empty()) return "--pop takes no words";
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<tControlOptions> readOptions(int argc, char** argv, int& exitCode) {
+  tControlOptions options;
+  CLI::App app(kDescription, "oxdiagctl");
+  addPlace(app, options);
+  addCommands(app, options);
+  app.require_subcommand(1);
+  app.footer(std::string(kExamples) + kCodes);
+  try {
+    app.parse(argc, argv);
+    if (auto const problem = findContradiction(options)) throw CLI::ValidationError(*problem);
+  } catch (CLI::ParseError const& problem) {
+    exitCode = app.exit(problem) == 0 ? kExitGood : kExitUsage;
+    return std::nullopt;
+  }
+  return options;
+}

@@ -1,0 +1,80 @@
+#include "oxdiagctl/objectCommand.h"
+
+#include "options/optionText.h"
+#include "options/quotedWord.h"
+#include "options/tOptionCheck.h"
+#include "oxdiagctl/print.h"
+#include "oxdiagctl/tFailure.h"
+#include "oxdiagctl/tSettings.h"
+#include "oxdiagctl/tTunnel.h"
+
+namespace {
+
+constexpr std::string_view kDestination = "--destination";
+
+// The words as the text that the library cuts into them.
+std::string makeText(tOptionLanguage const& language, std::vector<std::string> const& words) {
+  auto const problem = tOptionCheck(language, words).findProblem();
+  if (problem) throw tFailure{kExitWord, *problem};
+  auto const text = joinOptionWords(words);
+  if (text) return *text;
+  throw tFailure{kExitWord, "no word can have blanks and double quotes in it"};
+}
+
+// The destination that the words ask for last; empty when they ask for none.
+std::string_view findDestination(std::vector<std::string> const& words) {
+  std::string_view name;
+  for (size_t index = 1; index < words.size(); ++index) {
+    bool const isNamed = words[index - 1] == kDestination && !words[index].starts_with("--");
+    if (isNamed) name = words[index];
+  }
+  return name;
+}
+
+// A destination that cannot be opened is passed over, and the trace stays where it was.
+void demandDestination(std::vector<std::string> const& words, tSettings const& now) {
+  std::string_view const wanted = findDestination(words);
+  std::string_view const found = now.getValue(kDestination);
+  if (wanted.empty() || found.substr(0, found.find(' ')) == wanted) return;
+  throw tFailure{kExitNotTaken, "the destination cannot be opened, it is " + std::string(found)};
+}
+
+void showSettings(tOptionLanguage const& language, tTunnel& tunnel, bool isRaw) {
+  std::string const text = tunnel.inquire();
+  print(isRaw ? text + "\n" : tSettings(text).describe(language));
+}
+
+void change(tTunnel& tunnel, tControlOptions const& options, std::string const& text) {
+  tSettings const before(tunnel.inquire());
+  if (options.pushes) tunnel.push();
+  if (options.pops) tunnel.pop();
+  if (!text.empty()) tunnel.configure(text);
+  std::string const settings = tunnel.inquire();
+  tSettings const now(settings);
+  std::string const changes = now.describeChangesSince(before);
+  if (options.isRaw) {
+    print(settings + "\n");
+  } else if (!changes.empty()) {
+    print(changes);
+  } else {
+    print(options.pushes && text.empty() ? "saved\n" : "nothing has changed\n");
+  }
+  demandDestination(options.words, now);
+}
+
+}  // namespace
+
+void runObjectCommand(tOptionLanguage const& language, tControlOptions const& options) {
+  std::string const text = makeText(language, options.words);
+  auto const channel = openRequestChannel(options.place);
+  tTunnel tunnel(*channel, language.name);
+  if (!tunnel.isThere()) {
+    throw tFailure{kExitNotTaken,
+                   "the target does not let its " + std::string(language.name) + " be set"};
+  }
+  if (text.empty() && !options.pushes && !options.pops) {
+    showSettings(language, tunnel, options.isRaw);
+  } else {
+    change(tunnel, options, text);
+  }
+}
