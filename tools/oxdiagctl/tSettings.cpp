@@ -7,6 +7,7 @@
 namespace {
 
 constexpr std::string_view kOnOff = "--on|--off";  // one setting with two words
+constexpr std::string_view kMeasured = "--calibrate";
 constexpr std::string_view kNone = "(none)";
 constexpr size_t kGap = 2;
 
@@ -120,7 +121,8 @@ std::string tSettings::describeChangesSince(tSettings const& before) const {
   auto const add = [&rows](tSetting const& which, std::string const* from, std::string const* to) {
     std::string const former(from == nullptr ? kNone : *from);
     std::string const now(to == nullptr ? kNone : *to);
-    if (former != now) rows.push_back({which.category, which.option, former + " -> " + now});
+    if (former != now && which.option != kMeasured)
+      rows.push_back({which.category, which.option, former + " -> " + now});
   };
   for (tSetting const& each : before.settings) add(each, &each.value, find(each));
   for (tSetting const& each : settings) {

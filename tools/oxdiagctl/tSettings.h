@@ -29,7 +29,8 @@ class tSettings {
   // values of all categories.
   std::string describe(tOptionLanguage const& language) const;
 
-  // A line for each option that is another here than `before`.
+  // A line for each option that is another here than `before`. What the library measures by itself
+  // is none.
   std::string describeChangesSince(tSettings const& before) const;
 
  private:

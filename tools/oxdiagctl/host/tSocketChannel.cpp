@@ -76,7 +76,8 @@ void tSocketChannel::letServerIn() {
   socklen_t size = sizeof(server);
   if (getsockopt(descriptor, SOL_SOCKET, SO_PEERCRED, &server, &size) != 0) fail(errno);
   if (server.uid != geteuid() && server.uid != 0) {
-    throw tFailure{kExitDenied, "at " + path + ", somebody else listens"};
+    throw tFailure{kExitDenied,
+                   "at " + path + ", another user's program listens; call it as that user"};
   }
   prctl(PR_SET_PTRACER, server.pid, 0, 0, 0);
 }
