@@ -7,6 +7,7 @@ packages=(
   g++ libgtest-dev libgmock-dev libbenchmark-dev     # Linux: tests and benchmarks
   clang libclang-rt-14-dev clang-format clang-tidy   # second compiler, sanitizers, lint
   lld llvm mingw-w64-x86-64-dev                      # Windows modules and their inspection
+  g++-mingw-w64-x86-64-win32                         # Windows programs beside them
   wine wine64                                        # the kernel interface they run in
   qemu-system-x86                                    # the emulated PC of the metal tests
   libcli11-dev                                       # command lines of programs for people

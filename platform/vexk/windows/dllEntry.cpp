@@ -1,13 +1,17 @@
 // The kernel's doors into the module.
 
 #include "ntos/status.h"
+#include "tRequestDevice.h"
 #include "vexk/module.h"
 
 extern "C" NTSTATUS DllInitialize(UNICODE_STRING* /*registryPath*/) {
-  return vexkInitialize();
+  NTSTATUS const status = vexkInitialize();
+  if (NT_SUCCESS(status)) vexRequestDevice.open();
+  return status;
 }
 
 extern "C" NTSTATUS DllUnload() {
+  vexRequestDevice.close();
   return vexkUnload();
 }
 

@@ -153,6 +153,9 @@ extern "C" {
 NTOS_IMPORT void IofCompleteRequest(IRP* request, i8 priorityBoost);
 NTOS_IMPORT NTSTATUS IofCallDriver(DEVICE_OBJECT* device, IRP* request);
 
+// Whether the request comes from a 32-bit program on a 64-bit system. Any IRQL.
+NTOS_IMPORT BOOLEAN IoIs32bitProcess(IRP* request);
+
 // A request of one's own with `stackSize` locations, or null; its owner frees it when it has come
 // back to a completion routine of his that stopped it. IRQL <= DISPATCH_LEVEL.
 NTOS_IMPORT IRP* IoAllocateIrp(i8 stackSize, BOOLEAN chargeQuota);
