@@ -8,6 +8,7 @@ import workshop
 sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
 import compileChecks  # noqa: E402
+import control  # noqa: E402
 import demos  # noqa: E402
 import fuzz  # noqa: E402
 import images  # noqa: E402
@@ -40,6 +41,7 @@ STEPS = {
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, sections, PDB, version", images.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
+    "control": ("oxdiagctl for Windows, under Wine", control.check),
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "tidy": ("clang-tidy", lint.check_tidy),
