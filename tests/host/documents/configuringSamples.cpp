@@ -4,6 +4,9 @@
 
 #include "control/controlTest.h"
 #include "documents/tDocument.h"
+#include "package/childProcess.h"
+
+#include "configuring.samples"
 
 namespace {
 
@@ -48,6 +51,17 @@ class ConfiguringSamples : public tControlTest {
 };
 
 }  // namespace
+
+TEST_F(ConfiguringSamples, AProgramServesUntilItsUserIsDone) {
+  setenv("XDG_RUNTIME_DIR", pathOf("").c_str(), 1);
+  int const exitCode = inAProcess([this] {
+    if (std::freopen(write("keys", "\n").c_str(), "r", stdin) == nullptr) return 1;
+    serveUntilReturn();
+    return std::getchar() == EOF ? 0 : 2;
+  });
+  unsetenv("XDG_RUNTIME_DIR");
+  EXPECT_EQ(exitCode, 0);
+}
 
 TEST_F(ConfiguringSamples, EveryCommandShowsWhatThePageSays) {
   tDocument const page("docs/configuring.md");
