@@ -129,5 +129,6 @@ def check_sources():
     targets = [Target("host-clang"), Target("windows")]
     work = list(source_checks(targets))
     work += [(documents.sample_check, (target, page))
-             for page in documents.documents() for target in targets]
+             for page in documents.documents() for target in targets
+             if documents.is_for(page, target)]
     return outcome(workshop.in_parallel(lambda item: item[0](item[1]), work))

@@ -1,7 +1,7 @@
 """The samples in the documents are code that compiles.
 
 The ```cpp blocks of one document are one source, in their order: the first one includes what it
-needs, and each is complete at the top level.
+needs, and each is complete at the top level. Samples that control the host are for the host alone.
 """
 
 import samples
@@ -13,6 +13,10 @@ PLACES = ["*.md", "docs/*.md", "examples/*/*.md", "platform/*/*.md"]
 def documents():
     pages = sorted(page for place in PLACES for page in workshop.TOP.glob(place))
     return [page for page in pages if samples.sample_source(page)]
+
+
+def is_for(page, target):
+    return target.name.startswith("host") or '#include "vexkhost/' not in page.read_text()
 
 
 def sample_check(job):
