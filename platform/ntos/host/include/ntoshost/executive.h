@@ -6,8 +6,10 @@
 // stops the program with one sentence on standard error, see ntoshost/violation.h.
 
 #include "ntoshost/debugPrint.h"
+#include "ntoshost/devices.h"
 #include "ntoshost/faults.h"
 #include "ntoshost/files.h"
+#include "ntoshost/pnp.h"
 #include "ntoshost/pool.h"
 #include "ntoshost/thread.h"
 #include "ntoshost/userMemory.h"
