@@ -6,6 +6,9 @@ namespace ntoshost {
 
 constexpr size_t kGuardSize = 16;
 
+// Whose block it is: the caller's, or an object that the executive made for him.
+enum class BlockKind : u8 { plain, driver, device, extension, request, buffer };
+
 // The head of a block; the front guard, the caller's bytes and the rear guard follow it.
 struct alignas(16) Block {
   Block* nextInBucket;
@@ -15,6 +18,7 @@ struct alignas(16) Block {
   size_t size;  // of the caller's bytes
   u32 tag;
   POOL_TYPE type;
+  BlockKind kind;
   bool isFreed;
 
   u8* data() { return reinterpret_cast<u8*>(this + 1) + kGuardSize; }

@@ -26,4 +26,13 @@ class PoolLock {
   PoolLock& operator=(PoolLock const&) = delete;
 };
 
+// Takes a block from the pool; null when memory is exhausted.
+Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind);
+
+// Takes a block back, whose bytes nobody may touch from here on. The caller has the lock.
+void holdBack(Block& block, char const* call);
+
+// The block at this address, which was taken and not freed. The caller has the lock.
+Block& findTaken(void const* data, char const* call);
+
 }  // namespace ntoshost

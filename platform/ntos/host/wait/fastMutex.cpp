@@ -4,6 +4,7 @@
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
 #include "wait/dispatcher.h"
+#include "wait/heldLocks.h"
 #include "wait/parking.h"
 
 namespace ntoshost {
@@ -61,6 +62,7 @@ void ExAcquireFastMutex(FAST_MUTEX* mutex) {
   ntoshost::take(*mutex);
   ntoshost::writeOwner(*mutex, ntoshost::currentThread());
   mutex->OldIrql = previous;
+  ntoshost::noteLockTaken(mutex, ntoshost::LockKind::fastMutex);
 }
 
 void ExReleaseFastMutex(FAST_MUTEX* mutex) {
@@ -77,6 +79,7 @@ void ExReleaseFastMutex(FAST_MUTEX* mutex) {
         KeGetCurrentIrql(), ntoshost::irqlName(KeGetCurrentIrql()));
   }
   KIRQL const previous = static_cast<KIRQL>(mutex->OldIrql);
+  ntoshost::noteLockReleased(mutex);
   ntoshost::writeOwner(*mutex, nullptr);
   __atomic_store_n(&mutex->Count, ntoshost::kFree, __ATOMIC_SEQ_CST);
   ntoshost::wakeParked(&mutex->Count);

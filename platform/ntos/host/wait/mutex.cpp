@@ -4,6 +4,7 @@
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
 #include "wait/dispatcher.h"
+#include "wait/heldLocks.h"
 
 namespace {
 
@@ -36,6 +37,7 @@ bool tryTakeMutex(KMUTEX& mutex) {
     return false;
   }
   writeOwner(mutex, currentThread());
+  noteLockTaken(&mutex, LockKind::mutex);
   return true;
 }
 
@@ -60,6 +62,9 @@ i32 KeReleaseMutex(KMUTEX* mutex, BOOLEAN wait) {
                         static_cast<void*>(mutex));
   }
   i32 const state = ntoshost::readSignalState(mutex->Header);
-  if (state == 0) writeOwner(*mutex, nullptr);
+  if (state == 0) {
+    ntoshost::noteLockReleased(mutex);
+    writeOwner(*mutex, nullptr);
+  }
   return ntoshost::exchangeSignalState(mutex->Header, state + 1);
 }

@@ -1,0 +1,8 @@
+#include "pnp/removal.h"
+
+namespace ntoshost {
+
+void removeWhatWaited() {
+}
+
+}  // namespace ntoshost

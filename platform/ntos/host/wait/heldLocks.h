@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ntos/types.h"
+
+namespace ntoshost {
+
+// Which fast mutexes and kernel mutexes each thread owns. A thread that ends while it owns one
+// stops the program, as does one that owns more than 64.
+
+enum class LockKind : u8 { fastMutex, mutex };
+
+void noteLockTaken(void const* lock, LockKind kind);
+void noteLockReleased(void const* lock);
+
+// A fast mutex that the calling thread owns, or null.
+void const* ownedFastMutex();
+
+// A lock in these bytes that any thread owns, or null.
+void const* ownedLockWithin(void const* bytes, size_t size);
+
+// Stops the program when the calling thread owns a fast mutex. `call` is what it does meanwhile.
+void requireNoFastMutex(char const* call);
+
+}  // namespace ntoshost
