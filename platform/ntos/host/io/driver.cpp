@@ -4,6 +4,7 @@
 #include "ntoshost/devices.h"
 #include "ntoshost/violation.h"
 #include "pnp/assignments.h"
+#include "pnp/lifecycle.h"
 #include "pool/objects.h"
 
 // Drivers loaded and unloaded.
@@ -71,6 +72,7 @@ NTSTATUS unloadDriver(DRIVER_OBJECT* driver) {
   if (driver->DriverUnload == nullptr) return STATUS_INVALID_DEVICE_REQUEST;
   if (isInUse(driver)) return STATUS_DEVICE_BUSY;
   forgetAssignments(driver);
+  forgetRootDriver(driver);
   driver->DriverUnload(driver);
   requireNoDevice(driver, "DriverUnload");
   destroyDriver(driver, "unloadDriver");

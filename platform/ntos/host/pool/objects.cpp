@@ -39,9 +39,11 @@ Presence lookFor(BlockKind kind, void const* object) {
   return block->isFreed ? Presence::freed : Presence::live;
 }
 
-void requireAnswer(void const* answer, char const* what) {
+size_t requireAnswer(void const* answer, char const* what) {
   PoolLock const lock;
-  requireAnswerBlock(g_pool.table.find(answer), answer, what);
+  Block const* const block = g_pool.table.find(answer);
+  requireAnswerBlock(block, answer, what);
+  return block->size;
 }
 
 void freeAnswer(void* answer, char const* what) {

@@ -17,9 +17,11 @@ void releaseObject(void* object, char const* call);
 enum class Presence { unknown, live, freed };
 Presence lookFor(BlockKind kind, void const* object);
 
-// Stops the program unless the answer to a request is a caller's block of PagedPool; frees it.
-// `what` is the answer.
-void requireAnswer(void const* answer, char const* what);
+// Stops the program unless the answer to a request is a caller's block of PagedPool. `what` is the
+// answer. Returns the size of the block.
+size_t requireAnswer(void const* answer, char const* what);
+
+// Frees such an answer.
 void freeAnswer(void* answer, char const* what);
 
 }  // namespace ntoshost
