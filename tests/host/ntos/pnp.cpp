@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "narrowText.h"
 #include "testBus.h"
 
 using ntoshost::DeviceState;
@@ -17,8 +18,8 @@ TEST_F(Pnp, ARootDeviceIsNamedAndPresent) {
   EXPECT_EQ(record->state, DeviceState::Present);
   EXPECT_EQ(record->driver, m_driver);
   EXPECT_EQ(record->parent, nullptr);
-  EXPECT_TRUE(std::wstring(record->deviceId) == L"ROOT\\TESTBUS");
-  EXPECT_TRUE(std::wstring(record->instanceId) == L"0000");
+  EXPECT_EQ(narrow(record->deviceId), "ROOT\\TESTBUS");
+  EXPECT_EQ(narrow(record->instanceId), "0000");
   EXPECT_TRUE(record->hasCapabilities);
   EXPECT_EQ(record->capabilities.DeviceState[PowerSystemWorking], PowerDeviceD0);
   EXPECT_EQ(ntoshost::childOf(nullptr, 0), m_bus);
@@ -51,11 +52,12 @@ TEST_F(Pnp, AChildIsAskedWhoItIs) {
   auto const record = std::make_unique<ntoshost::DeviceRecord>();
   ASSERT_TRUE(ntoshost::findDevice(one.device, *record));
   EXPECT_EQ(record->parent, m_bus);
-  EXPECT_TRUE(std::wstring(record->deviceId) == L"TEST\\one");
-  EXPECT_TRUE(std::wstring(record->hardwareIds, 19) ==
-              std::wstring(L"TEST\\one\0TEST\\any\0\0", 19));
-  EXPECT_TRUE(std::wstring(record->compatibleIds).empty());
-  EXPECT_TRUE(std::wstring(record->description).empty());
+  EXPECT_EQ(narrow(record->deviceId), "TEST\\one");
+  EXPECT_EQ(narrow(record->hardwareIds), "TEST\\one");
+  EXPECT_EQ(narrow(record->hardwareIds + 9), "TEST\\any");
+  EXPECT_EQ(narrow(record->hardwareIds + 18), "");
+  EXPECT_EQ(narrow(record->compatibleIds), "");
+  EXPECT_EQ(narrow(record->description), "");
   EXPECT_FALSE(record->hasCapabilities);
   EXPECT_FALSE(record->hasBusInformation);
 }
@@ -335,32 +337,42 @@ TEST_F(Pnp, RelationsAreToldWithoutTheirReferences) {
   EXPECT_EQ(ntoshost::referencesOn(one.device), 1u);
 }
 
-TEST_F(Pnp, AnAssignedDriverServesTheChild) {
-  TestChild const& one = plug("one");
-  ntoshost::assignDriver(L"test\\ANY", m_driver);
-  DEVICE_OBJECT* const busFunction = nullptr;
-  (void)busFunction;
-  addBus();
-  DEVICE_OBJECT* const function = m_function;
-  DEVICE_OBJECT* const lower = m_lower;
-  dispatches()[function] = [&](DEVICE_OBJECT*, IRP* request) {
+// A function device that passes everything on and goes with its physical device.
+NTSTATUS addPassingDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physical) {
+  DEVICE_OBJECT* device = nullptr;
+  IoCreateDevice(driver, 0, nullptr, FILE_DEVICE_UNKNOWN, 0, 0, &device);
+  IoAttachDeviceToDeviceStack(device, physical);
+  device->Flags &= ~DO_DEVICE_INITIALIZING;
+  dispatches()[device] = [physical](DEVICE_OBJECT* self, IRP* request) {
     IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(request);
-    if (location.MajorFunction == IRP_MJ_PNP &&
-        location.MinorFunction == IRP_MN_QUERY_DEVICE_RELATIONS) {
-      return list(request);
-    }
+    bool const isEnd =
+        location.MajorFunction == IRP_MJ_PNP && location.MinorFunction == IRP_MN_REMOVE_DEVICE;
     IoSkipCurrentIrpStackLocation(request);
-    NTSTATUS const status = IoCallDriver(lower, request);
+    NTSTATUS const status = IoCallDriver(physical, request);
+    if (isEnd) IoDetachDevice(physical);
+    if (isEnd) IoDeleteDevice(self);
     return status;
   };
+  return STATUS_SUCCESS;
+}
+
+TEST_F(Pnp, AnAssignedDriverServesTheChild) {
+  TestChild& one = plug("one");
+  TestChild const& two = plug("two");
+  ASSERT_TRUE(ntoshost::assignDriver(L"test\\ONE", m_driver));
+  addBus();
+  m_driver->DriverExtension->AddDevice = addPassingDevice;
   EXPECT_EQ(ntoshost::startDevice(m_bus), STATUS_SUCCESS);
-  EXPECT_EQ(one.device->AttachedDevice, m_function);
-  EXPECT_NE(m_function, function);
-  ntoshost::assignDriver(L"test\\ANY", nullptr);
-  takeOff(m_function, one.device);
-  m_function = function;
-  m_lower = lower;
-  dispatches()[function] = [this](DEVICE_OBJECT*, IRP* request) { return serveBus(request); };
+  EXPECT_NE(one.device->AttachedDevice, nullptr);
+  EXPECT_EQ(two.device->AttachedDevice, nullptr);
+  auto const record = std::make_unique<ntoshost::DeviceRecord>();
+  ASSERT_TRUE(ntoshost::findDevice(one.device, *record));
+  EXPECT_EQ(record->driver, m_driver);
+  ASSERT_TRUE(ntoshost::assignDriver(L"TEST\\one", nullptr));
+  EXPECT_EQ(ntoshost::removeDevice(one.device), STATUS_SUCCESS);
+  EXPECT_EQ(one.device->AttachedDevice, nullptr);
+  EXPECT_EQ(ntoshost::startDevice(one.device), STATUS_SUCCESS);
+  EXPECT_EQ(one.device->AttachedDevice, nullptr);
 }
 
 TEST_F(Pnp, ADriverWithDevicesInTheTreeStays) {
@@ -371,16 +383,22 @@ TEST_F(Pnp, ADriverWithDevicesInTheTreeStays) {
 // One step of a bus' whole life fails; nothing may be left, and the next life is whole.
 TEST_F(Pnp, ItSurvivesEachFailedCall) {
   constexpr u32 kKinds = ntoshost::kFaultMemory | ntoshost::kFaultDevice | ntoshost::kFaultRequest;
-  u64 const failures = ntoshost::failEachCall(kKinds, [&](u64) {
+  u64 const failures = ntoshost::failEachCall(kKinds, [&](u64 n) {
+    ntoshost::clearFaults();
+    m_children.clear();
+    TestChild& one = plug("one");
+    ntoshost::failNth(kKinds, n);
     DEVICE_OBJECT* bus = nullptr;
-    if (!NT_SUCCESS(ntoshost::addRootDevice(m_driver, "TESTBUS", &bus))) return;
-    ntoshost::startDevice(bus);
-    ntoshost::enumerateDevice(bus);
-    ntoshost::surpriseRemoveDevice(bus);
-    EXPECT_EQ(ntoshost::childrenOf(nullptr), 0u);
+    if (NT_SUCCESS(ntoshost::addRootDevice(m_driver, "TESTBUS", &bus))) {
+      ntoshost::startDevice(bus);
+      one.isListed = false;
+      ntoshost::enumerateDevice(bus);
+      ntoshost::surpriseRemoveDevice(bus);
+    }
+    remove(one);
+    EXPECT_EQ(ntoshost::countDevices().devices, 0u);
   });
-  EXPECT_GT(failures, 5u);
-  EXPECT_EQ(ntoshost::countDevices().devices, 0u);
+  EXPECT_GT(failures, 20u);
 }
 
 }  // namespace

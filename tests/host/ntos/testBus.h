@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstring>
+#include <algorithm>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -27,10 +27,10 @@ struct TestChild {
 };
 
 // A block of the pool with the characters of the text, its last one included.
-inline void* poolText(std::wstring_view text, POOL_TYPE type = PagedPool) {
+inline void* poolText(std::string_view text, POOL_TYPE type = PagedPool) {
   size_t const size = text.size() * sizeof(wchar_t);
-  void* const block = ExAllocatePoolWithTag(type, size, ntosPoolTag("test"));
-  if (block != nullptr) std::memcpy(block, text.data(), size);
+  auto* const block = static_cast<wchar_t*>(ExAllocatePoolWithTag(type, size, ntosPoolTag("test")));
+  if (block != nullptr) std::copy(text.begin(), text.end(), block);
   return block;
 }
 
@@ -45,7 +45,7 @@ class BusTest : public DriverTest {
     ntoshost::clearFaults();
     ntoshost::setChildrenStart(true);
     if (m_bus != nullptr && ntoshost::childrenOf(nullptr) != 0) {
-      EXPECT_EQ(ntoshost::removeRootDevice(m_bus), STATUS_SUCCESS);
+      EXPECT_EQ(ntoshost::surpriseRemoveDevice(m_bus), STATUS_SUCCESS);
     }
     ntoshost::runPnpWork();
     ntoshost::setPnpMode(ntoshost::PnpMode::Worker);
@@ -88,11 +88,14 @@ class BusTest : public DriverTest {
     return record->state;
   }
 
-  static NTSTATUS addDevice(DRIVER_OBJECT*, DEVICE_OBJECT* physical) {
+  static NTSTATUS addDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physical) {
     BusTest& test = *s_test;
     if (!NT_SUCCESS(test.m_addStatus)) return test.m_addStatus;
-    test.m_function =
-        test.makeDevice([&test](DEVICE_OBJECT*, IRP* request) { return test.serveBus(request); });
+    NTSTATUS const status =
+        IoCreateDevice(driver, 0, nullptr, FILE_DEVICE_BUS_EXTENDER, 0, 0, &test.m_function);
+    if (!NT_SUCCESS(status)) return status;
+    finish(test.m_function,
+           [&test](DEVICE_OBJECT*, IRP* request) { return test.serveBus(request); });
     test.m_lower = IoAttachDeviceToDeviceStack(test.m_function, physical);
     return test.m_lower != nullptr ? STATUS_SUCCESS : STATUS_NO_SUCH_DEVICE;
   }
@@ -180,9 +183,8 @@ class BusTest : public DriverTest {
 
   static NTSTATUS answerId(TestChild& child, IRP* request, BUS_QUERY_ID_TYPE type) {
     if (!NT_SUCCESS(child.id)) return complete(request, child.id);
-    std::wstring const name(child.name.begin(), child.name.end());
-    std::wstring text = L"TEST\\" + name + L'\0';
-    if (type == BusQueryHardwareIDs) text += L"TEST\\any" + std::wstring(2, L'\0');
+    std::string text = "TEST\\" + child.name + '\0';
+    if (type == BusQueryHardwareIDs) text += "TEST\\any" + std::string(2, '\0');
     if (type == BusQueryCompatibleIDs) return complete(request, STATUS_NOT_SUPPORTED);
     void* const block = poolText(text);
     if (block == nullptr) return complete(request, STATUS_INSUFFICIENT_RESOURCES);

@@ -58,9 +58,13 @@ class DriverTest : public testing::Test {
     EXPECT_EQ(
         IoCreateDevice(m_driver, extensionSize, name, FILE_DEVICE_UNKNOWN, 0, isExclusive, &device),
         STATUS_SUCCESS);
+    finish(device, std::move(dispatch));
+    return device;
+  }
+
+  static void finish(DEVICE_OBJECT* device, Dispatch dispatch) {
     device->Flags &= ~DO_DEVICE_INITIALIZING;
     dispatches()[device] = std::move(dispatch);
-    return device;
   }
 
   // One that passes every request on to the one below, on which it is put.
