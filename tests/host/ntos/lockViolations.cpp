@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <thread>
+#include <vector>
 
 #include "waiting.h"
 
@@ -28,11 +29,12 @@ void raise(KIRQL level) {
 }
 
 TEST_F(LockViolationsDeathTest, AMutexIsReleasedByItsOwnerOnly) {
-  std::thread([&] { waitForever(&m_mutex); }).join();
+  waitForever(&m_mutex);
   EXPECT_DEATH(
-      KeReleaseMutex(&m_mutex, 0),
+      std::thread([&] { KeReleaseMutex(&m_mutex, 0); }).join(),
       "ntos: KeReleaseMutex: the mutex at 0x[0-9a-f]+ is not owned by the calling thread\\."
       "\n$");
+  KeReleaseMutex(&m_mutex, 0);
 }
 
 TEST_F(LockViolationsDeathTest, AFreeMutexIsNotReleased) {
@@ -51,10 +53,11 @@ TEST_F(LockViolationsDeathTest, AFastMutexIsNotTakenTwice) {
 }
 
 TEST_F(LockViolationsDeathTest, AFastMutexIsReleasedByItsOwnerOnly) {
-  std::thread([&] { ExAcquireFastMutex(&m_fastMutex); }).join();
-  EXPECT_DEATH(ExReleaseFastMutex(&m_fastMutex),
+  ExAcquireFastMutex(&m_fastMutex);
+  EXPECT_DEATH(std::thread([&] { ExReleaseFastMutex(&m_fastMutex); }).join(),
                "ExReleaseFastMutex: the fast mutex at 0x[0-9a-f]+ is not owned by the calling "
                "thread\\.");
+  ExReleaseFastMutex(&m_fastMutex);
 }
 
 TEST_F(LockViolationsDeathTest, AFreeFastMutexIsNotReleased) {
@@ -116,6 +119,21 @@ TEST_F(LockViolationsDeathTest, AnEventIsNoMutex) {
   KMUTEX mutex = {};
   mutex.Header = m_event.Header;
   EXPECT_DEATH(KeReleaseMutex(&mutex, 0), "no initialised mutex");
+}
+
+TEST_F(LockViolationsDeathTest, AThreadEndsWithoutLocks) {
+  EXPECT_DEATH(std::thread([&] { waitForever(&m_mutex); }).join(),
+               "ntos: A thread ended while it owned the mutex at 0x[0-9a-f]+\\.\n$");
+  EXPECT_DEATH(std::thread([&] { ExAcquireFastMutex(&m_fastMutex); }).join(),
+               "ntos: A thread ended while it owned the fast mutex at 0x[0-9a-f]+\\.\n$");
+}
+
+TEST_F(LockViolationsDeathTest, AThreadOwnsUpTo64Mutexes) {
+  std::vector<KMUTEX> mutexes(65);
+  for (KMUTEX& mutex : mutexes) KeInitializeMutex(&mutex, 0);
+  for (size_t i = 0; i < 64; ++i) waitForever(&mutexes[i]);
+  EXPECT_DEATH(waitForever(&mutexes[64]), "A thread owns more than 64 mutexes; the one at 0x");
+  for (size_t i = 0; i < 64; ++i) KeReleaseMutex(&mutexes[i], 0);
 }
 
 TEST_F(LockViolationsDeathTest, SettingAndWaitingInOneIsRefused) {

@@ -343,7 +343,7 @@ NTSTATUS addPassingDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physical) {
   IoCreateDevice(driver, 0, nullptr, FILE_DEVICE_UNKNOWN, 0, 0, &device);
   IoAttachDeviceToDeviceStack(device, physical);
   device->Flags &= ~DO_DEVICE_INITIALIZING;
-  dispatches()[device] = [physical](DEVICE_OBJECT* self, IRP* request) {
+  setDispatch(device, [physical](DEVICE_OBJECT* self, IRP* request) {
     IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(request);
     bool const isEnd =
         location.MajorFunction == IRP_MJ_PNP && location.MinorFunction == IRP_MN_REMOVE_DEVICE;
@@ -352,7 +352,7 @@ NTSTATUS addPassingDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physical) {
     if (isEnd) IoDetachDevice(physical);
     if (isEnd) IoDeleteDevice(self);
     return status;
-  };
+  });
   return STATUS_SUCCESS;
 }
 

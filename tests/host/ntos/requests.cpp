@@ -229,11 +229,11 @@ TEST_F(Requests, APendingRequestIsWaitedFor) {
     pause(20);
     complete(m_kept, STATUS_NO_SUCH_FILE);
   });
-  dispatches()[bottom] = [&](DEVICE_OBJECT*, IRP* request) {
+  setDispatch(bottom, [&](DEVICE_OBJECT*, IRP* request) {
     IoMarkIrpPending(request);
     __atomic_store_n(&m_kept, request, __ATOMIC_RELEASE);
     return STATUS_PENDING;
-  };
+  });
   EXPECT_EQ(send(bottom), STATUS_NO_SUCH_FILE);
   completer.join();
   takeOff(filter, bottom);

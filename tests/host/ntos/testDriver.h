@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <mutex>
 
 #include "ntos/io.h"
 #include "ntoshost/devices.h"
@@ -19,8 +20,23 @@ inline std::map<DEVICE_OBJECT*, Dispatch>& dispatches() {
   return all;
 }
 
+inline std::mutex& dispatchesLock() {
+  static std::mutex lock;
+  return lock;
+}
+
+inline Dispatch dispatchOf(DEVICE_OBJECT* device) {
+  std::lock_guard const lock(dispatchesLock());
+  return dispatches().at(device);
+}
+
+inline void setDispatch(DEVICE_OBJECT* device, Dispatch dispatch) {
+  std::lock_guard const lock(dispatchesLock());
+  dispatches()[device] = std::move(dispatch);
+}
+
 inline NTSTATUS dispatchAsSaid(DEVICE_OBJECT* device, IRP* request) {
-  return dispatches().at(device)(device, request);
+  return dispatchOf(device)(device, request);
 }
 
 // Completes the request with a status, and returns it.
@@ -64,7 +80,7 @@ class DriverTest : public testing::Test {
 
   static void finish(DEVICE_OBJECT* device, Dispatch dispatch) {
     device->Flags &= ~DO_DEVICE_INITIALIZING;
-    dispatches()[device] = std::move(dispatch);
+    setDispatch(device, std::move(dispatch));
   }
 
   // One that passes every request on to the one below, on which it is put.

@@ -43,8 +43,10 @@ void printDevices() {
 }
 
 void printRequest(RequestRecord const& record) {
+  void* const address = record.request;
+  if (record.device == nullptr) return printLine("ntos: request at %p, never sent\n", address);
   printLine("ntos: %s at %p, sent last to the device at %p\n",
-            RequestText(record.major, record.minor).text, static_cast<void*>(record.request),
+            RequestText(record.major, record.minor).text, address,
             static_cast<void*>(record.device));
 }
 
