@@ -255,6 +255,42 @@ TEST_F(Pnp, AChildIsStoppedAndStartedAgain) {
   EXPECT_EQ(takeLog(), "one stop?, one go on, one stop?, one stop, one start");
 }
 
+TEST_F(Pnp, ABusThatDoesNotStartAgainIsGoneWithAllBelow) {
+  plug("one");
+  startBus();
+  EXPECT_EQ(ntoshost::stopDevice(m_bus), STATUS_SUCCESS);
+  takeLog();
+  ntoshost::failNth(ntoshost::kFaultRequest, 1);
+  EXPECT_EQ(ntoshost::startDevice(m_bus), STATUS_INSUFFICIENT_RESOURCES);
+  ntoshost::clearFaults();
+  EXPECT_EQ(takeLog(), "one surprise, bus surprise, one remove, bus remove");
+  EXPECT_EQ(stateOf(m_bus), DeviceState::Failed);
+  EXPECT_EQ(ntoshost::childrenOf(m_bus), 0u);
+  plug("two");
+  EXPECT_EQ(ntoshost::startDevice(m_bus), STATUS_SUCCESS);
+  EXPECT_EQ(takeLog(), "bus start, two start");
+}
+
+TEST_F(Pnp, ADriverIsChosenForARootDeviceWithoutOne) {
+  ASSERT_TRUE(ntoshost::assignDriver(L"root\\testbus", m_driver));
+  ASSERT_EQ(ntoshost::addRootDevice(nullptr, "TESTBUS", &m_bus), STATUS_SUCCESS);
+  EXPECT_EQ(m_function, nullptr);
+  EXPECT_EQ(ntoshost::startDevice(m_bus), STATUS_SUCCESS);
+  EXPECT_EQ(m_bus->AttachedDevice, m_function);
+  EXPECT_EQ(takeLog(), "bus start");
+}
+
+TEST_F(Pnp, RootDevicesOfOneNameAreNumbered) {
+  addBus();
+  DEVICE_OBJECT* second = nullptr;
+  ASSERT_EQ(ntoshost::addRootDevice(nullptr, "TESTBUS", &second), STATUS_SUCCESS);
+  auto const record = std::make_unique<ntoshost::DeviceRecord>();
+  ASSERT_TRUE(ntoshost::findDevice(second, *record));
+  EXPECT_EQ(narrow(record->instanceId), "0001");
+  EXPECT_EQ(record->driver, nullptr);
+  EXPECT_EQ(ntoshost::removeRootDevice(second), STATUS_SUCCESS);
+}
+
 TEST_F(Pnp, ARefusedStopIsCancelled) {
   TestChild& one = plug("one");
   one.queryStop = STATUS_UNSUCCESSFUL;

@@ -78,6 +78,16 @@ NTSTATUS prepare(Node& node) {
   return addFunctionDevice(node, node.assigned != nullptr ? node.assigned : chooseDriver(node));
 }
 
+// A device that does not start again takes along what is below it.
+NTSTATUS giveUp(Node& node, NTSTATUS status) {
+  if (node.known.state != DeviceState::Stopped) {
+    sendRemove(node);
+    return fail(node, status);
+  }
+  surpriseRemove(node);
+  return node.isWaitingToGo ? status : fail(node, status);
+}
+
 }  // namespace
 
 void setChildrenStart(bool isAutomatic) {
@@ -118,10 +128,7 @@ NTSTATUS start(Node& node) {
   NTSTATUS status = prepare(node);
   if (!NT_SUCCESS(status)) return status;
   status = sendPnp(node.known.physical, IRP_MN_START_DEVICE);
-  if (!NT_SUCCESS(status)) {
-    sendRemove(node);
-    return fail(node, status);
-  }
+  if (!NT_SUCCESS(status)) return giveUp(node, status);
   setState(node, DeviceState::Started);
   setOpenable(node, true);
   enumerate(node);

@@ -161,9 +161,11 @@ NTOS_IMPORT BOOLEAN IoIs32bitProcess(IRP* request);
 NTOS_IMPORT IRP* IoAllocateIrp(i8 stackSize, BOOLEAN chargeQuota);
 NTOS_IMPORT void IoFreeIrp(IRP* request);
 
-// A request that `event` is set for, and that the kernel frees, when it is completed; null when
-// memory is short. The first location is filled for the device's driver; what is not said here is
-// zero and the sender's to set before he passes it on. PASSIVE_LEVEL.
+// A request that `event` is set and `result` written for, and that the kernel frees, when it is
+// completed; null when memory is short. An error that IoCallDriver returns at once is told by it
+// alone: `event` and `result` stay as they are. The first location is filled for the device's
+// driver; what is not said here is zero and the sender's to set before he passes it on.
+// PASSIVE_LEVEL.
 NTOS_IMPORT IRP* IoBuildSynchronousFsdRequest(u32 majorFunction, DEVICE_OBJECT* device,
                                               void* buffer, u32 length, LARGE_INTEGER* offset,
                                               KEVENT* event, IO_STATUS_BLOCK* result);

@@ -56,12 +56,14 @@ void setChildrenStart(bool isAutomatic);
 bool assignDriver(wchar_t const* id, DRIVER_OBJECT* driver);
 
 // Makes a physical device of the executive's own, ROOT\<name>\<number from 0000>, and runs the
-// driver's AddDevice for it. When that fails, its status is given and the device is gone again.
-// `name` has up to 63 characters.
+// driver's AddDevice for it; with null the driver is the one assigned to its id when it starts.
+// When AddDevice fails, its status is given and the device is gone again. `name` has up to 63
+// characters.
 NTSTATUS addRootDevice(DRIVER_OBJECT* driver, char const* name, DEVICE_OBJECT** device);
 
 // Starts a device that is Present, Failed (once more from AddDevice on) or Stopped, and asks it for
-// its relations and starts its children. Gives what the start gave.
+// its relations and starts its children. Gives what the start gave; a device that fails it gets a
+// remove, one that was Stopped a surprise removal before.
 NTSTATUS startDevice(DEVICE_OBJECT* device);
 
 // Asks a started device for its bus relations now and takes the consequences.
@@ -73,8 +75,8 @@ NTSTATUS queryStopDevice(DEVICE_OBJECT* device);
 NTSTATUS cancelStopDevice(DEVICE_OBJECT* device);
 NTSTATUS stopDevice(DEVICE_OBJECT* device);
 
-// Query remove of the device and all below it, the lowest first; when one refuses, those that
-// agreed get a cancel and its status is given. STATUS_DEVICE_BUSY, and nothing is sent, when one of
+// Query remove of the device and all below it, the lowest first; when one refuses, those that were
+// asked get a cancel and its status is given. STATUS_DEVICE_BUSY, and nothing is sent, when one of
 // them is open. The cancel goes top down.
 NTSTATUS queryRemoveDevice(DEVICE_OBJECT* device);
 NTSTATUS cancelRemoveDevice(DEVICE_OBJECT* device);
