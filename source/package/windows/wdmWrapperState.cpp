@@ -2,11 +2,10 @@
 
 namespace nOXDIAG100 {
 
-constinit tWDMWrapperState wdmWrapperState = {};
+constinit tParentList wdmParents;
 
 void initialiseWDMWrapper() {
-  ExInitializeFastMutex(&wdmWrapperState.guard);
-  wdmWrapperState.parents = {&wdmWrapperState.parents, &wdmWrapperState.parents};
+  wdmParents.initialise();
 }
 
 }  // namespace nOXDIAG100

@@ -2,20 +2,14 @@
 
 // The buses whose child devices the module serves.
 
-#include "ntos/fastMutex.h"
-#include "ntos/types.h"
+#include "package/windows/tParentList.h"
 
 namespace nOXDIAG100 {
 
-struct tWDMWrapperState {
-  FAST_MUTEX guard;
-  LIST_ENTRY parents;  // the anchor of the parents' ring; under the guard
-};
+// The list of the module, not ready until initialiseWDMWrapper().
+extern tParentList wdmParents;
 
-// The one of the module: zeros until initialiseWDMWrapper().
-extern tWDMWrapperState wdmWrapperState;
-
-// Makes the guard ready and the list empty. Before any device is handed to the module.
+// Makes the list ready, and empty. Before any device is handed to the module.
 void initialiseWDMWrapper();
 
 }  // namespace nOXDIAG100

@@ -1,0 +1,78 @@
+#include "package/windows/tChildTexts.h"
+
+#include "package/windows/boundedWideText.h"
+#include "package/windows/wrapperMemory.h"
+#include "vexk/statusCodes.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constexpr size_t kLongestDescription = 0x7FFF;  // characters; a longer one is cut
+
+wchar_t* allocateText(u32 characters) {
+  return static_cast<wchar_t*>(
+      ExAllocatePoolWithTag(PagedPool, characters * sizeof(wchar_t), kChildTag));
+}
+
+void freeText(wchar_t*& text) {
+  if (text != nullptr) ExFreePoolWithTag(text, kChildTag);
+  text = nullptr;
+}
+
+void joinIds(wchar_t* list, u32 capacity, tChildDescription const& description) {
+  u32 position = 0;
+  for (u32 index = 0; index < description.hardwareIdCount; ++index) {
+    wchar_t const* const id = description.hardwareIds[index];
+    copyWideCharacters(list + position, capacity - position, id);
+    position += static_cast<u32>(wideLength(id, tChildTexts::kLongestId)) + 1;
+  }
+  list[position] = L'\0';
+}
+
+wchar_t const* descriptionOf(tChildDescription const& description) {
+  return description.description == nullptr ? L"" : description.description;
+}
+
+}  // namespace
+
+i32 tChildTexts::take(tChildDescription const& description) {
+  if (!measure(description)) return kStatusBadArgument;
+  if (!allocate()) return kStatusOutOfMemory;
+  joinIds(ids, idsLength, description);
+  copyWideCharacters(text, textLength, descriptionOf(description));
+  return 0;
+}
+
+void tChildTexts::giveBack() {
+  freeText(ids);
+  freeText(text);
+}
+
+bool tChildTexts::measure(tChildDescription const& description) {
+  if (description.hardwareIds == nullptr || description.hardwareIdCount == 0) return false;
+  idsLength = 1;
+  for (u32 index = 0; index < description.hardwareIdCount; ++index) {
+    if (!measureId(description.hardwareIds[index])) return false;
+    if (index == 0) firstIdLength = idsLength - 1;
+  }
+  size_t const length = wideLength(descriptionOf(description), kLongestDescription);
+  textLength = static_cast<u32>(length) + 1;
+  return true;
+}
+
+bool tChildTexts::measureId(wchar_t const* id) {
+  if (id == nullptr) return false;
+  u32 const length = static_cast<u32>(wideLength(id, kLongestId + 1));
+  idsLength += length + 1;
+  return length != 0 && length <= kLongestId && idsLength <= kLongestIdList;
+}
+
+bool tChildTexts::allocate() {
+  ids = allocateText(idsLength);
+  text = allocateText(textLength);
+  if (ids != nullptr && text != nullptr) return true;
+  giveBack();
+  return false;
+}
+
+}  // namespace nOXDIAG100

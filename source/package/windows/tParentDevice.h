@@ -1,0 +1,72 @@
+#pragma once
+
+// One bus device and the children that it has.
+//
+// It lives from the bus' first start to its removal. Whoever calls createChild or removeChild has
+// returned when the bus' handler has been told to stop.
+
+#include "ntos/fastMutex.h"
+#include "package/windows/tChildDevice.h"
+#include "package/windows/tLinkedList.h"
+
+namespace nOXDIAG100 {
+
+constexpr i32 kStatusBusRemoved = -50300;
+constexpr i32 kStatusChildExists = -50303;
+
+class tParentDevice final : public iChildBus, public LIST_ENTRY {
+ public:
+  // Null when memory is exhausted. PASSIVE_LEVEL.
+  static tParentDevice* create(DEVICE_OBJECT& device);
+
+  // Frees the record, which has no children any more.
+  void destroy();
+
+  tParentDevice(tParentDevice const&) = delete;
+  tParentDevice& operator=(tParentDevice const&) = delete;
+
+  DEVICE_OBJECT& getDevice() const { return device; }
+
+  void createChild(tChildDescription const& description, i32& status) override;
+  void removeChild(u32 slot, i32& status) override;
+
+  // Makes a list of the devices that the request has already and of the present children, with a
+  // reference on each, and forgets the absent ones: their own removal deletes them. Returns the
+  // status; when memory is exhausted nothing has changed. PASSIVE_LEVEL.
+  NTSTATUS addRelations(IRP& request);
+
+  // The bus goes: no child is made any more, and all are let go, those that are not started for
+  // good. PASSIVE_LEVEL.
+  void dismissChildren();
+
+  // Children in the list, absent ones included.
+  u32 getChildCount();
+
+ private:
+  explicit tParentDevice(DEVICE_OBJECT& bus);
+
+  bool hasInstance(u64 instance);
+  i32 link(tChildDevice& child);
+  tChildDeparture takeAway(u32 slot, KEVENT& gone, tChildDevice*& child);
+  void waitUntilGone(KEVENT& gone);
+
+  // What follows is called under the mutex.
+  tChildDevice* findInstance(u64 instance);  // of those that are present
+  tChildDevice* findSlot(u32 slot);
+  u32 countPresent();
+  void listPresent(DEVICE_RELATIONS& relations);
+  void unlinkAbsent();
+  void forget(tChildDevice& child);
+
+  // Takes the mutex; those in `doomed` are to be destroyed.
+  void unlinkAll(tLinkedList<tChildDevice>& doomed);
+
+  DEVICE_OBJECT& device;
+  tBusIdentity const identity;
+  u32 childCount = 0;
+  bool isRemoving = false;
+  FAST_MUTEX mutex;
+  tLinkedList<tChildDevice> children;
+};
+
+}  // namespace nOXDIAG100
