@@ -1,0 +1,32 @@
+#include "package/windows/childControl.h"
+
+#include "package/windows/requestEnds.h"
+#include "package/windows/tChildDevice.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+i32 callHandler(iDeviceHandler& handler, IRP& irp) {
+  auto const& control = IoGetCurrentIrpStackLocation(&irp)->Parameters.DeviceIoControl;
+  u64 information = 0;
+  i32 status = 0;
+  handler.handleDeviceControl(control.IoControlCode, control.Type3InputBuffer,
+                              control.InputBufferLength, irp.UserBuffer, control.OutputBufferLength,
+                              &information, &status);
+  irp.IoStatus.Information = information;
+  return status;
+}
+
+}  // namespace
+
+NTSTATUS handleChildControl(DEVICE_OBJECT& device, IRP& irp) {
+  tChildDevice& child = tChildDevice::of(device);
+  irp.IoStatus.Information = 0;
+  NTSTATUS const entered = child.enter(&irp);
+  if (!NT_SUCCESS(entered)) return completeRequest(irp, entered);
+  i32 const status = callHandler(*child.handler, irp);
+  child.leave(&irp);
+  return completeRequest(irp, status < 0 ? STATUS_UNSUCCESSFUL : entered);
+}
+
+}  // namespace nOXDIAG100

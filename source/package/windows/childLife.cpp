@@ -1,0 +1,54 @@
+#include "package/windows/childLife.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+NTSTATUS enter(tChildRequest& request, tPnpState state) {
+  request.child.states.enter(state);
+  return STATUS_SUCCESS;
+}
+
+NTSTATUS cancel(tChildRequest& request, tPnpState query) {
+  request.child.states.cancel(query);
+  return STATUS_SUCCESS;
+}
+
+}  // namespace
+
+NTSTATUS startChild(tChildRequest& request) {
+  request.child.devicePower = PowerDeviceD0;
+  return enter(request, tPnpState::Started);
+}
+
+NTSTATUS queryStopChild(tChildRequest& request) {
+  return enter(request, tPnpState::QueryStop);
+}
+
+NTSTATUS cancelStopChild(tChildRequest& request) {
+  return cancel(request, tPnpState::QueryStop);
+}
+
+NTSTATUS stopChild(tChildRequest& request) {
+  return enter(request, tPnpState::Stopped);
+}
+
+NTSTATUS queryRemoveChild(tChildRequest& request) {
+  return enter(request, tPnpState::QueryRemove);
+}
+
+NTSTATUS cancelRemoveChild(tChildRequest& request) {
+  return cancel(request, tPnpState::QueryRemove);
+}
+
+NTSTATUS removeChild(tChildRequest& request) {
+  if (request.child.parent != nullptr) return enter(request, tPnpState::NotStarted);
+  request.aftermath = tChildAftermath::Destroy;
+  return enter(request, tPnpState::Deleted);
+}
+
+NTSTATUS surpriseRemoveChild(tChildRequest& request) {
+  request.aftermath = tChildAftermath::LetGo;
+  return enter(request, tPnpState::SurpriseRemoved);
+}
+
+}  // namespace nOXDIAG100
