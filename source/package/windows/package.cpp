@@ -2,7 +2,6 @@
 
 #include "package/windows/lifeEvents.h"
 #include "package/windows/moduleRecord.h"
-#include "package/windows/packageEntry.h"
 #include "package/windows/wdmWrapperState.h"
 
 using namespace nOXDIAG100;
@@ -25,7 +24,7 @@ tModuleGUID const* pkgSetWDMWrapperLoadStateAndGetGUID(u32 state) {
 
 i32 pkgWDMWrapperCallSSMain(u32 reason) {
   logLifeEvent(reason);
-  i32 const status = moduleEntry(reason);
+  i32 const status = moduleRecord.info.entry(reason);
   if (status < 0) logFailedMain(reason, status);
   return status;
 }
