@@ -9,6 +9,7 @@
 // PASSIVE_LEVEL.
 
 #include "ntos/status.h"
+#include "oxdiagk/api.h"
 
 namespace nOXDIAG100 {
 
@@ -16,13 +17,14 @@ constexpr size_t kMostWideCharacters = 0x7FFFFFFF;  // with the terminator
 
 // Formats as _vsnwprintf does; the first into a buffer whose size is given in bytes, of which an
 // odd one is left alone, the second in characters.
-NTSTATUS formatWideBytes(wchar_t* buffer, size_t bytes, wchar_t const* format, ...);
-NTSTATUS formatWideCharacters(wchar_t* buffer, size_t characters, wchar_t const* format, ...);
+OXDIAG_API NTSTATUS formatWideBytes(wchar_t* buffer, size_t bytes, wchar_t const* format, ...);
+OXDIAG_API NTSTATUS formatWideCharacters(wchar_t* buffer, size_t characters, wchar_t const* format,
+                                         ...);
 
 // Copies a terminated text.
-NTSTATUS copyWideCharacters(wchar_t* buffer, size_t characters, wchar_t const* text);
+OXDIAG_API NTSTATUS copyWideCharacters(wchar_t* buffer, size_t characters, wchar_t const* text);
 
 // Characters of a terminated text up to its terminator, at most `limit`.
-size_t wideLength(wchar_t const* text, size_t limit);
+OXDIAG_API size_t wideLength(wchar_t const* text, size_t limit);
 
 }  // namespace nOXDIAG100

@@ -25,8 +25,10 @@ NTSTATUS handleChildControl(DEVICE_OBJECT& device, IRP& irp) {
   NTSTATUS const entered = child.enter(&irp);
   if (!NT_SUCCESS(entered)) return completeRequest(irp, entered);
   i32 const status = callHandler(*child.handler, irp);
+  // Completed before the lock is left: the child's going must not overtake what it waits for.
+  NTSTATUS const result = completeRequest(irp, status < 0 ? STATUS_UNSUCCESSFUL : entered);
   child.leave(&irp);
-  return completeRequest(irp, status < 0 ? STATUS_UNSUCCESSFUL : entered);
+  return result;
 }
 
 }  // namespace nOXDIAG100

@@ -33,7 +33,7 @@ void requireSoundRelease(Block& block, u32 tag) {
   requireIrqlAtMost(highestIrql(block.type), block.type == PagedPool
                                                  ? "ExFreePoolWithTag of PagedPool"
                                                  : "ExFreePoolWithTag of NonPagedPool");
-  if (block.tag != tag) {
+  if (tag != 0 && block.tag != tag) {
     violation("%s: the block of %zu bytes with tag '%s' at %p was freed with tag '%s'.", kFree,
               block.size, TagText(block.tag).text, static_cast<void*>(block.data()),
               TagText(tag).text);

@@ -1,0 +1,232 @@
+// Plug-and-play requests to a bus, and what becomes of its children.
+
+#include "conformance/harness.h"
+#include "ntos/pnp.h"
+#include "ntos/pool.h"
+#include "oxdiagk/package.h"
+#include "support/tChildStack.h"
+
+using namespace nOXDIAG100;
+
+namespace {
+
+constexpr u32 kForeignTag = ntosPoolTag("test");
+
+class tRelations : public tDeviceRequest {
+ public:
+  explicit tRelations(DEVICE_OBJECT* bus, DEVICE_RELATION_TYPE type = BusRelations)
+      : tDeviceRequest(bus, IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS) {
+    location().Parameters.QueryDeviceRelations.Type = type;
+  }
+  ~tRelations() { freeRelations(); }
+
+  // Puts a list of another driver's into the request.
+  void bring(u32 count, DEVICE_OBJECT* device) {
+    size_t const size = sizeof(DEVICE_RELATIONS) + count * sizeof(DEVICE_OBJECT*);
+    auto* const list =
+        static_cast<DEVICE_RELATIONS*>(ExAllocatePoolWithTag(PagedPool, size, kForeignTag));
+    list->Count = count;
+    for (u32 index = 0; index < count; ++index) {
+      ObfReferenceObject(device);
+      list->Objects[index] = device;
+    }
+    ioStatus().Information = reinterpret_cast<u64>(list);
+  }
+
+  u32 count() const { return answer<DEVICE_RELATIONS>()->Count; }
+  DEVICE_OBJECT* device(u32 index) const { return answer<DEVICE_RELATIONS>()->Objects[index]; }
+};
+
+i64 referencesOn(DEVICE_OBJECT* device) {
+  ObfReferenceObject(device);
+  return ObfDereferenceObject(device);
+}
+
+bool isListed(tTestDriver const& driver, DEVICE_OBJECT const* device) {
+  DEVICE_OBJECT const* each = driver.newestDevice();
+  while (each != nullptr && each != device) each = each->NextDevice;
+  return each != nullptr;
+}
+
+}  // namespace
+
+TEST(BusPnp, AStartGivesAPlaceForChildren) {
+  tBusStack stack;
+  EXPECT_EQ(stack.startBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.starts, 1);
+  EXPECT_NE(stack.children, nullptr);
+  EXPECT_EQ(stack.seenMinor, IRP_MN_START_DEVICE);
+  EXPECT_EQ(stack.floorRequests, 1);
+}
+
+TEST(BusPnp, ASecondStartKeepsTheChildren) {
+  tBusStack stack;
+  stack.startBus();
+  iChildBus* const first = stack.children;
+  stack.add(1, 1);
+  EXPECT_EQ(stack.startBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.starts, 2);
+  EXPECT_EQ(stack.children, first);
+  EXPECT_EQ(stack.countRelations(), 1u);
+}
+
+TEST(BusPnp, AStartThatFailsBelowFails) {
+  tBusStack stack;
+  stack.floorStatus = STATUS_NO_SUCH_DEVICE;
+  EXPECT_EQ(stack.startBus(), STATUS_NO_SUCH_DEVICE);
+  EXPECT_EQ(stack.starts, 0);
+  stack.floorStatus = STATUS_SUCCESS;
+  EXPECT_EQ(stack.startBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.starts, 1);
+}
+
+TEST(BusPnp, RelationsAreMadeWithReferences) {
+  tChildStack stack;
+  i64 const before = referencesOn(stack.child);
+  {
+    tRelations request(stack.bus());
+    EXPECT_EQ(request.send(), STATUS_SUCCESS);
+    EXPECT_EQ(request.completions(), 1);
+    EXPECT_EQ(request.count(), 1u);
+    EXPECT_EQ(request.device(0), stack.child);
+    EXPECT_EQ(referencesOn(stack.child), before + 1);
+  }
+  EXPECT_EQ(referencesOn(stack.child), before);
+}
+
+TEST(BusPnp, RelationsGoDownAsASuccess) {
+  tChildStack stack;
+  tRelations request(stack.bus());
+  EXPECT_EQ(request.send(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.seenMinor, IRP_MN_QUERY_DEVICE_RELATIONS);
+  EXPECT_EQ(stack.seenStatus, STATUS_SUCCESS);
+}
+
+TEST(BusPnp, ABusWithoutChildrenHasAnEmptyList) {
+  tBusStack stack;
+  stack.startBus();
+  tRelations request(stack.bus());
+  EXPECT_EQ(request.send(), STATUS_SUCCESS);
+  EXPECT_NE(request.answer<void>(), nullptr);
+  EXPECT_EQ(request.count(), 0u);
+}
+
+TEST(BusPnp, RelationsOfOthersAreKept) {
+  tBusStack stack;
+  stack.startBus();
+  DEVICE_OBJECT* const children[] = {stack.add(1, 1), stack.add(2, 2)};
+  i64 const before = referencesOn(stack.floor());
+  for (u32 brought : {0, 1, 3}) {
+    tRelations request(stack.bus());
+    request.bring(brought, stack.floor());
+    EXPECT_EQ(request.send(), STATUS_SUCCESS);
+    EXPECT_EQ(request.count(), brought + 2);
+    for (u32 index = 0; index < brought; ++index) EXPECT_EQ(request.device(index), stack.floor());
+    EXPECT_EQ(request.device(brought), children[0]);
+    EXPECT_EQ(request.device(brought + 1), children[1]);
+    EXPECT_EQ(referencesOn(stack.floor()), before + brought);
+  }
+  EXPECT_EQ(referencesOn(stack.floor()), before);
+}
+
+TEST(BusPnp, OtherRelationsGoDownUntouched) {
+  tChildStack stack;
+  for (DEVICE_RELATION_TYPE type : {EjectionRelations, PowerRelations, RemovalRelations,
+                                    TargetDeviceRelation, SingleBusRelations}) {
+    tRelations request(stack.bus(), type);
+    request.send();
+    EXPECT_EQ(request.answer<void>(), nullptr);
+    EXPECT_EQ(stack.seenStatus, STATUS_NOT_SUPPORTED);
+  }
+}
+
+TEST(BusPnp, ABusThatWasNeverStartedHasNoRelations) {
+  tBusStack stack;
+  tRelations request(stack.bus());
+  request.send();
+  EXPECT_EQ(request.answer<void>(), nullptr);
+  EXPECT_EQ(stack.seenMinor, IRP_MN_QUERY_DEVICE_RELATIONS);
+}
+
+TEST(BusPnp, ARemovalDeletesChildrenThatAreNotStarted) {
+  tBusStack stack;
+  stack.startBus();
+  DEVICE_OBJECT* const unknown = stack.add(1, 1);
+  EXPECT_EQ(stack.countRelations(), 1u);
+  DEVICE_OBJECT* const another = stack.add(2, 2);
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.stops, 1);
+  EXPECT_EQ(stack.releases, 1);
+  EXPECT_FALSE(isListed(stack.driver(), unknown));
+  EXPECT_FALSE(isListed(stack.driver(), another));
+}
+
+TEST(BusPnp, AChildThatIsStartedOutlivesItsBus) {
+  tChildStack stack;
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.state(), tPnpState::Started);
+  EXPECT_EQ(stack.record().parent, nullptr);
+  tDeviceRequest request(stack.child, IRP_MJ_PNP, IRP_MN_QUERY_BUS_INFORMATION);
+  EXPECT_EQ(request.send(), STATUS_SUCCESS);
+  EXPECT_EQ(request.answer<PNP_BUS_INFORMATION>()->BusNumber, kTestBusNumber);
+  request.freeAnswer();
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_FALSE(isListed(stack.driver(), stack.child));
+}
+
+TEST(BusPnp, AChildRemovedBeforeItsBusGoesWithIt) {
+  tChildStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_TRUE(isListed(stack.driver(), stack.child));
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+  EXPECT_FALSE(isListed(stack.driver(), stack.child));
+}
+
+TEST(BusPnp, ASurpriseRemovalLetsTheChildrenGo) {
+  tBusStack stack;
+  stack.startBus();
+  DEVICE_OBJECT* const started = stack.add(1, 1);
+  sendPnp(started, IRP_MN_START_DEVICE);
+  DEVICE_OBJECT* const unstarted = stack.add(2, 2);
+  EXPECT_EQ(sendPnp(started, IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_EQ(stack.seenMinor, IRP_MN_SURPRISE_REMOVAL);
+  EXPECT_FALSE(isListed(stack.driver(), unstarted));
+  EXPECT_EQ(tChildStack::recordOf(started).parent, nullptr);
+  EXPECT_EQ(stack.countRelations(), 0u);
+  EXPECT_EQ(sendPnp(started, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_FALSE(isListed(stack.driver(), started));
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+}
+
+TEST(BusPnp, ABusThatWasNeverStartedIsRemoved) {
+  tBusStack stack;
+  EXPECT_EQ(sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.releases, 1);
+}
+
+TEST(BusPnp, OtherRequestsGoDown) {
+  tBusStack stack;
+  stack.startBus();
+  for (u8 minor : {IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_CANCEL_REMOVE_DEVICE, IRP_MN_STOP_DEVICE,
+                   IRP_MN_QUERY_STOP_DEVICE, IRP_MN_CANCEL_STOP_DEVICE, IRP_MN_QUERY_ID,
+                   IRP_MN_QUERY_DEVICE_TEXT, u8{0x30}}) {
+    EXPECT_EQ(sendPnp(stack.bus(), minor), STATUS_SUCCESS);
+    EXPECT_EQ(stack.seenMinor, minor);
+  }
+  EXPECT_EQ(stack.floorRequests, 9);
+}
+
+TEST(BusPnp, ABusIsAsNewWhenItComesBack) {
+  for (int round = 0; round < 3; ++round) {
+    tBusStack stack;
+    EXPECT_EQ(stack.startBus(), STATUS_SUCCESS);
+    EXPECT_EQ(stack.countRelations(), 0u);
+    EXPECT_NE(stack.add(1, 1), nullptr);
+    EXPECT_EQ(stack.countRelations(), 1u);
+  }
+}

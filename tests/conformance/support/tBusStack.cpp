@@ -1,0 +1,119 @@
+#include "support/tBusStack.h"
+
+#include "ntos/io.h"
+#include "ntos/pnp.h"
+#include "oxdiagk/package.h"
+#include "vexk/functionDevice.h"
+
+namespace {
+
+// Its null handler tells the floor from the devices of the family.
+struct tFloorExtension : tDeviceExtension {
+  tBusStack* stack;
+};
+
+tFloorExtension& floorOf(DEVICE_OBJECT const& device) {
+  return *static_cast<tFloorExtension*>(device.DeviceExtension);
+}
+
+}  // namespace
+
+void tChildHandler::handleDeviceControl(u32 controlCode, void* from, u32 fromLength, void* to,
+                                        u32 toLength, u64* given, i32* result) {
+  ++calls;
+  wasClear = *given == 0 && *result == 0;
+  code = controlCode;
+  input = from;
+  inputLength = fromLength;
+  output = to;
+  outputLength = toLength;
+  *given = information;
+  *result = status;
+}
+
+tTestChild::tTestChild(tChildHandler& handler, u64 instance, u32 slot)
+    : ids{L"TEST\\Gauge7", L"TEST\\Gauge"}, description{ids,   2,    L"A gauge", instance,
+                                                        false, slot, &handler} {
+}
+
+tBusStack::tBusStack() : testDriver(&dispatch) {
+  pkgSetWDMWrapperLoadStateAndGetGUID(1);
+  makeFloor();
+  tFunctionDeviceDescription const description = {
+      testDriver.get(), floorDevice, FILE_DEVICE_BUS_EXTENDER, kTestBusType, kTestBusNumber};
+  vexAddFunctionDevice(description, *this);
+  function = testDriver.newestDevice();
+}
+
+tBusStack::~tBusStack() {
+  if (function != nullptr) removeBus();
+  IoDeleteDevice(floorDevice);
+  pkgSetWDMWrapperLoadStateAndGetGUID(0);
+}
+
+void tBusStack::makeFloor() {
+  IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr, FILE_DEVICE_UNKNOWN, 0, 0,
+                 &floorDevice);
+  floorOf(*floorDevice).stack = this;
+  floorDevice->Flags &= ~DO_DEVICE_INITIALIZING;
+}
+
+NTSTATUS tBusStack::removeBus() {
+  NTSTATUS const status = sendPnp(function, IRP_MN_REMOVE_DEVICE);
+  function = nullptr;
+  return status;
+}
+
+i32 tBusStack::create(tChildDescription const& description) {
+  i32 status = 0;
+  children->createChild(description, status);
+  return status;
+}
+
+DEVICE_OBJECT* tBusStack::add(u64 instance, u32 slot) {
+  tTestChild const child(handler, instance, slot);
+  return create(child.description) == 0 ? testDriver.newestDevice() : nullptr;
+}
+
+u32 tBusStack::countRelations() {
+  tDeviceRequest request(function, IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
+  request.location().Parameters.QueryDeviceRelations.Type = BusRelations;
+  request.send();
+  u32 const count = request.answer<DEVICE_RELATIONS>()->Count;
+  request.freeRelations();
+  return count;
+}
+
+void tBusStack::start(iChildBus* place, i32& /*status*/) {
+  ++starts;
+  children = place;
+}
+
+void tBusStack::stop(bool /*isSurprise*/) {
+  ++stops;
+}
+
+void tBusStack::handleDeviceControl(u32, void*, u32, void*, u32, u64*, i32*) {
+}
+
+NTSTATUS tBusStack::dispatch(DEVICE_OBJECT* device, IRP* irp) {
+  tFloorExtension const& extension = floorOf(*device);
+  if (extension.handler != nullptr) return pkgWDMWrapperHandleIrp(device, irp);
+  return extension.stack->serveFloor(*irp);
+}
+
+NTSTATUS tBusStack::serveFloor(IRP& irp) {
+  IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&irp);
+  ++floorRequests;
+  seenMajor = location.MajorFunction;
+  seenMinor = location.MinorFunction;
+  seenStatus = irp.IoStatus.Status;
+  NTSTATUS const status = seenMajor == IRP_MJ_PNP ? floorStatus : STATUS_SUCCESS;
+  if (seenMajor == IRP_MJ_PNP && seenMinor == IRP_MN_QUERY_CAPABILITIES) {
+    seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;
+    *location.Parameters.DeviceCapabilities.Capabilities = floorCapabilities;
+  }
+  irp.IoStatus.Status = status;
+  IoCompleteRequest(&irp, IO_NO_INCREMENT);
+  return status;
+}

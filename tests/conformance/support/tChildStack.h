@@ -1,0 +1,24 @@
+#pragma once
+
+// A started bus with one child, for tests of what the child answers.
+
+#include "package/windows/tChildDevice.h"
+#include "support/tBusStack.h"
+
+class tChildStack : public tBusStack {
+ public:
+  explicit tChildStack(u64 instance = 1, u32 slot = 7) {
+    startBus();
+    child = add(instance, slot);
+  }
+
+  nOXDIAG100::tChildDevice& record() const { return recordOf(child); }
+  nOXDIAG100::tPnpState state() const { return record().states.get(); }
+
+  static nOXDIAG100::tChildDevice& recordOf(DEVICE_OBJECT* device) {
+    auto* const extension = static_cast<tDeviceExtension*>(device->DeviceExtension);
+    return *static_cast<nOXDIAG100::tChildDevice*>(extension);
+  }
+
+  DEVICE_OBJECT* child;
+};

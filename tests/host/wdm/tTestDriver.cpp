@@ -1,0 +1,24 @@
+#include "support/tTestDriver.h"
+
+#include "ntoshost/devices.h"
+
+namespace {
+
+void unload(DRIVER_OBJECT* /*driver*/) {
+}
+
+NTSTATUS enter(DRIVER_OBJECT* driver, UNICODE_STRING* /*registryPath*/) {
+  driver->DriverUnload = &unload;
+  return STATUS_SUCCESS;
+}
+
+}  // namespace
+
+tTestDriver::tTestDriver(DRIVER_DISPATCH* dispatch) {
+  ntoshost::loadDriver("oxdiagtest", &enter, &driver);
+  for (DRIVER_DISPATCH*& each : driver->MajorFunction) each = dispatch;
+}
+
+tTestDriver::~tTestDriver() {
+  ntoshost::unloadDriver(driver);
+}
