@@ -47,6 +47,10 @@ tBusStack::tBusStack() : testDriver(&dispatch) {
 
 tBusStack::~tBusStack() {
   if (function != nullptr) removeBus();
+  // What is left are children that outlive the bus.
+  while (testDriver.newestDevice() != floorDevice) {
+    sendPnp(testDriver.newestDevice(), IRP_MN_REMOVE_DEVICE);
+  }
   IoDeleteDevice(floorDevice);
   pkgSetWDMWrapperLoadStateAndGetGUID(0);
 }

@@ -26,8 +26,9 @@ void requireRoom(IRP* request, DEVICE_OBJECT* device) {
 }
 
 // Plug-and-play, power and system control requests that nobody serves have to come back as such.
-void requireSoundStart(IRP* request, u8 major) {
-  bool const isFirst = request->CurrentLocation == request->StackCount + 1;
+void requireSoundStart(RequestRecord const& record, u8 major) {
+  IRP* const request = record.request;
+  bool const isFirst = record.device == nullptr;  // a driver that passes it on may be at the top
   bool const isWatched =
       major == IRP_MJ_PNP || major == IRP_MJ_POWER || major == IRP_MJ_SYSTEM_CONTROL;
   if (!isFirst || !isWatched || request->IoStatus.Status == STATUS_NOT_SUPPORTED) return;
@@ -35,7 +36,8 @@ void requireSoundStart(IRP* request, u8 major) {
             kCall, static_cast<void*>(request), static_cast<u32>(request->IoStatus.Status));
 }
 
-void requireSoundLocation(IRP* request, DEVICE_OBJECT* device) {
+void requireSoundLocation(RequestRecord const& record, DEVICE_OBJECT* device) {
+  IRP* const request = record.request;
   IO_STACK_LOCATION const& next = *IoGetNextIrpStackLocation(request);
   if (next.MajorFunction > IRP_MJ_MAXIMUM_FUNCTION) {
     violation("%s: the request at %p has the major code 0x%02x; 0x%02x is the highest.", kCall,
@@ -49,7 +51,7 @@ void requireSoundLocation(IRP* request, DEVICE_OBJECT* device) {
   if (isForPassiveLevel(next.MajorFunction)) {
     requireIrqlAtMost(PASSIVE_LEVEL, "IofCallDriver with such a request");
   }
-  requireSoundStart(request, next.MajorFunction);
+  requireSoundStart(record, next.MajorFunction);
 }
 
 // The request is at the device from here on.
@@ -66,7 +68,7 @@ void enter(DispatchCall& call, IRP* request) {
   RequestsLock const lock;
   RequestRecord& record = requireRequest(request, kCall);
   requireRoom(request, call.device);
-  requireSoundLocation(request, call.device);
+  requireSoundLocation(record, call.device);
   stepDown(call, request);
   record.owesPending[call.location - 1] = false;
   record.major = call.major;
