@@ -1,5 +1,5 @@
-#include <stdarg.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "io/driverTable.h"
 #include "io/names.h"
@@ -14,25 +14,27 @@
 namespace ntoshost {
 namespace {
 
-__attribute__((format(printf, 1, 2))) void printLine(char const* format, ...) {
-  char line[400];
-  va_list arguments;
-  va_start(arguments, format);
-  int const length = vsnprintf(line, sizeof(line), format, arguments);
-  va_end(arguments);
-  writeStandardError(line, static_cast<size_t>(length));
+constexpr size_t kLineCapacity = 400;
+
+void writeLine(char const* line) {
+  writeStandardError(line, strlen(line));
 }
 
 void printDriver(DRIVER_OBJECT* driver) {
-  printLine("ntos: driver %s at %p\n", DriverText(driver).text, static_cast<void*>(driver));
+  char line[kLineCapacity];
+  snprintf(line, sizeof(line), "ntos: driver %s at %p\n", DriverText(driver).text,
+           static_cast<void*>(driver));
+  writeLine(line);
 }
 
 void printDevice(DEVICE_OBJECT* device) {
   DEVOBJ_EXTENSION const& record = recordOf(device);
-  printLine("ntos: device of %s at %p: %lld references, %d handles%s\n",
-            DriverText(device->DriverObject).text, static_cast<void*>(device),
-            static_cast<long long>(record.references - (record.isDeleted ? 0 : 1)),
-            device->ReferenceCount, record.isDeleted ? ", deleted" : "");
+  char line[kLineCapacity];
+  snprintf(line, sizeof(line), "ntos: device of %s at %p: %lld references, %d handles%s\n",
+           DriverText(device->DriverObject).text, static_cast<void*>(device),
+           static_cast<long long>(record.references - (record.isDeleted ? 0 : 1)),
+           device->ReferenceCount, record.isDeleted ? ", deleted" : "");
+  writeLine(line);
 }
 
 void printDevices() {
@@ -43,20 +45,29 @@ void printDevices() {
 }
 
 void printRequest(RequestRecord const& record) {
+  char line[kLineCapacity];
   void* const address = record.request;
-  if (record.device == nullptr) return printLine("ntos: request at %p, never sent\n", address);
-  printLine("ntos: %s at %p, sent last to the device at %p\n",
-            RequestText(record.major, record.minor).text, address,
-            static_cast<void*>(record.device));
+  if (record.device == nullptr) {
+    snprintf(line, sizeof(line), "ntos: request at %p, never sent\n", address);
+  } else {
+    snprintf(line, sizeof(line), "ntos: %s at %p, sent last to the device at %p\n",
+             RequestText(record.major, record.minor).text, address,
+             static_cast<void*>(record.device));
+  }
+  writeLine(line);
 }
 
 void printFile(FILE_OBJECT const& file) {
-  printLine("ntos: file at %p of the device at %p\n", static_cast<void const*>(&file),
-            static_cast<void*>(file.device));
+  char line[kLineCapacity];
+  snprintf(line, sizeof(line), "ntos: file at %p of the device at %p\n",
+           static_cast<void const*>(&file), static_cast<void*>(file.device));
+  writeLine(line);
 }
 
 void printLink(char const* text) {
-  printLine("ntos: symbolic link %s\n", text);
+  char line[kLineCapacity];
+  snprintf(line, sizeof(line), "ntos: symbolic link %s\n", text);
+  writeLine(line);
 }
 
 u64 countLinksLocked() {
