@@ -217,6 +217,18 @@ TEST_F(RequestViolationsDeathTest, PnpRequestsAreForPassiveLevel) {
                "IofCallDriver with such a request was called at IRQL 1");
 }
 
+TEST_F(RequestViolationsDeathTest, NobodyIsGivenPagedMemoryAtDispatchLevel) {
+  void* const paged = ExAllocatePoolWithTag(PagedPool, 4, ntosPoolTag("test"));
+  ntoshost::DeviceControl control = {.code = kCode, .output = paged, .outputLength = 4};
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), ntoshost::controlDevice(m_device, control)),
+               "IofCallDriver was called at IRQL 2 with a buffer at 0x[0-9a-f]+ in PagedPool\\.");
+  control = {.code = kCode, .input = paged, .inputLength = 4};
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), ntoshost::controlDevice(m_device, control)),
+               "with a buffer at 0x[0-9a-f]+ in PagedPool\\.");
+  EXPECT_EQ(ntoshost::controlDevice(m_device, control), STATUS_SUCCESS);
+  ExFreePoolWithTag(paged, ntosPoolTag("test"));
+}
+
 TEST_F(RequestViolationsDeathTest, NothingIsDoneAboveDispatchLevel) {
   IRP* const request = allocate();
   EXPECT_DEATH((raise(3), IoCallDriver(m_device, request)), "IofCallDriver was called at IRQL 3");

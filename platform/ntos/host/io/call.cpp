@@ -1,6 +1,7 @@
 #include "io/requestTable.h"
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
+#include "pool/objects.h"
 #include "wait/heldLocks.h"
 
 // A request goes down: IofCallDriver, and what a dispatch routine may say when it returns.
@@ -36,8 +37,20 @@ void requireSoundStart(RequestRecord const& record, u8 major) {
             kCall, static_cast<void*>(request), static_cast<u32>(request->IoStatus.Status));
 }
 
-void requireSoundLocation(RequestRecord const& record, DEVICE_OBJECT* device) {
-  IRP* const request = record.request;
+void requireResident(void const* buffer) {
+  if (!isPagedBlock(buffer)) return;
+  violation("%s was called at IRQL %u with a buffer at %p in PagedPool.", kCall, KeGetCurrentIrql(),
+            buffer);
+}
+
+// At DISPATCH_LEVEL nobody can touch paged memory.
+void requireResidentBuffers(IRP const* request, IO_STACK_LOCATION const& location) {
+  if (KeGetCurrentIrql() < DISPATCH_LEVEL || location.MajorFunction == IRP_MJ_POWER) return;
+  requireResident(request->UserBuffer);
+  requireResident(location.Parameters.DeviceIoControl.Type3InputBuffer);
+}
+
+void requireSoundLocation(IRP* request, DEVICE_OBJECT* device) {
   IO_STACK_LOCATION const& next = *IoGetNextIrpStackLocation(request);
   if (next.MajorFunction > IRP_MJ_MAXIMUM_FUNCTION) {
     violation("%s: the request at %p has the major code 0x%02x; 0x%02x is the highest.", kCall,
@@ -51,7 +64,8 @@ void requireSoundLocation(RequestRecord const& record, DEVICE_OBJECT* device) {
   if (isForPassiveLevel(next.MajorFunction)) {
     requireIrqlAtMost(PASSIVE_LEVEL, "IofCallDriver with such a request");
   }
-  requireSoundStart(record, next.MajorFunction);
+  requireResidentBuffers(request, next);
+  requireSoundStart(request, next.MajorFunction);
 }
 
 // The request is at the device from here on.

@@ -39,6 +39,12 @@ Presence lookFor(BlockKind kind, void const* object) {
   return block->isFreed ? Presence::freed : Presence::live;
 }
 
+bool isPagedBlock(void const* data) {
+  PoolLock const lock;
+  Block const* const block = g_pool.table.find(data);
+  return block != nullptr && !block->isFreed && block->type == PagedPool;
+}
+
 size_t requireAnswer(void const* answer, char const* what) {
   PoolLock const lock;
   Block const* const block = g_pool.table.find(answer);
