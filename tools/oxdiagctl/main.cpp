@@ -1,6 +1,7 @@
 // Sets the library in a running program, or in the kernel, from outside.
 
 #include <cstdio>
+#include <initializer_list>
 
 #include "options/optionTable.h"
 #include "oxdiagctl/controlOptions.h"
@@ -11,11 +12,9 @@
 
 namespace {
 
-tOptionLanguage const* const kLanguages[] = {&kTraceLanguage, &kAssertLanguage};
-
 void listObjects(tControlOptions const& options) {
   auto const channel = openRequestChannel(options.place);
-  for (tOptionLanguage const* language : kLanguages) {
+  for (tOptionLanguage const* language : {&kTraceLanguage, &kAssertLanguage}) {
     tTunnel const tunnel(*channel, language->name);
     if (tunnel.isThere()) print(std::string(language->name) + "\n");
   }
@@ -23,7 +22,7 @@ void listObjects(tControlOptions const& options) {
 
 // For the shell, which completes them.
 void listWords(std::string const& name) {
-  for (tOptionLanguage const* language : kLanguages) {
+  for (tOptionLanguage const* language : {&kTraceLanguage, &kAssertLanguage}) {
     if (language->name != name) continue;
     for (tOption const& option : language->options) print(std::string(option.word) + "\n");
   }
