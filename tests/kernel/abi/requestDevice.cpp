@@ -7,6 +7,7 @@
 #include "ntos/string.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "support/tunnelRecords.h"
+#include "tRequestDevice.h"
 #include "vexk/statusCodes.h"
 
 namespace {
@@ -130,4 +131,15 @@ TEST(RequestDevice, ARequestAtABadAddressIsServedAsNone) {
   device.input.request = 16;
   EXPECT_EQ(STATUS_SUCCESS, device.deliver());
   EXPECT_EQ(0, device.output.status);
+}
+
+// The tests' own object of the class finds the names taken, as the layer would if somebody else had
+// them: it says so at the debugger, makes nothing, and takes nothing away.
+TEST(RequestDevice, OneWhoseNameIsTakenIsNotMade) {
+  vexRequestDevice.open();
+  vexRequestDevice.close();
+  tOpenDevice device;
+  device.name("nTEST://nNobody");
+  EXPECT_EQ(STATUS_SUCCESS, device.deliver());
+  EXPECT_EQ(kStatusNoDispatcher, device.output.status);
 }

@@ -2,6 +2,7 @@
 // does not. It initialises vexk, qelmk and oxdiagk and then loads the driver whose service key its
 // own key names in the value "Driver". Unloading it undoes both.
 
+#include "demandDevice.h"
 #include "ntos/debug.h"
 #include "ntos/driver.h"
 #include "ntos/registry.h"
@@ -65,13 +66,15 @@ NTSTATUS startModules() {
   NTSTATUS status = modules.initialise();
   if (status < 0) return status;
   status = demandLastEvent("oxdiagk.dll load: ");
+  if (status >= 0) status = demandDevice(STATUS_SUCCESS);
   if (status < 0) modules.unload();
   return status;
 }
 
 NTSTATUS stopModules() {
-  NTSTATUS const status = modules.unload();
-  return status < 0 ? status : demandLastEvent("oxdiagk.dll unload: ");
+  NTSTATUS status = modules.unload();
+  if (status >= 0) status = demandLastEvent("oxdiagk.dll unload: ");
+  return status < 0 ? status : demandDevice(STATUS_OBJECT_NAME_NOT_FOUND);
 }
 
 NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
