@@ -58,15 +58,17 @@ void tRequestDevice::open() {
 NTSTATUS tRequestDevice::makeDriver() {
   UNICODE_STRING name;
   RtlInitUnicodeString(&name, kDriverName);
-  return IoCreateDriver(&name, &initialise);
+  NTSTATUS const status = IoCreateDriver(&name, &initialise);
+  if (!NT_SUCCESS(status)) return status;
+  for (u32 index = 0; index < kServedKinds; ++index) {
+    former[index] = driver->MajorFunction[kKinds[index]];
+  }
+  return status;
 }
 
 NTSTATUS tRequestDevice::initialise(DRIVER_OBJECT* driver, UNICODE_STRING* /*registryPath*/) {
   vexRequestDevice.driver = driver;
   IoInitializeRemoveLock(&vexRequestDevice.lock, kLockTag);
-  for (u32 index = 0; index < kServedKinds; ++index) {
-    vexRequestDevice.former[index] = driver->MajorFunction[kKinds[index]];
-  }
   return STATUS_SUCCESS;
 }
 

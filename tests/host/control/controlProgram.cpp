@@ -157,6 +157,20 @@ TEST_F(Control, AnotherUserIsRefused) {
       "at " + program.getPath() + ", the program there serves its own user and root only");
 }
 
+TEST_F(Control, AnOrdinaryUserSetsAProgramOfHis) {
+  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  tServingProgram const others(65534);
+  auto const callAs = [&](std::string const& user) {
+    return runProgram({"sh", "-c",
+                       "setpriv --reuid " + user + " --clear-groups " + kControl + " --at " +
+                           others.getPath() + " trace --timestamp"});
+  };
+  tRun const run = callAs("65534");
+  EXPECT_EQ(run.output, "--timestamp  off -> on\n");
+  EXPECT_EQ(run.errors, "");
+  expectFailure(callAs("65533"), 3, "access to " + others.getPath() + " is denied");
+}
+
 TEST_F(Control, AnotherUsersProgramIsNotLetIn) {
   ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
   std::filesystem::permissions(pathOf(""), std::filesystem::perms{0777});

@@ -48,10 +48,14 @@ bool traceOnCommand(int commands, int answers) {
 
 }  // namespace
 
-tServingProgram::tServingProgram() {
+tServingProgram::tServingProgram() : tServingProgram(geteuid()) {
+}
+
+tServingProgram::tServingProgram(uid_t user) {
   std::string name = (std::filesystem::temp_directory_path() / "serving-XXXXXX").string();
   EXPECT_NE(mkdtemp(name.data()), nullptr);
   folder = name;
+  EXPECT_EQ(chown(name.c_str(), user, static_cast<gid_t>(-1)), 0);
   path = (folder / "socket").string();
   int toProgram[2];
   int toTest[2];
@@ -60,7 +64,7 @@ tServingProgram::tServingProgram() {
   if (child == 0) {
     close(toProgram[1]);
     close(toTest[0]);
-    serve(toProgram[0], toTest[1]);
+    serve(user, toProgram[0], toTest[1]);
   }
   close(toProgram[0]);
   close(toTest[1]);
@@ -78,10 +82,11 @@ tServingProgram::~tServingProgram() {
   std::filesystem::remove_all(folder);
 }
 
-void tServingProgram::serve(int toProgram, int toTest) const {
+void tServingProgram::serve(uid_t user, int toProgram, int toTest) const {
   ntoshost::setDebugPrintSink([](void*, char const*, size_t) {}, nullptr);
   if (!ntoshost::mountDrive('C', folder.c_str()) || !startModules()) _exit(kNoModules);
-  if (!vexkhost::startRequestServer(path.c_str())) _exit(kNoServer);
+  bool const isServing = setuid(user) == 0 && vexkhost::startRequestServer(path.c_str());
+  if (!isServing) _exit(kNoServer);
   bool const isGood = traceOnCommand(toProgram, toTest);
   vexkhost::stopRequestServer();
   stopModules();

@@ -11,6 +11,7 @@
 class tServingProgram {
  public:
   tServingProgram();
+  explicit tServingProgram(uid_t user);  // whom only root can choose
   ~tServingProgram();
   tServingProgram(tServingProgram const&) = delete;
   tServingProgram& operator=(tServingProgram const&) = delete;
@@ -31,7 +32,7 @@ class tServingProgram {
   void kill();
 
  private:
-  [[noreturn]] void serve(int commands, int answers) const;
+  [[noreturn]] void serve(uid_t user, int commands, int answers) const;
 
   std::filesystem::path folder;
   std::string path;

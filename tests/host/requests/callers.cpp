@@ -2,6 +2,7 @@
 
 #include <signal.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 
 #include <memory>
 #include <thread>
@@ -331,6 +332,31 @@ TEST_F(RequestCallers, AnotherUserCannotEvenOpenTheSocket) {
     return tConnection(path).isConnected() ? 1 : 0;
   };
   EXPECT_EQ(tChild(connectAsSomebody).await(), 0);
+}
+
+// Who has changed its user is closed to others of the new one, until it opens itself.
+TEST_F(RequestCallers, OneThatClosesItsMemoryIsToldSo) {
+  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  stopRequestServer();
+  tSignal const mayCall;
+  tSignal const mayEnd;
+  std::filesystem::permissions(folder.pathOf(""), std::filesystem::perms{0777});
+  tChild server([&] {
+    if (setuid(65534) != 0 || !startRequestServer(path.c_str())) return 1;
+    bool const isSaid = mayCall.give() && mayEnd.await();
+    stopRequestServer();
+    return isSaid ? 0 : 2;
+  });
+  EXPECT_TRUE(mayCall.await());
+  auto const call = [this](unsigned long isOpen) {
+    tDoubling doubling = {21};
+    if (setuid(65534) != 0 || prctl(PR_SET_DUMPABLE, isOpen) != 0) return 100;
+    return tConnection(path).call(kDoubler, &doubling) + (doubling.result == 42 ? 10 : 0);
+  };
+  EXPECT_EQ(tChild([&] { return call(0); }).await(), kRequestMemoryClosed);
+  EXPECT_EQ(tChild([&] { return call(1); }).await(), kRequestAccepted + 10);
+  EXPECT_TRUE(mayEnd.give());
+  EXPECT_EQ(server.await(), 0);
 }
 
 // Root may call any server, but only root may look into the memory of root.
