@@ -219,7 +219,6 @@ TEST_F(Control, HelpsAtEveryCommand) {
   EXPECT_EQ(told({"assert", "--help"}).find("--timestamp"), std::string::npos);
 }
 
-// They only look: whoever changes an object at the same time as others has to agree with them.
 TEST_F(Control, SeveralCallersAreServedAtOnce) {
   std::string const each = std::string(kControl) + " --at " + program.getPath();
   std::string const script = "for i in 1 2 3 4 5 6 7 8; do (for j in 1 2 3 4 5; do " + each +
