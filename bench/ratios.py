@@ -16,7 +16,8 @@ WAITING = "/real_time"  # ends the name of what waits for another process
 
 
 def median_times(report):
-    """CPU nanoseconds, or those of the clock for what waits, by benchmark name: the median of its repetitions, or its only run."""
+    """Nanoseconds by benchmark name: the median of its repetitions, or its only run. They are those
+    of the processor, or of the clock for what waits."""
     units = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
     medians = {}
     single = {}

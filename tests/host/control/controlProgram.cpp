@@ -137,7 +137,7 @@ TEST_F(Control, PathsThatCannotBeAreRefused) {
                 "the path of a socket has 1 to 107 bytes");
 }
 
-TEST_F(Control, TheDefaultPathIsThatOfTheUsersSession) {
+TEST_F(Control, TheDefaultPathIsInTheUsersRuntimeFolder) {
   setenv("XDG_RUNTIME_DIR", pathOf("").c_str(), 1);
   tRun const run = runProgram({kControl, "list"});
   unsetenv("XDG_RUNTIME_DIR");

@@ -125,18 +125,18 @@ TEST_F(ServerLife, AFolderThatIsMissingIsTold) {
   expectRefusedStart(folder.pathOf("missing/socket").c_str(), ENOENT);
 }
 
-TEST_F(ServerLife, ByDefaultItIsInTheFolderOfTheUsersSession) {
+TEST_F(ServerLife, ByDefaultItIsInTheUsersRuntimeFolder) {
   setenv("XDG_RUNTIME_DIR", folder.pathOf("").c_str(), 1);
   EXPECT_TRUE(startRequestServer(nullptr));
   EXPECT_TRUE(tConnection(folder.pathOf("oxdiag.socket")).isConnected());
   unsetenv("XDG_RUNTIME_DIR");
 }
 
-TEST_F(ServerLife, WithoutSessionItIsInAFolderOfTheUsersOwn) {
+TEST_F(ServerLife, WithoutThatItIsInAFolderOfTheUsersOwn) {
   char found[vexkhost::kRequestPathSize];
   std::string const wanted = "/tmp/oxdiag-" + std::to_string(geteuid()) + "/oxdiag.socket";
-  for (char const* session : {"", "relative"}) {
-    setenv("XDG_RUNTIME_DIR", session, 1);
+  for (char const* runtimeFolder : {"", "relative"}) {
+    setenv("XDG_RUNTIME_DIR", runtimeFolder, 1);
     EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
     EXPECT_EQ(found, wanted);
   }
@@ -145,7 +145,7 @@ TEST_F(ServerLife, WithoutSessionItIsInAFolderOfTheUsersOwn) {
   EXPECT_EQ(found, wanted);
 }
 
-TEST_F(ServerLife, ASessionFolderWithALongNameIsRefused) {
+TEST_F(ServerLife, ARuntimeFolderWithALongNameIsRefused) {
   setenv("XDG_RUNTIME_DIR", ("/" + std::string(200, 'x')).c_str(), 1);
   expectRefusedStart(nullptr, ENAMETOOLONG);
   unsetenv("XDG_RUNTIME_DIR");
@@ -188,7 +188,5 @@ TEST_F(ServerLife, OneOfManyGetsThePath) {
     EXPECT_EQ(callOnce(), 0);
     close(finish[1]);
   }
-  close(finish[0]);
-  close(started[0]);
-  close(started[1]);
+  for (int end : {finish[0], started[0], started[1]}) close(end);
 }
