@@ -116,7 +116,8 @@ TEST(BusPnp, RelationsOfOthersAreKept) {
   stack.startBus();
   DEVICE_OBJECT* const children[] = {stack.add(1, 1), stack.add(2, 2)};
   i64 const before = referencesOn(stack.floor());
-  for (u32 brought : {0, 1, 3}) {
+  u32 const counts[] = {0, 1, 3};
+  for (u32 brought : counts) {
     tRelations request(stack.bus());
     request.bring(brought, stack.floor());
     EXPECT_EQ(request.send(), STATUS_SUCCESS);
@@ -131,8 +132,9 @@ TEST(BusPnp, RelationsOfOthersAreKept) {
 
 TEST(BusPnp, OtherRelationsGoDownUntouched) {
   tChildStack stack;
-  for (DEVICE_RELATION_TYPE type : {EjectionRelations, PowerRelations, RemovalRelations,
-                                    TargetDeviceRelation, SingleBusRelations}) {
+  DEVICE_RELATION_TYPE const types[] = {EjectionRelations, PowerRelations, RemovalRelations,
+                                        TargetDeviceRelation, SingleBusRelations};
+  for (DEVICE_RELATION_TYPE type : types) {
     tRelations request(stack.bus(), type);
     request.send();
     EXPECT_EQ(request.answer<void>(), nullptr);
@@ -212,9 +214,11 @@ TEST(BusPnp, ABusThatWasNeverStartedIsRemoved) {
 TEST(BusPnp, OtherRequestsGoDown) {
   tBusStack stack;
   stack.startBus();
-  for (u8 minor : {IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_CANCEL_REMOVE_DEVICE, IRP_MN_STOP_DEVICE,
-                   IRP_MN_QUERY_STOP_DEVICE, IRP_MN_CANCEL_STOP_DEVICE, IRP_MN_QUERY_ID,
-                   IRP_MN_QUERY_DEVICE_TEXT, u8{0x30}}) {
+  u8 const minors[] = {IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_CANCEL_REMOVE_DEVICE,
+                       IRP_MN_STOP_DEVICE,         IRP_MN_QUERY_STOP_DEVICE,
+                       IRP_MN_CANCEL_STOP_DEVICE,  IRP_MN_QUERY_ID,
+                       IRP_MN_QUERY_DEVICE_TEXT,   0x30};
+  for (u8 minor : minors) {
     EXPECT_EQ(sendPnp(stack.bus(), minor), STATUS_SUCCESS);
     EXPECT_EQ(stack.seenMinor, minor);
   }

@@ -117,7 +117,8 @@ TEST(ChildAnswers, ANullDescriptionIsEmpty) {
 
 TEST(ChildAnswers, ATextThatIsThereAlreadyIsLeftAlone) {
   tChildStack const stack;
-  for (DEVICE_TEXT_TYPE type : {DeviceTextDescription, DeviceTextLocationInformation}) {
+  DEVICE_TEXT_TYPE const types[] = {DeviceTextDescription, DeviceTextLocationInformation};
+  for (DEVICE_TEXT_TYPE type : types) {
     wchar_t before[] = L"Better";
     tDeviceRequest request(stack.child, IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_TEXT);
     request.location().Parameters.QueryDeviceText.DeviceTextType = type;
@@ -164,8 +165,9 @@ TEST(ChildAnswers, TheTargetIsTheChildItself) {
 
 TEST(ChildAnswers, OtherRelationsKeepTheStatus) {
   tChildStack const stack;
-  for (DEVICE_RELATION_TYPE type :
-       {BusRelations, EjectionRelations, PowerRelations, RemovalRelations, SingleBusRelations}) {
+  DEVICE_RELATION_TYPE const types[] = {BusRelations, EjectionRelations, PowerRelations,
+                                        RemovalRelations, SingleBusRelations};
+  for (DEVICE_RELATION_TYPE type : types) {
     tQuery query(stack.child, type);
     EXPECT_TRUE(keepsStatus(query, STATUS_NOT_SUPPORTED));
     tQuery again(stack.child, type);
@@ -213,7 +215,8 @@ TEST(ChildAnswers, WhatHasNoRowKeepsTheStatus) {
                        0x19,
                        0xFF};
   for (u8 minor : minors) {
-    for (NTSTATUS status : {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL}) {
+    NTSTATUS const statuses[] = {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL};
+    for (NTSTATUS status : statuses) {
       tDeviceRequest request(stack.child, IRP_MJ_PNP, minor);
       request.ioStatus().Information = 5;
       EXPECT_TRUE(keepsStatus(request, status));

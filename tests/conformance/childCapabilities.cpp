@@ -120,7 +120,8 @@ TEST(ChildCapabilities, TheBusIsAskedAsTheSystemAsks) {
 TEST(ChildCapabilities, AnotherVersionIsRefused) {
   tChildStack stack;
   int const before = stack.floorRequests;
-  for (u16 version : {0, 2, 0xFFFF}) {
+  u16 const versions[] = {0, 2, 0xFFFF};
+  for (u16 version : versions) {
     tCapabilityQuery query(stack.child);
     query.capabilities().Version = version;
     EXPECT_EQ(query.request.send(), STATUS_UNSUCCESSFUL);
@@ -132,7 +133,8 @@ TEST(ChildCapabilities, AnotherVersionIsRefused) {
 TEST(ChildCapabilities, ASmallRecordIsRefused) {
   tChildStack stack;
   int const before = stack.floorRequests;
-  for (u16 size : {0, 1, 63}) {
+  u16 const sizes[] = {0, 1, 63};
+  for (u16 size : sizes) {
     tCapabilityQuery query(stack.child);
     query.capabilities().Size = size;
     EXPECT_EQ(query.request.send(), STATUS_UNSUCCESSFUL);
@@ -143,7 +145,8 @@ TEST(ChildCapabilities, ASmallRecordIsRefused) {
 
 TEST(ChildCapabilities, ALargerRecordIsFilledAsFarAsItIsKnown) {
   tChildStack const stack;
-  for (u16 size : {64, 65, 0xFFFF}) {
+  u16 const sizes[] = {64, 65, 0xFFFF};
+  for (u16 size : sizes) {
     tCapabilityQuery query(stack.child);
     query.capabilities().Size = size;
     EXPECT_EQ(query.request.send(), STATUS_SUCCESS);
@@ -162,7 +165,8 @@ TEST(ChildCapabilities, NoRecordIsRefused) {
 
 TEST(ChildCapabilities, ABusThatFailsGivesItsStatus) {
   tChildStack stack;
-  for (NTSTATUS status : {STATUS_NOT_SUPPORTED, STATUS_NO_SUCH_DEVICE}) {
+  NTSTATUS const statuses[] = {STATUS_NOT_SUPPORTED, STATUS_NO_SUCH_DEVICE};
+  for (NTSTATUS status : statuses) {
     stack.floorStatus = status;
     tCapabilityQuery query(stack.child);
     EXPECT_EQ(query.request.send(), status);

@@ -30,7 +30,8 @@ class tControl : public tDeviceRequest {
 
 TEST(ChildControl, TheHandlerGetsTheCallersBuffers) {
   tChildStack stack;
-  for (u8 major : {IRP_MJ_DEVICE_CONTROL, IRP_MJ_INTERNAL_DEVICE_CONTROL}) {
+  u8 const majors[] = {IRP_MJ_DEVICE_CONTROL, IRP_MJ_INTERNAL_DEVICE_CONTROL};
+  for (u8 major : majors) {
     tControl control(stack.child, major);
     EXPECT_EQ(control.send(), STATUS_SUCCESS);
     EXPECT_EQ(control.completions(), 1);
@@ -55,7 +56,8 @@ TEST(ChildControl, WhatItGivesBackIsStored) {
 
 TEST(ChildControl, AFailureIsUnsuccessful) {
   tChildStack stack;
-  for (i32 status : {-1, -50352, static_cast<i32>(0x80000000)}) {
+  i32 const statuses[] = {-1, -50352, static_cast<i32>(0x80000000)};
+  for (i32 status : statuses) {
     stack.handler.status = status;
     stack.handler.information = 5;
     tControl control(stack.child);
@@ -75,8 +77,9 @@ TEST(ChildControl, AWarningIsASuccess) {
 
 TEST(ChildControl, EveryStateServes) {
   tChildStack stack;
-  for (u8 minor : {IRP_MN_START_DEVICE, IRP_MN_QUERY_STOP_DEVICE, IRP_MN_STOP_DEVICE,
-                   IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_SURPRISE_REMOVAL, IRP_MN_REMOVE_DEVICE}) {
+  u8 const minors[] = {IRP_MN_START_DEVICE,        IRP_MN_QUERY_STOP_DEVICE, IRP_MN_STOP_DEVICE,
+                       IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_SURPRISE_REMOVAL,  IRP_MN_REMOVE_DEVICE};
+  for (u8 minor : minors) {
     sendPnp(stack.child, minor);
     EXPECT_EQ(tControl(stack.child).send(), STATUS_SUCCESS);
   }

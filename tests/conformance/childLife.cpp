@@ -16,6 +16,8 @@ bool sendAll(DEVICE_OBJECT* device, u8 const (&minors)[N]) {
   return areGood;
 }
 
+using tWay = u8 const[2];
+
 // What brings a child from its creation into each state that it can be in.
 constexpr u8 kStart[] = {IRP_MN_START_DEVICE};
 constexpr u8 kQueryStop[] = {IRP_MN_START_DEVICE, IRP_MN_QUERY_STOP_DEVICE};
@@ -104,7 +106,8 @@ TEST(ChildLife, ACancelOfTheOtherQueryChangesNothing) {
 }
 
 TEST(ChildLife, EveryStateTakesAStart) {
-  for (auto const* way : {&kQueryStop, &kQueryRemove, &kSurprise}) {
+  tWay* const ways[] = {&kQueryStop, &kQueryRemove, &kSurprise};
+  for (auto const* way : ways) {
     tChildStack const stack;
     EXPECT_TRUE(sendAll(stack.child, *way));
     EXPECT_EQ(sendPnp(stack.child, IRP_MN_START_DEVICE), STATUS_SUCCESS);
@@ -118,7 +121,8 @@ TEST(ChildLife, EveryStateTakesAStart) {
 }
 
 TEST(ChildLife, EveryStateTakesTheQueries) {
-  for (auto const* way : {&kQueryStop, &kQueryRemove, &kSurprise}) {
+  tWay* const ways[] = {&kQueryStop, &kQueryRemove, &kSurprise};
+  for (auto const* way : ways) {
     tChildStack const stack;
     EXPECT_TRUE(sendAll(stack.child, *way));
     EXPECT_EQ(sendPnp(stack.child, IRP_MN_QUERY_STOP_DEVICE), STATUS_SUCCESS);
@@ -135,7 +139,8 @@ TEST(ChildLife, AStopNeedsNoQuery) {
 }
 
 TEST(ChildLife, AListedChildThatIsRemovedIsAsNew) {
-  for (auto const* way : {&kQueryStop, &kQueryRemove, &kSurprise}) {
+  tWay* const ways[] = {&kQueryStop, &kQueryRemove, &kSurprise};
+  for (auto const* way : ways) {
     tChildStack stack;
     EXPECT_TRUE(sendAll(stack.child, *way));
     EXPECT_EQ(sendPnp(stack.child, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);

@@ -41,7 +41,8 @@ TEST(ChildPower, TheSystemsStateIsRecorded) {
 
 TEST(ChildPower, TheDevicesStateIsRecorded) {
   tChildStack const stack;
-  for (i32 state : {PowerDeviceD0, PowerDeviceD1, PowerDeviceD2, PowerDeviceD3, PowerDeviceD0}) {
+  i32 const states[] = {PowerDeviceD0, PowerDeviceD1, PowerDeviceD2, PowerDeviceD3, PowerDeviceD0};
+  for (i32 state : states) {
     EXPECT_EQ(setPower(stack.child, DevicePowerState, state), STATUS_SUCCESS);
     EXPECT_EQ(static_cast<i32>(stack.record().devicePower), state);
     EXPECT_EQ(stack.record().systemPower, PowerSystemWorking);
@@ -67,7 +68,8 @@ TEST(ChildPower, AChildThatSleepsWakesAgain) {
 
 TEST(ChildPower, EveryQueryIsAgreedTo) {
   tChildStack const stack;
-  for (POWER_STATE_TYPE type : {SystemPowerState, DevicePowerState}) {
+  POWER_STATE_TYPE const types[] = {SystemPowerState, DevicePowerState};
+  for (POWER_STATE_TYPE type : types) {
     for (i32 state = 0; state <= PowerSystemShutdown; ++state) {
       tPowerRequest request(stack.child, IRP_MN_QUERY_POWER, type, state);
       EXPECT_EQ(request.send(), STATUS_SUCCESS);
@@ -80,8 +82,10 @@ TEST(ChildPower, EveryQueryIsAgreedTo) {
 
 TEST(ChildPower, OtherKindsKeepTheStatus) {
   tChildStack const stack;
-  for (u8 minor : {IRP_MN_WAIT_WAKE, IRP_MN_POWER_SEQUENCE, u8{4}, u8{0xFF}}) {
-    for (NTSTATUS status : {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL}) {
+  u8 const minors[] = {IRP_MN_WAIT_WAKE, IRP_MN_POWER_SEQUENCE, 4, 0xFF};
+  for (u8 minor : minors) {
+    NTSTATUS const statuses[] = {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL};
+    for (NTSTATUS status : statuses) {
       tPowerRequest request(stack.child, minor, DevicePowerState, PowerDeviceD0);
       EXPECT_EQ(request.sendPastTheKernel(status), status);
       EXPECT_EQ(request.completions(), 1);
@@ -93,7 +97,8 @@ TEST(ChildPower, OtherKindsKeepTheStatus) {
 
 TEST(ChildPower, AnUnknownTypeLeavesTheStatus) {
   tChildStack const stack;
-  for (NTSTATUS status : {STATUS_NOT_SUPPORTED, STATUS_DISK_FULL}) {
+  NTSTATUS const statuses[] = {STATUS_NOT_SUPPORTED, STATUS_DISK_FULL};
+  for (NTSTATUS status : statuses) {
     tPowerRequest request(stack.child, IRP_MN_SET_POWER, static_cast<POWER_STATE_TYPE>(2), 1);
     EXPECT_EQ(request.sendPastTheKernel(status), status);
     EXPECT_EQ(request.status(), status);

@@ -86,7 +86,8 @@ TEST(WDMDispatch, AChildKeepsTheStatusOfSystemControl) {
   tBusStack stack;
   stack.startBus();
   DEVICE_OBJECT* const child = stack.add(1, 1);
-  for (NTSTATUS status : {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL}) {
+  NTSTATUS const statuses[] = {STATUS_NOT_SUPPORTED, STATUS_SUCCESS, STATUS_DISK_FULL};
+  for (NTSTATUS status : statuses) {
     tDeviceRequest request(child, IRP_MJ_SYSTEM_CONTROL);
     request.ioStatus().Information = 77;
     EXPECT_EQ(request.sendPastTheKernel(status), status);
@@ -111,7 +112,8 @@ TEST(WDMDispatch, APlatformsDevicePassesOnWhatHasNoRow) {
 
 TEST(WDMDispatch, APlatformsDevicePassesOnPowerAndSystemControl) {
   tBusStack stack;
-  for (u8 major : {IRP_MJ_POWER, IRP_MJ_SYSTEM_CONTROL}) {
+  u8 const majors[] = {IRP_MJ_POWER, IRP_MJ_SYSTEM_CONTROL};
+  for (u8 major : majors) {
     tDeviceRequest request(stack.bus(), major, 3);
     EXPECT_EQ(request.send(), STATUS_SUCCESS);
     EXPECT_EQ(stack.seenMajor, major);
@@ -125,8 +127,10 @@ TEST(WDMDispatch, AKindAboveTheHighestIsNotTouched) {
   stack.startBus();
   DEVICE_OBJECT* const child = stack.add(1, 1);
   int const before = stack.floorRequests;
-  for (u8 major : {0x1C, 0x80, 0xFF}) {
-    for (DEVICE_OBJECT* device : {stack.bus(), child}) {
+  u8 const majors[] = {0x1C, 0x80, 0xFF};
+  for (u8 major : majors) {
+    DEVICE_OBJECT* const devices[] = {stack.bus(), child};
+    for (DEVICE_OBJECT* device : devices) {
       tDeviceRequest request(device, major);
       EXPECT_EQ(request.sendPastTheKernel(), STATUS_UNSUCCESSFUL);
       EXPECT_EQ(request.completions(), 0);

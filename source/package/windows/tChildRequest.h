@@ -18,8 +18,8 @@ struct tChildRequest {
 using tChildRow = NTSTATUS(tChildRequest& request);
 
 // Runs a row, or for null none, which leaves the status as it has come, and does what is to be done
-// behind it. A child that is deleted already is not asked: STATUS_DELETE_PENDING. Returns the
-// status; the request is not completed. PASSIVE_LEVEL.
+// behind it. A child that is deleted already is not asked: STATUS_DELETE_PENDING, but
+// STATUS_SUCCESS for a removal. Returns the status; the request is not completed. PASSIVE_LEVEL.
 NTSTATUS serveChild(tChildDevice& child, IRP& irp, tChildRow* row);
 
 }  // namespace nOXDIAG100
