@@ -48,7 +48,6 @@ TEST(ChildCreation, MakesADeviceOfItsBus) {
   tChildStack stack;
   EXPECT_EQ(stack.child->DriverObject, stack.bus()->DriverObject);
   EXPECT_EQ(stack.child->DeviceType, 42u);
-  EXPECT_EQ(stack.child->Characteristics & 0x180, 0x180u);
   EXPECT_EQ(stack.child->Flags & DO_POWER_PAGABLE, DO_POWER_PAGABLE);
   EXPECT_EQ(stack.child->Flags & DO_DEVICE_INITIALIZING, 0u);
   EXPECT_EQ(&vexHandlerOf(*stack.child), &stack.handler);

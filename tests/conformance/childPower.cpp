@@ -49,14 +49,6 @@ TEST(ChildPower, TheDevicesStateIsRecorded) {
   }
 }
 
-TEST(ChildPower, TheSystemIsToldOfTheDevicesState) {
-  tChildStack const stack;
-  EXPECT_EQ(setPower(stack.child, DevicePowerState, PowerDeviceD2), STATUS_SUCCESS);
-  POWER_STATE next;
-  next.DeviceState = PowerDeviceD0;
-  EXPECT_EQ(PoSetPowerState(stack.child, DevicePowerState, next).DeviceState, PowerDeviceD2);
-}
-
 TEST(ChildPower, AChildThatSleepsWakesAgain) {
   tChildStack stack;
   EXPECT_EQ(sendPnp(stack.child, IRP_MN_START_DEVICE), STATUS_SUCCESS);

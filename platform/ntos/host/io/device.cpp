@@ -80,7 +80,9 @@ void requireDeletable(DEVICE_OBJECT* device) {
   DEVOBJ_EXTENSION const& record = recordOf(device);
   void* const address = device;
   if (record.isDeleted) violation("IoDeleteDevice: the device at %p was deleted before.", address);
-  if (device->AttachedDevice != nullptr) {
+  // A bus deletes a child in its removal, before the drivers above have let go of it; the PnP
+  // manager refers to the child until they have.
+  if (device->AttachedDevice != nullptr && record.references == 1) {
     violation("IoDeleteDevice: the device at %p has the device at %p attached above it.", address,
               static_cast<void*>(device->AttachedDevice));
   }
