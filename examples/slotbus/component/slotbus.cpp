@@ -8,7 +8,8 @@ using nOXDIAG100::tTrace;
 
 namespace nSLOTBUS100 {
 
-u32 readRackText(char const* text, size_t length, tTrace& trace, tStatusRecord* record) {
+u32 readRackText(char const* text, size_t length, tTrace& trace, tStatusRecord* record,
+                 iRackTaker* taker) {
   OXDIAG_REQUIRE(text != nullptr || length == 0);
   tRack* const rack = new tRack;
   if (rack == nullptr) {
@@ -19,6 +20,7 @@ u32 readRackText(char const* text, size_t length, tTrace& trace, tStatusRecord* 
   }
   tRackReader reader(*rack, trace, record);
   u32 const result = reader.read(tTextSpan(text, length));
+  if (taker != nullptr) taker->take(*rack);
   delete rack;
   return result;
 }
