@@ -1,5 +1,6 @@
 #pragma once
 
+#include "slotbus/component/statusCodes.h"
 #include "slotbus/component/tDevice.h"
 #include "vexk/iChildBus.h"
 #include "vexk/memory.h"

@@ -118,6 +118,7 @@ void tChildDevice::letGo() {
 void tChildDevice::destroy() {
   KEVENT* const event = takeGoneEvent();
   drain();
+  handler->stop(states.getPrevious() == tPnpState::SurpriseRemoved);
   texts.giveBack();
   IoDeleteDevice(device);
   tell(event);

@@ -6,7 +6,8 @@
 #include "vexk/iDeviceHandler.h"
 
 // One child. All of it is copied but the handler, which stays the caller's and outlives the child's
-// device.
+// device: its stop() is the last call that the bus makes, at the device's end. A bus that is removed
+// lets go of children that are still in use, and those come to their end later.
 struct tChildDescription {
   wchar_t const* const* hardwareIds;  // the most specific first; 1 to 201 characters each
   u32 hardwareIdCount;                // at least 1; all lengths, one more each, and 1: at most 1024
@@ -22,6 +23,7 @@ class iChildBus {
  public:
   // Adds a child, which the system sees when it next asks for the bus' relations (while the device
   // starts that comes by itself; later IoInvalidateDeviceRelations asks for it).
+  // When it fails the handler may have been told to stop, or not.
   //   -50303              a child that is present has the instance number
   //   kStatusBadArgument  a hardware id is missing, too long, or all of them are
   //   kStatusOutOfMemory  no memory for the device or what it says of itself
