@@ -161,7 +161,7 @@ def demo_input(options):
 def run_demo(options):
     with wine.alone():
         wine.create_prefix()
-        return wine.run_driver("slotbus", *demo_input(options))
+        return wine.run_driver("slotbus", *demo_input(options), has_rack=True)
 
 
 def show_demo(run, options):

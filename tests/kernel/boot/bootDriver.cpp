@@ -1,6 +1,7 @@
 // oxdiagboot.sys, for tests only: does for the family what the kernel does where the kernel at hand
 // does not. It initialises vexk, qelmk and oxdiagk and then loads the driver whose service key its
-// own key names in the value "Driver". Unloading it undoes both.
+// own key names in the value "Driver". With a value "Rack" in its key it plugs a rack in before, and
+// pulls it out at the end. Unloading it undoes all.
 
 #include "demandDevice.h"
 #include "ntos/debug.h"
@@ -9,6 +10,7 @@
 #include "ntos/status.h"
 #include "ntos/string.h"
 #include "tBootedModules.h"
+#include "wine/tRackPlace.h"
 #include "vexk/eventLog.h"
 
 namespace {
@@ -22,8 +24,9 @@ struct tDriverKey {
 
 constinit tBootedModules modules;
 constinit tDriverKey driverKey = {};
+constinit bool isRackIn = false;
 
-NTSTATUS queryDriverValue(UNICODE_STRING* bootKey) {
+NTSTATUS queryValue(UNICODE_STRING* bootKey, wchar_t const* valueName) {
   OBJECT_ATTRIBUTES attributes;
   InitializeObjectAttributes(&attributes, bootKey, OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE,
                              nullptr, nullptr);
@@ -31,7 +34,7 @@ NTSTATUS queryDriverValue(UNICODE_STRING* bootKey) {
   NTSTATUS status = ZwOpenKey(&key, KEY_READ, &attributes);
   if (status < 0) return status;
   UNICODE_STRING name;
-  RtlInitUnicodeString(&name, L"Driver");
+  RtlInitUnicodeString(&name, valueName);
   u32 needed = 0;
   status = ZwQueryValueKey(key, &name, KeyValuePartialInformation, driverKey.storage, kValueSize,
                            &needed);
@@ -40,7 +43,7 @@ NTSTATUS queryDriverValue(UNICODE_STRING* bootKey) {
 }
 
 NTSTATUS readDriverKey(UNICODE_STRING* bootKey) {
-  NTSTATUS const status = queryDriverValue(bootKey);
+  NTSTATUS const status = queryValue(bootKey, L"Driver");
   if (status < 0) return status;
   auto* value = reinterpret_cast<KEY_VALUE_PARTIAL_INFORMATION*>(driverKey.storage);
   RtlInitUnicodeString(&driverKey.path, reinterpret_cast<wchar_t*>(value->Data));
@@ -77,18 +80,30 @@ NTSTATUS stopModules() {
   return status < 0 ? status : demandDevice(STATUS_OBJECT_NAME_NOT_FOUND);
 }
 
+NTSTATUS plugIn(UNICODE_STRING* bootKey) {
+  isRackIn = queryValue(bootKey, L"Rack") >= 0;
+  return isRackIn ? tRackPlace().plugIn() : STATUS_SUCCESS;
+}
+
+NTSTATUS pullOut() {
+  return isRackIn ? tRackPlace().pullOut() : STATUS_SUCCESS;
+}
+
 NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
-  NTSTATUS status = readDriverKey(bootKey);
+  NTSTATUS status = plugIn(bootKey);
+  if (status >= 0) status = readDriverKey(bootKey);
   if (status >= 0) status = startModules();
   if (status < 0) return status;
   status = ZwLoadDriver(&driverKey.path);
   if (status >= 0) return STATUS_SUCCESS;
+  pullOut();
   modules.unload();
   return status;
 }
 
 void unload(DRIVER_OBJECT* /*driver*/) {
-  NTSTATUS const driverStatus = ZwUnloadDriver(&driverKey.path);
+  NTSTATUS driverStatus = pullOut();
+  if (driverStatus >= 0) driverStatus = ZwUnloadDriver(&driverKey.path);
   NTSTATUS const moduleStatus = stopModules();
   if (driverStatus >= 0 && moduleStatus >= 0) {
     DbgPrint("[boot] unloaded\n");

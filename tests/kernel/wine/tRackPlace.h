@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ntos/types.h"
+
+// The place where a rack is plugged into the machine: a device without a bus, for the service
+// "slotbus", as the system keeps it in its registry. The key is volatile. PASSIVE_LEVEL.
+class tRackPlace {
+ public:
+  // From now on Wine's PnP manager finds a rack there, when it looks or the driver is loaded.
+  NTSTATUS plugIn();
+
+  // The rack is gone, and Wine's PnP manager has removed its devices when this returns.
+  NTSTATUS pullOut();
+};
