@@ -19,7 +19,7 @@ DRIVERS = DRIVE_C / "windows/system32/drivers"
 DRIVERS_IN_WINDOWS = "C:\\windows\\system32\\drivers\\"
 SERVICES = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services"
 BOOT = "oxdiagboot"
-NAMES = [BOOT, "oxdiagtest", "slotbus"]
+NAMES = [BOOT, "oxdiagtest", "oxdiagpnp", "slotbus"]
 CALL_LIMIT = 60  # seconds for one call of Wine
 RUN_LIMIT = 300  # seconds for everything that starting a driver does
 
@@ -70,9 +70,10 @@ def processes():
 
 
 def create_prefix():
-    """Made once; a prefix that was not finished is made anew."""
+    """Made once; a prefix that was not finished, or has other drivers, is made anew."""
     stamp = FOLDER / "prefix.complete"
-    if stamp.exists():
+    drivers = " ".join(NAMES)
+    if stamp.exists() and stamp.read_text() == drivers:
         return
     shutil.rmtree(PREFIX, ignore_errors=True)
     FOLDER.mkdir(parents=True, exist_ok=True)
@@ -85,7 +86,7 @@ def create_prefix():
                         "binPath=", f"{DRIVERS_IN_WINDOWS}{name}.sys")
     finally:
         stop_server()
-    stamp.touch()
+    stamp.write_text(drivers)
 
 
 def registry_text(values):

@@ -1,7 +1,7 @@
 // oxdiagboot.sys, for tests only: does for the family what the kernel does where the kernel at hand
 // does not. It initialises vexk, qelmk and oxdiagk and then loads the driver whose service key its
-// own key names in the value "Driver". With a value "Rack" in its key it plugs a rack in before, and
-// pulls it out at the end. Unloading it undoes all.
+// own key names in the value "Driver". With a value "Rack" in its key it plugs a rack in before,
+// and pulls it out at the end. Unloading it undoes all.
 
 #include "demandDevice.h"
 #include "ntos/debug.h"
@@ -10,8 +10,8 @@
 #include "ntos/status.h"
 #include "ntos/string.h"
 #include "tBootedModules.h"
-#include "wine/tRackPlace.h"
 #include "vexk/eventLog.h"
+#include "wine/tRackPlace.h"
 
 namespace {
 

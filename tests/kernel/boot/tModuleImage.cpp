@@ -5,6 +5,7 @@ namespace {
 // Offsets in a 64-bit image, from its start or from its "PE\0\0" signature.
 constexpr u32 kSignatureOffset = 0x3C;
 constexpr u32 kExportDirectoryOffset = 0x88;
+constexpr u32 kImportDirectoryOffset = 0x90;
 
 constexpr u64 kPageSize = 0x1000;
 constexpr u16 kImageMark = 0x5A4D;  // "MZ"
@@ -17,6 +18,16 @@ struct tExportDirectory {
   u32 names;
   u32 nameOrdinals;
 };
+
+// One module that is imported from; the last has no name.
+struct tImportDescriptor {
+  u32 lookups;  // the rest: offsets from the start of the image
+  u32 unused[2];
+  u32 name;
+  u32 addresses;
+};
+
+constexpr u32 kHintSize = 2;  // before the name of an import
 
 u8 const* startOfImage(void const* inside) {
   u64 page = reinterpret_cast<u64>(inside) & ~(kPageSize - 1);
@@ -41,6 +52,20 @@ void* tModuleImage::findExport(char const* name) const {
     if (!isSameName(&at<char>(at<u32>(directory.names + 4 * i)), name)) continue;
     u32 const ordinal = at<u16>(directory.nameOrdinals + 2 * i);
     return const_cast<u8*>(image) + at<u32>(directory.functions + 4 * ordinal);
+  }
+  return nullptr;
+}
+
+void** tModuleImage::findImport(char const* name) const {
+  u32 const header = at<u32>(kSignatureOffset);
+  u32 descriptor = at<u32>(header + kImportDirectoryOffset);
+  for (; at<tImportDescriptor>(descriptor).name != 0; descriptor += sizeof(tImportDescriptor)) {
+    auto const& from = at<tImportDescriptor>(descriptor);
+    for (u32 place = 0; at<u64>(from.lookups + place) != 0; place += sizeof(u64)) {
+      u32 const hint = static_cast<u32>(at<u64>(from.lookups + place));
+      if (!isSameName(&at<char>(hint + kHintSize), name)) continue;
+      return reinterpret_cast<void**>(const_cast<u8*>(image) + from.addresses + place);
+    }
   }
   return nullptr;
 }

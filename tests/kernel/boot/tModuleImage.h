@@ -14,6 +14,10 @@ class tModuleImage {
   // The address of the export `name`, or null when the module has none of that name.
   void* findExport(char const* name) const;
 
+  // The place where the module keeps the address of what it imports under that name, or null when
+  // it imports nothing of the name.
+  void** findImport(char const* name) const;
+
  private:
   template <class T>
   T const& at(u32 offset) const {

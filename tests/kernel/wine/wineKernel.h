@@ -8,6 +8,9 @@
 constexpr ACCESS_MASK kKeyAllAccess = 0xF003F;
 constexpr u32 kKeyIsVolatile = 1;  // gone when the server of the prefix ends
 
+constexpr u32 kPageReadWrite = 0x04;
+inline HANDLE const kOwnProcess = reinterpret_cast<HANDLE>(-1);
+
 extern "C" {
 
 // Wine's own: looks at the registry for devices without a bus that the driver of a service is for.
@@ -31,6 +34,10 @@ extern NTOS_IMPORT void** IoDriverObjectType;
 // Waits; below 0 it is a span in units of 100 ns.
 NTOS_IMPORT NTSTATUS KeDelayExecutionThread(KPROCESSOR_MODE mode, BOOLEAN alertable,
                                             LARGE_INTEGER* time);
+
+// Changes what may be done with pages; `process` of kOwnProcess is the caller's.
+NTOS_IMPORT NTSTATUS ZwProtectVirtualMemory(HANDLE process, void** address, size_t* size,
+                                            u32 protection, u32* before);
 
 // Gives back a block whatever its tag: what the kernel does with answers to its requests.
 NTOS_IMPORT void ExFreePool(void* block);

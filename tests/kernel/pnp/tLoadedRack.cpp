@@ -1,0 +1,61 @@
+#include "tLoadedRack.h"
+
+#include "ntos/io.h"
+#include "ntos/string.h"
+#include "wine/wineKernel.h"
+
+namespace {
+
+constexpr wchar_t kServiceKey[] =
+    L"\\Registry\\Machine\\System\\CurrentControlSet\\Services\\slotbus";
+
+DRIVER_OBJECT* findDriver() {
+  UNICODE_STRING name;
+  RtlInitUnicodeString(&name, L"\\Driver\\slotbus");
+  void* driver = nullptr;
+  NTSTATUS const status = ObReferenceObjectByName(
+      &name, OBJ_CASE_INSENSITIVE, nullptr, 0, *IoDriverObjectType, KernelMode, nullptr, &driver);
+  return NT_SUCCESS(status) ? static_cast<DRIVER_OBJECT*>(driver) : nullptr;
+}
+
+}  // namespace
+
+char const* tLoadedRack::load() {
+  if (!NT_SUCCESS(place.plugIn())) return "the rack cannot be plugged in";
+  UNICODE_STRING key;
+  RtlInitUnicodeString(&key, kServiceKey);
+  if (!NT_SUCCESS(ZwLoadDriver(&key))) return "slotbus.sys cannot be loaded";
+  driver = findDriver();
+  if (driver == nullptr) return "slotbus.sys has no driver object";
+  enumerator.settle();
+  return findDevices();
+}
+
+// The kernel keeps the youngest device of a driver first.
+char const* tLoadedRack::findDevices() {
+  u32 left = kSlots;
+  for (DEVICE_OBJECT* device = driver->DeviceObject; device != nullptr;
+       device = device->NextDevice) {
+    if (!vexHandlerOf(*device).isChildDevice()) {
+      bus = device;
+    } else if (left == 0) {
+      return "there are more children than good lines";
+    } else {
+      slots[--left] = device;
+    }
+  }
+  if (bus == nullptr) return "there is no bus";
+  return left == 0 ? nullptr : "there are fewer children than good lines";
+}
+
+char const* tLoadedRack::unload() {
+  char const* problem = NT_SUCCESS(place.pullOut()) ? nullptr : "the rack cannot be pulled out";
+  if (driver == nullptr) return problem;
+  if (driver->DeviceObject != nullptr) problem = "a device is left over";
+  ObfDereferenceObject(driver);
+  driver = nullptr;
+  UNICODE_STRING key;
+  RtlInitUnicodeString(&key, kServiceKey);
+  if (!NT_SUCCESS(ZwUnloadDriver(&key))) problem = "slotbus.sys cannot be unloaded";
+  return problem;
+}
