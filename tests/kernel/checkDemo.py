@@ -18,7 +18,7 @@ import re
 import comparison
 
 PREFIX = re.compile(r"^\[slotbus--(?:\d+--)?(\w+\.cpp)-*\] ")
-SURROUNDING_SOURCES = {"main.cpp", "driver.cpp"}
+SURROUNDING_SOURCES = {"main.cpp", "driver.cpp", "tProgramRack.cpp", "tServiceRack.cpp"}
 STATUS_HEAD = "tStatus2 Contents:"
 STACK_ADDRESS = re.compile(r"^\t\t0x([0-9A-F]+)$")
 DESCRIPTION = re.compile(r"^(\tAddress of Status Description = )0x0*[1-9A-F][0-9A-F]*$")

@@ -63,31 +63,48 @@ class TestLines:
         return self.done == [counts] and len(self.held) > 0
 
 
-def run_checks(run, tests):
+def run_checks(name, run, tests):
     """(title, held) for what holds of the run as a whole."""
     last = tests.begun[-1] if tests.begun and not tests.done else "none"
     return [
-        (f"driver tests run to their end (unfinished: {last})", tests.is_complete()),
-        ("driver and modules unload cleanly", run.stopped and UNLOADED in run.texts),
-        ("processes of Wine were there to be ended", run.processes_seen > 0),
-        ("no process is left behind", not wine.processes()),
+        (f"{name}: tests run to their end (unfinished: {last})", tests.is_complete()),
+        (f"{name}: driver and modules unload cleanly", run.stopped and UNLOADED in run.texts),
+        (f"{name}: processes of Wine were there to be ended", run.processes_seen > 0),
+        (f"{name}: no process is left behind", not wine.processes()),
     ]
 
 
-def check():
-    """The conformance tests in a driver."""
-    build()
-    with wine.alone():
-        wine.create_prefix()
-        run = wine.run_driver("oxdiagtest", module_files("oxdiagtest.sys"), {})
-        tests = TestLines(run.texts)
-        checks = run_checks(run, tests)
-    failed = [f"kernel {name}" for name in tests.failed]
+def outcome_of(name, run):
+    tests = TestLines(run.texts)
+    checks = run_checks(name, run, tests)
+    failed = [f"kernel {test}" for test in tests.failed]
     failed += [f"kernel: {title}" for title, held in checks if not held]
     output = "\n".join(tests.complaints)
     if not all(held for _, held in checks):
         output = "\n".join([*run.texts[-60:], place_of_crash(run.texts)])
     return workshop.Outcome(len(tests.held) + sum(held for _, held in checks), failed, output)
+
+
+def check_conformance():
+    """The conformance tests in a driver."""
+    return outcome_of("oxdiagtest", wine.run_driver("oxdiagtest", module_files("oxdiagtest.sys")))
+
+
+def check_devices():
+    """The slot bus and its devices, driven by Wine's PnP manager."""
+    files, services = demo_input(demo_options(["--filter", "verbosity>=200"]))
+    run = wine.run_driver("oxdiagpnp", dict(files, **module_files("oxdiagpnp.sys")), services)
+    return outcome_of("oxdiagpnp", run)
+
+
+def check():
+    build()
+    with wine.alone():
+        wine.create_prefix()
+        outcomes = [check_conformance(), check_devices()]
+    return workshop.Outcome(sum(outcome.passed for outcome in outcomes),
+                            [name for outcome in outcomes for name in outcome.failed],
+                            "\n".join(outcome.output for outcome in outcomes if outcome.output))
 
 
 def test():
@@ -153,9 +170,10 @@ def demo_input(options):
     if options.file:
         files[OWN_RACK] = options.file
         rack = rf"\??\{wine.DRIVERS_IN_WINDOWS}{OWN_RACK}"
-    return files, {"RackFile": rack, "Filter": options.filter, "Trace": options.trace,
-                   "Assert": options.assertions, "Capture": options.capture,
-                   "Save": options.save and rf"C:\{options.save}"}
+    return files, {"slotbus": {
+        "RackFile": rack, "Filter": options.filter, "Trace": options.trace,
+        "Assert": options.assertions, "Capture": options.capture,
+        "Save": options.save and rf"C:\{options.save}"}}
 
 
 def run_demo(options):

@@ -160,14 +160,14 @@ def alone():
         yield
 
 
-def run_driver(name, files, settings, has_rack=False):
-    """Copies files into the drivers folder and lets the boot driver load and unload `name`, with a
-    rack plugged into the machine if asked for."""
+def run_driver(name, files, services=None, has_rack=False):
+    """Copies files into the drivers folder and lets the boot driver load and unload `name`, with
+    these values in the keys of services, and a rack plugged into the machine if asked for."""
     run = Run()
     (FOLDER / "services.reg").write_bytes(registry_text({
         BOOT: {"Driver": rf"\Registry\Machine\System\CurrentControlSet\Services\{name}",
                "Rack": "1" if has_rack else None},
-        name: settings}).encode("utf-16"))
+        **(services or {})}).encode("utf-16"))
     for target, source in files.items():
         shutil.copyfile(source, DRIVERS / target)
     print_log = FOLDER / f"{name}.log"

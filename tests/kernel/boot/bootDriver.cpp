@@ -11,6 +11,7 @@
 #include "ntos/string.h"
 #include "tBootedModules.h"
 #include "vexk/eventLog.h"
+#include "wine/tEnumerator.h"
 #include "wine/tRackPlace.h"
 
 namespace {
@@ -24,6 +25,7 @@ struct tDriverKey {
 
 constinit tBootedModules modules;
 constinit tDriverKey driverKey = {};
+constinit tEnumerator enumerator;
 constinit bool isRackIn = false;
 
 NTSTATUS queryValue(UNICODE_STRING* bootKey, wchar_t const* valueName) {
@@ -85,8 +87,11 @@ NTSTATUS plugIn(UNICODE_STRING* bootKey) {
   return isRackIn ? tRackPlace().plugIn() : STATUS_SUCCESS;
 }
 
+// Wine does not keep a removal from overtaking the enumeration.
 NTSTATUS pullOut() {
-  return isRackIn ? tRackPlace().pullOut() : STATUS_SUCCESS;
+  if (!isRackIn) return STATUS_SUCCESS;
+  enumerator.settle();
+  return tRackPlace().pullOut();
 }
 
 NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
@@ -101,10 +106,19 @@ NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
   return status;
 }
 
+NTSTATUS bootWithEnumerator(DRIVER_OBJECT& driver, UNICODE_STRING* bootKey) {
+  NTSTATUS status = enumerator.open(driver);
+  if (status < 0) return status;
+  status = bootAndLoad(bootKey);
+  if (status < 0) enumerator.close();
+  return status;
+}
+
 void unload(DRIVER_OBJECT* /*driver*/) {
   NTSTATUS driverStatus = pullOut();
   if (driverStatus >= 0) driverStatus = ZwUnloadDriver(&driverKey.path);
   NTSTATUS const moduleStatus = stopModules();
+  enumerator.close();
   if (driverStatus >= 0 && moduleStatus >= 0) {
     DbgPrint("[boot] unloaded\n");
   } else {
@@ -116,7 +130,7 @@ void unload(DRIVER_OBJECT* /*driver*/) {
 
 extern "C" NTSTATUS DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath) {
   driver->DriverUnload = &unload;
-  NTSTATUS const status = bootAndLoad(registryPath);
+  NTSTATUS const status = bootWithEnumerator(*driver, registryPath);
   if (status < 0) DbgPrint("[boot] loading failed: 0x%08X\n", status);
   return status;
 }
