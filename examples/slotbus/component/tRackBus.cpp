@@ -53,8 +53,8 @@ void tRackBus::show(tDevice const& device, tSlotTexts* texts) {
                putf("slot %u cannot be shown to the system", device.slot).put(status));
 }
 
-void tRackBus::stop(bool isSurprise) {
-  OXDIAG_TRACE(kTraceProgress, put(isSurprise ? "the rack is gone" : "the rack is taken away"));
+void tRackBus::stop(bool /*isSurprise*/) {
+  OXDIAG_TRACE(kTraceProgress, put("the bus stops"));
   bus = nullptr;
 }
 

@@ -39,7 +39,8 @@ char const* const kExamplesAndCodes =
     "  slotbus_demo --trace '--destination file C:/rack.out overwrite'\n"
     "  slotbus_demo --assert '--category default --break off'\n"
     "\n"
-    "Exit code: 0 the rack is good, 1 something in it is wrong, 2 the file cannot be\n"
+    "Exit code: 0 the rack is good, or was served until Ctrl-C, 1 something in it is wrong, 2 the "
+    "file cannot be\n"
     "read, 3 the library cannot be started, 4 the output cannot be written, 64 the\n"
     "command line is wrong; an option word that the library would pass over is.";
 
@@ -69,6 +70,11 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
   app.add_option("--save", options.save,
                  "A file for the statuses of what is wrong, to be read by\noxdiagreport")
       ->type_name("FILE");
+  auto* const serve = app.add_flag("--serve", options.serves,
+                                   "Stay until Ctrl-C, so that oxdiagctl can change the trace");
+  app.add_option("--at", options.socket, "The socket for oxdiagctl; by default where it looks")
+      ->type_name("SOCKET")
+      ->needs(serve);
   app.add_flag("--check-only", options.checksOnly)->group("");
 }
 

@@ -7,21 +7,17 @@
 #include "options/filterCheck.h"
 #include "options/tOptionCheck.h"
 #include "oxdiagk/tAssertConfiguration.h"
-#include "oxdiagk/tCTFTraceDestination.h"
-#include "slotbus/component/component.h"
-#include "slotbus/component/slotbus.h"
-#include "slotbus/component/tCaptureBuffer.h"
 #include "slotbus/host/demoOptions.h"
+#include "slotbus/host/serve.h"
 #include "slotbus/host/tModules.h"
 #include "slotbus/host/tOptionWordList.h"
+#include "slotbus/host/tProgramRack.h"
 #include "slotbus/host/tRackFile.h"
+#include "slotbus/host/tRackMachine.h"
 #include "slotbus/host/tSerialPort.h"
-#include "slotbus/host/writeFile.h"
 
 using nOXDIAG100::tAssertConfiguration;
-using nOXDIAG100::tCTFTraceDestination;
 using nOXDIAG100::tTrace;
-using namespace nSLOTBUS100;
 
 namespace {
 
@@ -60,39 +56,15 @@ std::optional<std::string> findProblem(tDemoOptions const& options) {
   return findProblem(kAssertLanguage, options.assertions);
 }
 
-int readRack(tRackFile const& file, tTrace& trace, tStatusRecord* record) {
-  OXDIAG_TRACE(kTraceProgress, put("the rack is ").put(file.getName().c_str()));
-  u32 const result = readRackText(file.getText().data(), file.getText().size(), trace, record);
-  return result == 0 ? kExitGood : kExitBadRack;
-}
-
-int readRackCaptured(tRackFile const& file, tTrace& trace, tStatusRecord* record) {
-  tCaptureBuffer buffer;
-  if (!buffer.allocate()) return readRack(file, trace, record);
-  int result = kExitGood;
-  {
-    tCTFTraceDestination capture(buffer.getText(), buffer.getPosition(), buffer.kSize, nullptr);
-    trace.setDestination(capture);
-    result = readRack(file, trace, record);
-  }
-  buffer.show();
-  return result;
-}
-
-int readRack(tDemoOptions const& options, tRackFile const& file, tTrace& trace,
-             tStatusRecord* record) {
-  return options.captures ? readRackCaptured(file, trace, record) : readRack(file, trace, record);
-}
-
-// Reads the rack, and writes what it has recorded.
-int readRackAndSave(tDemoOptions const& options, tRackFile const& file, tTrace& trace) {
-  if (!options.save) return readRack(options, file, trace, nullptr);
-  tStatusRecord record;
-  if (!record.allocate()) return complain("there is no memory for the statuses", kExitNoOutput);
-  int const result = readRack(options, file, trace, &record);
-  std::string problem;
-  bool const isSaved = writeFile(*options.save, record.getBytes(), record.getLength(), problem);
-  return isSaved ? result : complain(problem, kExitNoOutput);
+// Plugs the rack in, which has it read, and pulls it out again, at once or when it was served.
+int plugIn(tDemoOptions const& options, tRackFile const& file, tTrace& trace) {
+  tProgramRack rack(options, file, trace);
+  tRackMachine machine(rack);
+  if (!machine.isRunning()) return complain("the driver cannot be started", kExitNoModule);
+  if (rack.getResult() == kExitNoOutput) return complain(rack.getProblem(), kExitNoOutput);
+  if (!options.serves) return rack.getResult();
+  auto const problem = serve(machine, options.socket);
+  return problem ? complain(*problem, kExitNoOutput) : kExitGood;
 }
 
 int runRack(tDemoOptions const& options, tRackFile const& file) {
@@ -102,7 +74,7 @@ int runRack(tDemoOptions const& options, tRackFile const& file) {
   tAssertConfiguration::getInstance().configure(options.assertions.c_str());
   trace.configure(options.trace.c_str());
   if (options.filter) applyFilter(*options.filter, trace);
-  return readRackAndSave(options, file, trace);
+  return plugIn(options, file, trace);
 }
 
 // Connects what the trace is sent to besides standard output.
@@ -119,12 +91,14 @@ std::optional<std::string> connectDevices(tDemoOptions const& options, tSerialPo
 }
 
 int runConnected(tDemoOptions const& options, tRackFile const& file) {
+  if (options.serves) holdEndSignals();
   tSerialPort serialPort;
   if (auto const problem = connectDevices(options, serialPort)) {
     return complain(*problem, kExitNoOutput);
   }
   ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);
   int const result = runRack(options, file);
+  ntoshost::requireNoDevices("slotbus_demo");
   ntoshost::requireNoOutstanding("slotbus_demo");
   ntoshost::requireNoHandles("slotbus_demo");
   bool const isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
