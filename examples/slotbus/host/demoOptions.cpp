@@ -39,10 +39,10 @@ char const* const kExamplesAndCodes =
     "  slotbus_demo --trace '--destination file C:/rack.out overwrite'\n"
     "  slotbus_demo --assert '--category default --break off'\n"
     "\n"
-    "Exit code: 0 the rack is good, or was served until Ctrl-C, 1 something in it is wrong, 2 the "
-    "file cannot be\n"
-    "read, 3 the library cannot be started, 4 the output cannot be written, 64 the\n"
-    "command line is wrong; an option word that the library would pass over is.";
+    "Exit code: 0 the rack is good or was served until Ctrl-C, 1 something in it is\n"
+    "wrong, 2 the file cannot be read, 3 the library cannot be started, 4 the output\n"
+    "cannot be written, 64 the command line is wrong; an option word that the library\n"
+    "would pass over is.";
 
 std::string makeFooter() {
   return kVerbositiesAndFilter + describeOptions(kTraceLanguage, "--") +

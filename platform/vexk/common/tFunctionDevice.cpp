@@ -223,8 +223,6 @@ NTSTATUS tFunctionDevice::startWithin(IRP& request) {
   if (!NT_SUCCESS(below)) return below;
   i32 status = 0;
   start(status);
-  // Not every kernel asks a bus for its children by itself when it has started.
-  if (status >= 0 && children != nullptr) IoInvalidateDeviceRelations(&physical, BusRelations);
   return kernelStatusOf(status);
 }
 

@@ -26,8 +26,10 @@ TEST_F(SlotbusDemoFilter, TheFilterShowsDetails) {
 
 TEST_F(SlotbusDemoFilter, AFilterThatBeginsWithAConnectorExtendsTheDefault) {
   tRun const done = run({"--filter", "&& filename!=examples/slotbus/component/tRackReader.cpp"});
-  EXPECT_EQ(countLines(done.output), 1U);
+  EXPECT_EQ(countLines(done.output), 3U);
   EXPECT_TRUE(contains(done.output, "the rack is "));
+  EXPECT_TRUE(contains(done.output, "devices on the bus: 27\n"));
+  EXPECT_TRUE(contains(done.output, "the bus stops\n"));
 }
 
 TEST_F(SlotbusDemoFilter, ALineNumberFilterPicksOneLineOfSource) {

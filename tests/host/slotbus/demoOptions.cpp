@@ -228,7 +228,7 @@ TEST_F(SlotbusDemoOptions, AnOptionWithoutItsTextIsWrongUsage) {
 
 TEST_F(SlotbusDemoOptions, TheTraceOptionsAreTheLibrarys) {
   tRun const done = run({"--trace", "--compname off --linenumber off --prefixwidth 20"});
-  EXPECT_EQ(done.output.substr(0, 22), "[main.cpp----------] t");
+  EXPECT_EQ(done.output.substr(0, 24), "[tProgramRack.cpp--]   t");
 }
 
 TEST_F(SlotbusDemoOptions, AMasterSwitchThatIsOffLeavesOnlyTheExitCode) {

@@ -90,8 +90,10 @@ NTSTATUS plugIn(UNICODE_STRING* bootKey) {
 // Wine does not keep a removal from overtaking the enumeration.
 NTSTATUS pullOut() {
   if (!isRackIn) return STATUS_SUCCESS;
+  tRackPlace place;
+  place.invalidate();
   enumerator.settle();
-  return tRackPlace().pullOut();
+  return place.pullOut();
 }
 
 NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {

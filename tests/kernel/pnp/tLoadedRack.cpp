@@ -2,21 +2,12 @@
 
 #include "ntos/io.h"
 #include "ntos/string.h"
-#include "wine/wineKernel.h"
+#include "wine/rackDriver.h"
 
 namespace {
 
 constexpr wchar_t kServiceKey[] =
     L"\\Registry\\Machine\\System\\CurrentControlSet\\Services\\slotbus";
-
-DRIVER_OBJECT* findDriver() {
-  UNICODE_STRING name;
-  RtlInitUnicodeString(&name, L"\\Driver\\slotbus");
-  void* driver = nullptr;
-  NTSTATUS const status = ObReferenceObjectByName(
-      &name, OBJ_CASE_INSENSITIVE, nullptr, 0, *IoDriverObjectType, KernelMode, nullptr, &driver);
-  return NT_SUCCESS(status) ? static_cast<DRIVER_OBJECT*>(driver) : nullptr;
-}
 
 }  // namespace
 
@@ -25,8 +16,9 @@ char const* tLoadedRack::load() {
   UNICODE_STRING key;
   RtlInitUnicodeString(&key, kServiceKey);
   if (!NT_SUCCESS(ZwLoadDriver(&key))) return "slotbus.sys cannot be loaded";
-  driver = findDriver();
+  driver = findRackDriver();
   if (driver == nullptr) return "slotbus.sys has no driver object";
+  place.invalidate();
   enumerator.settle();
   return findDevices();
 }
@@ -36,14 +28,11 @@ char const* tLoadedRack::findDevices() {
   u32 left = kSlots;
   for (DEVICE_OBJECT* device = driver->DeviceObject; device != nullptr;
        device = device->NextDevice) {
-    if (!vexHandlerOf(*device).isChildDevice()) {
-      bus = device;
-    } else if (left == 0) {
-      return "there are more children than good lines";
-    } else {
-      slots[--left] = device;
-    }
+    if (!vexHandlerOf(*device).isChildDevice()) continue;
+    if (left == 0) return "there are more children than good lines";
+    slots[--left] = device;
   }
+  bus = findRackBus(*driver);
   if (bus == nullptr) return "there is no bus";
   return left == 0 ? nullptr : "there are fewer children than good lines";
 }

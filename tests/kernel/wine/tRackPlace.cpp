@@ -1,6 +1,8 @@
 #include "wine/tRackPlace.h"
 
+#include "ntos/io.h"
 #include "ntos/string.h"
+#include "wine/rackDriver.h"
 #include "wine/wineKernel.h"
 
 namespace {
@@ -66,6 +68,16 @@ NTSTATUS tRackPlace::plugIn() {
   if (NT_SUCCESS(status)) status = describe(key);
   if (key != nullptr) ZwClose(key);
   return status;
+}
+
+void tRackPlace::invalidate() {
+  DRIVER_OBJECT* const driver = findRackDriver();
+  if (driver == nullptr) return;
+  DEVICE_OBJECT* const bus = findRackBus(*driver);
+  if (bus != nullptr) {
+    IoInvalidateDeviceRelations(vexHandlerOf(*bus).getPhysicalDevice(), BusRelations);
+  }
+  ObfDereferenceObject(driver);
 }
 
 NTSTATUS tRackPlace::pullOut() {

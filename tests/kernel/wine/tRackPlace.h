@@ -9,6 +9,10 @@ class tRackPlace {
   // From now on Wine's PnP manager finds a rack there, when it looks or the driver is loaded.
   NTSTATUS plugIn();
 
+  // Tells Wine's PnP manager to ask the bus for its children, which it does not by itself when the
+  // bus has started. Nothing happens when there is no driver or no bus.
+  void invalidate();
+
   // The rack is gone, and Wine's PnP manager has removed its devices when this returns.
   NTSTATUS pullOut();
 };

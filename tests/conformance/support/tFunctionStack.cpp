@@ -1,0 +1,98 @@
+#include "support/tFunctionStack.h"
+
+#include "ntos/io.h"
+#include "ntos/pnp.h"
+#include "vexk/dispatch.h"
+
+namespace {
+
+// Its null handler tells the floor from the function device.
+struct tFloorExtension : tDeviceExtension {
+  tFunctionStack* stack;
+};
+
+tFloorExtension& extensionOf(DEVICE_OBJECT const& device) {
+  return *static_cast<tFloorExtension*>(device.DeviceExtension);
+}
+
+NTSTATUS dispatchOnPlatform(DEVICE_OBJECT* device, IRP* request) {
+  switch (IoGetCurrentIrpStackLocation(request)->MajorFunction) {
+    case IRP_MJ_POWER:
+      return vexDispatchPower(device, request);
+    case IRP_MJ_SYSTEM_CONTROL:
+      return vexDispatchSystemControl(device, request);
+    case IRP_MJ_PNP:
+      return vexDispatchPnp(device, request);
+    default:
+      return vexDispatch(device, request);
+  }
+}
+
+}  // namespace
+
+void tRecordingComponent::note(char call) {
+  if (count + 1 < sizeof(calls)) calls[count++] = call;
+}
+
+void tRecordingComponent::start(iChildBus* children, i32& status) {
+  note('S');
+  place = children;
+  if (startStatus != 0) status = startStatus;
+}
+
+void tRecordingComponent::stop(bool isSurprise) {
+  note(isSurprise ? 'x' : 's');
+}
+
+void tRecordingComponent::handleDeviceControl(u32 controlCode, void* from, u32 fromLength, void* to,
+                                              u32 toLength, u64* information, i32* status) {
+  note('c');
+  code = controlCode;
+  input = from;
+  inputLength = fromLength;
+  output = to;
+  outputLength = toLength;
+  wasClear = *information == 0 && *status == 0;
+  *information = controlInformation;
+  *status = controlStatus;
+}
+
+tFunctionStack::tFunctionStack(u32 floorFlags) : testDriver(&dispatch) {
+  IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr, FILE_DEVICE_UNKNOWN, 0, 0,
+                 &floor);
+  extensionOf(*floor).stack = this;
+  floor->Flags |= floorFlags;
+  floor->Flags &= ~DO_DEVICE_INITIALIZING;
+  tFunctionDeviceDescription const description = {testDriver.get(), floor, FILE_DEVICE_BUS_EXTENDER,
+                                                  kStackBusType, kStackBusNumber};
+  vexAddFunctionDevice(description, component);
+  device = testDriver.newestDevice();
+}
+
+tFunctionStack::~tFunctionStack() {
+  if (hasDevice()) sendPnp(IRP_MN_REMOVE_DEVICE);
+  IoDeleteDevice(floor);
+}
+
+NTSTATUS tFunctionStack::send(u8 major, u8 minor) const {
+  tDeviceRequest request(device, major, minor);
+  request.send();
+  return request.status();
+}
+
+NTSTATUS tFunctionStack::dispatch(DEVICE_OBJECT* target, IRP* request) {
+  tFloorExtension const& extension = extensionOf(*target);
+  if (extension.handler != nullptr) return dispatchOnPlatform(target, request);
+  return extension.stack->serveFloor(*request);
+}
+
+NTSTATUS tFunctionStack::serveFloor(IRP& request) {
+  IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&request);
+  component.note('F');
+  seenMajor = location.MajorFunction;
+  seenMinor = location.MinorFunction;
+  seenStatus = request.IoStatus.Status;
+  request.IoStatus.Status = floorStatus;
+  IoCompleteRequest(&request, IO_NO_INCREMENT);
+  return floorStatus;
+}

@@ -1,0 +1,170 @@
+// What becomes of the requests to the platform's own device of a stack.
+
+#include "conformance/harness.h"
+#include "ntos/io.h"
+#include "ntos/pnp.h"
+#include "support/tFunctionStack.h"
+#include "vexk/statusCodes.h"
+
+namespace {
+
+constexpr u32 kDirect = 1;  // a method that the platform does not serve
+constexpr u8 kUnknownMinor = 0x7F;
+constexpr u8 kRead = 3;  // a major code that nobody here serves
+
+u32 codeOf(u32 method) {
+  return ntosControlCode(0x8123, 0x812, method, FILE_ANY_ACCESS);
+}
+
+// A device control with addresses that nobody looks at.
+class tControl : public tDeviceRequest {
+ public:
+  tControl(tFunctionStack const& stack, u32 code, u32 major = IRP_MJ_DEVICE_CONTROL)
+      : tDeviceRequest(stack.getDevice(), static_cast<u8>(major)) {
+    auto& parameters = location().Parameters.DeviceIoControl;
+    parameters.IoControlCode = code;
+    parameters.InputBufferLength = 11;
+    parameters.OutputBufferLength = 22;
+    parameters.Type3InputBuffer = &input;
+    irp->UserBuffer = &output;
+    irp->AssociatedIrp.SystemBuffer = &system;
+    irp->IoStatus.Information = 99;
+  }
+  ~tControl() { irp->AssociatedIrp.SystemBuffer = nullptr; }
+
+  NTSTATUS sendForStatus() {
+    send();
+    return status();
+  }
+
+  char input = 0;
+  char output = 0;
+  char system = 0;
+};
+
+NTSTATUS controlOf(tFunctionStack const& stack) {
+  return tControl(stack, codeOf(METHOD_NEITHER)).sendForStatus();
+}
+
+}  // namespace
+
+TEST(VexkDispatch, OpenCleanupAndCloseSucceed) {
+  tFunctionStack stack;
+  EXPECT_EQ(stack.send(IRP_MJ_CREATE), STATUS_SUCCESS);
+  EXPECT_EQ(stack.send(IRP_MJ_CLEANUP), STATUS_SUCCESS);
+  EXPECT_EQ(stack.send(IRP_MJ_CLOSE), STATUS_SUCCESS);
+  EXPECT_STREQ(stack.component.getCalls(), "");
+}
+
+TEST(VexkDispatch, ADeviceThatIsGoneIsNotOpenedButClosed) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_SURPRISE_REMOVAL);
+  EXPECT_EQ(stack.send(IRP_MJ_CREATE), STATUS_DELETE_PENDING);
+  EXPECT_EQ(stack.send(IRP_MJ_CLEANUP), STATUS_SUCCESS);
+  EXPECT_EQ(stack.send(IRP_MJ_CLOSE), STATUS_SUCCESS);
+}
+
+TEST(VexkDispatch, ControlsOfMethodNeitherBringTheCallersAddresses) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  stack.component.controlInformation = 5;
+  tControl control(stack, codeOf(METHOD_NEITHER));
+  EXPECT_EQ(control.sendForStatus(), STATUS_SUCCESS);
+  EXPECT_EQ(control.irp->IoStatus.Information, u64{5});
+  EXPECT_EQ(stack.component.code, codeOf(METHOD_NEITHER));
+  EXPECT_TRUE(stack.component.input == &control.input);
+  EXPECT_TRUE(stack.component.output == &control.output);
+  EXPECT_EQ(stack.component.inputLength, u32{11});
+  EXPECT_EQ(stack.component.outputLength, u32{22});
+  EXPECT_TRUE(stack.component.wasClear);
+}
+
+TEST(VexkDispatch, BufferedControlsBringTheKernelsCopy) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  tControl control(stack, codeOf(METHOD_BUFFERED), IRP_MJ_INTERNAL_DEVICE_CONTROL);
+  EXPECT_EQ(control.sendForStatus(), STATUS_SUCCESS);
+  EXPECT_TRUE(stack.component.input == &control.system);
+  EXPECT_TRUE(stack.component.output == &control.system);
+}
+
+TEST(VexkDispatch, ControlsOfOtherMethodsAreRefused) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  tControl control(stack, codeOf(kDirect));
+  EXPECT_EQ(control.sendForStatus(), STATUS_INVALID_DEVICE_REQUEST);
+  EXPECT_EQ(control.irp->IoStatus.Information, u64{0});
+  EXPECT_STREQ(stack.component.getCalls(), "FS");
+}
+
+TEST(VexkDispatch, AFailedControlIsUnsuccessfulAndKeepsItsInformation) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  stack.component.controlStatus = kStatusBadArgument;
+  stack.component.controlInformation = 7;
+  tControl control(stack, codeOf(METHOD_NEITHER));
+  EXPECT_EQ(control.sendForStatus(), STATUS_UNSUCCESSFUL);
+  EXPECT_EQ(control.irp->IoStatus.Information, u64{7});
+}
+
+TEST(VexkDispatch, ControlsAreServedWhileTheDeviceIsStartedOnly) {
+  tFunctionStack stack;
+  EXPECT_EQ(controlOf(stack), STATUS_DEVICE_NOT_READY);
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  EXPECT_EQ(controlOf(stack), STATUS_SUCCESS);
+  stack.sendPnp(IRP_MN_STOP_DEVICE);
+  EXPECT_EQ(controlOf(stack), STATUS_DEVICE_NOT_READY);
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  EXPECT_EQ(controlOf(stack), STATUS_SUCCESS);
+  stack.sendPnp(IRP_MN_SURPRISE_REMOVAL);
+  EXPECT_EQ(controlOf(stack), STATUS_DELETE_PENDING);
+  EXPECT_STREQ(stack.component.getCalls(), "FScFFScxF");
+}
+
+TEST(VexkDispatch, AStopBehindASurpriseBringsNothingBack) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  stack.sendPnp(IRP_MN_SURPRISE_REMOVAL);
+  stack.sendPnp(IRP_MN_STOP_DEVICE);
+  EXPECT_EQ(controlOf(stack), STATUS_DELETE_PENDING);
+}
+
+TEST(VexkDispatch, PowerSystemControlAndTheRestGoDown) {
+  tFunctionStack stack;
+  stack.floorStatus = STATUS_NOT_SUPPORTED;
+  EXPECT_EQ(stack.send(IRP_MJ_POWER, IRP_MN_QUERY_POWER), STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(stack.seenMajor, IRP_MJ_POWER);
+  EXPECT_EQ(stack.send(IRP_MJ_SYSTEM_CONTROL), STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(stack.seenMajor, IRP_MJ_SYSTEM_CONTROL);
+  EXPECT_EQ(stack.send(kRead), STATUS_NOT_SUPPORTED);
+  EXPECT_EQ(stack.seenMajor, kRead);
+  EXPECT_STREQ(stack.component.getCalls(), "FFF");
+}
+
+TEST(VexkDispatch, WhatTheDeviceAgreesToGoesDownAsASuccess) {
+  constexpr u8 kAgreed[] = {IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_CANCEL_REMOVE_DEVICE,
+                            IRP_MN_QUERY_STOP_DEVICE, IRP_MN_CANCEL_STOP_DEVICE,
+                            IRP_MN_STOP_DEVICE};
+  tFunctionStack stack;
+  for (u8 const minor : kAgreed) {
+    EXPECT_EQ(stack.sendPnp(minor), STATUS_SUCCESS);
+    EXPECT_EQ(stack.seenMinor, minor);
+    EXPECT_EQ(stack.seenStatus, STATUS_SUCCESS);
+  }
+}
+
+TEST(VexkDispatch, TheDevicesBelowMayRefuse) {
+  tFunctionStack stack;
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  EXPECT_EQ(stack.sendPnp(IRP_MN_QUERY_REMOVE_DEVICE), STATUS_UNSUCCESSFUL);
+}
+
+TEST(VexkDispatch, OtherPlugAndPlayRequestsGoDownAsTheyAre) {
+  tFunctionStack stack;
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  for (u8 const minor : {IRP_MN_QUERY_CAPABILITIES, IRP_MN_QUERY_INTERFACE, kUnknownMinor}) {
+    EXPECT_EQ(stack.sendPnp(minor), STATUS_UNSUCCESSFUL);
+    EXPECT_EQ(stack.seenStatus, STATUS_NOT_SUPPORTED);
+    EXPECT_EQ(stack.seenMinor, minor);
+  }
+}

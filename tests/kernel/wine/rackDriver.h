@@ -1,0 +1,11 @@
+#pragma once
+
+#include "ntos/driver.h"
+#include "vexk/iDeviceHandler.h"
+
+// The loaded slotbus.sys, with a reference that is the caller's to give back; null if it is not
+// loaded. PASSIVE_LEVEL.
+DRIVER_OBJECT* findRackDriver();
+
+// The bus among the driver's devices; null if it has none.
+DEVICE_OBJECT* findRackBus(DRIVER_OBJECT const& driver);
