@@ -160,9 +160,10 @@ TEST(VexkDispatch, TheDevicesBelowMayRefuse) {
 }
 
 TEST(VexkDispatch, OtherPlugAndPlayRequestsGoDownAsTheyAre) {
+  constexpr u8 kOthers[] = {IRP_MN_QUERY_CAPABILITIES, IRP_MN_QUERY_INTERFACE, kUnknownMinor};
   tFunctionStack stack;
   stack.floorStatus = STATUS_UNSUCCESSFUL;
-  for (u8 const minor : {IRP_MN_QUERY_CAPABILITIES, IRP_MN_QUERY_INTERFACE, kUnknownMinor}) {
+  for (u8 const minor : kOthers) {
     EXPECT_EQ(stack.sendPnp(minor), STATUS_UNSUCCESSFUL);
     EXPECT_EQ(stack.seenStatus, STATUS_NOT_SUPPORTED);
     EXPECT_EQ(stack.seenMinor, minor);

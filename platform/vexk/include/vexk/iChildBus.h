@@ -6,8 +6,8 @@
 #include "vexk/iDeviceHandler.h"
 
 // One child. All of it is copied but the handler, which stays the caller's and outlives the child's
-// device: its stop() is the last call that the bus makes, at the device's end. A bus that is removed
-// lets go of children that are still in use, and those come to their end later.
+// device: its stop() is the last call that the bus makes, at the device's end. A bus that is
+// removed lets go of children that are still in use, and those come to their end later.
 struct tChildDescription {
   wchar_t const* const* hardwareIds;  // the most specific first; 1 to 201 characters each
   u32 hardwareIdCount;                // at least 1; all lengths, one more each, and 1: at most 1024
