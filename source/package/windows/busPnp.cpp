@@ -16,14 +16,15 @@ NTSTATUS startBus(DEVICE_OBJECT& device, IRP& irp) {
   return vexDispatchPnp(&device, &irp);
 }
 
-// The record is out of the list before its device goes, whose address the next one may have, and is
-// freed when nobody is in it any more.
+// The record is closed and out of the list before its device goes, whose address the next one may
+// have.
 NTSTATUS removeBus(DEVICE_OBJECT& device, IRP& irp) {
   tParentDevice* const parent = wdmParents.find(device);
   if (parent == nullptr) return vexDispatchPnp(&device, &irp);
   parent->dismissChildren();
   wdmParents.remove(*parent);
   vexHandlerOf(device).attachChildBus(nullptr);
+  parent->close();
   NTSTATUS const status = vexDispatchPnp(&device, &irp);
   parent->destroy();
   return status;

@@ -27,8 +27,13 @@ tParentDevice* tParentDevice::create(DEVICE_OBJECT& device) {
 }
 
 tParentDevice::tParentDevice(DEVICE_OBJECT& bus) : device(bus), identity(identityOf(bus)) {
+  IoInitializeRemoveLock(&callers, kWrapperTag);
   ExInitializeFastMutex(&mutex);
   children.initialise();
+}
+
+void tParentDevice::close() {
+  if (enter()) IoReleaseRemoveLockAndWait(&callers, nullptr);
 }
 
 void tParentDevice::destroy() {
@@ -37,19 +42,15 @@ void tParentDevice::destroy() {
 
 void tParentDevice::createChild(tChildDescription const& description, i32& status) {
   if (status < 0) return;
-  if (hasInstance(description.instance)) {
-    status = kStatusChildExists;
-    return;
+  i32 result = kStatusBusRemoved;
+  if (enter()) {
+    result = addChild(description);
+    leave();
   }
-  tChildDevice* const child =
-      tChildDevice::create(device.DriverObject, identity, description, status);
-  if (child == nullptr) return;
-  i32 const linked = link(*child);
-  if (linked >= 0) return;
-  status = linked;
-  child->finish(tChildAftermath::Destroy);
+  if (result < 0) status = result;
 }
 
+// Nothing of the bus is used once takeAway has returned: it may be gone.
 void tParentDevice::removeChild(u32 slot, i32& status) {
   if (status < 0) return;
   KEVENT gone;
@@ -57,7 +58,8 @@ void tParentDevice::removeChild(u32 slot, i32& status) {
   tChildDevice* child = nullptr;
   switch (takeAway(slot, gone, child)) {
     case tChildDeparture::Awaited:
-      return waitUntilGone(gone);
+      KeWaitForSingleObject(&gone, Executive, KernelMode, 0, nullptr);
+      return;
     case tChildDeparture::Drained:
       child->drain();
       ObfDereferenceObject(child->device);
@@ -73,7 +75,7 @@ NTSTATUS tParentDevice::addRelations(IRP& request) {
   auto* const before = reinterpret_cast<DEVICE_RELATIONS*>(request.IoStatus.Information);
   tFastMutexGuard const guard(mutex);
   size_t const kept = before == nullptr ? 0 : before->Count;
-  DEVICE_RELATIONS* const relations = makeRelations(kept + countPresent());
+  DEVICE_RELATIONS* const relations = makeRelations(kept + childCount);
   if (relations == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
   moveRelations(*relations, before);
   listPresent(*relations);
@@ -91,9 +93,15 @@ void tParentDevice::dismissChildren() {
   }
 }
 
-u32 tParentDevice::getChildCount() {
-  tFastMutexGuard const guard(mutex);
-  return childCount;
+i32 tParentDevice::addChild(tChildDescription const& description) {
+  if (hasInstance(description.instance)) return kStatusChildExists;
+  i32 status = 0;
+  tChildDevice* const child =
+      tChildDevice::create(device.DriverObject, identity, description, status);
+  if (child == nullptr) return status;
+  status = link(*child);
+  if (status < 0) child->finish(tChildAftermath::Destroy);
+  return status;
 }
 
 bool tParentDevice::hasInstance(u64 instance) {
@@ -113,18 +121,22 @@ i32 tParentDevice::link(tChildDevice& child) {
 }
 
 tChildDeparture tParentDevice::takeAway(u32 slot, KEVENT& gone, tChildDevice*& child) {
+  if (!enter()) return tChildDeparture::Unknown;
+  tChildDeparture const departure = markAbsent(slot, gone, child);
+  if (departure == tChildDeparture::Awaited) {
+    IoInvalidateDeviceRelations(vexHandlerOf(device).getPhysicalDevice(), BusRelations);
+  }
+  leave();
+  return departure;
+}
+
+tChildDeparture tParentDevice::markAbsent(u32 slot, KEVENT& gone, tChildDevice*& child) {
   tFastMutexGuard const guard(mutex);
   child = findSlot(slot);
   if (child == nullptr) return tChildDeparture::Unknown;
   tChildDeparture const departure = child->depart(gone);
   if (departure == tChildDeparture::Forgotten) forget(*child);
   return departure;
-}
-
-// The bus, and the child, may be gone when the event is set.
-void tParentDevice::waitUntilGone(KEVENT& gone) {
-  IoInvalidateDeviceRelations(vexHandlerOf(device).getPhysicalDevice(), BusRelations);
-  KeWaitForSingleObject(&gone, Executive, KernelMode, 0, nullptr);
 }
 
 tChildDevice* tParentDevice::findInstance(u64 instance) {
@@ -141,14 +153,6 @@ tChildDevice* tParentDevice::findSlot(u32 slot) {
     child = children.next(*child);
   }
   return child;
-}
-
-u32 tParentDevice::countPresent() {
-  u32 count = 0;
-  for (tChildDevice* child = children.first(); child != nullptr; child = children.next(*child)) {
-    if (child->isPresent) ++count;
-  }
-  return count;
 }
 
 void tParentDevice::listPresent(DEVICE_RELATIONS& relations) {

@@ -2,8 +2,8 @@
 
 // One bus device and the children that it has.
 //
-// It lives from the bus' first start to its removal. Whoever calls createChild or removeChild has
-// returned when the bus' handler has been told to stop.
+// It lives from the bus' first start to its removal, and is closed before the bus goes. Who waits
+// for a child's going may do so longer than that.
 
 #include "ntos/fastMutex.h"
 #include "package/windows/tChildDevice.h"
@@ -19,7 +19,7 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
   // Null when memory is exhausted. PASSIVE_LEVEL.
   static tParentDevice* create(DEVICE_OBJECT& device);
 
-  // Frees the record, which has no children any more.
+  // Frees the record, which is closed and has no children any more.
   void destroy();
 
   tParentDevice(tParentDevice const&) = delete;
@@ -39,21 +39,25 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
   // good. PASSIVE_LEVEL.
   void dismissChildren();
 
-  // Children in the list, absent ones included.
-  u32 getChildCount();
+  // From here on every call of iChildBus fails; waits until none needs the bus any more. Once.
+  // PASSIVE_LEVEL.
+  void close();
 
  private:
   explicit tParentDevice(DEVICE_OBJECT& bus);
 
+  bool enter() { return NT_SUCCESS(IoAcquireRemoveLock(&callers, nullptr)); }
+  void leave() { IoReleaseRemoveLock(&callers, nullptr); }
+
+  i32 addChild(tChildDescription const& description);
   bool hasInstance(u64 instance);
   i32 link(tChildDevice& child);
   tChildDeparture takeAway(u32 slot, KEVENT& gone, tChildDevice*& child);
-  void waitUntilGone(KEVENT& gone);
+  tChildDeparture markAbsent(u32 slot, KEVENT& gone, tChildDevice*& child);
 
   // What follows is called under the mutex.
   tChildDevice* findInstance(u64 instance);  // of those that are present
   tChildDevice* findSlot(u32 slot);
-  u32 countPresent();
   void listPresent(DEVICE_RELATIONS& relations);
   void unlinkAbsent();
   void forget(tChildDevice& child);
@@ -63,8 +67,9 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
 
   DEVICE_OBJECT& device;
   tBusIdentity const identity;
-  u32 childCount = 0;
+  u32 childCount = 0;  // in the list, absent ones included
   bool isRemoving = false;
+  IO_REMOVE_LOCK callers;
   FAST_MUTEX mutex;
   tLinkedList<tChildDevice> children;
 };

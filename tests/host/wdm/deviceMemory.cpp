@@ -80,6 +80,22 @@ TEST(DeviceMemory, RelationsArePaged) {
   }
 }
 
+TEST(DeviceMemory, AnAbsentChildIsCountedOnceMore) {
+  tBusStack stack;
+  stack.startBus();
+  for (u32 slot = 1; slot <= 3; ++slot) stack.add(slot, slot);
+  EXPECT_EQ(stack.countRelations(), 3u);
+  i32 status = 0;
+  stack.children->removeChild(1, status);
+  for (size_t size : {32, 24}) {
+    tDeviceRequest request(stack.bus(), IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
+    request.location().Parameters.QueryDeviceRelations.Type = BusRelations;
+    expectAnswer(request, size);
+    EXPECT_EQ(request.answer<DEVICE_RELATIONS>()->Count, 2u);
+    request.freeRelations();
+  }
+}
+
 TEST(DeviceMemory, AChildsTextsArePagedAndItsBusIsNot) {
   tChildStack const stack;
   ntoshost::PoolBlock const ids = blockAt(stack.record().texts.getIds());
