@@ -16,6 +16,12 @@ tFloorExtension& floorOf(DEVICE_OBJECT const& device) {
   return *static_cast<tFloorExtension*>(device.DeviceExtension);
 }
 
+NTSTATUS complete(IRP& irp, NTSTATUS status) {
+  irp.IoStatus.Status = status;
+  IoCompleteRequest(&irp, IO_NO_INCREMENT);
+  return status;
+}
+
 }  // namespace
 
 void tChildHandler::handleDeviceControl(u32 controlCode, void* from, u32 fromLength, void* to,
@@ -112,12 +118,18 @@ NTSTATUS tBusStack::serveFloor(IRP& irp) {
   seenMajor = location.MajorFunction;
   seenMinor = location.MinorFunction;
   seenStatus = irp.IoStatus.Status;
-  NTSTATUS const status = seenMajor == IRP_MJ_PNP ? floorStatus : STATUS_SUCCESS;
-  if (seenMajor == IRP_MJ_PNP && seenMinor == IRP_MN_QUERY_CAPABILITIES) {
-    seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;
-    *location.Parameters.DeviceCapabilities.Capabilities = floorCapabilities;
-  }
-  irp.IoStatus.Status = status;
-  IoCompleteRequest(&irp, IO_NO_INCREMENT);
-  return status;
+  if (seenMajor != IRP_MJ_PNP) return complete(irp, STATUS_SUCCESS);
+  if (seenMinor != IRP_MN_QUERY_CAPABILITIES) return complete(irp, floorStatus);
+  seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;
+  *location.Parameters.DeviceCapabilities.Capabilities = floorCapabilities;
+  if (!keepsCapabilities) return complete(irp, floorStatus);
+  IoMarkIrpPending(&irp);
+  __atomic_store_n(&kept, &irp, __ATOMIC_RELEASE);
+  return STATUS_PENDING;
+}
+
+void tBusStack::completeKept() {
+  IRP* irp = nullptr;
+  while (irp == nullptr) irp = __atomic_exchange_n(&kept, nullptr, __ATOMIC_ACQ_REL);
+  complete(*irp, floorStatus);
 }

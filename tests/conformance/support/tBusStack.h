@@ -92,6 +92,11 @@ class tBusStack : public iDeviceComponent {
   DEVICE_CAPABILITIES seenCapabilities = {};  // as the query came
   NTSTATUS seenStatus = STATUS_SUCCESS;       // that a request came with
   int floorRequests = 0;
+
+  // The floor keeps the next query of its capabilities until it is told to complete it.
+  bool keepsCapabilities = false;
+  IRP* kept = nullptr;  // read and written atomically
+  void completeKept();
   u8 seenMajor = 0xFF;
   u8 seenMinor = 0xFF;
 
