@@ -4,10 +4,15 @@
 #include "package/windows/wrapperMemory.h"
 
 namespace nOXDIAG100 {
+namespace {
+
+constexpr size_t kEntrySize = sizeof(void*);
+
+}  // namespace
 
 DEVICE_RELATIONS* makeRelations(size_t capacity) {
   size_t const further = capacity > 1 ? capacity - 1 : 0;  // the first is in the structure
-  void* const block = allocateAnswer(sizeof(DEVICE_RELATIONS) + further * sizeof(DEVICE_OBJECT*));
+  void* const block = allocateAnswer(sizeof(DEVICE_RELATIONS) + further * kEntrySize);
   auto* const relations = static_cast<DEVICE_RELATIONS*>(block);
   if (relations != nullptr) relations->Count = 0;
   return relations;

@@ -166,6 +166,21 @@ TEST(RemovalThreads, PowerDownLetsAWaiterGo) {
   EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
 }
 
+TEST(RemovalThreads, EveryStateButTheFirstIsWaitedFor) {
+  for (u8 minor : {IRP_MN_QUERY_STOP_DEVICE, IRP_MN_STOP_DEVICE, IRP_MN_QUERY_REMOVE_DEVICE,
+                   IRP_MN_SURPRISE_REMOVAL}) {
+    tPnpBus bus(ntoshost::PnpMode::OnRequest);
+    DEVICE_OBJECT* const child = bus.addStarted(1, 5);
+    EXPECT_EQ(sendPnp(child, minor), STATUS_SUCCESS);
+    std::future<i32> removal = takeAside(bus, 5);
+    waitUntilAbsent(child);
+    EXPECT_EQ(ntoshost::childrenOf(bus.physical), 1u);
+    while (ntoshost::runPnpWork() == 0) std::this_thread::yield();
+    EXPECT_EQ(removal.get(), 0);
+    EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
+  }
+}
+
 TEST(RemovalThreads, ASurpriseLetsAWaiterGoOnce) {
   tPnpBus bus(ntoshost::PnpMode::OnRequest);
   DEVICE_OBJECT* const child = bus.addStarted(1, 5);
@@ -184,7 +199,7 @@ TEST(RemovalThreads, AnOrderlyRemovalLetsAWaiterGo) {
   waitUntilAbsent(child);
   EXPECT_EQ(ntoshost::removeDevice(child), STATUS_SUCCESS);
   EXPECT_TRUE(isWaiting(removal));  // its bus lists it still
-  EXPECT_EQ(ntoshost::runPnpWork(), 1u);
+  while (ntoshost::runPnpWork() == 0) std::this_thread::yield();
   EXPECT_EQ(removal.get(), 0);
   EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
 }

@@ -21,7 +21,7 @@ extern "C" {
 // IRQL: PagedPool <= APC_LEVEL, the others <= DISPATCH_LEVEL. Thread safe.
 NTOS_IMPORT void* ExAllocatePoolWithTag(POOL_TYPE type, size_t size, u32 tag);
 
-// Gives a block back. `tag` is the one it was taken with. `block` is not null.
+// Gives a block back. `tag` is the one it was taken with, or 0 for any. `block` is not null.
 // IRQL: as for taking a block of its kind. Thread safe.
 NTOS_IMPORT void ExFreePoolWithTag(void* block, u32 tag);
 }

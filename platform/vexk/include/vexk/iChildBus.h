@@ -32,7 +32,7 @@ class iChildBus {
 
   // Takes the child in a slot away and returns when the system has let go of it: its handler is
   // not called any more. Waits; not from within a request of the bus.
-  //   kStatusBadArgument  no present child sits there
+  //   kStatusBadArgument  no present child sits there, or the bus is gone
   virtual void removeChild(u32 slot, i32& status) = 0;
 
  protected:
