@@ -16,6 +16,7 @@
 #include <chrono>
 #include <future>
 #include <map>
+#include <thread>
 
 #include "ntos/pnp.h"
 #include "ntos/wait.h"
@@ -159,6 +160,7 @@ void tWorld::awaitWaiter(DEVICE_OBJECT* device) {
     KeWaitForSingleObject(&child.mutex, Executive, KernelMode, 0, nullptr);
     isAwaited = child.goneEvent != nullptr;
     KeReleaseMutex(&child.mutex, 0);
+    if (!isAwaited) std::this_thread::yield();
   }
 }
 
