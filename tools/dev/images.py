@@ -19,7 +19,15 @@ WRAPPER_ENTRIES = {"pkgSetLegacyWrapperLoadState", "pkgSetWDMWrapperLoadStateAnd
 
 
 def imports(image):
-    text = read(image, "--coff-imports")
+    return imports_in(read(image, "--coff-imports"))
+
+
+def imports_of(path):
+    """The same of any file."""
+    return imports_in(workshop.demand(["llvm-readobj", "--coff-imports", path]))
+
+
+def imports_in(text):
     return {name.lower() for name in re.findall(r"^\s+Name: (\S+\.(?:exe|dll|sys))$", text, re.M)}
 
 

@@ -71,7 +71,7 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
                  "A file for the statuses of what is wrong, to be read by\noxdiagreport")
       ->type_name("FILE");
   auto* const serve = app.add_flag("--serve", options.serves,
-                                   "Stay until Ctrl-C, so that oxdiagctl can change the trace");
+                                   "Stay until Ctrl-C, so that oxdiagctl can change the\ntrace");
   app.add_option("--at", options.socket, "The socket for oxdiagctl; by default where it looks")
       ->type_name("SOCKET")
       ->needs(serve);

@@ -95,6 +95,7 @@ class FunctionDevice : public testing::Test {
 TEST_F(FunctionDevice, NothingIsLeftWhenTheDeviceCannotBeMade) {
   u64 const failures =
       ntoshost::failEachCall(ntoshost::kFaultMemory | ntoshost::kFaultDevice, [&](u64) {
+        component.isStopped = component.isReleased = false;
         NTSTATUS const status = ntoshost::addRootDevice(driver, "FUNCTION", &device);
         ntoshost::clearFaults();
         if (status == STATUS_SUCCESS) {
