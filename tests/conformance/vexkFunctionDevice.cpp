@@ -31,7 +31,6 @@ TEST(VexkFunctionDevice, LiesOnTopOfThePhysicalDevice) {
   EXPECT_TRUE(stack.getHandler().getLowerDevice() == stack.getFloor());
   EXPECT_EQ(stack.getDevice()->StackSize, stack.getFloor()->StackSize + 1);
   EXPECT_EQ(stack.getDevice()->DeviceType, FILE_DEVICE_BUS_EXTENDER);
-  EXPECT_EQ(stack.getDevice()->Characteristics & FILE_DEVICE_SECURE_OPEN, FILE_DEVICE_SECURE_OPEN);
 }
 
 TEST(VexkFunctionDevice, TellsWhatBusItIs) {

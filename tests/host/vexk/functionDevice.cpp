@@ -110,6 +110,14 @@ TEST_F(FunctionDevice, NothingIsLeftWhenTheDeviceCannotBeMade) {
   EXPECT_TRUE(component.isReleased);
 }
 
+TEST_F(FunctionDevice, NamesBelowItAreAsSecureAsTheDevice) {
+  plugIn();
+  DEVICE_OBJECT* const top = IoGetAttachedDeviceReference(device);
+  EXPECT_TRUE(top->Characteristics & FILE_DEVICE_SECURE_OPEN);
+  ObfDereferenceObject(top);
+  ntoshost::removeRootDevice(device);
+}
+
 TEST_F(FunctionDevice, TheRemovalWaitsForTheControlsThatRun) {
   plugIn();
   std::thread first([&] { EXPECT_EQ(control(), STATUS_SUCCESS); });
