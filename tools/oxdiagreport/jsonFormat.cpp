@@ -25,7 +25,7 @@ std::string quoted(std::string const& utf8) {
 }
 
 std::string member(char const* name, std::string const& json) {
-  return std::string("\"").append(name).append("\": ").append(json);
+  return "\"" + std::string(name) + "\": " + json;
 }
 
 char const* kindOf(i32 code) {
@@ -49,7 +49,7 @@ std::string stackTraceOf(tStatus2 const& status) {
 
 std::string originOf(tStatus2 const& status) {
   if (!status.hasDetail()) return "null";
-  return std::string("{") + member("component", quoted(utf8Of(status.getComponentName()))) + ", " +
+  return "{" + member("component", quoted(utf8Of(status.getComponentName()))) + ", " +
          member("file", quoted(utf8Of(status.getFileName()))) + ", " +
          member("line", std::to_string(status.getLineNumber())) + ", " +
          member("stackTrace", stackTraceOf(status)) + "}";

@@ -60,7 +60,7 @@ void tRackBus::stop(bool /*isSurprise*/) {
 
 void tRackBus::handleDeviceControl(u32 code, void*, u32, void* output, u32 outputLength,
                                    u64* information, i32* status) {
-  OXDIAG_REQUIRE(information != nullptr && status != nullptr);
+  OXDIAG_REQUIRE_MESSAGE(isRackRead, "the platform asks a started bus only");
   tStatus2 result;
   OXDIAG_BLOCK_STATUS(kTraceDetail, nullptr, &result);
   if (code != kControlCountDevices) OXDIAG_SET_STATUS(result, STATUS_INVALID_DEVICE_REQUEST);

@@ -33,7 +33,7 @@ void tSlotDevice::join(iChildBus& bus, tDevice const& device, tSlotTexts& texts,
 
 void tSlotDevice::handleDeviceControl(u32 code, void*, u32, void* output, u32 outputLength,
                                       u64* information, i32* status) {
-  OXDIAG_REQUIRE(information != nullptr && status != nullptr);
+  OXDIAG_REQUIRE_MESSAGE(isJoined, "a device that is on no bus has no requests");
   tStatus2 result;
   OXDIAG_BLOCK_STATUS(kTraceDetail, nullptr, &result);
   if (code != kControlTellLine) OXDIAG_SET_STATUS(result, STATUS_INVALID_DEVICE_REQUEST);
