@@ -83,8 +83,8 @@ def section_complaints(sections):
     name, target = [part.strip() for part in models.split(",")]
     devices = f"{name}.{target}"
     install, hardware_id = [part.strip() for part in sections[devices.lower()][0][1].split(",")]
-    service, _, service_section = [
-        part.strip() for part in value(sections, f"{install}.NT.Services", "AddService").split(",")]
+    added = value(sections, f"{install}.NT.Services", "AddService") or "none,,none"
+    service, _, service_section = [part.strip() for part in added.split(",")]
     binary = value(sections, service_section, "ServiceBinary")
     return [complaint for held, complaint in [
         (hardware_id == HARDWARE_ID, f"the hardware id is {hardware_id}"),

@@ -96,7 +96,7 @@ TEST_F(SlotbusBus, AnySlotMayGoBySurpriseAndComeBack) {
   }
 }
 
-TEST_F(SlotbusBus, ADeviceThatIsOpenOutlivesTheBus) {
+TEST_F(SlotbusBus, ADeviceThatSomebodyRefersToOutlivesTheBus) {
   ASSERT_EQ(plugIn(), STATUS_SUCCESS);
   DEVICE_OBJECT* const device = slot(0);
   ObfReferenceObject(device);
