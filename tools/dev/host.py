@@ -14,7 +14,8 @@ def build(presets):
 
 
 def demo(arguments):
-    workshop.step("build the demo", workshop.build, "host-release", "slotbus_demo", "oxdiagreport")
+    workshop.step("build the demo", workshop.build, "host-release", "slotbus_demo", "oxdiagreport",
+                  "oxdiagctl")
     program = workshop.tree("host-release") / "examples/slotbus/slotbus_demo"
     os.execv(program, ["slotbus_demo", *arguments])
 

@@ -92,7 +92,20 @@ NTSTATUS tFunctionStack::serveFloor(IRP& request) {
   seenMajor = location.MajorFunction;
   seenMinor = location.MinorFunction;
   seenStatus = request.IoStatus.Status;
+  if (!keeps) return complete(request);
+  IoMarkIrpPending(&request);
+  kept = &request;
+  return STATUS_PENDING;
+}
+
+NTSTATUS tFunctionStack::complete(IRP& request) const {
   request.IoStatus.Status = floorStatus;
   IoCompleteRequest(&request, IO_NO_INCREMENT);
   return floorStatus;
+}
+
+void tFunctionStack::completeKept() {
+  IRP* const request = kept;
+  kept = nullptr;
+  complete(*request);
 }

@@ -60,6 +60,10 @@ class tFunctionStack {
 
   tRecordingComponent component;
 
+  // Completes the request that the floor has kept; it keeps what comes while `keeps` is set.
+  void completeKept();
+  bool keeps = false;
+
   // What the floor completes with, and the last that it has seen.
   NTSTATUS floorStatus = STATUS_SUCCESS;
   NTSTATUS seenStatus = STATUS_PENDING;  // that a request came with
@@ -70,8 +74,10 @@ class tFunctionStack {
   static NTSTATUS dispatch(DEVICE_OBJECT* target, IRP* request);
 
   NTSTATUS serveFloor(IRP& request);
+  NTSTATUS complete(IRP& request) const;
 
   tTestDriver testDriver;
+  IRP* kept = nullptr;
   DEVICE_OBJECT* floor = nullptr;
   DEVICE_OBJECT* device = nullptr;
 };

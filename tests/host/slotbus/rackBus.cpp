@@ -161,6 +161,21 @@ TEST_F(SlotbusBus, ALineThatUsesEveryLimitIsADevice) {
   EXPECT_EQ(std::string(line.description), std::string(120, 'd'));
 }
 
+TEST_F(SlotbusBus, AHundredRoundsLeaveNoBlockAndNoDevice) {
+  for (u64 round = 0; round < 100; ++round) {
+    ASSERT_EQ(plugIn(), STATUS_SUCCESS);
+    tSlotLine line;
+    EXPECT_EQ(tellLine(slot(round % 3), line), STATUS_SUCCESS);
+    if (round % 2 == 0) ntoshost::surpriseRemoveDevice(slot(round % 3));
+    bool const goes = round % 5 == 0;
+    EXPECT_EQ(goes ? ntoshost::removeDevice(bus) : STATUS_SUCCESS, STATUS_SUCCESS);
+    bool const comesBack = round % 10 == 0;
+    EXPECT_EQ(comesBack ? start() : STATUS_SUCCESS, STATUS_SUCCESS);
+    pullOut();
+    ASSERT_EQ(ntoshost::countDevices().devices, 0U);
+  }
+}
+
 TEST_F(SlotbusBus, NothingIsLeftWhenAnyAllocationFails) {
   u64 const failures = ntoshost::failEachCall(
       ntoshost::kFaultMemory | ntoshost::kFaultDevice | ntoshost::kFaultRequest, [&](u64) {

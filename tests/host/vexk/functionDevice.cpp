@@ -170,3 +170,20 @@ TEST_F(FunctionDevice, PowerGoesDownAndUp) {
   EXPECT_EQ(control(), STATUS_SUCCESS);
   ntoshost::removeRootDevice(device);
 }
+
+// The floor keeps the start; another thread completes it.
+TEST(FunctionDeviceStart, WaitsForADeviceBelowThatTakesItsTime) {
+  tFunctionStack stack;
+  std::atomic<bool> isStarted = false;
+  stack.keeps = true;
+  std::thread starter([&] {
+    EXPECT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+    isStarted = true;
+  });
+  std::this_thread::sleep_for(kMoment);
+  EXPECT_FALSE(isStarted);
+  stack.completeKept();
+  starter.join();
+  EXPECT_STREQ(stack.component.getCalls(), "FS");
+  stack.keeps = false;
+}

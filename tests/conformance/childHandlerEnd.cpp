@@ -1,0 +1,77 @@
+// A child's handler is told when the child's device comes to its end, and only then.
+
+#include "conformance/harness.h"
+#include "ntos/pnp.h"
+#include "support/tBusStack.h"
+
+namespace {
+
+class tStoppedHandler : public tChildHandler {
+ public:
+  void stop(bool isSurprise) override {
+    ++stops;
+    wasSurprise = isSurprise;
+  }
+
+  int stops = 0;
+  bool wasSurprise = false;
+};
+
+// A started bus with one child that has such a handler.
+class tStoppedStack : public tBusStack {
+ public:
+  tStoppedStack() {
+    startBus();
+    tTestChild const description(ending, 1, 7);
+    create(description.description);
+    child = driver().newestDevice();
+  }
+
+  tStoppedHandler ending;
+  DEVICE_OBJECT* child = nullptr;
+};
+
+}  // namespace
+
+TEST(ChildHandlerEnd, AChildThatTheBusListsIsNotAtItsEnd) {
+  tStoppedStack stack;
+  sendPnp(stack.child, IRP_MN_START_DEVICE);
+  sendPnp(stack.child, IRP_MN_SURPRISE_REMOVAL);
+  sendPnp(stack.child, IRP_MN_REMOVE_DEVICE);
+  EXPECT_EQ(stack.ending.stops, 0);
+}
+
+TEST(ChildHandlerEnd, AnUnstartedChildEndsWithItsBus) {
+  tStoppedStack stack;
+  stack.removeBus();
+  EXPECT_EQ(stack.ending.stops, 1);
+  EXPECT_FALSE(stack.ending.wasSurprise);
+}
+
+TEST(ChildHandlerEnd, AStartedChildOutlivesItsBusUntilItIsRemoved) {
+  tStoppedStack stack;
+  sendPnp(stack.child, IRP_MN_START_DEVICE);
+  stack.removeBus();
+  EXPECT_EQ(stack.ending.stops, 0);
+  sendPnp(stack.child, IRP_MN_REMOVE_DEVICE);
+  EXPECT_EQ(stack.ending.stops, 1);
+  EXPECT_FALSE(stack.ending.wasSurprise);
+}
+
+TEST(ChildHandlerEnd, ASurprisedChildSaysSo) {
+  tStoppedStack stack;
+  sendPnp(stack.child, IRP_MN_START_DEVICE);
+  sendPnp(stack.child, IRP_MN_SURPRISE_REMOVAL);
+  stack.removeBus();
+  sendPnp(stack.child, IRP_MN_REMOVE_DEVICE);
+  EXPECT_EQ(stack.ending.stops, 1);
+  EXPECT_TRUE(stack.ending.wasSurprise);
+}
+
+TEST(ChildHandlerEnd, AChildThatNobodyHasSeenEndsWhenItIsTakenAway) {
+  tStoppedStack stack;
+  i32 status = 0;
+  stack.children->removeChild(7, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(stack.ending.stops, 1);
+}
