@@ -94,7 +94,7 @@ NTSTATUS tFunctionStack::serveFloor(IRP& request) {
   seenStatus = request.IoStatus.Status;
   if (!keeps) return complete(request);
   IoMarkIrpPending(&request);
-  kept = &request;
+  __atomic_store_n(&kept, &request, __ATOMIC_RELEASE);
   return STATUS_PENDING;
 }
 
@@ -105,7 +105,5 @@ NTSTATUS tFunctionStack::complete(IRP& request) const {
 }
 
 void tFunctionStack::completeKept() {
-  IRP* const request = kept;
-  kept = nullptr;
-  complete(*request);
+  complete(*__atomic_exchange_n(&kept, nullptr, __ATOMIC_ACQUIRE));
 }

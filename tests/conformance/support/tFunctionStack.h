@@ -61,6 +61,8 @@ class tFunctionStack {
   tRecordingComponent component;
 
   // Completes the request that the floor has kept; it keeps what comes while `keeps` is set.
+  // Any thread.
+  bool hasKept() const { return __atomic_load_n(&kept, __ATOMIC_ACQUIRE) != nullptr; }
   void completeKept();
   bool keeps = false;
 

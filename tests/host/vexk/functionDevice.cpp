@@ -180,6 +180,7 @@ TEST(FunctionDeviceStart, WaitsForADeviceBelowThatTakesItsTime) {
     EXPECT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
     isStarted = true;
   });
+  while (!stack.hasKept()) std::this_thread::yield();
   std::this_thread::sleep_for(kMoment);
   EXPECT_FALSE(isStarted);
   stack.completeKept();
