@@ -217,10 +217,9 @@ class tWorker {
     traceLine();
   }
 
+  // Addresses where nothing is, and the largest lengths.
   void badRequest() {
-    char buffer[8];
-    u32 needed = 0;
-    tTestRequest bad(anyHandle(), inquireRecord(buffer, 0xFFFFFFFF, &needed), makeRecord(4, 8, 100),
+    tTestRequest bad(anyHandle(), makeRecord(5, 16, 0xFFFFFFFF, 24), makeRecord(4, 8, 100),
                      makeRecord(5, 16, 64, 24), makeRecord(4, 0, 0xFFFFFFFF));
     bad.send();
   }
