@@ -191,7 +191,9 @@ TEST(TunnelMemory, TheLargestBufferOnlyMeasuresWhenThereIsNoMemoryForIt) {
   tRegisteredRecorder recorder;
   char buffer[16] = "untouched";
   u32 needed = 0;
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);
   tTestRequest(recorder.handle, inquireRecord(buffer, 0xFFFFFFFF, &needed), makeRecord(6)).send();
+  ntoshost::clearFaults();
   EXPECT_STREQ(buffer, "untouched");
   EXPECT_EQ(needed, 15u);
   EXPECT_STREQ(recorder.calls(), "measure push ");

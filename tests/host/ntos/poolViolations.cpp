@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "ntos/irql.h"
+#include "ntos/removeLock.h"
 #include "ntoshost/pool.h"
 #include "scribble.h"
 
@@ -83,6 +84,24 @@ TEST_F(PoolViolationsDeathTest, AWriteAfterTheFreeIsFoundWhenTheMemoryIsGivenUp)
 TEST_F(PoolViolationsDeathTest, AnotherTagIsRefused) {
   EXPECT_DEATH(ExFreePoolWithTag(m_block, ntosPoolTag("tesT")),
                "the block of 21 bytes with tag 'test' at 0x[0-9a-f]+ was freed with tag 'tesT'\\.");
+}
+
+TEST_F(PoolViolationsDeathTest, NoTagStandsForAnyTag) {
+  u64 const before = ntoshost::outstandingBlocks();
+  ExFreePoolWithTag(ExAllocatePoolWithTag(PagedPool, 1, kTag), 0);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+}
+
+TEST_F(PoolViolationsDeathTest, ABlockWithARemoveLockThatIsHeldIsRefused) {
+  void* const block = ExAllocatePoolWithTag(NonPagedPoolNx, sizeof(IO_REMOVE_LOCK), kTag);
+  auto* const lock = static_cast<IO_REMOVE_LOCK*>(block);
+  IoInitializeRemoveLock(lock, kTag);
+  EXPECT_EQ(IoAcquireRemoveLock(lock, nullptr), STATUS_SUCCESS);
+  EXPECT_DEATH(ExFreePoolWithTag(block, kTag),
+               "the block of 32 bytes with tag 'test' at 0x[0-9a-f]+ has a remove lock that is "
+               "held\\.");
+  IoReleaseRemoveLock(lock, nullptr);
+  ExFreePoolWithTag(block, kTag);
 }
 
 TEST_F(PoolViolationsDeathTest, AnAddressInsideABlockIsRefused) {

@@ -50,7 +50,8 @@ void requireResidentBuffers(IRP const* request, IO_STACK_LOCATION const& locatio
   requireResident(location.Parameters.DeviceIoControl.Type3InputBuffer);
 }
 
-void requireSoundLocation(IRP* request, DEVICE_OBJECT* device) {
+void requireSoundLocation(RequestRecord const& record, DEVICE_OBJECT* device) {
+  IRP* const request = record.request;
   IO_STACK_LOCATION const& next = *IoGetNextIrpStackLocation(request);
   if (next.MajorFunction > IRP_MJ_MAXIMUM_FUNCTION) {
     violation("%s: the request at %p has the major code 0x%02x; 0x%02x is the highest.", kCall,
@@ -65,7 +66,7 @@ void requireSoundLocation(IRP* request, DEVICE_OBJECT* device) {
     requireIrqlAtMost(PASSIVE_LEVEL, "IofCallDriver with such a request");
   }
   requireResidentBuffers(request, next);
-  requireSoundStart(request, next.MajorFunction);
+  requireSoundStart(record, next.MajorFunction);
 }
 
 // The request is at the device from here on.

@@ -1,5 +1,6 @@
 #include "ntos/pool.h"
 
+#include "io/removeLocks.h"
 #include "irqlCheck.h"
 #include "ntoshost/faults.h"
 #include "ntoshost/violation.h"
@@ -37,6 +38,10 @@ void requireSoundRelease(Block& block, u32 tag) {
     violation("%s: the block of %zu bytes with tag '%s' at %p was freed with tag '%s'.", kFree,
               block.size, TagText(block.tag).text, static_cast<void*>(block.data()),
               TagText(tag).text);
+  }
+  if (forgetRemoveLocks(block.data(), block.size) != nullptr) {
+    violation("%s: the block of %zu bytes with tag '%s' at %p has a remove lock that is held.",
+              kFree, block.size, TagText(block.tag).text, static_cast<void*>(block.data()));
   }
   verifyBlock(block, kFree);
 }
