@@ -6,6 +6,7 @@
 #include "slotbus/component/tDevice.h"
 #include "slotbus/component/tSlotTexts.h"
 #include "vexk/iChildBus.h"
+#include "vexk/iChildHandler.h"
 #include "vexk/memory.h"
 
 namespace nSLOTBUS100 {
@@ -13,7 +14,7 @@ namespace nSLOTBUS100 {
 // The device in one slot of the rack, as the system's requests meet it. It keeps its own copy of
 // its line, and lives as long as the system has it: longer than the bus, when a program has it open
 // while the rack goes.
-class tSlotDevice final : public iDeviceHandler {
+class tSlotDevice final : public iChildHandler {
  public:
   VEX_MODULE_MEMORY
 
@@ -29,17 +30,7 @@ class tSlotDevice final : public iDeviceHandler {
   // Serves kControlTellLine. PASSIVE_LEVEL.
   void handleDeviceControl(u32 code, void* input, u32 inputLength, void* output, u32 outputLength,
                            u64* information, i32* status) override;
-
-  // The system has the device objects of children, and the bus tells what they are on.
-  DEVICE_OBJECT* getDeviceObject() override { return nullptr; }
-  DEVICE_OBJECT* getPhysicalDevice() override { return nullptr; }
-  DEVICE_OBJECT* getLowerDevice() override { return nullptr; }
-  void getBusTypeGUID(GUID& busType) override { busType = {}; }
-  u32 getLegacyBusNumber() override { return 0; }
-  void attachChildBus(iChildBus*) override {}
-  void start(i32&) override {}
   void stop(bool isSurprise) override;
-  bool isChildDevice() override { return true; }
 
  private:
   nOXDIAG100::tTrace& trace;

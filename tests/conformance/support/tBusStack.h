@@ -6,22 +6,14 @@
 #include "support/tDeviceRequest.h"
 #include "support/tTestDriver.h"
 #include "vexk/iChildBus.h"
+#include "vexk/iChildHandler.h"
 #include "vexk/iDeviceComponent.h"
 
 // Serves a child's device controls as it is told to, and remembers the last one.
-class tChildHandler : public iDeviceHandler {
+class tChildHandler : public iChildHandler {
  public:
   void handleDeviceControl(u32 code, void* input, u32 inputLength, void* output, u32 outputLength,
                            u64* information, i32* status) override;
-  DEVICE_OBJECT* getDeviceObject() override { return nullptr; }
-  DEVICE_OBJECT* getPhysicalDevice() override { return nullptr; }
-  DEVICE_OBJECT* getLowerDevice() override { return nullptr; }
-  void getBusTypeGUID(GUID& busType) override { busType = {}; }
-  u32 getLegacyBusNumber() override { return 0; }
-  void attachChildBus(iChildBus*) override {}
-  void start(i32&) override {}
-  void stop(bool) override {}
-  bool isChildDevice() override { return true; }
 
   // What comes back.
   u64 information = 0;

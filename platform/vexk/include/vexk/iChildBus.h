@@ -15,7 +15,7 @@ struct tChildDescription {
   u64 instance;                       // tells it from every other child of the bus
   bool hasUniqueId;                   // `instance` tells it from every other device of the system
   u32 slot;                           // where it sits
-  iDeviceHandler* handler;            // serves its requests; isChildDevice is true
+  iDeviceHandler* handler;            // serves its requests, see iChildHandler.h
 };
 
 // PASSIVE_LEVEL; any thread. `status` is left alone on success; negative on entry, nothing is done.

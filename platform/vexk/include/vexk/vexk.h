@@ -10,6 +10,7 @@
 #include "vexk/functionDevice.h"
 #include "vexk/iBus.h"
 #include "vexk/iChildBus.h"
+#include "vexk/iChildHandler.h"
 #include "vexk/iDeviceComponent.h"
 #include "vexk/iDeviceHandler.h"
 #include "vexk/iLib.h"
