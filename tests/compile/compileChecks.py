@@ -117,9 +117,9 @@ def outcome(results):
 
 
 def check_headers():
-    for preset in ("host-debug", "windows"):
+    for preset in ("host-plain", "windows"):
         workshop.configure(preset)
-    jobs = header_jobs(Target("host-debug")) + header_jobs(Target("windows"))
+    jobs = header_jobs(Target("host-plain")) + header_jobs(Target("windows"))
     return outcome(workshop.in_parallel(header_check, jobs))
 
 

@@ -39,7 +39,7 @@ def read(path):
 
 
 def host_text(run, folder):
-    program = workshop.tree("host-debug") / "examples/slotbus/slotbus_demo"
+    program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
     arguments = run.arguments
     if str(kernel.DEFAULT_RACK) not in arguments:
         arguments = [kernel.DEFAULT_RACK, *arguments]
@@ -62,7 +62,7 @@ def compare(run):
 
 
 def save_on_host(path):
-    program = workshop.tree("host-debug") / "examples/slotbus/slotbus_demo"
+    program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
     workshop.run([program, kernel.DEFAULT_RACK, "--save", path])
 
 
@@ -75,7 +75,7 @@ def save_in_kernel():
 
 def report(path):
     """What the tool prints, without the lines that differ from run to run."""
-    program = workshop.tree("host-debug") / "tools/oxdiagreport/oxdiagreport"
+    program = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
     code, output = workshop.run([program, path])
     lines = [line for line in output.splitlines() if not line.startswith("  Time: ")]
     return lines if code == 0 and lines else [f"oxdiagreport ended with {code}", path.name, output]
@@ -96,7 +96,7 @@ def compare_saved():
 
 def check():
     kernel.build()
-    workshop.build("host-debug", "slotbus_demo", "oxdiagreport")
+    workshop.build("host-plain", "slotbus_demo", "oxdiagreport")
     results = [*map(compare, RUNS), compare_saved()]
     failed = [title for title, differences in results if differences]
     output = "\n".join(line for _, differences in results for line in differences)
