@@ -24,7 +24,12 @@ CALL_LIMIT = 60  # seconds for one call of Wine
 RUN_LIMIT = 300  # seconds for everything that starting a driver does
 
 # The service manager gives a starting driver ten seconds, tests may take longer.
-START_LIMIT_KEY = r"HKLM\System\CurrentControlSet\Control"
+CONTROL = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Control"
+START_LIMIT = f'"ServicesPipeTimeout"="{RUN_LIMIT * 1000}"'
+
+# A kernel driver that is started on demand.
+DRIVER_VALUES = ['"Type"=dword:00000001', '"Start"=dword:00000003', '"ErrorControl"=dword:00000001']
+REGISTRY_HEAD = ["Windows Registry Editor Version 5.00", ""]
 
 # How Wine shows one call of the debugger print; the final newline of its text is lost.
 PRINT = re.compile(r"^[0-9a-f]+:\w+:debugstr:vDbgPrintExWithPrefix [0-9a-f]{8}:[0-9a-f]{8}: (.*)$")
@@ -69,6 +74,19 @@ def processes():
     return found
 
 
+def image_path(name):
+    return f"{DRIVERS_IN_WINDOWS}{name}.sys".replace("\\", "\\\\")
+
+
+def prefix_registry():
+    """The services, written into the registry: the service manager, which reads them when it starts,
+    at times refuses to make them in a prefix that is a few seconds old."""
+    lines = [*REGISTRY_HEAD, f"[{CONTROL}]", START_LIMIT, ""]
+    for name in NAMES:
+        lines += [f"[{SERVICES}\\{name}]", *DRIVER_VALUES, f'"ImagePath"="{image_path(name)}"', ""]
+    return "\r\n".join(lines)
+
+
 def create_prefix():
     """Made once; a prefix that was not finished, or has other drivers, is made anew."""
     stamp = FOLDER / "prefix.complete"
@@ -79,11 +97,9 @@ def create_prefix():
     FOLDER.mkdir(parents=True, exist_ok=True)
     try:
         demand_call("wineboot", "-i")
-        demand_call("wine", "reg", "add", START_LIMIT_KEY, "/v", "ServicesPipeTimeout",
-                    "/t", "REG_SZ", "/d", str(RUN_LIMIT * 1000), "/f")
-        for name in NAMES:
-            demand_call("wine", "sc", "create", name, "type=", "kernel",
-                        "binPath=", f"{DRIVERS_IN_WINDOWS}{name}.sys")
+        script = FOLDER / "prefix.reg"
+        script.write_bytes(prefix_registry().encode("utf-16"))
+        demand_call("wine", "reg", "import", str(script))
     finally:
         stop_server()
     stamp.write_text(drivers)
@@ -91,7 +107,7 @@ def create_prefix():
 
 def registry_text(values):
     """A registry script that sets string values of services and removes those that are None."""
-    lines = ["Windows Registry Editor Version 5.00", ""]
+    lines = list(REGISTRY_HEAD)
     for service, settings in values.items():
         lines.append(f"[{SERVICES}\\{service}]")
         for name, value in settings.items():
