@@ -170,8 +170,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Appends the characters up to the first NUL.
   tTrace& put(_STL::string const& text);
 
-  // Appends the low byte of every UTF-16 unit.
+  // Appends the low byte of every UTF-16 unit; of a pointer up to the terminator, and null counts
+  // as empty text.
   tTrace& put(_STL::wstring const& text);
+  tTrace& put(wchar_t const* text);
 
   // Appends the one character.
   tTrace& put(char character);
@@ -181,11 +183,12 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Appends "true(1)" or "false(0)".
   tTrace& put(bool value);
 
-  // Append a number in `radix`, 2 to 36: 0xFF in radix 16, 255 in radix 10, else the radix in
-  // front, as in 2#11111111. Digits above 9 are capital letters, there are no leading zeros, and a
-  // negative value is "-" and its magnitude: -0x1A. A radix outside 2 to 36 counts as 10.
-  // The fundamental types are named here, so every integer has its overload whether long has 32
-  // bits (Windows) or 64.
+  // Append a number in `radix`, 2 or more: 0xFF in radix 16, 255 in radix 10, else the radix in
+  // front, as in 2#11111111. The digits above 9 are the capital letters, and behind Z the
+  // characters that follow it in the character set: 35 is Z, 36 is [, 200 is the last, and then it
+  // begins again with NUL. There are no leading zeros, and a negative value is "-" and its
+  // magnitude: -0x1A. A radix below 2 counts as 10. The fundamental types are named here, so every
+  // integer has its overload whether long has 32 bits (Windows) or 64.
   tTrace& put(short value, u32 radix);
   tTrace& put(unsigned short value, u32 radix);
   tTrace& put(int value, u32 radix);
@@ -195,8 +198,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   tTrace& put(long long value, u32 radix);
   tTrace& put(unsigned long long value, u32 radix);
 
-  // Appends the address in radix 16.
+  // Appends the address in radix 16. Every pointer is an address but those to char and wchar_t,
+  // which are text unless they are volatile.
   tTrace& put(void const* address);
+  tTrace& put(void const volatile* address);
 
   // Appends the address that the memory block reference points to, in radix 16.
   tTrace& put(tMemBlockReferenceTemplate<char>& block);
@@ -356,6 +361,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   void endSwitch();
   void leave(iTraceDestination& leaving);
   void appendSigned(i64 value, u32 radix);
+  void appendLowBytes(wchar_t const* units, u64 count);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
   iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
 

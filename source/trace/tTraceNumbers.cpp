@@ -7,11 +7,20 @@ namespace {
 constexpr u32 kDecimal = 10;
 constexpr u32 kHexadecimal = 16;
 
-// A sign, "36#" or "0x", and the digits.
-constexpr u32 kDecorationSize = 4;
+// A sign, the ten digits that a radix may have, "#".
+constexpr u32 kDecorationSize = 1 + 10 + 1;
 
-bool isRadix(u32 radix) {
-  return radix >= kNumberRadixLeast && radix <= kNumberRadixMost;
+// The digits of a radix above 36 go on behind Z, character by character.
+char digitOf(u64 value) {
+  return static_cast<char>(value < kDecimal ? '0' + value : 'A' + value - kDecimal);
+}
+
+u32 writeDigits(u64 value, u32 radix, char* text) {
+  if (radix <= kNumberRadixMost) return vexNumberToText(value, radix, text);
+  u32 length = 1;
+  for (u64 rest = value / radix; rest != 0; rest /= radix) ++length;
+  for (u32 index = length; index != 0; value /= radix) text[--index] = digitOf(value % radix);
+  return length;
 }
 
 u32 writeRadix(u32 radix, char* text) {
@@ -30,11 +39,11 @@ u32 writeRadix(u32 radix, char* text) {
 
 void tTrace::appendNumber(u64 magnitude, u32 radix, bool isNegative) {
   if (!isWriting()) return;
-  if (!isRadix(radix)) radix = kDecimal;
+  if (radix < kNumberRadixLeast) radix = kDecimal;
   char text[kDecorationSize + kNumberTextSize] = {'-'};
   u32 length = isNegative ? 1 : 0;
   length += writeRadix(radix, text + length);
-  length += vexNumberToText(magnitude, radix, text + length);
+  length += writeDigits(magnitude, radix, text + length);
   append(text, length);
 }
 

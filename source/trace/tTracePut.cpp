@@ -7,6 +7,7 @@ namespace {
 
 constexpr u32 kAddressRadix = 16;
 constexpr u32 kStatusTextSize = 1024;
+constexpr u64 kNarrowedAtOnce = 64;  // units of a wide text
 
 }  // namespace
 
@@ -25,8 +26,27 @@ tTrace& tTrace::put(_STL::string const& text) {
 }
 
 tTrace& tTrace::put(_STL::wstring const& text) {
-  for (size_t index = 0; index < text.size(); ++index) put(static_cast<char>(text[index]));
+  appendLowBytes(text.c_str(), text.size());
   return *this;
+}
+
+tTrace& tTrace::put(wchar_t const* text) {
+  if (!isWriting() || text == nullptr) return *this;
+  u64 length = 0;
+  while (text[length] != 0) ++length;
+  appendLowBytes(text, length);
+  return *this;
+}
+
+void tTrace::appendLowBytes(wchar_t const* units, u64 count) {
+  while (isWriting() && count != 0) {
+    char bytes[kNarrowedAtOnce];
+    u64 const taken = count < kNarrowedAtOnce ? count : kNarrowedAtOnce;
+    for (u64 index = 0; index < taken; ++index) bytes[index] = static_cast<char>(units[index]);
+    append(bytes, taken);
+    units += taken;
+    count -= taken;
+  }
 }
 
 tTrace& tTrace::put(char character) {
@@ -48,6 +68,10 @@ tTrace& tTrace::put(bool value) {
 
 tTrace& tTrace::put(void const* address) {
   return put(reinterpret_cast<unsigned long long>(address), kAddressRadix);
+}
+
+tTrace& tTrace::put(void const volatile* address) {
+  return put(const_cast<void const*>(address));
 }
 
 tTrace& tTrace::put(tMemBlockReferenceTemplate<char>& block) {

@@ -178,14 +178,56 @@ TEST(TraceNumbers, DigitsAboveNineAreCapitalLetters) {
   checkText(trace, recorder, "36#Z 0xABCDEF 20#J\n");
 }
 
-TEST(TraceNumbers, RadixThatDoesNotExistCountsAsTen) {
+TEST(TraceNumbers, RadixBelowTwoCountsAsTen) {
   tRecordingDestination recorder;
   tPrivateTrace trace(recorder);
-  u32 const radices[] = {0, 1, 37, 64, 0x80000000, 0xFFFFFFFF};
-  for (u32 radix : radices) {
+  for (u32 radix = 0; radix < kLeastRadix; ++radix) {
     trace.put(-123, radix).put(" ").put(u64{0xFFFFFFFFFFFFFFFF}, radix);
     checkText(trace, recorder, "-123 18446744073709551615\n");
   }
+}
+
+TEST(TraceNumbers, RadixAboveThirtySixIsWrittenLikeEveryOther) {
+  tRecordingDestination recorder;
+  tPrivateTrace trace(recorder);
+  trace.put(5u, 100).put(" ").put(-5, 100).put(" ").put(0u, 37);
+  checkText(trace, recorder, "100#5 -100#5 37#0\n");
+  trace.put(12'345u, 100).put(" ").put(u64{0xFFFFFFFF}, 0xFFFFFFFF).put(" ").put(7u, 0xFFFFFFFF);
+  checkText(trace, recorder, "100#1Nd 4294967295#10 4294967295#7\n");
+}
+
+TEST(TraceNumbers, DigitsGoOnBehindZInTheOrderOfTheCharacterSet) {
+  tRecordingDestination recorder;
+  tPrivateTrace trace(recorder);
+  trace.put(36u, 37).put(" ").put(37u, 38).put(" ").put(99u, 100).put(" ").put(-61, 62);
+  checkText(trace, recorder, "37#[ 38#\\ 100#\x9A -62#t\n");
+}
+
+TEST(TraceNumbers, EveryRadixThatHasADigitOfItsOwnForEachValueIsRight) {
+  tRecordingDestination recorder;
+  tPrivateTrace trace(recorder);
+  u64 const values[] = {0, 1, 200, 201, 0xFFFFFFFF, 0x7FFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFF};
+  for (u32 radix = kMostRadix + 1; radix <= 201; ++radix) {
+    for (u64 const value : values) {
+      recorder.clear();
+      trace.put(value, radix).endl();
+      tText const expected = expectedText(false, value, radix);
+      EXPECT_STREQ(recorder.text(), expected.characters);
+    }
+  }
+}
+
+TEST(TraceNumbers, ADigitBehindTheLastCharacterIsACharacterFromTheFirstOn) {
+  tRecordingDestination recorder;
+  tPrivateTrace trace(recorder);
+  trace.put(200u, 1'000).put(201u, 1'000).put(202u, 1'000).endl();
+  EXPECT_EQ(recorder.length(), u32{3 * 6 + 1});
+  EXPECT_EQ(__builtin_memcmp(recorder.text(),
+                             "1000#\xFF"
+                             "1000#\0"
+                             "1000#\x01\n",
+                             19),
+            0);
 }
 
 TEST(TraceNumbers, KernelIntegerTypesHaveTheirOverloads) {

@@ -162,6 +162,53 @@ TEST(TracePut, PointerToAnythingIsPutAsItsAddress) {
   EXPECT_STREQ(line.end(), "0x10\n");
 }
 
+TEST(TracePut, PointerToSomethingVolatileIsPutAsItsAddress) {
+  tLine line;
+  line.trace.put(reinterpret_cast<i32 volatile*>(u64{0x10})).put(" ");
+  line.trace.put(reinterpret_cast<u8 const volatile*>(u64{0x20})).put(" ");
+  line.trace.put(static_cast<void volatile*>(nullptr)).put(" ");
+  line.trace.put(reinterpret_cast<char volatile*>(u64{0x30}));
+  EXPECT_STREQ(line.end(), "0x10 0x20 0x0 0x30\n");
+}
+
+TEST(TracePut, WideTextIsPutAsTheLowBytesOfItsUnitsUpToItsTerminator) {
+  tLine line;
+  wchar_t changeable[] = L"Slot \x0141\x20AC\x00E9\0behind";
+  line.trace.put(L"a\x0142z").put(" ").put(changeable);
+  EXPECT_STREQ(line.end(), "aBz Slot \x41\xAC\xE9\n");
+}
+
+TEST(TracePut, NullWideTextPutsNothing) {
+  tLine line;
+  line.trace.put(static_cast<wchar_t const*>(nullptr)).put(L"");
+  EXPECT_STREQ(line.end(), "\n");
+}
+
+TEST(TracePut, AUnitOfWideTextWithoutALowByteIsANulCharacter) {
+  tLine line;
+  line.trace.put(L"a\x0100z").endl();
+  EXPECT_EQ(line.recorder.length(), u32{4});
+  EXPECT_EQ(__builtin_memcmp(line.recorder.text(), "a\0z\n", 4), 0);
+}
+
+TEST(TracePut, WideTextOfEveryLengthUpToTwoBuffersArrivesWhole) {
+  static constinit wchar_t text[512] = {};
+  for (u32 index = 0; index < 511; ++index)
+    text[index] = static_cast<wchar_t>(0x4100 + 'a' + index % 26);
+  tLine line;
+  for (u32 length = 0; length < 511; ++length) {
+    line.recorder.clear();
+    line.trace.put(text + (511 - length)).endl();
+    EXPECT_EQ(line.recorder.length(), length + 1);
+    bool isRight = true;
+    for (u32 index = 0; index < length; ++index) {
+      isRight = isRight &&
+                line.recorder.text()[index] == static_cast<char>('a' + (511 - length + index) % 26);
+    }
+    EXPECT_TRUE(isRight);
+  }
+}
+
 TEST(TracePut, MemoryBlockIsPutAsItsAddress) {
   tMemBlockReferenceTemplate<char> block;
   i32 status = 0;
