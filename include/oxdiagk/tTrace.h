@@ -349,7 +349,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   }
 
   bool isWriting() const {
-    return load(enabled) != 0 && load(lineSuppressed) == 0;
+    return load(enabled) != 0 && (load(hiddenLines) & 1) == 0;
   }
   void append(char const* text);
   void append(char const* text, u64 length);
@@ -360,12 +360,17 @@ class OXDIAG_API tTrace : public tConfigurable {
   void beginSwitch();
   void endSwitch();
   void leave(iTraceDestination& leaving);
-  void appendSigned(i64 value, u32 radix);
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
+  void appendSigned(i64 value, u32 radix);
   iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
 
   // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
+  // Between them `isPassed` says whether text is written; behind them the verdict of the thread's
+  // line around this one does, if there is one. Remembers 32 lines within each other.
+  void beginVerdict(bool isPassed);
+  void endVerdict();
+
   // mutex. endLine gives back what this thread's beginLine took, whatever the switch is by then.
   void beginLine();
   void endLine();
@@ -398,7 +403,6 @@ class OXDIAG_API tTrace : public tConfigurable {
   u32 mutex = 0;
   u32 indenting = 1;
   u32 truncation = 1;
-  u32 lineSuppressed = 0;
   u32 minPrefixWidth = 50;
   i32 nestingLevel = 0;
   u64 lastLineTime = 0;
@@ -409,7 +413,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   char lineBuffer[kLineBufferSize] = {};
   char* writePosition = lineBuffer;
   u64 carriedDelta = 0;
-  u32 mutexOwner = 0;  // thread whose lines hold the mutex, while mutexDepth is not 0
+  u64 hiddenLines = 0;  // a thread's open lines, see beginVerdict
+  u32 mutexOwner = 0;   // thread whose lines hold the mutex, while mutexDepth is not 0
   u32 mutexDepth = 0;
   u32 lineHasNul = 0;       // the text in the line buffer contains a NUL
   u32 textsOnTheWay = 0;    // threads that are handing a text to the destination

@@ -3,12 +3,20 @@
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "vexk/cpu.h"
+#include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
 namespace {
 
 // Zeros, before and after the stream's life, are a stream that is not enabled.
 alignas(tTrace) constinit u8 instanceStorage[sizeof(tTrace)] = {};
+
+// Of the word about hidden lines: the thread is in the upper half, its lines are in the lower one.
+constexpr u32 kThreadShift = 32;
+
+u64 withThread(u64 thread, u32 lines) {
+  return lines == 0 ? 0 : thread << kThreadShift | lines;
+}
 
 }  // namespace
 
@@ -73,9 +81,28 @@ u32 tTrace::isEnabled() const {
   return load(enabled);
 }
 
+// What another thread left is no line around this one. So whatever lines of threads without a
+// common lock do to each other, no hidden line stays behind for good.
+void tTrace::beginVerdict(bool isPassed) {
+  u64 const before = load(hiddenLines);
+  if (isPassed && before == 0) return;
+  u64 const thread = tThreadUtility::getCurrentThreadId();
+  u32 const around = before >> kThreadShift == thread ? static_cast<u32>(before) : 0;
+  store(hiddenLines, withThread(thread, around << 1 | (isPassed ? 0u : 1u)));
+}
+
+void tTrace::endVerdict() {
+  u64 const before = load(hiddenLines);
+  if (before == 0) return;
+  u64 const thread = before >> kThreadShift;
+  u32 const around = static_cast<u32>(before) >> 1;
+  bool const isOwn = around != 0 && thread == tThreadUtility::getCurrentThreadId();
+  store(hiddenLines, withThread(thread, isOwn ? around : 0));
+}
+
 tTrace& tTrace::endl() {
   append("\n");
-  store(lineSuppressed, 0);
+  endVerdict();
   endLine();
   setLastLineTime(readTimeStampCounter());
   return *this;

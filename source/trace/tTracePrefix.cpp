@@ -73,7 +73,7 @@ tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, 
 }
 
 void tTracePrefix::open() {
-  tTrace::store(trace.lineSuppressed, isPassed() ? 0 : 1);
+  trace.beginVerdict(isPassed());
   bool const isShown = trace.isWriting();
   u64 const timeDelta = takeTimeDelta(isShown);
   if (isShown) write(timeDelta);
