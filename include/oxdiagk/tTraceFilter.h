@@ -7,7 +7,7 @@
 namespace nOXDIAG100 {
 
 class tTraceFilterTerm;
-struct tTraceFilterLine;
+class tTraceFilterLine;
 
 // What decides whether a trace line is shown: an ordered list of terms, each comparing one property
 // of the line with a constant, joined strictly left to right by "&&" and "||".
@@ -103,6 +103,10 @@ class OXDIAG_API tTraceFilter {
   // for which usesField() is true are looked at.
   bool evaluate(char const* component, char const* versionText, u32 line, char const* file,
                 u32 threadId, u32 verbosity) const;
+
+  // The same, of a line that finds out version and thread when a term asks for them. For the
+  // stream: a component has no such line.
+  bool evaluate(tTraceFilterLine const& line) const;
 
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {

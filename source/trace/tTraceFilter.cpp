@@ -1,5 +1,6 @@
 #include "oxdiagk/tTraceFilter.h"
 
+#include "trace/tTraceFilterLine.h"
 #include "trace/tTraceFilterParser.h"
 #include "trace/tTraceFilterShortForm.h"
 #include "trace/tTraceFilterTerm.h"
@@ -81,10 +82,13 @@ void tTraceFilter::removeField(i32 field) {
 
 bool tTraceFilter::evaluate(char const* component, char const* versionText, u32 line,
                             char const* file, u32 threadId, u32 verbosity) const {
-  tTraceFilterLine const facts{
-      orEmpty(component), orEmpty(versionText), orEmpty(file), line, threadId, verbosity};
+  return evaluate(tTraceFilterLine(orEmpty(component), orEmpty(versionText), line, orEmpty(file),
+                                   threadId, verbosity));
+}
+
+bool tTraceFilter::evaluate(tTraceFilterLine const& line) const {
   tTraceFilterShortForm const form(__atomic_load_n(&shortForm, __ATOMIC_RELAXED));
-  return form.isWhole() ? form.evaluate(facts) : evaluateTerms(facts);
+  return form.isWhole() ? form.evaluate(line) : evaluateTerms(line);
 }
 
 // Counts itself before it looks at the list: a term that it can come upon is not released.

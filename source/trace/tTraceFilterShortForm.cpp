@@ -1,6 +1,7 @@
 #include "trace/tTraceFilterShortForm.h"
 
 #include "oxdiagk/tTraceFilter.h"
+#include "trace/tTraceFilterLine.h"
 #include "trace/tTraceFilterTerm.h"
 
 namespace nOXDIAG100 {

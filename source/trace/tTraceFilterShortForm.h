@@ -5,7 +5,7 @@
 namespace nOXDIAG100 {
 
 class tTraceFilterTerm;
-struct tTraceFilterLine;
+class tTraceFilterLine;
 
 // A filter in one word: the empty one, and one of a single term about verbosity or line number, as
 // most are. A line is judged by the word alone, so it needs no list that somebody may be changing.

@@ -2,6 +2,7 @@
 
 #include "config/numberText.h"
 #include "oxdiagk/tTraceFilter.h"
+#include "trace/tTraceFilterLine.h"
 #include "trace/traceFilterWords.h"
 
 namespace nOXDIAG100 {
@@ -108,13 +109,13 @@ i32 tTraceFilterTerm::compare(tTraceFilterLine const& line) const {
     case tTraceFilter::kComponentName:
       return compareTexts(line.component, text);
     case tTraceFilter::kComponentVersion:
-      return compareTexts(line.version, text);
+      return compareTexts(line.getVersion(), text);
     case tTraceFilter::kFileName:
       return compareTexts(line.file, text);
     case tTraceFilter::kLineNumber:
       return compareNumbers(line.line, number);
     case tTraceFilter::kThreadId:
-      return compareNumbers(line.threadId, number);
+      return compareNumbers(line.getThreadId(), number);
     default:
       return compareNumbers(line.verbosity, number);
   }

@@ -5,15 +5,7 @@
 
 namespace nOXDIAG100 {
 
-// The properties of a line that a filter may look at. The texts are not null.
-struct tTraceFilterLine {
-  char const* component;
-  char const* version;
-  char const* file;
-  u32 line;
-  u32 threadId;
-  u32 verbosity;
-};
+class tTraceFilterLine;
 
 // One comparison of a filter, a link of its list. A term and its text share one block of non-paged
 // memory, which the term itself owns.

@@ -1,6 +1,7 @@
 #include "trace/tTracePrefix.h"
 
 #include "oxdiagk/tTraceFilter.h"
+#include "trace/tTraceFilterLine.h"
 #include "vexk/number.h"
 #include "vexk/threadUtility.h"
 
@@ -93,16 +94,11 @@ u32 tTracePrefix::getEnabledFields(tTrace const& trace) {
   return fields;
 }
 
-// The version's text and the thread id cost time, so they are made only for a term that wants them.
 bool tTracePrefix::isPassed() const {
   tTraceFilter const* const filter = trace.filter;
   if (filter == nullptr) return true;
-  char version[tSSVersion::kMaxTextSize] = "";
-  if (filter->usesField(tTraceFilter::kComponentVersion)) origin.version.toString(version);
-  u32 const threadId =
-      filter->usesField(tTraceFilter::kThreadId) ? tThreadUtility::getCurrentThreadId() : 0;
-  return filter->evaluate(origin.component, version, origin.line, origin.file, threadId,
-                          origin.verbosity);
+  return filter->evaluate(tTraceFilterLine(origin.component, origin.version, origin.line,
+                                           origin.file, origin.verbosity));
 }
 
 u64 tTracePrefix::takeTimeDelta(bool isShown) {
