@@ -331,6 +331,7 @@ class OXDIAG_API tTrace : public tConfigurable {
 
  private:
   friend class iTraceDestination;   // takes the stream off a destination that goes
+  friend class tTraceCalibration;   // reads the times of lines
   friend class tTraceOptionReader;  // applies option words
   friend class tTracePrefix;        // writes prefixes and keeps the times
   friend class tTraceSwitchTable;   // knows the option word of every switch
@@ -361,16 +362,16 @@ class OXDIAG_API tTrace : public tConfigurable {
   void endSwitch();
   void leave(iTraceDestination& leaving);
   void appendLowBytes(wchar_t const* units, u64 count);
-  void appendNumber(u64 magnitude, u32 radix, bool isNegative);
   void appendSigned(i64 value, u32 radix);
+  void appendNumber(u64 magnitude, u32 radix, bool isNegative);
   iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
 
-  // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
   // Between them `isPassed` says whether text is written; behind them the verdict of the thread's
   // line around this one does, if there is one. Remembers 32 lines within each other.
   void beginVerdict(bool isPassed);
   void endVerdict();
 
+  // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
   // mutex. endLine gives back what this thread's beginLine took, whatever the switch is by then.
   void beginLine();
   void endLine();

@@ -1,6 +1,6 @@
 #include "trace/tTraceCalibration.h"
 
-#include "oxdiagk/tBlockTracer.h"
+#include "oxdiagk/tVEXTraceDestination.h"
 #include "vexk/sync.h"
 
 namespace nOXDIAG100 {
@@ -9,11 +9,8 @@ namespace {
 constexpr u32 kBlockVerbosity = 100;
 constexpr u32 kLineVerbosity = 104;
 
-// Arrays, because a block tracer takes its texts as char*. It does not write to them.
-constinit char component[] = "oxdiagk";
-constinit char file[] = "source/trace/tTrace";
-constinit char firstBlock[] = "First block trace";
-constinit char secondBlock[] = "Second block trace";
+constexpr char component[] = "oxdiagk";
+constexpr char file[] = "source/trace/tTrace";
 
 // Nobody sees these lines, so the version says nothing.
 constexpr tSSVersion kVersion;
@@ -26,51 +23,52 @@ void tTrace::calibrate() {
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
   if (lock == nullptr) return;
   if (lock->acquire(kSyncWaitForever) >= 0) {
-    u32 const wasEnabled = load(enabled);
-    store(enabled, 0);
-    tTraceCalibration calibration(*this);
+    tTraceCalibration calibration;
     calibration.run();
     store(calibrationOffsets[0], calibration.getBlockEntryCost());
     store(calibrationOffsets[1], calibration.getBlockExitCost());
     store(calibrationOffsets[2], calibration.getLineCost());
-    store(enabled, wasEnabled);
+    if (timeDeltaIsEnabled() == 0) setLastLineTime(readTimeStampCounter());
     lock->release();
   }
   syncClose(lock);
 }
 
+tTraceCalibration::tTraceCalibration() : tTrace(tVEXTraceDestination::getInstance()) {
+  disable();
+}
+
 void tTraceCalibration::run() {
-  for (u64 pass = 0; pass < kPassCount; ++pass) {
-    u64 const before = readTimeStampCounter();
-    baseline += readTimeStampCounter() - before;
-    traceBlocks();
-    traceLine();
+  for (u64 sample = 0; sample < tTickAverage::kSampleCount; ++sample) {
+    for (u32 count = 0; count < kTryCount; ++count) measure();
+    endSamples();
   }
 }
 
-void tTraceCalibration::traceBlocks() {
-  i32* const noStatus = nullptr;
-  {
-    u64 const before = readTimeStampCounter();
-    tBlockTracer const block(component, kVersion, __LINE__, file, kBlockVerbosity, firstBlock,
-                             nullptr, noStatus, trace);
-    blockEntry += readTimeStampCounter() - before;
-  }
-  u64 before = 0;
-  {
-    tBlockTracer const block(component, kVersion, __LINE__, file, kBlockVerbosity, secondBlock,
-                             nullptr, noStatus, trace);
-    before = readTimeStampCounter();
-  }
-  blockExit += readTimeStampCounter() - before;
-}
-
-void tTraceCalibration::traceLine() {
+void tTraceCalibration::measure() {
   u64 const before = readTimeStampCounter();
-  trace.putPrefix(component, kVersion, __LINE__, file, kLineVerbosity, tTrace::kTraceLine)
-      .put("First trace")
-      .endl();
-  line += readTimeStampCounter() - before;
+  baseline.addTry(readTimeStampCounter() - before);
+  blockEntry.addTry(traceBehindEnd("First block trace; {", kBlockVerbosity, kBlockEntry));
+  blockExit.addTry(traceBehindEnd("} First block trace", kBlockVerbosity, kBlockExit));
+  line.addTry(traceBehindEnd("First trace", kLineVerbosity, kTraceLine));
+}
+
+u64 tTraceCalibration::traceBehindEnd(char const* text, u32 verbosity, tTraceType type) {
+  endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type);
+  u64 const gap = load(lineStartTime) - getLastLineTime();
+  put(text).endl();
+  return gap;
+}
+
+void tTraceCalibration::endSamples() {
+  tTickAverage* const averages[] = {&baseline, &blockEntry, &blockExit, &line};
+  for (tTickAverage* const average : averages) average->endSample();
+}
+
+// The way contains a reading. Should chance make it the shorter one, the rest of it costs nothing.
+u64 tTraceCalibration::getCost(tTickAverage const& way) const {
+  u64 const reading = baseline.get();
+  return way.get() > reading ? way.get() - reading : 0;
 }
 
 }  // namespace nOXDIAG100

@@ -1,36 +1,41 @@
 #pragma once
 
 #include "oxdiagk/tTrace.h"
+#include "trace/tTickAverage.h"
 
 namespace nOXDIAG100 {
 
-// Measures what a block entry, a block exit and a plain line of a stream cost, in counter ticks,
-// each less what reading the counter costs. The stream should be disabled meanwhile.
-class tTraceCalibration {
+// Measures what is in a time delta, in counter ticks, when lines follow each other at once: the way
+// from the counter's reading at the end of one line to that at the beginning of the next. What a
+// line does between its two readings is in no delta, so it is not in these costs.
+//
+// The lines are those of a stream of its own, which shows nothing: others go on writing into the
+// stream that is calibrated, and switching it. The way is the same, for it touches neither switches
+// nor filter nor lock.
+class tTraceCalibration : public tTrace {
  public:
-  explicit tTraceCalibration(tTrace& trace) : trace(trace) {}
+  tTraceCalibration();
 
-  // Traces two blocks and a line in each of kPassCount passes. To be called once.
+  // Traces a block and a line in each try. To be called once.
   void run();
 
+  // Each less what reading the counter costs, so a line at once has a delta of about that.
   u64 getBlockEntryCost() const { return getCost(blockEntry); }
   u64 getBlockExitCost() const { return getCost(blockExit); }
   u64 getLineCost() const { return getCost(line); }
 
  private:
-  static constexpr u64 kPassCount = 25;
+  static constexpr u32 kTryCount = 8;  // for each measurement
 
-  void traceBlocks();
-  void traceLine();
+  void measure();
+  u64 traceBehindEnd(char const* text, u32 verbosity, tTraceType type);
+  void endSamples();
+  u64 getCost(tTickAverage const& way) const;
 
-  // Unsigned like the time delta that it is subtracted from: a wrapped cost is a negative one.
-  u64 getCost(u64 sum) const { return sum / kPassCount - baseline / kPassCount; }
-
-  tTrace& trace;
-  u64 baseline = 0;
-  u64 blockEntry = 0;
-  u64 blockExit = 0;
-  u64 line = 0;
+  tTickAverage baseline;
+  tTickAverage blockEntry;
+  tTickAverage blockExit;
+  tTickAverage line;
 };
 
 }  // namespace nOXDIAG100

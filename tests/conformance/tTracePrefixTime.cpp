@@ -183,19 +183,29 @@ TEST(TracePrefixCalibration, AllThreeOffsetsAreMeasured) {
   }
 }
 
-TEST(TracePrefixCalibration, ItsLinesAreLinesOfTheStream) {
-  tPrefixedStream stream;
-  get<tLineStartTime>(stream.trace) = 0;
-  get<tLastLineTime>(stream.trace) = 0;
+TEST(TracePrefixCalibration, TheStreamsOwnLinesAreLeftAlone) {
+  tTimedStream stream;
+  stream.withVerbosity(99).openOn(stream.trace);
+  u64 const begin = get<tLineStartTime>(stream.trace);
+  u64 const carried = get<tCarriedDelta>(stream.trace);
   stream.trace.calibrate();
-  EXPECT_NE(u64{0}, get<tLineStartTime>(stream.trace));
-  EXPECT_NE(u64{0}, get<tLastLineTime>(stream.trace));
+  EXPECT_EQ(begin, get<tLineStartTime>(stream.trace));
+  EXPECT_EQ(carried, get<tCarriedDelta>(stream.trace));
+  EXPECT_EQ(kLastLineTime, get<tLastLineTime>(stream.trace));
+  EXPECT_FALSE(stream.trace.isLineShown());
 }
 
-TEST(TracePrefixCalibration, ALineBehindItIsJudgedAfresh) {
+TEST(TracePrefixCalibration, WhileDeltasAreOffTheyCountFromItsEnd) {
+  tTimedStream stream;
+  stream.trace.disableTimeDelta();
+  u64 const before = nOXDIAG100::readTimeStampCounter();
+  stream.trace.calibrate();
+  EXPECT_LT(before, get<tLastLineTime>(stream.trace));
+}
+
+TEST(TracePrefixCalibration, ALineBehindItIsWrittenAsEver) {
   tPrefixedStream stream;
   stream.showFieldsInFull();
-  stream.withVerbosity(99).openOn(stream.trace);
   stream.trace.calibrate();
   EXPECT_TRUE(stream.trace.isLineShown());
   EXPECT_STREQ("[rack--42--port.cpp] \n", stream.write());
@@ -208,4 +218,89 @@ TEST(TracePrefixCalibration, ItMayRunAgainAndWithTheMutexOn) {
   stream.trace.calibrate();
   stream.showFieldsInFull();
   EXPECT_STREQ("[rack--42--port.cpp] \n", stream.write());
+}
+
+// Lines that follow each other at once.
+
+namespace {
+
+constexpr u32 kLinesAtOnce = 300;
+
+// In the order of their offsets.
+constexpr tTrace::tTraceType kTypes[] = {tTrace::kBlockEntry, tTrace::kBlockExit,
+                                         tTrace::kTraceLine};
+
+// The deltas of a run of lines at once, in the order in which they are shown. A wrapped one is
+// beyond the half of the range.
+struct tDeltas {
+  static constexpr u64 kWrapped = ~0ull / 2;
+
+  u32 wrapped = 0;
+  u32 small = 0;  // less than what a calibration that took whole lines for a gap would leave
+  u32 all = 0;
+  u64 least = ~0ull;
+
+  void take(char const* line) {
+    u64 delta = 0;
+    for (++line; *line >= '0' && *line <= '9'; ++line) {
+      delta = delta * 10 + static_cast<u64>(*line - '0');
+    }
+    ++all;
+    if (delta > kWrapped) ++wrapped;
+    if (delta < kSmall) ++small;
+    if (delta < least) least = delta;
+  }
+
+ private:
+  static constexpr u64 kSmall = 100'000;
+};
+
+// A stream whose prefixes are the time delta alone.
+struct tDeltaStream : tPrefixedStream {
+  tDeltaStream() {
+    disableAllFields();
+    showFieldsInFull();
+    trace.disableIndenting();
+    trace.enableTimeDelta();
+  }
+
+  void run(tTrace::tTraceType type, tDeltas& deltas) {
+    tTestLine const line = withType(type);
+    trace.endl();
+    for (u32 count = 0; count < kLinesAtOnce; ++count) {
+      record.clear();
+      trace.endl();
+      line.openOn(trace).endl();
+      deltas.take(record.text() + record.pieceLength(0));
+    }
+  }
+};
+
+}  // namespace
+
+TEST(TracePrefixCalibration, LinesAtOnceShowSmallDeltasAndNoneBelowZero) {
+  tDeltaStream stream;
+  for (u32 round = 0; round < 20; ++round) {
+    stream.trace.calibrate();
+    for (tTrace::tTraceType const type : kTypes) {
+      tDeltas deltas;
+      stream.run(type, deltas);
+      EXPECT_EQ(u32{0}, deltas.wrapped);
+      EXPECT_EQ(kLinesAtOnce, deltas.all);
+      EXPECT_LE(kLinesAtOnce / 2, deltas.small);
+    }
+  }
+}
+
+TEST(TracePrefixCalibration, NoOffsetIsMoreThanTheShortestGapBetweenLines) {
+  tDeltaStream stream;
+  for (u64& offset : get<tCalibrationOffsets>(stream.trace)) offset = 0;
+  tDeltas gaps[3];
+  for (u32 index = 0; index < 3; ++index) stream.run(kTypes[index], gaps[index]);
+  for (u32 round = 0; round < 20; ++round) {
+    stream.trace.calibrate();
+    for (u32 index = 0; index < 3; ++index) {
+      EXPECT_LE(get<tCalibrationOffsets>(stream.trace)[index], gaps[index].least);
+    }
+  }
 }
