@@ -26,6 +26,7 @@ using nOXDIAG100::tTraceFilter;
 constexpr unsigned kMostWidth = 600;
 constexpr unsigned kMostSize = 1024;
 constexpr unsigned kMostFault = 12;
+constexpr size_t kMostVerdicts = 32;    // that a stream remembers
 constexpr u64 kAllocationsOfWords = 2;  // of an option text, before anything is configured
 
 constexpr char kOtherSettings[] =
@@ -62,13 +63,16 @@ class tMachine {
   tTraceModel model;
   std::vector<std::string> saved;
   unsigned openLines = 0;
-  u64 fault = 0;  // the allocation that fails in this operation, 0 for none
+  std::vector<bool> verdicts;  // of the innermost open lines, as far as they are known
+  u64 fault = 0;               // the allocation that fails in this operation, 0 for none
 };
 
 void tMachine::apply(tScript& script) {
   char const operation = script.operation("cv+-iphlbxedEDMmkwr!*");
   if (operation == '!' || operation == '*') return arm(operation == '*', script.number());
   run(operation, script);
+  // A switch of destinations writes lines of its own, whose ends are ends of lines too.
+  if (std::string_view("cv-d").find(operation) != std::string_view::npos) verdicts.clear();
   ntoshost::clearFaults();
   fault = 0;
   if (operation == 'p') return;
@@ -223,6 +227,8 @@ void tMachine::openLine(tTrace::tTraceType type, tScript& script) {
   demand(trace.isLineShown() == (isPassed && trace.isEnabled() != 0),
          "a line is shown when the stream is on and the filter passes it",
          [&] { return readable(script.text()); });
+  verdicts.push_back(isPassed);
+  if (verdicts.size() > kMostVerdicts) verdicts.erase(verdicts.begin());
   i32 const wanted = type == tTrace::kBlockEntry ? level + 1 : level - 1;
   demand(trace.getNestingLevel() == (type == tTrace::kTraceLine ? level : std::max(wanted, 0)),
          "blocks nest", [&] { return std::to_string(trace.getNestingLevel()); });
@@ -231,8 +237,12 @@ void tMachine::openLine(tTrace::tTraceType type, tScript& script) {
 void tMachine::endLine() {
   trace.endl();
   if (openLines != 0) --openLines;
-  demand((trace.isEnabled() != 0) == trace.isLineShown(), "no line is held back after its end",
-         [] { return "one that is"; });
+  if (!verdicts.empty()) verdicts.pop_back();
+  if (openLines != 0 && verdicts.empty()) return;
+  bool const isAroundShown = verdicts.empty() || verdicts.back();
+  demand((isAroundShown && trace.isEnabled() != 0) == trace.isLineShown(),
+         "behind a line the one around it is shown or not as before",
+         [&] { return isAroundShown ? "it was shown" : "it was hidden"; });
 }
 
 // Into a stream with other settings. No line is open: its lock would keep the other stream's alive.
