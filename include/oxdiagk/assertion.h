@@ -52,11 +52,13 @@ OXDIAG_API void notificationAction(char* category, char* component, tSSVersion v
 OXDIAG_API void continuationAction(char* category, char* component, tSSVersion version,
                                    unsigned int line, char* file);
 
-// Breaks into the debugger: ssHalt of "vexk/debug.h". Returns when the debugger continues.
+// Breaks into the debugger: ssHalt of "vexk/debug.h". Returns when the debugger continues. Any
+// IRQL, any thread.
 OXDIAG_API void breakToDebugger();
 
 // Stops the system: stores 0xDEADBEEF at address 0, so that the dump of the fault shows that mark
-// (on the host the program ends by SIGSEGV), and loops for ever should the store not fault.
+// (on the host the program ends by SIGSEGV), and loops for ever should the store not fault. Any
+// IRQL, any thread.
 [[noreturn]] OXDIAG_API void terminate();
 
 }  // namespace nOXDIAG100

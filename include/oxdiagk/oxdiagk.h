@@ -1,7 +1,17 @@
 #pragma once
 
-// Everything that a client component may use, in one include. Each header is the manual of what it
-// declares.
+// What most client components use, in one include. Each header is the manual of what it declares.
+//
+// Left out, to be included by those who need it:
+//
+//   oxdiagk/statusCodes.h       the library's own status codes by name
+//   oxdiagk/reportableClass.h   for a reportable of a class of your own,
+//   oxdiagk/reportableLists.h   and for one that holds a list
+//   oxdiagk/package.h           for a bus driver: its buses and their children
+//   oxdiagk/module.h            start and stop of the library on a host without the Windows kernel
+//
+// The others are included by these and nothing to begin with: api.h, tCategoryTable.h,
+// tConfigurationLock.h, tReportText.h.
 
 // clang-format off
 

@@ -33,8 +33,24 @@ OXDIAG_API u64 readTimeStampCounter();
 // While the stream is disabled, or the filter rejected the line, text is dropped. Nothing is ever
 // reported to the writer.
 //
-// Thread safety: all threads share the stream, and any of them may call anything at any time but
-// for what the last paragraph says.
+// A line within a line: a thread may open a line before it has ended another one, as when an
+// argument of a line traces. The inner line then follows what the outer one has put, and ends it;
+// what the outer one puts behind it is a line without a prefix. Each endl ends the innermost line
+// and brings back the verdict about the one around it, so what a hidden line puts stays hidden. A
+// stream remembers the verdicts of one thread: without the line mutex, lines that other threads
+// open meanwhile may bring the rest of a hidden outer line to light.
+//
+// Time deltas: a line's delta is the number of ticks from the end of the line before it, whoever
+// wrote that, to the beginning of this one, less what calibrate measured. The lines that were not
+// shown since the last shown one add theirs, so what lies between lines is counted, shown or not,
+// and what a hidden line itself takes, from its putPrefix to its endl, is not. Nothing is added up
+// while the delta is switched off. Before a first line has ended, the counter's value is the delta.
+// A line that begins before the one before it has ended has a negative delta, which is shown as the
+// wrapped 64-bit number: a line that waits for the line mutex, lines of threads that do not lock
+// them.
+//
+// Thread safety: all threads share the stream. Any of them may call any operation at any time,
+// with the exceptions that are listed below as left to the callers.
 //
 // Lines: with "--mutex on" a line belongs to its thread from putPrefix to endl, which must then
 // both be called at IRQL <= APC_LEVEL; lines of different threads do not mix. Without it they may,
@@ -45,18 +61,21 @@ OXDIAG_API u64 readTimeStampCounter();
 // calibrate, enableMutex and disableMutex wait for each other, one call at a time. What belongs
 // together, such as a push and its pop, is the callers' to order. Lines wait for none of them: a
 // line that is opened meanwhile is judged and shown by what is set at that moment, which may be a
-// part of it. While destinations are switched, what other threads write is lost, and calibrate
-// drops it likewise.
+// part of it. While destinations are switched, what other threads write is lost.
 //
 // What is left to the callers: the stream is built before and destroyed after everybody's use of
 // it. The filter is changed through getFilter() by one thread, while nobody configures or inquires.
-// With
-// "--mutex on" nothing of the configuration is called within a line, nor is a destination destroyed
-// there that the stream may be using: another thread that configures may be waiting for the line to
-// end. And a destination's put does not switch destinations: the switch would wait for that put.
+// With "--mutex on" nothing of the configuration is called within a line, nor is a destination
+// destroyed there that the stream may be using: another thread that configures may be waiting for
+// the line to end. And a destination's put does not switch destinations: the switch would wait for
+// that put.
 //
-// IRQL: writing allocates nothing and works at any IRQL that the destination allows. Everything
-// that configures runs at PASSIVE_LEVEL. A stream lies in non-paged memory.
+// IRQL: writing allocates nothing. Every put, putf and endl may hand text to the destination, so
+// they work at the IRQLs at which its put does (the file: PASSIVE_LEVEL, and above APC_LEVEL, where
+// it drops the text); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
+// enable, disable and all queries work at any IRQL; enableMutex, disableMutex and calibrate at IRQL
+// <= APC_LEVEL; everything else that configures, and inquire, at PASSIVE_LEVEL. A stream lies in
+// non-paged memory.
 class OXDIAG_API tTrace : public tConfigurable {
  public:
   // The kind of line that a prefix opens.
@@ -103,7 +122,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   OXDIAG_TRACE_SWITCH(FileName, fileName)                  // on: the source file
   OXDIAG_TRACE_SWITCH(FilePath, filePath)                  // off: the file with its path
   OXDIAG_TRACE_SWITCH(TimeStamp, timeStamp)                // off: counter ticks at the prefix
-  OXDIAG_TRACE_SWITCH(TimeDelta, timeDelta)                // off: ticks since the last shown line
+  OXDIAG_TRACE_SWITCH(TimeDelta, timeDelta)                // off: ticks since the line before
   OXDIAG_TRACE_SWITCH(Verbosity, verbosity)                // off: the level of the line
   OXDIAG_TRACE_SWITCH(ThreadId, threadId)                  // off: the current thread
   OXDIAG_TRACE_SWITCH(Indenting, indenting)                // on: two blanks a nesting level
@@ -111,7 +130,9 @@ class OXDIAG_API tTrace : public tConfigurable {
 #undef OXDIAG_TRACE_SWITCH
   // clang-format on
 
-  // The line mutex; off at the start. Switching waits until no other thread is within a line. The
+  // The line mutex; off at the start. Switching waits until no other thread is within a line that
+  // holds it; lines that were opened while it was off hold none, are not waited for, and may still
+  // mix with later ones. The
   // first enableMutex opens the platform's lock "nOXDIAG100::tTrace::_mutex", which is kept until
   // the stream is destroyed; when it cannot be opened the switch is on all the same, nothing is
   // locked, and the next enableMutex tries again. IRQL <= APC_LEVEL.
@@ -119,8 +140,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   void disableMutex();
   u32 mutexIsEnabled() const;
 
-  // The width in characters to which a prefix is padded, and to which its fields are cut while
-  // truncation is on; 50 at the start. Any value; the closing "] " comes on top of width - 1.
+  // The width of a prefix, less one character: its fields are padded to width - 1 characters, and
+  // cut to as many while truncation is on, and the closing "] " follows. So the prefix of the width
+  // at the start, 50, has 51 characters. A width of 0 with truncation leaves the indentation alone.
+  // Any value.
   void setMinPrefixWidth(u32 width);
   u32 getMinPrefixWidth() const;
 
@@ -157,8 +180,14 @@ class OXDIAG_API tTrace : public tConfigurable {
   // "tTrace::putPrefixPrototype=[compname--linenumber--filename]". Opens and ends no line.
   tTrace& putPrefixPrototype();
 
-  // Measures what tracing itself costs, so that time deltas leave it out. Nothing reaches the
-  // destination meanwhile. Does nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
+  // Measures what a time delta contains when lines follow each other at once, the way from one
+  // line's end to the next one's beginning, so that deltas leave it out; lines at once then show
+  // about the cost of one reading of the counter. Three averages of 25 measurements, for block
+  // entries, block exits and plain lines; what an interrupt lengthens is not counted.
+  //
+  // It traces on a stream of its own: this one goes on, and what other threads switch and write
+  // meanwhile is as ever. Deltas count on; while they are switched off, they count from here. Does
+  // nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
   void calibrate();
 
   // Appends `text` up to its terminator; null counts as empty text.
@@ -217,9 +246,11 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Lets the object write itself.
   tTrace& put(iTraceable const& object);
 
-  // Appends a hex dump of `length` bytes at `address`, a line for 16 bytes: the address, the bytes
-  // in groups of `unitSize` bytes, and the bytes as characters. Units of 4 and 2 are shown as
-  // little-endian numbers, all others byte by byte; what the last line lacks is shown as XX:
+  // Appends a hex dump of `length` bytes at `address`, a line for as many whole groups of
+  // `unitSize` bytes as 16 bytes hold (16 bytes a line for units of 1, 2, 4, 8 and 16, 15 for a
+  // unit of 3, 12 for one of 12): the address, the groups, and the bytes as characters. Units of 4
+  // and 2 are shown as little-endian numbers, all others byte by byte; what the last line lacks is
+  // shown as XX:
   //
   //     00007FF712345678: 03020100 04XXXXXX XXXXXXXX XXXXXXXX : .....
   //
@@ -280,7 +311,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   // know printf, and would pass the very conversions that are not in this table.
   //
   // Allocates nothing, uses no floating point, and less than 2 KiB of stack. Any IRQL at which
-  // format and text may be read.
+  // format and text may be read and the destination may be written: long text and newlines go to it
+  // at once.
   tTrace& putf(char const* format, ...);
 
   // The size of putf's text in bytes, terminator included.
@@ -302,19 +334,21 @@ class OXDIAG_API tTrace : public tConfigurable {
   //                                switches; "on" or "off" may follow
   //   --prefixwidth N              minimum prefix width
   //   --filter EXPRESSION          filter expression; with nothing behind it the filter is emptied
-  //   --destination NAME [WORDS]   destination ("vex", "serial"; no name is "vex"), and its own
-  //   words
+  //   --destination NAME [WORDS]   destination ("vex", "serial", "file"; no name is "vex"), and
+  //                                its own words
   //   --mutex-kernel-token N:0     token for opening the line mutex; all later words are tokens too
   //   --calibrate                  calibrate() after everything else
   //
-  // A number is decimal, 0x and hexadecimal digits, or radix#digits, as put writes it.
+  // A number is decimal, 0x and hexadecimal digits, or radix#digits with the digits 0 to 9. Letters
+  // are no digits behind "#": 20#1J, which put writes for 39, is read as 1.
   void configure(int argc, char** argv) override;
   using tConfigurable::configure;
 
   // Does nothing: the stream has no configuration source of its own.
   void configure() override;
 
-  // Everything that configure reads, except the mutex token and an empty filter.
+  // Everything that configure reads, except the mutex token and an empty filter. docs/options.md
+  // lists which settings configure does not give back when it reads this text.
   void inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   // A pop configures the stream with the text that inquire gave at the push: it installs the

@@ -25,8 +25,9 @@ class tTraceFilterLine;
 // byte by byte as unsigned characters. The file is compared as the line's author passed it, with
 // its path.
 //
-// Malformed text is never reported: a term with an unknown field is dropped, and a term without one
-// of the operators (such as verbosity=5) repeats the outcome of the term before it.
+// Malformed text is never reported. A term with an unknown field is dropped. A term without one of
+// the operators (verbosity=5, verbosity 5) repeats the outcome of the term before it; the outcome
+// before the first term is false, so a filter of one such term shows nothing.
 //
 // Thread safety: evaluate() and usesField() may be called on any number of threads while another
 // one changes the filter; a line that is judged at that moment may be judged by a part of the
@@ -73,9 +74,9 @@ class OXDIAG_API tTraceFilter {
 
   // Reads an expression. Every term that no "&&" or "||" precedes empties the filter first, so an
   // expression that begins with a term replaces the filter and one that begins with a connector
-  // extends it; this holds also for a term whose field is unknown. Reading ends where the text
-  // lacks a field word, an operator or a value. An empty or blank text changes nothing, nor does
-  // null.
+  // extends it; this holds also for a term whose field is unknown. Reading ends where the text ends
+  // before a term has its value, and where a value is empty; the filter may then be empty, as after
+  // "on". An empty or blank text changes nothing, nor does null.
   //
   //     filter.parseExpression("verbosity>=200");        // replaces the default term
   //     filter.parseExpression("&& linenumber<500");     // and adds a second one
@@ -100,7 +101,8 @@ class OXDIAG_API tTraceFilter {
   void removeField(i32 field);
 
   // Whether a line with these properties is shown. Null texts count as empty. Only the properties
-  // for which usesField() is true are looked at.
+  // for which usesField() is true are looked at; another thread may add a term about others
+  // meanwhile, so a caller who leaves some out may only do so while nobody changes the filter.
   bool evaluate(char const* component, char const* versionText, u32 line, char const* file,
                 u32 threadId, u32 verbosity) const;
 
@@ -114,7 +116,9 @@ class OXDIAG_API tTraceFilter {
     return field >= 0 && field < kFieldCount && ((fields >> field) & 1) != 0;
   }
 
-  // Writes the filter as option text, with the blank before it:
+  // Writes the filter as option text, with the blank before it, which parseExpression reads as the
+  // same filter unless a term has no operator, an empty value, or a value with a blank, a double
+  // quote, "|" or "&":
   //
   //      --filter "verbosity>=100 && compname==slotbus"
   //

@@ -19,9 +19,18 @@
 //       OXDIAG_TRACE(110, put("slot ").put(slot, 10).put(" powers up"));
 //     }
 //
-// `verbosity` is the level of the line: the default filter shows 100 and above. Every argument is
-// evaluated at most once. With OXDIAG_TRACE_STRIP defined, all of them compile to nothing: the
-// arguments must still be valid code, but none is evaluated.
+// `verbosity` is the level of the line, an unsigned number. The larger it is, the more important is
+// the line: the default filter shows 100 and above. A violated contract is traced at 105. What we
+// recommend for the lines of a component, so that one filter means the same to all:
+//
+//     150   a result that everybody wants to see
+//     140   a failure
+//     120   something that comes or goes: a device, a connection
+//     100   what is being done
+//      60   details for whoever looks for a fault in the component; dumps of data
+//
+// Every argument is evaluated at most once. With OXDIAG_TRACE_STRIP defined, all of them compile to
+// nothing: the arguments must still be valid code, but none is evaluated.
 //
 // IRQL and threads: as for tTrace.
 
@@ -41,11 +50,28 @@
 // not evaluated, so a hidden line costs its prefix and endl alone. The macro ends the line itself:
 // no endl in the chain. A statement.
 //
+// A line within a line: when an argument of the chain traces, or a contract fails in it, the other
+// line arrives behind what the chain has put so far, and ends it. The rest of the chain follows as
+// a line without a prefix:
+//
+//     OXDIAG_TRACE(110, put("slot ").put(slot, 10).put(": ").put(readReply(slot), 10));
+//
+//     [rack--12--rack.cpp---] slot 3: [rack--7--rack.cpp----] reading      if readReply traces
+//     64
+//
+// Nothing is lost. When the other line is hidden, the outer one stays whole; when the outer one is
+// hidden, the macro does not evaluate the chain, so the other line is not written either. Values
+// that are read before the line is opened leave both lines whole:
+//
+//     u32 const length = readReply(slot);
+//     OXDIAG_TRACE(110, put("slot ").put(slot, 10).put(": ").put(length, 10));
+//
 // OXDIAG_BLOCK(verbosity), OXDIAG_BLOCK_OBJECT(verbosity, object),
 // OXDIAG_BLOCK_STATUS(verbosity, object, status): trace the entry here and the exit at the end of
 // the enclosing scope, under the name of the enclosing function. `object`: an address, shown at
 // entry; nullptr for none. `status`: an i32* or tStatus2*, not a bare nullptr, that outlives the
-// scope; what it points to is shown at entry and at exit. Declarations, one on a source line.
+// scope; what it points to is shown at entry and at exit. `object` may point to something const or
+// volatile, such as the `this` of a const member function. Declarations, one on a source line.
 
 #ifndef OXDIAG_TRACE_STRIP
 
@@ -63,7 +89,8 @@
   ::nOXDIAG100::tBlockTracer const OXDIAG_TRACE_JOIN(oxdiagBlock_, __LINE__)(                    \
       const_cast<char*>(static_cast<char const*>(OXDIAG_COMPONENT)), OXDIAG_COMPONENT_VERSION,   \
       __LINE__, const_cast<char*>(static_cast<char const*>(OXDIAG_TRACE_FILE)), verbosity,       \
-      const_cast<char*>(__func__), object, status, OXDIAG_TRACE_STREAM)
+      const_cast<char*>(__func__),                                                               \
+      const_cast<void*>(static_cast<void const volatile*>(object)), status, OXDIAG_TRACE_STREAM)
 // clang-format on
 
 #define OXDIAG_BLOCK_OBJECT(verbosity, object) \
@@ -88,7 +115,7 @@
   do {                                                 \
     if (false) {                                       \
       static_cast<void>(verbosity);                    \
-      static_cast<void>(object);                       \
+      static_cast<void const volatile*>(object);       \
       static_cast<void>(status);                       \
     }                                                  \
   } while (false)

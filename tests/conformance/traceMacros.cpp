@@ -62,7 +62,18 @@ void traceTwoBlocks() {
 
 struct tPort {
   void open() { OXDIAG_BLOCK(100); }
+  void look() const { OXDIAG_BLOCK_OBJECT(100, this); }
+  void wait() const volatile {
+    i32 status = 0;
+    OXDIAG_BLOCK_STATUS(100, this, &status);
+  }
 };
+
+// What a line of the caller asks for, with a line of its own.
+u32 readReply(unsigned int verbosity) {
+  OXDIAG_TRACE(verbosity, put("reading"));
+  return 7;
+}
 
 // Names that the macros might use for themselves.
 void traceShadowed(unsigned int trace, unsigned int line, unsigned int verbosity, i32 status) {
@@ -165,6 +176,38 @@ TEST(TraceMacros, ABlockInAMemberFunctionIsNamedAfterIt) {
   tMacroStream macros;
   tPort{}.open();
   EXPECT_STREQ("open; {\n} open\n", macros.text());
+}
+
+TEST(TraceMacros, ABlockMayShowTheObjectOfAConstMemberFunction) {
+  tMacroStream macros;
+  tPort const& port = *reinterpret_cast<tPort const*>(0xABC);
+  port.look();
+  port.wait();
+  EXPECT_STREQ(
+      "look; this=0xABC; {\n} look\n"
+      "wait; this=0xABC; tStatus=0 {\n} tStatus=0; wait\n",
+      macros.text());
+}
+
+TEST(TraceMacros, ALineWithinALineEndsWhatStandsBeforeIt) {
+  tMacroStream macros;
+  macros.showFieldsInFull();
+  OXDIAG_TRACE(100, put("reply ").put(readReply(100), 10).put(" bytes"));
+  EXPECT_EQ(u32{2}, macros.record.pieceCount());
+  EXPECT_TRUE(macros.record.pieceIs(1, "7 bytes\n"));
+}
+
+TEST(TraceMacros, ALineWithinAHiddenLineIsNotEvenCalledFor) {
+  tMacroStream macros;
+  OXDIAG_TRACE(99, put("reply ").put(readReply(100), 10));
+  EXPECT_STREQ("", macros.text());
+}
+
+TEST(TraceMacros, AValueThatIsAskedForBeforehandLeavesBothLinesWhole) {
+  tMacroStream macros;
+  u32 const length = readReply(100);
+  OXDIAG_TRACE(100, put("reply ").put(length, 10).put(" bytes"));
+  EXPECT_STREQ("reading\nreply 7 bytes\n", macros.text());
 }
 
 TEST(TraceMacros, AHiddenBlockStillNests) {
