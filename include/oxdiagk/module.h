@@ -3,8 +3,8 @@
 // Start and stop of the library as a module.
 //
 // On Windows nobody calls these: the kernel calls DllInitialize when the first driver that imports
-// oxdiagk.dll is loaded and DllUnload when the last one is gone, and they forward to here. A host
-// program is its own kernel and calls them itself, after vexk and qelmk are up:
+// oxdiagk.dll is loaded and DllUnload when the last one is gone, which do the same. A host program
+// is its own kernel and calls them itself, after vexk and qelmk are up:
 //
 //     vexkInitialize();
 //     qelmkInitialize();
@@ -15,9 +15,17 @@
 //     qelmkUnload();
 //     vexkUnload();
 //
-// Both run at PASSIVE_LEVEL in the thread that loads the module; they are not locked against each
-// other. A module image is loaded once: after oxdiagkUnload the image must be loaded anew (by the
-// kernel, or as a fresh process or shared library on the host) before it can serve again.
+// Starts are counted: a second one changes nothing but the count, and the last unload stops the
+// library. After it, and after a start that failed, the library is as if it had never been started,
+// and can be started again. Both functions run at PASSIVE_LEVEL; they are not locked against each
+// other, nor against the library's other operations.
+//
+// Before the first start, after a start that failed and after the last unload every operation of
+// the library may be called, on any thread. Those of the trace stream and of the assertion
+// configuration do nothing, an inquiry of theirs gives an empty text, no contract is checked, the
+// front door issues no handles, and statuses have no detail. Destinations work, for they need no
+// more than the kernel; an instance that getInstance makes then is kept until destroyInstance or
+// the next unload.
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
@@ -26,11 +34,13 @@
 // which makes the process-wide status heap, and opens the configuration tunnel. `registryPath` is
 // the service key of the module, kept in its record and cut at 260 characters; null is allowed and
 // counts as empty. Returns STATUS_SUCCESS, or STATUS_DRIVER_UNABLE_TO_LOAD (0xC000026C) with
-// nothing left constructed when the platform layer is not running or older than 2.0, memory is
-// exhausted, or another module has one of its class names. Why is in the platform's event log.
+// nothing left constructed when the platform layer is not running or older than 2.0, the object
+// framework is not running, memory is exhausted, or another module has one of its class names. Why
+// is in the platform's event log, unless it is the platform layer itself.
 OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
 
-// Closes the tunnel and waits for the requests in it, destroys the status heap and then the global
-// objects in reverse order of construction. Every status with detail must be gone by then. Always
-// returns STATUS_SUCCESS.
+// Undoes one start; the last one closes the tunnel and waits for the requests in it, destroys the status heap and then the global
+// objects in reverse order of construction. Every status with detail must be gone by then, and no
+// thread may be within an operation of the library. Without a start it does nothing. Always returns
+// STATUS_SUCCESS.
 OXDIAG_API NTSTATUS oxdiagkUnload();

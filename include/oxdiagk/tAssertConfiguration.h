@@ -74,7 +74,8 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
   static tAssertConfiguration& getInstance(char* category = nullptr);
 
   // Build and destroy that object: for the tables of the module's entry, and nobody else. Before
-  // and after there is no category, so that no contract is checked.
+  // and after there is no category, so that no contract is checked; every operation may be called
+  // and does nothing, and inquire gives an empty text.
   static void constructInstance();
   static void destroyInstance();
 
@@ -136,6 +137,11 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
  protected:
   // A private object, as fresh as the module's: for those who derive from this class.
   tAssertConfiguration();
+
+  // The module's object before and after its life.
+  explicit tAssertConfiguration(tAtRest atRest)
+      : currentCategory(nullptr), configurationLock(atRest) {
+  }
 
  private:
   friend class tAssertOptionReader;  // applies option words

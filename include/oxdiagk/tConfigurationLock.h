@@ -5,6 +5,9 @@
 
 namespace nOXDIAG100 {
 
+// Chooses the constructor of a module's one object as it is before and after its life.
+struct tAtRest {};
+
 // What serialises the configuration of one object. A thread that holds it may take it again, so an
 // operation that configures may call others that do. It is taken by configuring alone: whoever
 // writes lines or checks contracts never waits for it.
@@ -14,6 +17,8 @@ namespace nOXDIAG100 {
 class tConfigurationLock {
  public:
   tConfigurationLock() { KeInitializeMutex(&mutex, 0); }
+  // A lock that nobody may take.
+  explicit tConfigurationLock(tAtRest) : mutex() {}
   tConfigurationLock(tConfigurationLock const&) = delete;
   tConfigurationLock& operator=(tConfigurationLock const&) = delete;
 

@@ -89,7 +89,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   static tTrace& getInstance(char* name = nullptr);
 
   // Build and destroy that stream: for the tables of the module's entry, and nobody else. Before
-  // and after, text put into it is dropped.
+  // and after, every operation may be called and does nothing: text is dropped, no switch changes,
+  // there is neither a destination nor a filter (both null), and inquire gives an empty text.
   static void constructInstance();
   static void destroyInstance();
 
@@ -110,8 +111,8 @@ class OXDIAG_API tTrace : public tConfigurable {
 
 // clang-format off
 #define OXDIAG_TRACE_SWITCH(Name, name)             \
-  void enable##Name() { store(name, 1); }           \
-  void disable##Name() { store(name, 0); }          \
+  void enable##Name() { change(name, 1); }          \
+  void disable##Name() { change(name, 0); }         \
   u32 name##IsEnabled() const { return load(name); }
 
   // The switches of the prefix, and its shape. Each line stands for three operations, as in
@@ -363,6 +364,11 @@ class OXDIAG_API tTrace : public tConfigurable {
   // within a line of another cannot close its handle of it, which then stays until unload.
   explicit tTrace(iTraceDestination& first);
 
+  // The module's stream before and after its life.
+  explicit tTrace(tAtRest atRest)
+      : destination(nullptr), filter(nullptr), enabled(0), configurationLock(atRest) {
+  }
+
  private:
   friend class iTraceDestination;   // takes the stream off a destination that goes
   friend class tTraceCalibration;   // reads the times of lines
@@ -383,6 +389,13 @@ class OXDIAG_API tTrace : public tConfigurable {
     __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_RELAXED);
   }
 
+  // A stream that is built has a destination.
+  bool isBuilt() const {
+    return load(destination) != nullptr;
+  }
+  void change(u32& word, u32 value) {
+    if (isBuilt()) store(word, value);
+  }
   bool isWriting() const {
     return load(enabled) != 0 && (load(hiddenLines) & 1) == 0;
   }

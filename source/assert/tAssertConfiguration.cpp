@@ -4,6 +4,7 @@
 #include "assert/tAssertOptionReader.h"
 #include "config/savedSettings.h"
 #include "config/tInquiryText.h"
+#include "config/tInstancePlace.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
@@ -43,22 +44,20 @@ char* copyName(char const* name) {
   return static_cast<char*>(copy);
 }
 
-// Zeros, before and after the object's life, are an object without categories.
-alignas(tAssertConfiguration) constinit u8 instanceStorage[sizeof(tAssertConfiguration)] = {};
+constinit tInstancePlace<tAssertConfiguration> instance;
 
 }  // namespace
 
 tAssertConfiguration& tAssertConfiguration::getInstance(char* /*category*/) {
-  return *reinterpret_cast<tAssertConfiguration*>(instanceStorage);
+  return instance.get();
 }
 
 void tAssertConfiguration::constructInstance() {
-  new (instanceStorage) tAssertConfiguration;
+  new (instance.take()) tAssertConfiguration;
 }
 
 void tAssertConfiguration::destroyInstance() {
-  getInstance().~tAssertConfiguration();
-  __builtin_memset(instanceStorage, 0, sizeof(instanceStorage));
+  instance.destroy();
 }
 
 tAssertConfiguration::tAssertConfiguration() : currentCategory(kDefaultCategory) {

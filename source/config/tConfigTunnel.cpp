@@ -1,5 +1,6 @@
 #include "config/tConfigTunnel.h"
 
+#include "config/tInstancePlace.h"
 #include "config/tUserText.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tunnelRequest.h"
@@ -11,7 +12,13 @@
 namespace nOXDIAG100 {
 namespace {
 
-alignas(tConfigTunnel) constinit u8 instanceStorage[sizeof(tConfigTunnel)] = {};
+class tRestingTunnel final : public tConfigTunnel {
+ public:
+  tRestingTunnel() : tConfigTunnel(tAtRest()) {}
+  void dispatch(u64 /*request*/) override {}
+};
+
+constinit tInstancePlace<tConfigTunnel, tRestingTunnel> instance;
 
 template <class T>
 bool copyIn(T& to, u64 userAddress) {
@@ -81,15 +88,15 @@ void serve(u32 handle, tTunnelRecord const& record) {
 }  // namespace
 
 tConfigTunnel& tConfigTunnel::getInstance() {
-  return *reinterpret_cast<tConfigTunnel*>(instanceStorage);
+  return instance.get();
 }
 
 void tConfigTunnel::constructInstance() {
-  new (instanceStorage) tConfigTunnel;
+  new (instance.take()) tConfigTunnel;
 }
 
 void tConfigTunnel::destroyInstance() {
-  getInstance().~tConfigTunnel();
+  instance.destroy();
 }
 
 tConfigTunnel::tConfigTunnel() : iDispatcher(kTunnelName) {

@@ -4,6 +4,7 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "oxdiagk/tConfigurationLock.h"
 #include "vexk/iLib.h"
 #include "vexk/memory.h"
 
@@ -19,7 +20,8 @@ class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
   // The one of the module.
   static tConfigTunnel& getInstance();
 
-  // Build and destroy it: for the tables of the module's entry, and nobody else.
+  // Build and destroy it: for the tables of the module's entry, and nobody else. Before and after,
+  // dispatch does nothing.
   static void constructInstance();
   static void destroyInstance();
 
@@ -29,6 +31,10 @@ class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
   // Runs the records of the request at this address of user memory. PASSIVE_LEVEL, in the context
   // of the requesting program.
   void dispatch(u64 request) override;
+
+ protected:
+  // The module's tunnel before and after its life.
+  explicit tConfigTunnel(tAtRest) : iDispatcher(nullptr) {}
 };
 
 }  // namespace nOXDIAG100

@@ -1,5 +1,6 @@
 #include "oxdiagk/tTrace.h"
 
+#include "config/tInstancePlace.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "vexk/cpu.h"
@@ -8,8 +9,7 @@
 namespace nOXDIAG100 {
 namespace {
 
-// Zeros, before and after the stream's life, are a stream that is not enabled.
-alignas(tTrace) constinit u8 instanceStorage[sizeof(tTrace)] = {};
+constinit tInstancePlace<tTrace> instance;
 
 // Of the word about hidden lines: the thread is in the upper half, its lines are in the lower one.
 constexpr u32 kThreadShift = 32;
@@ -25,16 +25,15 @@ u64 readTimeStampCounter() {
 }
 
 tTrace& tTrace::getInstance(char* /*name*/) {
-  return *reinterpret_cast<tTrace*>(instanceStorage);
+  return instance.get();
 }
 
 void tTrace::constructInstance() {
-  new (instanceStorage) tTrace(tVEXTraceDestination::getInstance());
+  new (instance.take()) tTrace(tVEXTraceDestination::getInstance());
 }
 
 void tTrace::destroyInstance() {
-  getInstance().~tTrace();
-  __builtin_memset(instanceStorage, 0, sizeof(instanceStorage));
+  instance.destroy();
 }
 
 tTrace::tTrace(iTraceDestination& first) : destination(&first), filter(tTraceFilter::create()) {
@@ -50,7 +49,7 @@ tTrace::~tTrace() {
 }
 
 void tTrace::setMinPrefixWidth(u32 width) {
-  store(minPrefixWidth, width);
+  change(minPrefixWidth, width);
 }
 
 u32 tTrace::getMinPrefixWidth() const {
@@ -70,11 +69,11 @@ tTraceFilter* tTrace::getFilter() {
 }
 
 void tTrace::enable() {
-  store(enabled, 1);
+  change(enabled, 1);
 }
 
 void tTrace::disable() {
-  store(enabled, 0);
+  change(enabled, 0);
 }
 
 u32 tTrace::isEnabled() const {

@@ -18,6 +18,7 @@ constexpr tSSVersion kVersion;
 }  // namespace
 
 void tTrace::calibrate() {
+  if (!isBuilt()) return;
   tConfigurationGuard const guard(configurationLock);
   i32 status = 0;
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);

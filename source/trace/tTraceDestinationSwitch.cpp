@@ -23,6 +23,7 @@ void pause() {
 }  // namespace
 
 iTraceDestination* tTrace::setDestination(iTraceDestination& next) {
+  if (!isBuilt()) return nullptr;
   tConfigurationGuard const guard(configurationLock);
   put("Switching trace destination to ").put(next.getDescription()).endl();
   iTraceDestination& former = *getDestination();

@@ -23,6 +23,7 @@ void tTrace::closeMutex() {
 }
 
 void tTrace::enableMutex() {
+  if (!isBuilt()) return;
   tConfigurationGuard const guard(configurationLock);
   openMutex();
   tSyncLock const lock(mutexObject);
@@ -30,6 +31,7 @@ void tTrace::enableMutex() {
 }
 
 void tTrace::disableMutex() {
+  if (!isBuilt()) return;
   tConfigurationGuard const guard(configurationLock);
   tSyncLock const lock(mutexObject);
   store(mutex, 0);

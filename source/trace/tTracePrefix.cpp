@@ -43,6 +43,7 @@ char const* orEmpty(char const* text) {
 
 tTrace& tTrace::putPrefix(char const* component, tSSVersion version, unsigned int line,
                           char const* file, unsigned int verbosity, tTraceType type) {
+  if (!isBuilt()) return *this;
   u64 const startTime = readTimeStampCounter();
   beginLine();
   store(lineStartTime, startTime);

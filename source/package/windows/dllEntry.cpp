@@ -1,14 +1,14 @@
 // The kernel's doors into the module.
 
 #include "ntos/status.h"
-#include "oxdiagk/module.h"
+#include "package/windows/packageEntry.h"
 
 extern "C" NTSTATUS DllInitialize(UNICODE_STRING* registryPath) {
-  return oxdiagkInitialize(registryPath);
+  return nOXDIAG100::loadModule(registryPath);
 }
 
 extern "C" NTSTATUS DllUnload() {
-  return oxdiagkUnload();
+  return nOXDIAG100::unloadModule();
 }
 
 // The file serves drivers that import it and must never be started as one.

@@ -72,6 +72,7 @@ constexpr u32 kTraceEntry = 41;
 
 constinit tTerminatorList terminators;
 constinit u32 initialisationCount = 0;
+constinit bool areBuilt = false;  // or partly built
 
 i32 countInitialisation() {
   ++initialisationCount;
@@ -151,6 +152,7 @@ i32 initialiseGlobals() {
     ++initialisationCount;
     return 0;
   }
+  areBuilt = true;
   for (tInitialiser initialise : initialisers.entries) {
     i32 const status = initialise == nullptr ? 0 : initialise();
     if (status != 0) return status < 0 ? status : kStatusOutOfMemory;
@@ -161,9 +163,16 @@ i32 initialiseGlobals() {
 void terminateGlobals() {
   if (initialisationCount == 1) {
     terminators.runAll();
+    areBuilt = false;
   } else if (initialisationCount != 0) {
     --initialisationCount;
   }
+}
+
+bool forgetGlobals() {
+  if (areBuilt) return false;
+  initialisationCount = 0;
+  return true;
 }
 
 }  // namespace nOXDIAG100

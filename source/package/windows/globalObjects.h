@@ -4,8 +4,9 @@
 // by itself: globals are constant-initialised storage that the initialiser table builds, each entry
 // pushing its destructor onto the terminator list.
 //
-// Both calls are counted, not locked, and run at PASSIVE_LEVEL in the loading thread. The count
-// stays at 1 after the last termination, so an image builds its globals once in its life.
+// The first two calls are counted, not locked, and run at PASSIVE_LEVEL in the loading thread. The
+// count stays at 1 after the last termination, so an image builds its globals once in its life,
+// unless it is made to forget that.
 
 #include "ntos/types.h"
 
@@ -18,5 +19,9 @@ i32 initialiseGlobals();
 
 // Undoes one initialiseGlobals(): the last one destroys every object, last built first.
 void terminateGlobals();
+
+// Lets the next initialiseGlobals() build everything, as in an image that is mapped anew. Returns
+// whether it does: not while there is something to destroy.
+bool forgetGlobals();
 
 }  // namespace nOXDIAG100

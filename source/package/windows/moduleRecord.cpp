@@ -18,4 +18,10 @@ void fillModuleRecord(UNICODE_STRING const* registryPath) {
   moduleRecord.info.name = package.identity->name;
 }
 
+void clearModuleRecord() {
+  tModulePackage& package = moduleRecord.package;
+  package = {tModulePackage::kFormat, package.identity, 0, {}, {}, 0, 0, {}};
+  moduleRecord.info.name = nullptr;
+}
+
 }  // namespace nOXDIAG100

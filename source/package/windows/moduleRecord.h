@@ -18,4 +18,7 @@ extern tModuleRecord moduleRecord;
 // an empty path. PASSIVE_LEVEL.
 void fillModuleRecord(UNICODE_STRING const* registryPath);
 
+// Makes the record as it was before fillModuleRecord, with every state of a wrapper at 0.
+void clearModuleRecord();
+
 }  // namespace nOXDIAG100

@@ -1,7 +1,6 @@
 #include "package/windows/packageEntry.h"
 
 #include "ntos/status.h"
-#include "oxdiagk/module.h"
 #include "package/windows/globalObjects.h"
 #include "package/windows/lifeEvents.h"
 #include "package/windows/moduleRecord.h"
@@ -61,10 +60,7 @@ i32 moduleEntry(u32 reason) {
   }
 }
 
-}  // namespace nOXDIAG100
-
-NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath) {
-  using namespace nOXDIAG100;
+NTSTATUS loadModule(UNICODE_STRING const* registryPath) {
   if (!isPlatformGood()) return STATUS_DRIVER_UNABLE_TO_LOAD;
   logLifeEvent(kModuleLoad);
   if (buildAndRegister(registryPath) >= 0) return STATUS_SUCCESS;
@@ -72,11 +68,16 @@ NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath) {
   return STATUS_DRIVER_UNABLE_TO_LOAD;
 }
 
-NTSTATUS oxdiagkUnload() {
-  using namespace nOXDIAG100;
+NTSTATUS unloadModule() {
   i32 status = 0;
   libUnregisterModuleWithVEX(moduleRecord.info, status);
   terminateGlobals();
   logLifeEvent(kModuleUnload);
   return STATUS_SUCCESS;
 }
+
+void forgetModule() {
+  if (forgetGlobals()) clearModuleRecord();
+}
+
+}  // namespace nOXDIAG100

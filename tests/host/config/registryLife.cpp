@@ -1,5 +1,5 @@
 // The front door before the load, after the unload and in a module whose registry could not be
-// built. An image loads once in its life, so every load has a process of its own.
+// built. Every load has a process of its own, whose first one it is.
 
 #include <gtest/gtest.h>
 

@@ -86,7 +86,7 @@ std::string inquire(tConfigurable& object) {
   _exit(0);
 }
 
-// An image builds its globals once, so every library has a process of its own. It runs on a machine
+// Every library has a process of its own. It runs on a machine
 // with a drive C: and a serial port.
 tTold tellAfter(std::vector<tDocument::tBlock> const& samples) {
   std::string folder = (std::filesystem::temp_directory_path() / "documents-XXXXXX").string();

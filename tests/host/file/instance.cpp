@@ -23,8 +23,8 @@ void unloadModules() {
   vexkUnload();
 }
 
-// An image loads once in its life, so every load has a process of its own. What `body` returns, or
-// -1 when the process ended in another way.
+// Every load has a process of its own, whose first one it is. What `body` returns, or -1 when the
+// process ended in another way.
 template <class Body>
 int inStartedModules(Body body) {
   pid_t const child = fork();

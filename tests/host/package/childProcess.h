@@ -1,6 +1,6 @@
 #pragma once
 
-// An image loads once in its life, so every load of a test has a process of its own.
+// A process for what may crash, and for what must be the first thing in a program.
 
 #include <sys/wait.h>
 #include <unistd.h>

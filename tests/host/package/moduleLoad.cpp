@@ -1,5 +1,4 @@
-// Load and unload of the library. An image loads once in its life, so every load has a process of
-// its own.
+// Load and unload of the library, each load in a process of its own, whose first one it is.
 
 #include <gtest/gtest.h>
 
