@@ -86,8 +86,7 @@ std::string inquire(tConfigurable& object) {
   _exit(0);
 }
 
-// Every library has a process of its own. It runs on a machine
-// with a drive C: and a serial port.
+// Every library has a process of its own. It runs on a machine with a drive C: and a serial port.
 tTold tellAfter(std::vector<tDocument::tBlock> const& samples) {
   std::string folder = (std::filesystem::temp_directory_path() / "documents-XXXXXX").string();
   EXPECT_NE(mkdtemp(folder.data()), nullptr);
