@@ -20,27 +20,6 @@ class RequestCallers : public RequestTest {
   RequestCallers() { startServer(); }
 };
 
-// A pipe over which one process lets another go on.
-class tSignal {
- public:
-  tSignal() { EXPECT_EQ(pipe(ends), 0); }
-  ~tSignal() {
-    close(ends[0]);
-    close(ends[1]);
-  }
-  tSignal(tSignal const&) = delete;
-  tSignal& operator=(tSignal const&) = delete;
-
-  bool give() const { return write(ends[1], "x", 1) == 1; }
-  bool await() const {
-    char byte;
-    return read(ends[0], &byte, 1) == 1;
-  }
-
- private:
-  int ends[2];
-};
-
 }  // namespace
 
 TEST_F(RequestCallers, ARequestIsServedInTheCallersMemory) {
@@ -233,16 +212,16 @@ TEST_F(RequestCallers, ThoseThatSayNothingHoldUpNobody) {
   EXPECT_EQ(doubling.result, 10u);
 }
 
-TEST_F(RequestCallers, WhenAllPlacesAreBusyTheNextOneIsTold) {
+TEST_F(RequestCallers, WhenAllPlacesOfAUserAreBusyItsNextOneIsTold) {
   std::vector<std::unique_ptr<tConnection>> busy;
-  static tDoubling doublings[kRequestPlaces];
+  static tDoubling doublings[kRequestPlacesOfOneUser];
   for (tDoubling& doubling : doublings) {
     doubling.waitsAtTheGate = 1;
     busy.push_back(std::make_unique<tConnection>(path));
     EXPECT_EQ(busy.back()->awaitGreeting(), kRequestAccepted);
     EXPECT_TRUE(busy.back()->send(kDoubler, &doubling));
   }
-  doubler->gate.awaitArrivals(kRequestPlaces);
+  doubler->gate.awaitArrivals(kRequestPlacesOfOneUser);
   EXPECT_EQ(tConnection(path).awaitGreeting(), kRequestTooManyCallers);
   doubler->gate.open();
   for (auto const& connection : busy) EXPECT_EQ(connection->awaitReply(), kRequestAccepted);

@@ -72,6 +72,27 @@ class tChild {
   pid_t pid;
 };
 
+// A pipe over which one process lets another go on.
+class tSignal {
+ public:
+  tSignal() { EXPECT_EQ(pipe(ends), 0); }
+  ~tSignal() {
+    close(ends[0]);
+    close(ends[1]);
+  }
+  tSignal(tSignal const&) = delete;
+  tSignal& operator=(tSignal const&) = delete;
+
+  bool give() const { return write(ends[1], "x", 1) == 1; }
+  bool await() const {
+    char byte;
+    return read(ends[0], &byte, 1) == 1;
+  }
+
+ private:
+  int ends[2];
+};
+
 constexpr char kDoubler[] = "nTEST://nDoubler";
 
 class tDoubler : public iLib::iDispatcher {
@@ -84,6 +105,7 @@ class tDoubler : public iLib::iDispatcher {
 
   void dispatch(u64 request) override {
     tDoubling doubling;
+    ++begun;
     if (vexCopyFromUser(&doubling, request, sizeof(doubling)) != sizeof(doubling)) return;
     if (doubling.waitsAtTheGate != 0) gate.pass();
     doubling.result = 2 * doubling.number;
@@ -93,6 +115,7 @@ class tDoubler : public iLib::iDispatcher {
   }
 
   i32 status = 0;
+  std::atomic<int> begun = 0;
   std::atomic<int> served = 0;
   std::atomic<int> unwritten = 0;
   tGate gate;

@@ -5,7 +5,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "ntoshost/userMemory.h"
 #include "vexk/iLib.h"
 
 using vexkhost::kRequestMagic;
@@ -24,12 +23,12 @@ u64 nextMoment() {
 
 }  // namespace
 
-bool tRequestCaller::start(int newConnection) {
+bool tRequestCaller::start(int newConnection, tRequestPeer const& newPeer) {
   connection = newConnection;
+  peer = newPeer;
   silentSince = nextMoment();
   isServing = false;
   isLeaving = false;
-  isReached = false;
   hasThread = pthread_create(&thread, nullptr, run, this) == 0;
   if (!hasThread) connection = kNone;
   return hasThread;
@@ -46,7 +45,20 @@ bool tRequestCaller::hangUp(bool isPatient) {
   if (isServing && !isPatient) return false;
   isLeaving = true;
   if (connection != kNone) shutdown(connection, SHUT_RD);
+  if (courier != nullptr) courier->hurry();
   return true;
+}
+
+u32 tRequestCaller::getMemoryWait() {
+  tThreadLock::tGuard const held(lock);
+  return courier != nullptr ? courier->getWaitingTime() : 0;
+}
+
+void tRequestCaller::giveUpMemory() {
+  tThreadLock::tGuard const held(lock);
+  isLeaving = true;
+  if (connection != kNone) shutdown(connection, SHUT_RD);
+  if (courier != nullptr) courier->giveUp();
 }
 
 void tRequestCaller::wait() {
@@ -60,8 +72,8 @@ void* tRequestCaller::run(void* caller) {
 }
 
 void tRequestCaller::serve() {
-  if (peer.identify(connection)) greetAndServe();
-  ntoshost::setUserProcess(0);
+  greetAndServe();
+  dismissCourier();
   peer.close();
   leave();
 }
@@ -71,11 +83,10 @@ void tRequestCaller::serve() {
 void tRequestCaller::greetAndServe() {
   int const on = 1;
   if (setsockopt(connection, SOL_SOCKET, SO_PASSCRED, &on, sizeof(on)) != 0) return;
-  tRequestAnswer answer =
-      peer.isServed() ? vexkhost::kRequestAccepted : vexkhost::kRequestOtherUser;
+  tRequestAnswer answer = vexkhost::kRequestAccepted;
   tRequestGreeting const greeting = {kRequestMagic, answer};
   tRequestMessage message;
-  bool isGoingOn = send(&greeting, sizeof(greeting)) && answer == vexkhost::kRequestAccepted;
+  bool isGoingOn = send(&greeting, sizeof(greeting));
   while (isGoingOn && receive(message, answer) && begin()) {
     tRequestReply reply = {kRequestMagic, answer, 0};
     if (answer == vexkhost::kRequestAccepted) reply.answer = answerTo(message, reply.status);
@@ -126,14 +137,35 @@ void tRequestCaller::end() {
   silentSince = nextMoment();
 }
 
-// The executive holds on to the process with that number, which is the caller while that is alive.
 tRequestAnswer tRequestCaller::answerTo(tRequestMessage const& message, i32& status) {
-  if (!isReached) {
-    isReached = ntoshost::setUserProcess(peer.getProcess()) && peer.isAlive();
-  }
-  if (!isReached) return vexkhost::kRequestMemoryClosed;
+  tRequestAnswer answer = vexkhost::kRequestAccepted;
+  if (!reachMemory(answer)) return answer;
   iLib::deliver(message.name, message.nameLength, message.request, status);
-  return vexkhost::kRequestAccepted;
+  return answer;
+}
+
+// The executive holds on to the process with that number, which is the caller while that is alive.
+bool tRequestCaller::reachMemory(tRequestAnswer& answer) {
+  if (courier != nullptr) return true;
+  tMemoryCourier::tReach reach = tMemoryCourier::kClosed;
+  tMemoryCourier* const hired = tMemoryCourier::hire(peer.getProcess(), reach);
+  answer = reach == tMemoryCourier::kNoThread ? vexkhost::kRequestTooManyCallers
+                                              : vexkhost::kRequestMemoryClosed;
+  if (hired == nullptr) return false;
+  tThreadLock::tGuard const held(lock);
+  courier = hired;
+  if (isLeaving) courier->hurry();
+  if (!peer.isAlive()) return false;
+  answer = vexkhost::kRequestAccepted;
+  return true;
+}
+
+void tRequestCaller::dismissCourier() {
+  lock.take();
+  tMemoryCourier* const former = courier;
+  courier = nullptr;
+  lock.giveBack();
+  if (former != nullptr) former->dismiss();
 }
 
 // There is room for an answer, unless the caller never takes any.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/requests/tMemoryCourier.h"
 #include "host/requests/tRequestPeer.h"
 #include "host/requests/tThreadLock.h"
 #include "vexkhost/requestSocket.h"
@@ -12,9 +13,12 @@ class tRequestCaller {
 
   bool isTaken() const { return hasThread; }
 
-  // Serves what comes over the connection, which is closed at the end. False, and the connection
-  // stays the server's, when there is no thread for it.
-  bool start(int newConnection);
+  // Serves what this peer sends over the connection; the connection and the peer are closed at the
+  // end. False, and both stay the server's, when there is no thread for it.
+  bool start(int newConnection, tRequestPeer const& newPeer);
+
+  // Whose place it is.
+  uid_t getUser() const { return peer.getUser(); }
 
   // The moment from which on the caller has been silent; kBusy while a request is served, 0 when
   // the caller is gone. Later moments are larger numbers.
@@ -24,6 +28,13 @@ class tRequestCaller {
   // Ends the service: at once when the caller is silent, otherwise when the request that runs is
   // answered. `isPatient` false leaves a caller alone whose request runs, and gives false.
   bool hangUp(bool isPatient);
+
+  // For how many milliseconds the request that runs has waited for memory of the caller.
+  u32 getMemoryWait();
+
+  // Lets the caller go whose request waits for memory: there is none for it from now on, and when
+  // the request is through with that the service ends.
+  void giveUpMemory();
 
   // Waits for the end and makes the place free.
   void wait();
@@ -42,14 +53,17 @@ class tRequestCaller {
   bool send(void const* bytes, size_t size) const;
   void leave();
 
-  tThreadLock lock;  // of the four below
+  bool reachMemory(vexkhost::tRequestAnswer& answer);
+  void dismissCourier();
+
+  tThreadLock lock;  // of the five below
   int connection = kNone;
   u64 silentSince = 0;
   bool isServing = false;
   bool isLeaving = false;
+  tMemoryCourier* courier = nullptr;  // to the caller's memory, from its first request on
 
   tRequestPeer peer;
   pthread_t thread = {};
   bool hasThread = false;
-  bool isReached = false;  // the caller's memory, by this thread
 };

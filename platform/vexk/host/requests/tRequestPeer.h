@@ -15,6 +15,7 @@ class tRequestPeer {
   bool isServed() const;  // the user of this program, or root
   bool isAlive() const;
   pid_t getProcess() const { return process; }
+  uid_t getUser() const { return user; }
 
  private:
   static constexpr int kNone = -1;

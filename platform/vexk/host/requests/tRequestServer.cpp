@@ -8,15 +8,17 @@
 namespace {
 
 constexpr u32 kMicrosecondsOfDistress = 10000;  // when the system is out of descriptors
+constexpr u32 kStuckMilliseconds = 100;         // memory that is there comes sooner
+constexpr u32 kMicrosecondsBetweenLooks = 1000;
+constexpr u32 kLooksAtTheEnd = 100;
 
 bool fail(int error) {
   errno = error;
   return false;
 }
 
-void refuse(int connection) {
-  vexkhost::tRequestGreeting const greeting = {vexkhost::kRequestMagic,
-                                               vexkhost::kRequestTooManyCallers};
+void refuse(int connection, vexkhost::tRequestAnswer why) {
+  vexkhost::tRequestGreeting const greeting = {vexkhost::kRequestMagic, why};
   send(connection, &greeting, sizeof(greeting), MSG_NOSIGNAL | MSG_DONTWAIT);
   close(connection);
 }
@@ -76,32 +78,91 @@ void tRequestServer::acceptCallers() {
   }
 }
 
+// Who may not be served takes no place.
 void tRequestServer::welcome(int connection) {
-  tRequestCaller* const place = findPlace();
-  bool const isServed = place != nullptr && place->start(connection);
-  if (!isServed) refuse(connection);
+  tRequestPeer peer;
+  if (!peer.identify(connection)) {
+    close(connection);
+  } else if (!peer.isServed()) {
+    refuse(connection, vexkhost::kRequestOtherUser);
+    peer.close();
+  } else {
+    giveAPlace(connection, peer);
+  }
 }
 
-tRequestCaller* tRequestServer::findPlace() {
+void tRequestServer::giveAPlace(int connection, tRequestPeer& peer) {
+  tRequestCaller* const place = findPlace(peer.getUser());
+  if (place != nullptr && place->start(connection, peer)) return;
+  refuse(connection, vexkhost::kRequestTooManyCallers);
+  peer.close();
+}
+
+// Who has as many places as one user may have gets the next one from its own.
+tRequestCaller* tRequestServer::findPlace(uid_t user) {
+  bool const isAtLimit = countPlacesOf(user) >= vexkhost::kRequestPlacesOfOneUser;
+  tRequestCaller* const free = isAtLimit ? nullptr : findFreePlace();
+  if (free != nullptr) return free;
+  auto const isFit = [=](tRequestCaller const& caller) {
+    return !isAtLimit || caller.getUser() == user;
+  };
+  tRequestCaller* const place = takePlaceOfSilent(isFit);
+  return place != nullptr ? place : takePlaceOfStuck(isFit);
+}
+
+tRequestCaller* tRequestServer::findFreePlace() {
   for (tRequestCaller& caller : callers) {
     bool const isFree = !caller.isTaken() || caller.getSilence() == 0;
     if (!isFree) continue;
     caller.wait();
     return &caller;
   }
-  return takePlaceOfSilent();
+  return nullptr;
+}
+
+u32 tRequestServer::countPlacesOf(uid_t user) {
+  u32 count = 0;
+  for (tRequestCaller& caller : callers) {
+    bool const isTaken = caller.isTaken() && caller.getSilence() != 0;
+    if (isTaken && caller.getUser() == user) ++count;
+  }
+  return count;
 }
 
 // A caller that begins to speak meanwhile keeps its place, and the next one is asked.
-tRequestCaller* tRequestServer::takePlaceOfSilent() {
+template <class tIsFit>
+tRequestCaller* tRequestServer::takePlaceOfSilent(tIsFit isFit) {
   for (u32 attempt = 0; attempt < vexkhost::kRequestPlaces; ++attempt) {
-    tRequestCaller* longest = &callers[0];
+    tRequestCaller* longest = nullptr;
     for (tRequestCaller& caller : callers) {
-      if (caller.getSilence() < longest->getSilence()) longest = &caller;
+      if (!caller.isTaken() || !isFit(caller)) continue;
+      if (longest == nullptr || caller.getSilence() < longest->getSilence()) longest = &caller;
     }
-    if (!longest->hangUp(false)) continue;
+    if (longest == nullptr || !longest->hangUp(false)) continue;
     longest->wait();
     return longest;
   }
   return nullptr;
+}
+
+// The request that has waited longest for memory of its caller ends without. It has a little time
+// for that: this thread has others to welcome.
+template <class tIsFit>
+tRequestCaller* tRequestServer::takePlaceOfStuck(tIsFit isFit) {
+  tRequestCaller* longest = nullptr;
+  u32 longestWait = kStuckMilliseconds;
+  for (tRequestCaller& caller : callers) {
+    u32 const wait = caller.isTaken() && isFit(caller) ? caller.getMemoryWait() : 0;
+    if (wait < longestWait) continue;
+    longest = &caller;
+    longestWait = wait;
+  }
+  if (longest == nullptr) return nullptr;
+  longest->giveUpMemory();
+  for (u32 look = 0; look < kLooksAtTheEnd && longest->getSilence() != 0; ++look) {
+    usleep(kMicrosecondsBetweenLooks);
+  }
+  if (longest->getSilence() != 0) return nullptr;
+  longest->wait();
+  return longest;
 }

@@ -17,8 +17,14 @@ class tRequestServer {
   bool startThread();
   void acceptCallers();
   void welcome(int connection);
-  tRequestCaller* findPlace();
-  tRequestCaller* takePlaceOfSilent();
+  void giveAPlace(int connection, tRequestPeer& peer);
+  tRequestCaller* findPlace(uid_t user);
+  tRequestCaller* findFreePlace();
+  u32 countPlacesOf(uid_t user);
+  template <class tIsFit>
+  tRequestCaller* takePlaceOfSilent(tIsFit isFit);
+  template <class tIsFit>
+  tRequestCaller* takePlaceOfStuck(tIsFit isFit);
 
   tThreadLock controls;  // start and stop, one at a time
   bool isStarted = false;

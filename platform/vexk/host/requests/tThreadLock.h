@@ -10,6 +10,13 @@ class tThreadLock {
   void take() { pthread_mutex_lock(&mutex); }
   void giveBack() { pthread_mutex_unlock(&mutex); }
 
+  // Gives the lock, which the caller has taken, back until somebody signals `changed` or, by the
+  // clock of that, the moment is there.
+  void wait(pthread_cond_t& changed) { pthread_cond_wait(&changed, &mutex); }
+  void wait(pthread_cond_t& changed, timespec const& moment) {
+    pthread_cond_timedwait(&changed, &mutex, &moment);
+  }
+
   // Holds a lock for a scope.
   class tGuard {
    public:

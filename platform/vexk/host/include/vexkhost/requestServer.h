@@ -11,14 +11,26 @@
 //
 // The server is for processes of the user that runs this program, and for root; others are told
 // that they are refused. A request is served in the caller's memory, and in a thread that serves
-// nobody else at that time. Callers that say nothing, or nothing sensible, hold up nobody: when all
-// kRequestPlaces are taken, the one that has been silent longest loses its place to a new one.
+// nobody else at that time.
+//
+// A caller who has connected has a place. When a user has taken kRequestPlacesOfOneUser of them,
+// or all are taken, a new caller gets the place of one that sends no request, the one that has been
+// silent longest, or else of one whose memory has not been there for 0.1 s. When there is no such
+// caller either, the new one is refused. A user who has taken all that one may have replaces
+// callers of its own only.
+//
+// Memory of a caller that has not arrived after kRequestMemoryPatience, as that of a mapping whose
+// owner does not answer, counts as gone for the rest of that caller's connection. The thread that
+// waits for it in the system stays behind, one for such a caller, until the memory arrives or the
+// program ends; it holds nothing of the program's or of the modules'.
 //
 // The control functions may be called on any thread, but not from within a request.
 
 namespace vexkhost {
 
-constexpr u32 kRequestPlaces = 32;  // callers at a time
+constexpr u32 kRequestPlaces = 32;            // callers at a time
+constexpr u32 kRequestPlacesOfOneUser = 24;   // and of one user
+constexpr u32 kRequestMemoryPatience = 5000;  // milliseconds
 
 // Starts to serve at `path`, or where getRequestSocketPath of "vexkhost/requestSocket.h" says when
 // it is null. Only the owner can open the socket there. A socket that a dead server left is taken
@@ -31,7 +43,8 @@ constexpr u32 kRequestPlaces = 32;  // callers at a time
 bool startRequestServer(char const* path);
 
 // Takes no more requests, waits until those that run have ended and been answered, and takes the
-// socket away. Does nothing when no server is started.
+// socket away. Requests that wait for memory of their callers have 0.4 s more for all of it.
+// Does nothing when no server is started.
 void stopRequestServer();
 
 }  // namespace vexkhost

@@ -1,0 +1,201 @@
+#include "host/requests/tMemoryCourier.h"
+
+#include <stdlib.h>
+#include <string.h>
+#include <time.h>
+
+#include <new>
+
+#include "ntoshost/userMemory.h"
+#include "vexkhost/requestServer.h"
+
+namespace {
+
+constexpr u64 kMillisecond = 1'000'000;  // in nanoseconds
+constexpr u64 kSecond = 1000 * kMillisecond;
+constexpr u64 kQuick = kMillisecond;  // a copy of memory that is there takes less
+
+constinit thread_local tMemoryCourier* hired = nullptr;
+
+u64 now() {
+  timespec moment;
+  clock_gettime(CLOCK_MONOTONIC, &moment);
+  return static_cast<u64>(moment.tv_sec) * kSecond + static_cast<u64>(moment.tv_nsec);
+}
+
+timespec momentOf(u64 nanoseconds) {
+  return {static_cast<time_t>(nanoseconds / kSecond), static_cast<i64>(nanoseconds % kSecond)};
+}
+
+u64 smaller(u64 a, u64 b) {
+  return a < b ? a : b;
+}
+
+}  // namespace
+
+tMemoryCourier* tMemoryCourier::hire(pid_t process, tReach& reach) {
+  reach = kNoThread;
+  void* const memory = malloc(sizeof(tMemoryCourier));
+  if (memory == nullptr) return nullptr;
+  auto* const courier = new (memory) tMemoryCourier(process);
+  if (pthread_create(&courier->thread, nullptr, run, courier) != 0) {
+    courier->release();
+    courier->release();
+    return nullptr;
+  }
+  {
+    tThreadLock::tGuard const held(courier->lock);
+    reach = courier->send(kReach, 0, 1) == 1 ? kReached : kClosed;
+  }
+  if (reach == kReached) return hired = courier;
+  courier->dismiss();
+  return nullptr;
+}
+
+tMemoryCourier* tMemoryCourier::ofThisThread() {
+  return hired;
+}
+
+// Who is still under way is not waited for.
+void tMemoryCourier::dismiss() {
+  if (hired == this) hired = nullptr;
+  lock.take();
+  bool const isAway = isUnderWay;
+  isDismissed = true;
+  pthread_cond_broadcast(&changed);
+  lock.giveBack();
+  if (isAway) {
+    pthread_detach(thread);
+  } else {
+    pthread_join(thread, nullptr);
+  }
+  release();
+}
+
+size_t tMemoryCourier::fetch(void* to, u64 userAddress, size_t length) {
+  tThreadLock::tGuard const held(lock);
+  for (size_t done = 0; done < length; done += carried) {
+    size_t const piece = smaller(length - done, kLoadSize);
+    size_t const come = send(kFetch, userAddress + done, piece);
+    memcpy(static_cast<u8*>(to) + done, load, come);
+    if (come < piece) return done + come;
+  }
+  return length;
+}
+
+size_t tMemoryCourier::bring(u64 userAddress, void const* from, size_t length) {
+  tThreadLock::tGuard const held(lock);
+  for (size_t done = 0; done < length; done += carried) {
+    size_t const piece = smaller(length - done, kLoadSize);
+    if (!isLost) memcpy(load, static_cast<u8 const*>(from) + done, piece);
+    size_t const gone = send(kBring, userAddress + done, piece);
+    if (gone < piece) return done + gone;
+  }
+  return length;
+}
+
+void tMemoryCourier::hurry() {
+  tThreadLock::tGuard const held(lock);
+  if (isHurried) return;
+  isHurried = true;
+  hurriedSince = now();
+  hurriedLeft = kHurriedPatience * kMillisecond;
+  pthread_cond_broadcast(&changed);
+}
+
+void tMemoryCourier::giveUp() {
+  tThreadLock::tGuard const held(lock);
+  isLost = true;
+  pthread_cond_broadcast(&changed);
+}
+
+u32 tMemoryCourier::getWaitingTime() {
+  tThreadLock::tGuard const held(lock);
+  return isUnderWay ? static_cast<u32>((now() - begun) / kMillisecond) : 0;
+}
+
+tMemoryCourier::tMemoryCourier(pid_t target) : process(target) {
+  pthread_condattr_t attributes;
+  pthread_condattr_init(&attributes);
+  pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
+  pthread_cond_init(&changed, &attributes);
+  pthread_condattr_destroy(&attributes);
+}
+
+tMemoryCourier::~tMemoryCourier() {
+  pthread_cond_destroy(&changed);
+}
+
+void tMemoryCourier::release() {
+  if (__atomic_sub_fetch(&references, 1, __ATOMIC_ACQ_REL) != 0) return;
+  this->~tMemoryCourier();
+  free(this);
+}
+
+void* tMemoryCourier::run(void* courier) {
+  static_cast<tMemoryCourier*>(courier)->work();
+  return nullptr;
+}
+
+void tMemoryCourier::work() {
+  lock.take();
+  while (!isDismissed || isUnderWay) {
+    if (!isUnderWay) {
+      lock.wait(changed);
+      continue;
+    }
+    lock.giveBack();
+    size_t const length = runErrand();
+    lock.take();
+    carried = length;
+    isUnderWay = false;
+    pthread_cond_broadcast(&changed);
+  }
+  lock.giveBack();
+  ntoshost::setUserProcess(0);
+  release();
+}
+
+size_t tMemoryCourier::runErrand() {
+  switch (errand) {
+    case kReach:
+      return ntoshost::setUserProcess(process) ? 1 : 0;
+    case kFetch:
+      return ntoshost::copyFromUser(load, address, wanted);
+    default:
+      return ntoshost::copyToUser(address, load, wanted);
+  }
+}
+
+// How many bytes were carried; 0 when it takes too long. The caller has the lock, and the load is
+// its own again unless the courier is lost.
+size_t tMemoryCourier::send(tErrand newErrand, u64 userAddress, size_t length) {
+  if (isLost) return 0;
+  errand = newErrand;
+  address = userAddress;
+  wanted = length;
+  begun = now();
+  isUnderWay = true;
+  pthread_cond_broadcast(&changed);
+  while (isUnderWay && !isLost) {
+    u64 const deadline = getDeadline();
+    isLost = now() >= deadline;
+    if (!isLost) lock.wait(changed, momentOf(deadline));
+  }
+  if (isLost) return 0;
+  countWaiting();
+  return carried;
+}
+
+u64 tMemoryCourier::getDeadline() const {
+  u64 const patient = begun + vexkhost::kRequestMemoryPatience * kMillisecond;
+  if (!isHurried) return patient;
+  u64 const counted = begun > hurriedSince ? begun : hurriedSince;
+  return smaller(patient, counted + hurriedLeft);
+}
+
+void tMemoryCourier::countWaiting() {
+  if (!isHurried) return;
+  u64 const taken = now() - (begun > hurriedSince ? begun : hurriedSince);
+  if (taken > kQuick) hurriedLeft -= smaller(taken, hurriedLeft);
+}

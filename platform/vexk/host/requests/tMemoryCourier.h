@@ -1,0 +1,84 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include "host/requests/tThreadLock.h"
+#include "ntos/types.h"
+
+// Reads and writes the memory of a calling process, in a thread of its own. A copy waits for pages
+// that are not there, which their owner may never deliver, and nothing but the end of the program
+// interrupts it. So nobody waits for the copy: whoever wants it waits for the courier, and goes on
+// without when that takes too long. A courier who was left behind touches its own memory alone, and
+// frees it when it comes back.
+//
+// The thread that hires a courier is the one that uses and dismisses it; `hurry`, `giveUp` and
+// `getWaitingTime` are for any thread until then.
+class tMemoryCourier {
+ public:
+  static constexpr u32 kHurriedPatience = 400;  // milliseconds for all copies once there is a hurry
+
+  enum tReach {
+    kReached,
+    kClosed,    // the process is gone, or its memory may not be touched
+    kNoThread,  // the system has no memory or no thread for a courier
+  };
+
+  // A courier for the memory of this process, which the copies of the calling thread use from then
+  // on; null unless it is reached.
+  static tMemoryCourier* hire(pid_t process, tReach& reach);
+
+  // The one that the calling thread has hired; null without.
+  static tMemoryCourier* ofThisThread();
+
+  // Ends it; it must not be used afterwards.
+  void dismiss();
+
+  // As vexCopyFromUser and vexCopyToUser, but after kRequestMemoryPatience a copy ends without its
+  // rest, and all later ones copy nothing.
+  size_t fetch(void* to, u64 userAddress, size_t length);
+  size_t bring(u64 userAddress, void const* from, size_t length);
+
+  // From now on all copies together may take kHurriedPatience, those of memory that is there not
+  // counted.
+  void hurry();
+
+  // Ends the copy that is under way, and all later ones, without a result.
+  void giveUp();
+
+  // For how many milliseconds the copy that is under way has been; 0 when none is.
+  u32 getWaitingTime();
+
+ private:
+  enum tErrand { kReach, kFetch, kBring };
+  static constexpr size_t kLoadSize = 16384;  // bytes carried at once
+
+  explicit tMemoryCourier(pid_t target);
+  ~tMemoryCourier();
+
+  static void* run(void* courier);
+  void work();
+  size_t runErrand();
+  size_t send(tErrand newErrand, u64 userAddress, size_t length);
+  u64 getDeadline() const;
+  void countWaiting();
+  void release();
+
+  pid_t const process;
+  pthread_t thread = {};
+  u32 references = 2;  // atomic: of the thread and of who has hired it
+
+  tThreadLock lock;        // of all below
+  pthread_cond_t changed;  // on the monotonic clock
+  bool isUnderWay = false;
+  bool isDismissed = false;
+  bool isLost = false;  // nobody waits for it any more
+  bool isHurried = false;
+  u64 begun = 0;  // nanoseconds on that clock, as the next two
+  u64 hurriedSince = 0;
+  u64 hurriedLeft = 0;
+  tErrand errand = kReach;  // this and the rest is the thread's own while it is under way
+  u64 address = 0;
+  size_t wanted = 0;
+  size_t carried = 0;
+  u8 load[kLoadSize];
+};
