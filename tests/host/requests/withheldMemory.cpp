@@ -28,25 +28,48 @@ constexpr std::chrono::milliseconds kOneSecond{1000};
 constexpr std::chrono::milliseconds kBetweenLooks{1};
 constexpr int kLooks = 20000;
 
-void* newPage() {
-  return mmap(nullptr, kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+void* newPages(size_t size) {
+  return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
 }
 
-// From now on whoever touches the page waits until this process ends, unless there is something in
-// it. Negative when the system does not let this program do that.
-int withhold(void* page) {
-  int const faults = static_cast<int>(syscall(SYS_userfaultfd, O_CLOEXEC));
-  if (faults < 0) return faults;
-  uffdio_api interface = {UFFD_API, 0, 0};
-  uffdio_register registration = {};
-  registration.range = {reinterpret_cast<u64>(page), kPage};
-  registration.mode = UFFDIO_REGISTER_MODE_MISSING;
-  if (ioctl(faults, UFFDIO_API, &interface) != 0) return -1;
-  return ioctl(faults, UFFDIO_REGISTER, &registration);
+void* newPage() {
+  return newPages(kPage);
+}
+
+// Pages of this process that are there when this says so: until then, or the end of the process,
+// whoever touches one waits for it.
+class tWithheldPages {
+ public:
+  tWithheldPages(void* begin, size_t size)
+      : faults(static_cast<int>(syscall(SYS_userfaultfd, O_CLOEXEC))) {
+    uffdio_api interface = {UFFD_API, 0, 0};
+    uffdio_register registration = {};
+    registration.range = {reinterpret_cast<u64>(begin), size};
+    registration.mode = UFFDIO_REGISTER_MODE_MISSING;
+    isWithheld = faults >= 0 && ioctl(faults, UFFDIO_API, &interface) == 0 &&
+                 ioctl(faults, UFFDIO_REGISTER, &registration) == 0;
+  }
+
+  bool deliver(void* page, tDoubling const& doubling) const {
+    alignas(kPage) static u8 content[kPage];
+    memcpy(content, &doubling, sizeof(doubling));
+    uffdio_copy filling = {reinterpret_cast<u64>(page), reinterpret_cast<u64>(content), kPage, 0,
+                           0};
+    return ioctl(faults, UFFDIO_COPY, &filling) == 0;
+  }
+
+  bool isWithheld;  // false when the system does not let this program do that
+
+ private:
+  int faults;
+};
+
+bool withhold(void* page) {
+  return tWithheldPages(page, kPage).isWithheld;
 }
 
 bool canWithhold() {
-  return tChild([] { return withhold(newPage()) == 0 ? 0 : 1; }).await() == 0;
+  return tChild([] { return withhold(newPage()) ? 0 : 1; }).await() == 0;
 }
 
 #define SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD() \
@@ -76,7 +99,7 @@ class WithheldMemory : public RequestTest {
   void addStuck() {
     stuck.push_back(std::make_unique<tStuck>([this] {
       void* const page = newPage();
-      if (withhold(page) != 0) return 100;
+      if (!withhold(page)) return 100;
       return tConnection(path).call(kDoubler, page);
     }));
   }
@@ -154,6 +177,26 @@ class tEcho : public iLib::iDispatcher {
   std::atomic<size_t> beyond = 0;
 };
 
+// The module that the dispatchers before it belong to.
+class tRegisteredOwner {
+ public:
+  tRegisteredOwner() {
+    i32 status = 0;
+    libRegisterModuleWithVEX(info, status);
+    EXPECT_EQ(status, 0);
+  }
+  ~tRegisteredOwner() {
+    i32 status = 0;
+    libUnregisterModuleWithVEX(info, status);
+  }
+  tRegisteredOwner(tRegisteredOwner const&) = delete;
+  tRegisteredOwner& operator=(tRegisteredOwner const&) = delete;
+
+ private:
+  tModulePackage package = {};
+  _tLibModuleInfo info = {&package, "echo", [](u32) { return i32{0}; }, 0};
+};
+
 class PlacesOfUsers : public RequestTest {
  protected:
   void SetUp() override {
@@ -202,7 +245,7 @@ TEST_F(WithheldMemory, AStopWaitsLessThanASecondForMemoryThatIsWrittenTo) {
   stuck.push_back(std::make_unique<tStuck>([&] {
     void* const page = newPage();
     *static_cast<tDoubling*>(page) = {1, 0, 1};
-    if (withhold(page) != 0) return 100;
+    if (!withhold(page)) return 100;
     tConnection connection(path);
     if (connection.awaitGreeting() != kRequestAccepted) return 101;
     if (!connection.send(kDoubler, page) || !mayDrop.await()) return 102;
@@ -246,22 +289,13 @@ TEST_F(WithheldMemory, ThatArrivesAfterAllIsServed) {
   SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD();
   tChild caller([this] {
     void* const page = newPage();
-    int const faults = static_cast<int>(syscall(SYS_userfaultfd, O_CLOEXEC));
-    uffdio_api interface = {UFFD_API, 0, 0};
-    uffdio_register registration = {};
-    registration.range = {reinterpret_cast<u64>(page), kPage};
-    registration.mode = UFFDIO_REGISTER_MODE_MISSING;
-    if (ioctl(faults, UFFDIO_API, &interface) != 0) return 100;
-    if (ioctl(faults, UFFDIO_REGISTER, &registration) != 0) return 101;
+    tWithheldPages const withheld(page, kPage);
+    if (!withheld.isWithheld) return 100;
     tConnection connection(path);
     if (connection.awaitGreeting() != kRequestAccepted) return 102;
     if (!connection.send(kDoubler, page)) return 103;
     std::this_thread::sleep_for(kOneSecond / 2);
-    alignas(kPage) static u8 content[kPage];
-    tDoubling const doubling = {21};
-    memcpy(content, &doubling, sizeof(doubling));
-    uffdio_copy filling = {registration.range.start, reinterpret_cast<u64>(content), kPage, 0, 0};
-    if (ioctl(faults, UFFDIO_COPY, &filling) != 0) return 104;
+    if (!withheld.deliver(page, {21})) return 104;
     if (connection.awaitReply() != kRequestAccepted) return 105;
     return static_cast<tDoubling*>(page)->result == 42 ? 0 : 106;
   });
@@ -269,12 +303,52 @@ TEST_F(WithheldMemory, ThatArrivesAfterAllIsServed) {
   EXPECT_EQ(doubler->served, 1);
 }
 
+// The way to find out whether memory may be touched is to touch it where there is none.
+TEST_F(WithheldMemory, AStopWaitsLessThanASecondForAFirstPageThatIsWithheld) {
+  SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD();
+  tSignal const isSent;
+  stuck.push_back(std::make_unique<tStuck>([&] {
+    void* const first = mmap(nullptr, kPage, PROT_READ | PROT_WRITE,
+                             MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0);
+    bool const isWithheld = first == nullptr && withhold(first);
+    tConnection connection(path);
+    static tDoubling doubling = {21};
+    if (connection.awaitGreeting() != kRequestAccepted) return 101;
+    if (!connection.send(kDoubler, &doubling) || !isSent.give()) return 102;
+    return isWithheld ? connection.awaitReply() : 100;
+  }));
+  EXPECT_TRUE(isSent.await());
+  std::this_thread::sleep_for(kOneSecond / 10);
+  EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
+  EXPECT_EQ(doubler->served, 0);
+}
+
+TEST_F(WithheldMemory, AStopWaitsLessThanASecondForMemoryThatTricklesIn) {
+  SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD();
+  tEcho echo;
+  tRegisteredOwner const owner;
+  tSignal const isSent;
+  stuck.push_back(std::make_unique<tStuck>([&] {
+    auto* const pages = static_cast<u8*>(newPages(tEcho::kLength));
+    tWithheldPages const withheld(pages, tEcho::kLength);
+    tConnection connection(path);
+    if (connection.awaitGreeting() != kRequestAccepted) return 101;
+    if (!connection.send("nTEST://nEcho", pages) || !isSent.give()) return 102;
+    for (size_t at = 0; at < tEcho::kLength; at += kPage) {
+      std::this_thread::sleep_for(kOneSecond / 8);
+      if (!withheld.deliver(pages + at, {})) return 103;
+    }
+    return connection.awaitReply();
+  }));
+  EXPECT_TRUE(isSent.await());
+  std::this_thread::sleep_for(kOneSecond / 2);
+  EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
+  EXPECT_LT(echo.read, tEcho::kLength);
+}
+
 TEST_F(WithheldMemory, LongTextsComeWholeThroughTheServer) {
   tEcho echo;
-  tModulePackage other = {};
-  _tLibModuleInfo owner = {&other, "echo", [](u32) { return i32{0}; }, 0};
-  i32 status = 0;
-  libRegisterModuleWithVEX(owner, status);
+  tRegisteredOwner const owner;
   EXPECT_EQ(tChild([this] {
               auto* const bytes =
                   static_cast<u8*>(mmap(nullptr, tEcho::kLength + kPage, PROT_READ | PROT_WRITE,
@@ -293,7 +367,6 @@ TEST_F(WithheldMemory, LongTextsComeWholeThroughTheServer) {
   EXPECT_EQ(echo.read, tEcho::kLength);
   EXPECT_EQ(echo.written, tEcho::kLength);
   EXPECT_EQ(echo.beyond, 10u);
-  libUnregisterModuleWithVEX(owner, status);
 }
 
 TEST_F(PlacesOfUsers, RequestsOfOneThatRunLeavePlacesToTheOther) {

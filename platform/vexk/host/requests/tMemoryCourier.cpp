@@ -33,8 +33,7 @@ u64 smaller(u64 a, u64 b) {
 
 }  // namespace
 
-tMemoryCourier* tMemoryCourier::hire(pid_t process, tReach& reach) {
-  reach = kNoThread;
+tMemoryCourier* tMemoryCourier::hire(pid_t process) {
   void* const memory = malloc(sizeof(tMemoryCourier));
   if (memory == nullptr) return nullptr;
   auto* const courier = new (memory) tMemoryCourier(process);
@@ -43,13 +42,7 @@ tMemoryCourier* tMemoryCourier::hire(pid_t process, tReach& reach) {
     courier->release();
     return nullptr;
   }
-  {
-    tThreadLock::tGuard const held(courier->lock);
-    reach = courier->send(kReach, 0, 1) == 1 ? kReached : kClosed;
-  }
-  if (reach == kReached) return hired = courier;
-  courier->dismiss();
-  return nullptr;
+  return hired = courier;
 }
 
 tMemoryCourier* tMemoryCourier::ofThisThread() {
@@ -70,6 +63,11 @@ void tMemoryCourier::dismiss() {
     pthread_join(thread, nullptr);
   }
   release();
+}
+
+bool tMemoryCourier::reach() {
+  tThreadLock::tGuard const held(lock);
+  return send(kReach, 0, 1) == 1;
 }
 
 size_t tMemoryCourier::fetch(void* to, u64 userAddress, size_t length) {

@@ -17,21 +17,18 @@ class tMemoryCourier {
  public:
   static constexpr u32 kHurriedPatience = 400;  // milliseconds for all copies once there is a hurry
 
-  enum tReach {
-    kReached,
-    kClosed,    // the process is gone, or its memory may not be touched
-    kNoThread,  // the system has no memory or no thread for a courier
-  };
-
   // A courier for the memory of this process, which the copies of the calling thread use from then
-  // on; null unless it is reached.
-  static tMemoryCourier* hire(pid_t process, tReach& reach);
+  // on. Null when the system has no memory or no thread for it.
+  static tMemoryCourier* hire(pid_t process);
 
   // The one that the calling thread has hired; null without.
   static tMemoryCourier* ofThisThread();
 
   // Ends it; it must not be used afterwards.
   void dismiss();
+
+  // Before the first copy: false when the process is gone or its memory may not be touched.
+  bool reach();
 
   // As vexCopyFromUser and vexCopyToUser, but after kRequestMemoryPatience a copy ends without its
   // rest, and all later ones copy nothing.

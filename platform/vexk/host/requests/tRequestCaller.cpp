@@ -29,6 +29,7 @@ bool tRequestCaller::start(int newConnection, tRequestPeer const& newPeer) {
   silentSince = nextMoment();
   isServing = false;
   isLeaving = false;
+  isReached = false;
   hasThread = pthread_create(&thread, nullptr, run, this) == 0;
   if (!hasThread) connection = kNone;
   return hasThread;
@@ -138,25 +139,20 @@ void tRequestCaller::end() {
 }
 
 tRequestAnswer tRequestCaller::answerTo(tRequestMessage const& message, i32& status) {
-  tRequestAnswer answer = vexkhost::kRequestAccepted;
-  if (!reachMemory(answer)) return answer;
+  if (courier == nullptr && !hireCourier()) return vexkhost::kRequestTooManyCallers;
+  if (!isReached) isReached = courier->reach() && peer.isAlive();
+  if (!isReached) return vexkhost::kRequestMemoryClosed;
   iLib::deliver(message.name, message.nameLength, message.request, status);
-  return answer;
+  return vexkhost::kRequestAccepted;
 }
 
 // The executive holds on to the process with that number, which is the caller while that is alive.
-bool tRequestCaller::reachMemory(tRequestAnswer& answer) {
-  if (courier != nullptr) return true;
-  tMemoryCourier::tReach reach = tMemoryCourier::kClosed;
-  tMemoryCourier* const hired = tMemoryCourier::hire(peer.getProcess(), reach);
-  answer = reach == tMemoryCourier::kNoThread ? vexkhost::kRequestTooManyCallers
-                                              : vexkhost::kRequestMemoryClosed;
+bool tRequestCaller::hireCourier() {
+  tMemoryCourier* const hired = tMemoryCourier::hire(peer.getProcess());
   if (hired == nullptr) return false;
   tThreadLock::tGuard const held(lock);
   courier = hired;
   if (isLeaving) courier->hurry();
-  if (!peer.isAlive()) return false;
-  answer = vexkhost::kRequestAccepted;
   return true;
 }
 

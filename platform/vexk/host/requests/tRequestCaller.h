@@ -53,7 +53,7 @@ class tRequestCaller {
   bool send(void const* bytes, size_t size) const;
   void leave();
 
-  bool reachMemory(vexkhost::tRequestAnswer& answer);
+  bool hireCourier();
   void dismissCourier();
 
   tThreadLock lock;  // of the five below
@@ -66,4 +66,5 @@ class tRequestCaller {
   tRequestPeer peer;
   pthread_t thread = {};
   bool hasThread = false;
+  bool isReached = false;  // the caller's memory, by the courier
 };

@@ -19,7 +19,7 @@ enum tRequestAnswer : u32 {
   kRequestAccepted = 0,
   // The server hangs up behind all others.
   kRequestOtherUser = 1,       // the caller is neither the server's user nor root
-  kRequestTooManyCallers = 2,  // all places are taken by requests that are being served
+  kRequestTooManyCallers = 2,  // all places that the caller's user may have are busy
   kRequestMalformed = 3,     // a message of another size, or with a number or length that is wrong
   kRequestOtherProcess = 4,  // a message that another process sent over the connection
   kRequestMemoryClosed = 5,  // the caller's memory may not be reached
