@@ -107,6 +107,29 @@ TEST(VexkDispatch, AFailedControlIsUnsuccessfulAndKeepsItsInformation) {
   EXPECT_EQ(control.irp->IoStatus.Information, u64{7});
 }
 
+TEST(VexkDispatch, InformationBeyondTheOutputIsCut) {
+  for (u32 const method : {u32{METHOD_BUFFERED}, u32{METHOD_NEITHER}}) {
+    tFunctionStack stack;
+    stack.sendPnp(IRP_MN_START_DEVICE);
+    for (u64 const information : {u64{22}, u64{23}, ~u64{0}}) {
+      stack.component.controlInformation = information;
+      tControl control(stack, codeOf(method));
+      EXPECT_EQ(control.sendForStatus(), STATUS_SUCCESS);
+      EXPECT_EQ(control.irp->IoStatus.Information, u64{22});
+    }
+  }
+}
+
+TEST(VexkDispatch, AfterASurpriseWhatIsNeitherOpenNorControlGoesDown) {
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  stack.sendPnp(IRP_MN_SURPRISE_REMOVAL);
+  stack.seenMinor = 0;
+  EXPECT_EQ(stack.sendPnp(kUnknownMinor), stack.floorStatus);
+  EXPECT_EQ(stack.seenMinor, kUnknownMinor);
+  EXPECT_EQ(controlOf(stack), STATUS_DELETE_PENDING);
+}
+
 TEST(VexkDispatch, ControlsAreServedWhileTheDeviceIsStartedOnly) {
   tFunctionStack stack;
   EXPECT_EQ(controlOf(stack), STATUS_DEVICE_NOT_READY);

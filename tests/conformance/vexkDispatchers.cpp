@@ -100,6 +100,21 @@ TEST(Dispatchers, AreReachedOnceTheirModuleIsRegistered) {
   EXPECT_EQ(1u, echo.requests);
 }
 
+TEST(Dispatchers, ExportedBehindTheRegistrationAreTheNextModules) {
+  tModule first;
+  tModule second;
+  EXPECT_EQ(0, first.open());
+  tEcho const echo;
+  EXPECT_EQ(0, echo.status);
+  EXPECT_EQ(kStatusNoDispatcher, deliver());
+  EXPECT_EQ(0, second.open());
+  EXPECT_EQ(0, deliver());
+  EXPECT_EQ(0, first.close());
+  EXPECT_EQ(0, deliver());
+  EXPECT_EQ(0, second.close());
+  EXPECT_EQ(kStatusNoDispatcher, deliver());
+}
+
 TEST(Dispatchers, AreReachedNoMoreOnceTheirModuleIsBeingUnregistered) {
   tModule module;
   tEcho echo;

@@ -139,7 +139,9 @@ NTSTATUS tFunctionDevice::serveControl(IRP& request) {
   i32 status = 0;
   handleDeviceControl(parameters.IoControlCode, buffers.input, parameters.InputBufferLength,
                       buffers.output, parameters.OutputBufferLength, &information, &status);
-  request.IoStatus.Information = information;
+  // The system copies so many bytes to the caller.
+  u64 const most = parameters.OutputBufferLength;
+  request.IoStatus.Information = information < most ? information : most;
   return status < 0 ? STATUS_UNSUCCESSFUL : STATUS_SUCCESS;
 }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <iterator>
 #include <regex>
 
 #include "ntos/status.h"
@@ -172,6 +174,25 @@ TEST_F(ModuleLife, AFailedLoadIsToldOfAndWritesNoUnload) {
   EXPECT_EQ(events[1].level, kVexEventFailure);
   EXPECT_EQ(std::string(events[1].text) + "\n", print.text());
   EXPECT_NE(print.text().find("oxdiagk failed with status -50352"), std::string::npos);
+}
+
+// An engineer looks for the printed line by the example.
+TEST(FailedMain, AtLoadIsToldAsInTheExampleOfTheEventLog) {
+  std::ifstream header(OXDIAG_SOURCE_DIR "/platform/vexk/include/vexk/eventLog.h");
+  std::string const text{std::istreambuf_iterator<char>(header), {}};
+  tPlatform const platform;
+  std::string told;
+  for (u64 n = 1; told.find("ssMain(0)") == std::string::npos && n < 100; ++n) {
+    tImage const image;
+    tCapturedPrint const print;
+    ntoshost::failNth(ntoshost::kFaultMemory, n);
+    image.initialise();
+    ntoshost::clearFaults();
+    image.unload();
+    told = print.text();
+  }
+  ASSERT_NE(told, "");
+  EXPECT_NE(text.find("\n//     " + told), std::string::npos) << told;
 }
 
 TEST_F(ModuleLife, AFailedMainOfAWrapperIsToldInWords) {

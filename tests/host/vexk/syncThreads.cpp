@@ -206,6 +206,17 @@ TEST(VexkHostSyncThreads, ManyThreadsOpenAndCloseTheSameName) {
   EXPECT_EQ(0u, failures);
 }
 
+TEST(VexkHostSyncThreadsDeathTest, AnOwnerThatEndsStopsTheProgram) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_DEATH(
+      {
+        tRunningPlatform const platform;
+        tOpenLock const lock(nullptr);
+        std::thread([&] { lock->acquire(kSyncWaitForever); }).join();
+      },
+      "A thread ended while it owned the mutex");
+}
+
 TEST(VexkHostThread, LivingThreadsHaveDifferentIds) {
   u32 const own = tThreadUtility::getCurrentThreadId();
   EXPECT_NE(own, inAnotherThread([] { return tThreadUtility::getCurrentThreadId(); }));

@@ -7,8 +7,7 @@
 //
 //     oxdiagk.dll load: 2.0.0f1 2027-01-31 18:05:09 oxdiagk/windows/x86_64/clang++/release, ssMain
 //     at FFFFF80412345678
-//     ssKernelExportDriver .\source\package\windows\clientPkgExportDriver:124 - ssMain(0) of
-//     oxdiagk failed with status -50352
+//     vexk registration - ssMain(0) of oxdiagk failed with status -50352
 //
 // Logging never waits or allocates, and works before vexkInitialize. An event may be lost when
 // kVexEventCount others come while it is written. Any IRQL at which the arguments may be read,
@@ -17,6 +16,7 @@
 #include "ntos/types.h"
 #include "vexk/api.h"
 #include "vexk/moduleInfo.h"
+#include "vexk/printFormat.h"
 
 constexpr u32 kVexEventCount = 64;
 constexpr u32 kVexEventTextSize = 232;  // bytes, with the terminator; what is longer is cut
@@ -42,7 +42,8 @@ VEX_API void pkgModulePackageEventLog(u32 reason, char const* fileName, char con
 // Logs the component, the place in it, and a text formatted as by ssprintf. A newline at the end
 // is left out. A null text counts as empty.
 VEX_API void _vexLogEvent(char const* component, char const* location, u32 level,
-                          char const* format, ...) VEX_PRINTF_FORMAT(4, 5);
+                          char const* format, ...) VEX_PRINTF_FORMAT(4, 5)
+    VEX_KERNEL_FORMAT(format);
 
 // Gives the oldest event that is kept and has at least this number; false when there is none.
 //

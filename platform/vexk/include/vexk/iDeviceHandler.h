@@ -14,8 +14,14 @@ class iChildBus;
 class iDeviceHandler {
  public:
   // Serves a device control request. `input` is the caller's pointer for METHOD_NEITHER codes, and
-  // `output` the request's user buffer; neither has been looked at. Writes how many bytes it has
-  // given back into `information`, and its status into `status`; both are 0 before.
+  // `output` the request's user buffer; neither has been looked at. Both are good only in a thread
+  // of the process that sent the request: the handler runs in the thread that calls the driver's
+  // dispatch, which is such a one unless a driver above has queued the request. Writes how many
+  // bytes it has given back into `information`, and its status into `status`; both are 0 before. A
+  // negative status completes the request with STATUS_UNSUCCESSFUL.
+  // `information` must not exceed `outputLength`: for METHOD_BUFFERED codes the system copies that
+  // many bytes to the caller, so more would be memory of the kernel's. A child's is handed on as it
+  // is; a function device cuts it.
   // IRQL <= DISPATCH_LEVEL; any number of threads at once.
   virtual void handleDeviceControl(u32 code, void* input, u32 inputLength, void* output,
                                    u32 outputLength, u64* information, i32* status) = 0;
@@ -35,7 +41,8 @@ class iDeviceHandler {
   virtual void attachChildBus(iChildBus* bus) = 0;
 
   // The device has started: the requests below it have succeeded. A negative `status` fails the
-  // start.
+  // start request, with STATUS_INSUFFICIENT_RESOURCES for kStatusOutOfMemory and
+  // STATUS_UNSUCCESSFUL for every other.
   virtual void start(i32& status) = 0;
 
   // The device goes: told once, by surprise or in order, before its memory does. Nothing may use it

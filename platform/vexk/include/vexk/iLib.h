@@ -2,9 +2,10 @@
 
 // Dispatchers: what modules serve to user-mode programs under a name.
 //
-// A module derives an object from iLib::iDispatcher, exports it while it is loaded and withdraws it
-// in the object's destructor. The platform carries requests to it, from wherever programs can reach
-// the platform: a control device on Windows, a local socket on the host.
+// A module derives a class from iLib::iDispatcher. It makes one object of it at its load, exports
+// the object before the module is registered, and withdraws it in the object's destructor. Programs
+// send requests to the platform, through a control device on Windows and a local socket on the
+// host, and the platform calls the dispatcher that the request names.
 //
 //     class tEcho : public iLib::iDispatcher {
 //      public:
@@ -19,9 +20,10 @@
 //       void dispatch(u64 request) override;
 //     };
 //
-// A dispatcher that is exported while its module loads is reached by nobody until the module is
-// registered (libRegisterModuleWithVEX), so it never serves from half a module; and by nobody any
-// more once the module is being unregistered.
+// Requests reach a dispatcher from the registration of its module (libRegisterModuleWithVEX) to
+// its unregistration, so it never serves from half a module. It belongs to the module that is
+// registered next after the export. A dispatcher that a module exports after its own registration
+// is therefore not served, or served as another module's: export before you register.
 
 #include "ntos/types.h"
 #include "vexk/api.h"

@@ -7,8 +7,9 @@
 // until every start has met its stop. Both run at PASSIVE_LEVEL and are not locked against each
 // other.
 //
-// Memory, debugger print, call stacks, versions, numbers and time work without a start; named locks
-// do not.
+// Locks (sync.h), dispatchers (iLib.h) and the registration of modules (moduleInfo.h) need a start,
+// and report kStatusNotInitialized without one. The rest works at once: memory, debugger print,
+// event log, call stacks, versions, numbers, time, buses, devices, copies of user memory.
 
 #include "ntos/types.h"
 #include "vexk/api.h"

@@ -5,6 +5,10 @@
 // A module hands its record over while the kernel loads it and takes it back at unload. The
 // platform keeps a pointer to it: the record, and all that it points to, stays in place between.
 //
+// Any thread may make these calls, one at a time, as the kernel loads modules one after the other:
+// of two modules that export and register at once, one would get the other's dispatchers. The entry
+// runs in the thread that calls. Requests to dispatchers run meanwhile in any number of threads.
+//
 //     i32 status = 0;
 //     libRegisterModuleWithVEX(record, status);  // calls record.entry(kModuleLoad)
 //     if (status < 0) return STATUS_DRIVER_UNABLE_TO_LOAD;

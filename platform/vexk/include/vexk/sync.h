@@ -44,7 +44,8 @@ class iSync {
   // Waits until the calling thread owns the lock, at most `timeoutMilliseconds`; 0 only tries,
   // kSyncWaitForever waits without limit. A thread that owns the lock already gets it once more and
   // must release it as often. Between acquire and release the thread receives no normal kernel
-  // APCs. A lock whose owner ended without releasing it passes to the next who asks.
+  // APCs, and it must not end: the kernel stops the system when a thread ends as the owner of a
+  // mutex, and the host's executive stops the program.
   // Returns 0 when the thread owns the lock, else it does not:
   //   kStatusSyncTimeout      the time passed
   //   kStatusSyncTooDeep      the thread owns it kSyncMaximumDepth times

@@ -1,7 +1,7 @@
 #pragma once
 
-// The version of this platform's interface. It grows when the interface does; what is built is
-// numbered apart from it.
+// The version of this platform's interface. It changes when the interface changes. The version of a
+// build, which the file properties show, is another number.
 
 #include "vexk/tSSVersion.h"
 
