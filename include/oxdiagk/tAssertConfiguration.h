@@ -47,7 +47,8 @@ namespace nOXDIAG100 {
 //     contracts.configure("--category rack --break off --loopinvariants off");
 //     if (contracts.checksAreEnabled("rack")) { ... }
 //
-// Categories are never removed while the object lives. Names are compared byte by byte.
+// Categories are never removed while the object lives. Names are compared byte by byte. What a
+// look-up or a new category costs grows with the logarithm of their number.
 //
 // Thread safety: any thread may call anything. configure, inquire, pushConfiguration and
 // popConfiguration wait for each other, one call at a time; what belongs together, such as a push
@@ -140,7 +141,7 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
 
   // The module's object before and after its life.
   explicit tAssertConfiguration(tAtRest atRest)
-      : currentCategory(nullptr), configurationLock(atRest) {
+      : categories(0), currentCategory(nullptr), configurationLock(atRest) {
   }
 
  private:

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "ntos/types.h"
+#include "oxdiagk/tCategoryIndex.h"
+#include "stl/failure_state.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
@@ -9,78 +10,82 @@ namespace nOXDIAG100 {
 //
 // find() may be called on any number of threads at any IRQL at which the name may be read: what is
 // in the table stays where it is, and an entry is complete before it can be found. Everything else
-// is for one thread at a time; take() and the destructor, for a table that nobody looks at any
-// more.
+// is for one thread at a time; removeCopies and the destructor, for a table in which nobody looks
+// any more. Look-up and addition take O(log n) steps.
+//
+// Failure: on exhausted memory an addition returns null, leaves everything as it was and makes
+// hasFailed true (see stl/failure_state.h).
 template <class V>
-class tCategoryTable {
+class tCategoryTable : public _STL::failure_state {
  public:
-  struct tEntry {
-    char const* const name;  // not owned
+  struct tEntry : tCategoryIndex::tEntry {
+    tEntry(char const* name, bool isCopy, V const& value)
+        : tCategoryIndex::tEntry(name), isCopy(isCopy), value(value) {}
+
+    bool const isCopy;  // of the name: the table frees it
     V value;
-    tEntry* nextInChain;
-    tEntry* nextByName;
   };
 
-  tCategoryTable() = default;
+  explicit tCategoryTable(u64 secret) : index(secret) {}
   ~tCategoryTable() {
-    while (byName != nullptr) take(*byName);
+    removeIf([](tEntry const&) { return true; });
   }
   tCategoryTable(tCategoryTable const&) = delete;
   tCategoryTable& operator=(tCategoryTable const&) = delete;
 
   // The entry of this name; null when there is none.
-  tEntry* find(char const* name) const {
-    tEntry* entry = __atomic_load_n(&chains[chainOf(name)], __ATOMIC_ACQUIRE);
-    while (entry != nullptr && __builtin_strcmp(entry->name, name) != 0) entry = entry->nextInChain;
+  tEntry* find(char const* name) const { return static_cast<tEntry*>(index.find(name)); }
+
+  // Adds an entry of a name that is not in the table and outlives it.
+  tEntry* add(char const* name, V const& value) { return addEntry(name, false, value); }
+
+  // The same under a copy of the name.
+  tEntry* addCopy(char const* name, V const& value) {
+    size_t const size = __builtin_strlen(name) + 1;
+    char* const copy = _STL::allocateFor<char>(size, kMemLongLived);
+    if (copy != nullptr) __builtin_memcpy(copy, name, size);
+    tEntry* const entry = addEntry(copy, true, value);
+    if (entry == nullptr) _memDelete(copy);
     return entry;
   }
 
-  // Adds an entry of a name that is not in the table. Null when memory is exhausted.
-  tEntry* add(char const* name, V const& value) {
-    i32 status = 0;
-    void* const memory = _memNewUsingCRT(sizeof(tEntry), kMemLongLived, status);
-    if (memory == nullptr) return nullptr;
-    tEntry** const place = findPlace(name);
-    tEntry*& chain = chains[chainOf(name)];
-    auto* const entry = new (memory) tEntry{name, value, chain, *place};
-    *place = entry;
-    __atomic_store_n(&chain, entry, __ATOMIC_RELEASE);
-    return entry;
+  // Takes out what addCopy added.
+  void removeCopies() {
+    removeIf([](tEntry const& entry) { return entry.isCopy; });
   }
 
-  // Takes an entry out and frees it.
-  void take(tEntry& entry) {
-    *findPlace(entry.name) = entry.nextByName;
-    tEntry** link = &chains[chainOf(entry.name)];
-    while (*link != &entry) link = &(*link)->nextInChain;
-    *link = entry.nextInChain;
-    _memDelete(&entry);
-  }
-
-  // The first entry in the order of strcmp; `nextByName` leads on.
-  tEntry* first() const { return byName; }
+  // The first entry in the order of strcmp, and the one behind `entry`; null at the end.
+  tEntry* first() const { return static_cast<tEntry*>(index.first()); }
+  static tEntry* next(tEntry& entry) { return static_cast<tEntry*>(tCategoryIndex::next(entry)); }
 
  private:
-  static constexpr u32 kChainCount = 64;
-
-  // By the first characters: names are short and most differ there, and a lookup is what a contract
-  // costs.
-  static u32 chainOf(char const* name) {
-    u32 const begin = static_cast<u8>(name[0]);
-    return (begin + (begin == 0 ? 0 : static_cast<u8>(name[1]) * 5u)) % kChainCount;
-  }
-
-  // The link that leads to the first entry not before `name`.
-  tEntry** findPlace(char const* name) {
-    tEntry** place = &byName;
-    while (*place != nullptr && __builtin_strcmp((*place)->name, name) < 0) {
-      place = &(*place)->nextByName;
+  // A null name is one that could not be copied.
+  tEntry* addEntry(char const* name, bool isCopy, V const& value) {
+    tEntry* const entry = name == nullptr ? nullptr : _STL::allocateFor<tEntry>(1, kMemLongLived);
+    if (entry == nullptr) {
+      fail();
+      return nullptr;
     }
-    return place;
+    index.add(*_STL::construct(entry, name, isCopy, value));
+    return entry;
   }
 
-  tEntry* chains[kChainCount] = {};
-  tEntry* byName = nullptr;
+  template <class Predicate>
+  void removeIf(Predicate isToGo) {
+    _STL::tree entries;
+    index.giveUp(entries);
+    while (_STL::tree_node* const node = entries.dismantle()) {
+      tEntry* const entry = static_cast<tEntry*>(node);
+      if (!isToGo(*entry)) {
+        index.add(*entry);
+        continue;
+      }
+      if (entry->isCopy) _memDelete(const_cast<char*>(entry->getName()));
+      _memDelete(entry);
+    }
+  }
+
+  tCategoryIndex index;
 };
 
 }  // namespace nOXDIAG100

@@ -5,7 +5,7 @@
 #include "config/savedSettings.h"
 #include "config/tInquiryText.h"
 #include "config/tInstancePlace.h"
-#include "vexk/memory.h"
+#include "vexk/timerTimebase.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -27,23 +27,6 @@ constexpr tBuiltInCategory kBuiltInCategories[] = {
     {"statusFatal", kWithoutExceptions},
 };
 
-// By address: a category that options made may have the same name, when the built-in one could not
-// be allocated.
-bool isBuiltIn(char const* name) {
-  for (tBuiltInCategory const& category : kBuiltInCategories) {
-    if (name == category.name) return true;
-  }
-  return false;
-}
-
-char* copyName(char const* name) {
-  size_t const size = __builtin_strlen(name) + 1;
-  i32 status = 0;
-  void* const copy = _memNewUsingCRT(size, kMemLongLived, status);
-  if (copy != nullptr) __builtin_memcpy(copy, name, size);
-  return static_cast<char*>(copy);
-}
-
 constinit tInstancePlace<tAssertConfiguration> instance;
 
 }  // namespace
@@ -60,7 +43,8 @@ void tAssertConfiguration::destroyInstance() {
   instance.destroy();
 }
 
-tAssertConfiguration::tAssertConfiguration() : currentCategory(kDefaultCategory) {
+tAssertConfiguration::tAssertConfiguration()
+    : categories(tTimerTimebaseEfficient::getCounterValue()), currentCategory(kDefaultCategory) {
   for (tBuiltInCategory const& category : kBuiltInCategories) {
     categories.add(category.name, category.switches);
   }
@@ -98,8 +82,8 @@ void tAssertConfiguration::configure() {
 void tAssertConfiguration::inquire(char* buffer, unsigned int size, unsigned int* needed) {
   tConfigurationGuard const guard(configurationLock);
   tInquiryText text(buffer, size);
-  for (auto const* known = categories.first(); known != nullptr; known = known->nextByName) {
-    text.append(" --category ").append(known->name);
+  for (auto* known = categories.first(); known != nullptr; known = categories.next(*known)) {
+    text.append(" --category ").append(known->getName());
     for (tAssertSwitch const& entry : kAssertSwitches) {
       text.append(" ").append(entry.option).appendOnOff(load(known->value.*entry.value));
     }
@@ -125,27 +109,17 @@ void tAssertConfiguration::popConfiguration() {
 // The key that equals `category`, or null.
 char const* tAssertConfiguration::findName(char const* category) const {
   auto const* const found = categories.find(category);
-  return found == nullptr ? nullptr : found->name;
+  return found == nullptr ? nullptr : found->getName();
 }
 
 // The key of the new category; null when memory is exhausted.
 char const* tAssertConfiguration::addCategory(char const* category) {
-  char* const name = copyName(category);
-  if (name == nullptr) return nullptr;
-  if (categories.add(name, tConfigElem()) != nullptr) return name;
-  _memDelete(name);
-  return nullptr;
+  auto const* const made = categories.addCopy(category, tConfigElem());
+  return made == nullptr ? nullptr : made->getName();
 }
 
 void tAssertConfiguration::removeMadeCategories() {
-  for (auto* next = categories.first(); next != nullptr;) {
-    auto* const category = next;
-    next = category->nextByName;
-    char const* const name = category->name;
-    if (isBuiltIn(name)) continue;
-    categories.take(*category);
-    _memDelete(const_cast<char*>(name));
-  }
+  categories.removeCopies();
   currentCategory = kDefaultCategory;
 }
 
