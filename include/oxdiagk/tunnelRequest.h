@@ -14,10 +14,10 @@
 //     request.records[0].source = length;
 //     request.records[1].operation = kTunnelPush;
 //
-// The records run in order on the calling thread. Nothing is told about a record but through the
-// addresses of results in it. A record with an unknown operation is skipped; so is, for a result,
-// an address that cannot be written, from the first such byte on. The records after it still run.
-// A record that cannot be read ends the request.
+// The records run in order on the calling thread. No record reports whether it succeeded: only the
+// results that its operation writes show that. A result is written up to the first byte that cannot
+// be written. A record with an unknown operation is skipped. In both cases the records behind it
+// still run. A record that cannot be read ends the request.
 //
 // The handle is read once, before the first record: a handle that a request acquires serves the
 // next request. Each record is read once, when its turn comes, so a result may change a later
@@ -30,9 +30,8 @@ namespace nOXDIAG100 {
 // The name of the tunnel among the platform's dispatchers.
 constexpr char kTunnelName[] = "nOXDIAG100://nConfigTunnel";
 
-// The longest text that the kernel copies in, and the most of a buffer that it fills, in bytes: far
-// more than any object can use. A longer text counts as one for which there is no memory, a larger
-// buffer as one of this size.
+// The longest text that the kernel copies in, in bytes. A longer one counts as a text for which
+// there is no memory. Texts that are written have no such limit.
 constexpr u32 kTunnelMostBytes = 0x100000;
 
 struct tTunnelHeader {
@@ -52,9 +51,11 @@ enum tTunnelOperation : u32 {
   // is no memory for them.
   kTunnelConfigureText = 4,
   // inquire. `address` and `source`: the buffer and its size in bytes. `extra`: where the 4-byte
-  // needed size goes; it is 0 when the handle is none. Either address may be null. No more bytes of
-  // the buffer are written than are needed; the text in it is terminated. When there is no memory
-  // for the text, only the needed size is written.
+  // needed size goes; it is 0 when the handle is none. Either address may be null. A buffer of any
+  // size takes as much of the text as it has room for. No more bytes of it are written than are
+  // needed; the text in it is terminated. The kernel takes memory for the smaller of text and
+  // buffer; when there is none, only the needed size is written. The object is inquired for the
+  // size first, and again when the text grows meanwhile.
   kTunnelInquire = 5,
   kTunnelPush = 6,  // pushConfiguration
   kTunnelPop = 7,   // popConfiguration

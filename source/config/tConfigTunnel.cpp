@@ -1,10 +1,10 @@
 #include "config/tConfigTunnel.h"
 
+#include "config/tInquiryCopy.h"
 #include "config/tInstancePlace.h"
 #include "config/tUserText.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tunnelRequest.h"
-#include "vexk/memory.h"
 #include "vexk/userMemory.h"
 
 // The requesting program may change a request at any moment: what was copied is never read again.
@@ -29,10 +29,6 @@ u32 lowHalf(u64 field) {
   return static_cast<u32>(field);
 }
 
-u32 smaller(u32 a, u32 b) {
-  return a < b ? a : b;
-}
-
 void acquireNamed(tTunnelRecord const& record) {
   tUserText const name(record.source, lowHalf(record.extra));
   u32 const handle = acquireInstance(name.getText());
@@ -44,23 +40,10 @@ void configureWithText(u32 handle, tTunnelRecord const& record) {
   if (options.getText() != nullptr) configure(handle, options.getText());
 }
 
-// Filled with zeros, because an object's word on what it has written is not enough to let bytes of
-// the kernel's memory out.
-char* newTextBuffer(u32 size) {
-  i32 status = 0;
-  void* const buffer = _memNewUsingCRT(size, kMemLongLived, status);
-  if (buffer != nullptr) __builtin_memset(buffer, 0, size);
-  return static_cast<char*>(buffer);
-}
-
 void inquireText(u32 handle, tTunnelRecord const& record) {
-  u32 const wanted = smaller(lowHalf(record.source), kTunnelMostBytes);
-  char* const buffer = record.address != 0 && wanted != 0 ? newTextBuffer(wanted) : nullptr;
-  u32 const size = buffer != nullptr ? wanted : 0;
-  unsigned int needed = 0;
-  inquire(handle, buffer, size, &needed);
-  if (buffer != nullptr) vexCopyToUser(record.address, buffer, smaller(needed, size));
-  _memDelete(buffer);
+  tInquiryCopy const copy(handle, record.address != 0 ? lowHalf(record.source) : 0);
+  u32 const needed = copy.getNeeded();
+  if (copy.getSize() != 0) vexCopyToUser(record.address, copy.getText(), copy.getSize());
   if (record.extra != 0) vexCopyToUser(record.extra, &needed, sizeof(needed));
 }
 

@@ -118,7 +118,7 @@ TEST(ConfigTunnel, RunsTheRecordsInOrder) {
                inquireRecord(buffer, 4, &needed), inquireRecord(nullptr, 0, &needed), makeRecord(7),
                makeRecord(2), makeRecord(3))
       .send();
-  EXPECT_STREQ(recorder.calls(), "push default configure(--a on) inquire measure pop ");
+  EXPECT_STREQ(recorder.calls(), "push default configure(--a on) measure inquire measure pop ");
 }
 
 TEST(ConfigTunnel, ConfiguresInquiresAndRestores) {
@@ -144,7 +144,7 @@ TEST(ConfigTunnel, InquireWritesNoMoreThanIsNeeded) {
   u32 needed = 0;
   tTestRequest(recorder.handle, inquireRecord(buffer, sizeof(buffer), &needed)).send();
   EXPECT_EQ(needed, 15u);
-  EXPECT_EQ(recorder.lastSize, sizeof(buffer));
+  EXPECT_EQ(recorder.lastSize, 15u);
   EXPECT_EQ(__builtin_memcmp(buffer, " --recorder on\0?", 16), 0);
 }
 
@@ -158,6 +158,7 @@ TEST(ConfigTunnel, InquireCutsAtTheSize) {
     tTestRequest(recorder.handle, inquireRecord(buffer, size, &needed)).send();
     u32 const written = size < 15 ? size : 15;
     EXPECT_EQ(needed, 15u);
+    EXPECT_EQ(recorder.lastSize, written);
     EXPECT_EQ(__builtin_memcmp(buffer, recorder.settings, written - 1), 0);
     EXPECT_EQ(buffer[written - 1], '\0');
     EXPECT_EQ(buffer[written], '?');
@@ -199,7 +200,7 @@ TEST(ConfigTunnel, TheNeededSizeMayGoNowhere) {
         .send();
     EXPECT_STREQ(buffer, recorder.settings);
   }
-  EXPECT_STREQ(recorder.calls(), "inquire push inquire push inquire push ");
+  EXPECT_STREQ(recorder.calls(), "measure inquire push measure inquire push measure inquire push ");
 }
 
 TEST(ConfigTunnel, TheNeededSizeIsWrittenAfterTheText) {
@@ -242,8 +243,8 @@ TEST(ConfigTunnel, ABadAddressDoesNotStopTheRecordsBehindIt) {
     tTestRequest(recorder.handle, makeRecord(5, bad, 8, bad), makeRecord(6), makeRecord(4, bad, 8),
                  makeRecord(7))
         .send();
-    EXPECT_STREQ(recorder.calls(),
-                 bad == 0 ? "measure push configure() pop " : "inquire push configure() pop ");
+    EXPECT_STREQ(recorder.calls(), bad == 0 ? "measure push configure() pop "
+                                            : "measure inquire push configure() pop ");
   }
 }
 
@@ -295,7 +296,7 @@ TEST(ConfigTunnel, AResultMayOverwriteItsOwnRecord) {
   request.send();
   EXPECT_STREQ(reinterpret_cast<char const*>(&own), " --recorder on");
   EXPECT_EQ(own.source & 0xFFFFFFFF, 15u);
-  EXPECT_STREQ(recorder.calls(), "inquire push ");
+  EXPECT_STREQ(recorder.calls(), "measure inquire push ");
 }
 
 TEST(ConfigTunnel, ARequestThatCannotBeReadDoesNothing) {

@@ -115,15 +115,16 @@ void tTunnelModel::configure(u32 handle, tRecord const& record) {
 }
 
 void tTunnelModel::inquire(u32 handle, tRecord const& record) {
-  u64 size = record.second & 0xFFFFFFFF;
-  if (record.first == 0) size = 0;
-  if (size != 0 && !memory.allocate()) size = 0;
   u32 needed = 0;
   if (handle != kNone && handle == recorder) {
-    calls += size == 0 ? "measure " : "inquire ";
+    calls += "measure ";
     needed = sizeof kRecorderSettings;
-    std::string text(kRecorderSettings);
-    if (size != 0) copyOut(record.first, text.substr(0, size - 1) + '\0');
+    u64 const room = record.first == 0 ? 0 : record.second & 0xFFFFFFFF;
+    if (room != 0 && memory.allocate()) {
+      calls += "inquire ";
+      std::string const text(kRecorderSettings);
+      copyOut(record.first, text.substr(0, room - 1) + '\0');
+    }
   }
   if (record.third != 0) copyOut(record.third, bytesOf(needed));
 }

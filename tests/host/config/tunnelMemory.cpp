@@ -169,7 +169,7 @@ TEST(TunnelMemory, ResultsAreNotWrittenToReadOnlyMemory) {
                makeRecord(5, addressOf(page), 8, addressOf(page)), makeRecord(6))
       .send();
   EXPECT_EQ(*static_cast<u64*>(page), 0u);
-  EXPECT_STREQ(recorder.calls(), "inquire push ");
+  EXPECT_STREQ(recorder.calls(), "measure inquire push ");
   munmap(page, kPage);
   releaseInstance(recorder.handle + 1);
 }
@@ -187,7 +187,7 @@ TEST(TunnelMemory, TheLargestLengthAddsItsTerminatorIn64Bits) {
   releaseInstance(handle);
 }
 
-TEST(TunnelMemory, TheLargestBufferOnlyMeasuresWhenThereIsNoMemoryForIt) {
+TEST(TunnelMemory, TheLargestBufferOnlyMeasuresWhenThereIsNoMemoryForTheText) {
   tRegisteredRecorder recorder;
   char buffer[16] = "untouched";
   u32 needed = 0;
@@ -222,18 +222,6 @@ TEST(TunnelMemory, ANameThatIsTooLongMeansTheTraceStream) {
         tInstanceRegistry::getInstance().find(handle, status) == &tTrace::getInstance();
     EXPECT_EQ(isTrace, length > kTunnelMostBytes);
     releaseInstance(handle);
-  }
-}
-
-TEST(TunnelMemory, ABufferCountsUpToTheLargestSize) {
-  tRegisteredRecorder recorder;
-  for (u32 size : {kTunnelMostBytes - 1, kTunnelMostBytes, kTunnelMostBytes + 1, 0xFFFFFFFF}) {
-    char buffer[16] = "";
-    u32 needed = 0;
-    tTestRequest(recorder.handle, inquireRecord(buffer, size, &needed)).send();
-    EXPECT_EQ(recorder.lastSize, std::min(size, kTunnelMostBytes));
-    EXPECT_STREQ(buffer, recorder.settings);
-    EXPECT_EQ(needed, 15u);
   }
 }
 
@@ -286,8 +274,8 @@ TEST(TunnelMemory, EveryFailedAllocationIsThatOfOneRecord) {
     EXPECT_EQ(ntoshost::outstandingBlocks(), before);
     EXPECT_EQ(needed, 15u);
     EXPECT_STREQ(buffer, n == 2 ? "" : recorder.settings);
-    char const* const wanted[] = {"push inquire pop ", "push configure(--a) measure pop ",
-                                  "push configure(--a) inquire pop "};
+    char const* const wanted[] = {"push measure inquire pop ", "push configure(--a) measure pop ",
+                                  "push configure(--a) measure inquire pop "};
     EXPECT_STREQ(recorder.calls(), wanted[n - 1]);
   });
   EXPECT_EQ(failures, 2u);
@@ -297,12 +285,12 @@ TEST(TunnelMemory, EveryFailedCopyIsThatOfOneRecordOrEndsTheRequest) {
   // In order: the header, a record and its text, a record and its two results, a record.
   char const* const wanted[] = {"",
                                 "",
-                                "configure() inquire push ",
+                                "configure() measure inquire push ",
                                 "configure(--a) ",
-                                "configure(--a) inquire push ",
-                                "configure(--a) inquire push ",
-                                "configure(--a) inquire ",
-                                "configure(--a) inquire push "};
+                                "configure(--a) measure inquire push ",
+                                "configure(--a) measure inquire push ",
+                                "configure(--a) measure inquire ",
+                                "configure(--a) measure inquire push "};
   tRegisteredRecorder recorder;
   u64 const failures = ntoshost::failEachCall(ntoshost::kFaultUserCopy, [&](u64 n) {
     recorder.clear();

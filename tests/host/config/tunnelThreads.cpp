@@ -19,12 +19,12 @@ constexpr u32 kRounds = 2000;
 constexpr u32 kLong = 8000;
 constexpr u32 kShort = 1;
 
-// An object that fills the whole buffer it is given.
+// An object with a long text, which fills the whole buffer it is given.
 class tFillingConfigurable : public tRecordingConfigurable {
  public:
   void inquire(char* buffer, unsigned int size, unsigned int* required) override {
     if (buffer != nullptr) std::memset(buffer, 'f', size);
-    if (required != nullptr) *required = size;
+    if (required != nullptr) *required = kLong;
   }
   void configure(char const* options) override { longest = std::strlen(options); }
   using tRecordingConfigurable::configure;
