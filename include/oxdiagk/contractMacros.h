@@ -34,8 +34,9 @@
 //   OXDIAG_REQUIRE_MESSAGE(condition, message)       category "default"
 //   OXDIAG_REQUIRE_IN(category, condition, message)
 //
-// `condition`: what an `if` would take. In the first form it may hold commas of template arguments;
-// in the others it then needs parentheses of its own. `message` (char const*, null is none):
+// `condition`: an expression that an `if` would take; a declaration is not accepted. In the first
+// form it may hold commas of template arguments; in the others it then needs parentheses of its
+// own. `message` (char const*, null is none):
 // evaluated only when the condition is false, and then once. `category` (char const*): evaluated
 // once.
 //
