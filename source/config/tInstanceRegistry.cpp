@@ -63,8 +63,10 @@ i32 tInstanceRegistry::release(u32 handle) {
   if (getConstructionStatus() < 0) return getConstructionStatus();
   tSyncLock const guard(lock);
   if (guard.getStatus() < 0) return guard.getStatus();
-  if (!table.erase(handle)) return kStatusUnknownHandle;
-  issued.remove(handle);
+  tIssue const* const issue = table.find(handle);
+  if (issue == nullptr) return kStatusUnknownHandle;
+  issued.erase(issue->place);
+  table.erase(handle);
   released.add(handle);
   return 0;
 }
@@ -73,8 +75,8 @@ tConfigurable* tInstanceRegistry::find(u32 handle, i32& status) {
   if (getConstructionStatus() < 0) return findNone(status, getConstructionStatus());
   tSyncLock const guard(lock);
   if (guard.getStatus() < 0) return findNone(status, guard.getStatus());
-  tConfigurable* const* const found = table.find(handle);
-  return found != nullptr ? *found : findNone(status, kStatusUnknownHandle);
+  tIssue const* const found = table.find(handle);
+  return found != nullptr ? found->instance : findNone(status, kStatusUnknownHandle);
 }
 
 bool tInstanceRegistry::isPassedOver(u32 handle) const {
@@ -101,10 +103,13 @@ u32 tInstanceRegistry::chooseHandle() {
 }
 
 bool tInstanceRegistry::record(u32 handle, tConfigurable& instance) {
-  if (!table.insert(handle, &instance)) return false;
-  if (issued.push_back(handle)) return true;
-  table.erase(handle);
-  return false;
+  if (!table.insert(handle, {&instance, {}})) return false;
+  if (!issued.push_back(handle)) {
+    table.erase(handle);
+    return false;
+  }
+  table.find(handle)->place = --issued.end();
+  return true;
 }
 
 }  // namespace nOXDIAG100

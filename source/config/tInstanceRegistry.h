@@ -19,7 +19,8 @@ struct tHandleRange {
 };
 
 // Any thread may call any function of a built registry; each holds the lock of the registry while
-// it runs. IRQL <= APC_LEVEL, above which the lock's kStatusSyncIrqlTooHigh is the only effect.
+// it runs, for O(log n) steps with n handles out. IRQL <= APC_LEVEL, above which the lock's
+// kStatusSyncIrqlTooHigh is the only effect.
 class OXDIAG_API tInstanceRegistry {
  public:
   // The one of the module.
@@ -56,12 +57,19 @@ class OXDIAG_API tInstanceRegistry {
   tConfigurable* find(u32 handle, i32& status);
 
  private:
+  using tIssuedHandles = _STL::list<u32>;
+
+  struct tIssue {
+    tConfigurable* instance;
+    tIssuedHandles::iterator place;  // of the handle among those issued
+  };
+
   bool isPassedOver(u32 handle) const;
   u32 chooseHandle();  // kNoHandle when there is none
   bool record(u32 handle, tConfigurable& instance);
 
-  _STL::map<u32, tConfigurable*> table;
-  _STL::list<u32> issued;  // in the order of issue
+  _STL::map<u32, tIssue> table;
+  tIssuedHandles issued;  // in the order of issue
   tReleasedHandles released;
   tHandleRange range;  // candidate: where the next search begins
   bool isReuseGuarded = false;

@@ -12,8 +12,8 @@ namespace {
 constexpr u32 kFew = 4;
 constexpr u32 kMany = 1024;
 constexpr u32 kVeryMany = 16'384;
-constexpr u32 kSamples = 16;  // names that are looked up
-constexpr u32 kNewNames = 4;
+constexpr u32 kSamples = 8;  // names that are looked up
+constexpr u32 kNewNames = 2;
 
 // Different at the end only.
 std::string alikeName(u32 index) {

@@ -20,7 +20,7 @@ using nOXDIAG100::tAssertConfiguration;
 constexpr int kCheckers = 3;
 constexpr int kFlips = 500;
 constexpr int kMakers = 2;
-constexpr u32 kMade = 600;  // categories of each maker
+constexpr u32 kMade = 300;  // categories of each maker
 
 std::string nameOf(u32 index) {
   return "threads." + std::to_string(index);

@@ -4,6 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <vector>
+
 #include "ntos/irql.h"
 #include "oxdiagk/statusCodes.h"
 #include "support/tRecordingConfigurable.h"
@@ -99,6 +103,23 @@ TEST(RegistryFaults, AReleaseFreesWhatTheHandleTook) {
   EXPECT_EQ(ntoshost::outstandingBlocks(), before + kListCall);
   EXPECT_EQ(registry.release(handle), 0);
   EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+}
+
+TEST(RegistryFaults, HandlesGivenBackInAnyOrderFreeWhatTheyTookAndTheOthersStay) {
+  constexpr u32 kCount = 2000;
+  tInstanceRegistry registry;
+  tRecordingConfigurable instance;
+  u64 const before = ntoshost::outstandingBlocks();
+  std::vector<u32> handles;
+  for (u32 index = 0; index < kCount; ++index) handles.push_back(acquireFrom(registry, instance));
+  std::shuffle(handles.begin(), handles.end(), std::mt19937(20261122));
+  for (u32 out = kCount; out != 0; --out, handles.pop_back()) {
+    EXPECT_EQ(registry.release(handles.back()), 0);
+    EXPECT_EQ(registry.release(handles.back()), kStatusUnknownHandle);
+    EXPECT_EQ(ntoshost::outstandingBlocks(), before + kListCall * (out - 1));
+    i32 status = 0;
+    EXPECT_TRUE(out == 1 || registry.find(handles[out / 2 - 1], status) == &instance);
+  }
 }
 
 TEST(RegistryFaults, DestructionFreesTheHandlesThatAreStillOut) {
