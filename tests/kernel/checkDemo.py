@@ -22,7 +22,7 @@ SURROUNDING_SOURCES = {"main.cpp", "driver.cpp", "tProgramRack.cpp", "tServiceRa
 STATUS_HEAD = "tStatus2 Contents:"
 STACK_ADDRESS = re.compile(r"^\t\t0x([0-9A-F]+)$")
 DESCRIPTION = re.compile(r"^(\tAddress of Status Description = )0x0*[1-9A-F][0-9A-F]*$")
-SUMMARY = re.compile(r"^\[.*\] +devices: [1-9]\d*, failures: \d+, lines: [1-9]\d*$")
+SUMMARY = re.compile(r"^\[.*\] +devices: [1-9]\d*, failures: (\d+), lines: [1-9]\d*$")
 
 
 def belongs_to_status(line):
@@ -60,10 +60,11 @@ def without_addresses(lines):
 def find_differences(host_text, kernel_text):
     """A list of lines for a person; empty when both runs traced the same whole rack."""
     host, kernel = (without_addresses(component_lines(text)) for text in (host_text, kernel_text))
-    if not any(SUMMARY.match(line) for line in host):
+    failures = [int(match.group(1)) for match in map(SUMMARY.match, host) if match]
+    if not failures:
         return ["the host program traced no summary of a rack with devices"]
-    if not any(line == STATUS_HEAD for line in host):
-        return ["the host program traced no failed status"]
+    if sum(failures) != host.count(STATUS_HEAD):
+        return ["the host program traced not one status for each failure"]
     if any(line == "\t\t0x0" for line in host + kernel):
         return ["a stack trace is empty"]
     return list(difflib.unified_diff(host, kernel, "host", "kernel", lineterm=""))

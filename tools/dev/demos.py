@@ -18,19 +18,22 @@ import checkStatuses  # noqa: E402
 TRACED_FILE = "oxdiag-demo.out"
 SAVED_FILE = "oxdiag-demo.statuses"
 
+FAULTY = str(kernel.FAULTY_RACK)
+
 Run = collections.namedtuple("Run", "title arguments file", defaults=[None])
 
-# What the driver is given: nothing, so that it finds the rack beside it, or all that its key can
-# hold; where the lines go.
+# What the driver is given: nothing, so that it finds the good rack beside it, or all that its key
+# can hold; where the lines go. The faulty rack shows that statuses are the same as well.
 RUNS = [
     Run("the rack beside the driver", []),
-    Run("a named rack, with details",
-        [str(kernel.DEFAULT_RACK), "--filter", "verbosity>=60",
+    Run("a faulty rack, with details",
+        [FAULTY, "--filter", "verbosity>=60",
          "--assert", "--category default --break off --category mine --terminate"]),
     Run("another prefix",
-        ["--trace", "--timestamp off --linenumber off --prefixwidth 30 --indent off"]),
-    Run("a file", ["--trace", f"--destination file C:/{TRACED_FILE} overwrite"], TRACED_FILE),
-    Run("a capture", ["--capture", "--filter", "&& verbosity!=100"]),
+        [FAULTY, "--trace", "--timestamp off --linenumber off --prefixwidth 30 --indent off"]),
+    Run("a file", [FAULTY, "--trace", f"--destination file C:/{TRACED_FILE} overwrite"],
+        TRACED_FILE),
+    Run("a capture", [FAULTY, "--capture", "--filter", "&& verbosity!=100"]),
 ]
 
 
@@ -41,7 +44,7 @@ def read(path):
 def host_text(run, folder):
     program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
     arguments = run.arguments
-    if str(kernel.DEFAULT_RACK) not in arguments:
+    if FAULTY not in arguments:
         arguments = [kernel.DEFAULT_RACK, *arguments]
     _, output = workshop.run([program, "--drive-c", folder, *arguments])
     return read(folder / run.file) if run.file else output
@@ -63,13 +66,13 @@ def compare(run):
 
 def save_on_host(path):
     program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
-    workshop.run([program, kernel.DEFAULT_RACK, "--save", path])
+    workshop.run([program, FAULTY, "--save", path])
 
 
 def save_in_kernel():
     path = wine.DRIVE_C / SAVED_FILE
     path.unlink(missing_ok=True)
-    kernel.run_demo(kernel.demo_options(["--save", SAVED_FILE]))
+    kernel.run_demo(kernel.demo_options([FAULTY, "--save", SAVED_FILE]))
     return path
 
 

@@ -17,6 +17,7 @@ OWN_RACK = "own-rack.txt"
 WRONG_USAGE = 64
 DEMO = workshop.tree("host-release") / "examples/slotbus/slotbus_demo"
 DEFAULT_RACK = workshop.TOP / "examples/slotbus/rack.txt"
+FAULTY_RACK = workshop.TOP / "examples/slotbus/faulty.txt"
 
 
 def build():
@@ -92,7 +93,7 @@ def check_conformance():
 
 def check_devices():
     """The slot bus and its devices, driven by Wine's PnP manager."""
-    files, services = demo_input(demo_options(["--filter", "verbosity>=200"]))
+    files, services = demo_input(demo_options([str(FAULTY_RACK), "--filter", "verbosity>=200"]))
     run = wine.run_driver("oxdiagpnp", dict(files, **module_files("oxdiagpnp.sys")), services)
     return outcome_of("oxdiagpnp", run)
 

@@ -83,6 +83,7 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
 std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
   tDemoOptions options;
   options.file = SLOTBUS_DEFAULT_RACK;
+  options.isFirstTry = argc == 1;
   CLI::App app(kDescription, "slotbus_demo");
   app.get_formatter()->column_width(18);
   app.footer(makeFooter());

@@ -15,7 +15,8 @@ struct tDemoOptions {
   std::optional<std::string> save;    // a file for the statuses of what is wrong
   bool serves = false;                // stay until Ctrl-C, and let oxdiagctl change the settings
   std::optional<std::string> socket;  // where it is to look, instead of the place by default
-  bool checksOnly = false;            // only tell what is wrong with the options
+  bool checksOnly = false;            // only report what is wrong with the options
+  bool isFirstTry = false;            // nothing was typed behind the program's name
 };
 
 // Exit codes of the demo.
@@ -24,7 +25,7 @@ enum tExitCode : int {
   kExitBadRack = 1,   // something in the rack is wrong; the trace tells what
   kExitNoFile = 2,    // the file is missing or cannot be read
   kExitNoModule = 3,  // the library could not be started
-  kExitNoOutput = 4,  // the trace or the statuses could not be written
+  kExitNoOutput = 4,  // the trace, the statuses or the help could not be written
   kExitUsage = 64,    // the command line is wrong
 };
 

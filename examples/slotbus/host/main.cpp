@@ -1,6 +1,7 @@
 // The program around the component on the development host.
 
 #include <cstdio>
+#include <optional>
 
 #include "ntoshost/executive.h"
 #include "ntoshost/files.h"
@@ -9,17 +10,24 @@
 #include "oxdiagk/tAssertConfiguration.h"
 #include "slotbus/host/demoOptions.h"
 #include "slotbus/host/serve.h"
+#include "slotbus/host/tEndWatch.h"
 #include "slotbus/host/tModules.h"
 #include "slotbus/host/tOptionWordList.h"
 #include "slotbus/host/tProgramRack.h"
 #include "slotbus/host/tRackFile.h"
 #include "slotbus/host/tRackMachine.h"
 #include "slotbus/host/tSerialPort.h"
+#include "slotbus/host/traceFile.h"
 
 using nOXDIAG100::tAssertConfiguration;
 using nOXDIAG100::tTrace;
 
 namespace {
+
+// How long somebody is waited for who reads the serial port, in milliseconds; who serves ends when
+// Ctrl-C says so.
+constexpr unsigned int kReaderPatience = 3000;
+constexpr unsigned int kReaderPatienceOfServer = 200;
 
 int complain(std::string const& sentence, int exitCode) {
   std::fprintf(stderr, "slotbus_demo: %s.\n", sentence.c_str());
@@ -57,53 +65,86 @@ std::optional<std::string> findProblem(tDemoOptions const& options) {
 }
 
 // Plugs the rack in, which has it read, and pulls it out again, at once or when it was served.
-int plugIn(tDemoOptions const& options, tRackFile const& file, tTrace& trace) {
+int plugIn(tDemoOptions const& options, tRackFile const& file, tTrace& trace, tServing* serving) {
   tProgramRack rack(options, file, trace);
   tRackMachine machine(rack);
   if (!machine.isRunning()) return complain("the driver cannot be started", kExitNoModule);
   if (rack.getResult() == kExitNoOutput) return complain(rack.getProblem(), kExitNoOutput);
-  if (!options.serves) return rack.getResult();
-  auto const problem = serve(machine, options.socket);
+  if (serving == nullptr) return rack.getResult();
+  auto const problem = serve(machine, *serving, options.socket);
   return problem ? complain(*problem, kExitNoOutput) : kExitGood;
 }
 
-int runRack(tDemoOptions const& options, tRackFile const& file) {
+int runRack(tDemoOptions const& options, tRackFile const& file, tServing* serving) {
   tModules const modules;
   if (!modules.areRunning()) return complain("the library cannot be started", kExitNoModule);
   tTrace& trace = tTrace::getInstance();
   tAssertConfiguration::getInstance().configure(options.assertions.c_str());
   trace.configure(options.trace.c_str());
   if (options.filter) applyFilter(*options.filter, trace);
-  return plugIn(options, file, trace);
+  return plugIn(options, file, trace, serving);
+}
+
+// Who serves may be sent to any destination at any time.
+std::optional<std::string> connectDrive(tDemoOptions const& options, tOptionWordList const& words) {
+  std::string const folder = options.driveC.value_or(".");
+  bool const needsDrive =
+      options.driveC || options.serves || words.hasPair("--destination", "file");
+  if (!needsDrive || ntoshost::mountDrive('C', folder.c_str())) return std::nullopt;
+  return "cannot use the folder '" + folder + "' as drive C:";
+}
+
+std::optional<std::string> connectPort(tDemoOptions const& options, tOptionWordList const& words,
+                                       tSerialPort& port) {
+  bool const isAskedFor = options.serial || words.hasPair("--destination", "serial");
+  if (!isAskedFor && !options.serves) return std::nullopt;
+  bool const isConnected = port.connect(options.serial);
+  if (!isConnected && isAskedFor) return port.getProblem();
+  if (!isConnected) complain(port.getProblem() + "; what is sent there is lost", kExitNoOutput);
+  if (isConnected && isAskedFor) {
+    port.announce();
+    port.waitForWatcher();
+  }
+  return std::nullopt;
 }
 
 // Connects what the trace is sent to besides standard output.
 std::optional<std::string> connectDevices(tDemoOptions const& options, tSerialPort& serialPort) {
   tOptionWordList const words(options.trace);
-  std::string const folder = options.driveC.value_or(".");
-  bool const needsDrive = options.driveC || words.hasPair("--destination", "file");
-  if (needsDrive && !ntoshost::mountDrive('C', folder.c_str())) {
-    return "cannot use the folder '" + folder + "' as drive C:";
-  }
-  bool const needsPort = options.serial || words.hasPair("--destination", "serial");
-  if (needsPort && !serialPort.connect(options.serial)) return serialPort.getProblem();
-  return std::nullopt;
+  if (auto const problem = connectDrive(options, words)) return problem;
+  return connectPort(options, words, serialPort);
+}
+
+void suggestNext() {
+  std::printf(
+      "Next: ./dev demo examples/slotbus/faulty.txt    a rack with seven mistakes, explained\n");
+}
+
+// What became of what was written, or `result` when all of it has arrived.
+int checkOutput(tDemoOptions const& options, tSerialPort& serialPort, int result) {
+  bool const isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+  if (!isWritten) return complain("cannot write to standard output", kExitNoOutput);
+  if (auto const problem = findTraceFileProblem()) return complain(*problem, kExitNoOutput);
+  unsigned int const patience = options.serves ? kReaderPatienceOfServer : kReaderPatience;
+  return serialPort.finish(patience) ? result : complain(serialPort.getProblem(), kExitNoOutput);
 }
 
 int runConnected(tDemoOptions const& options, tRackFile const& file) {
-  if (options.serves) holdEndSignals();
+  std::optional<tEndWatch> watch;
+  if (options.serves) watch.emplace();
   tSerialPort serialPort;
+  std::optional<tServing> serving;
+  if (options.serves) serving.emplace(tServing{*watch, serialPort});
   if (auto const problem = connectDevices(options, serialPort)) {
     return complain(*problem, kExitNoOutput);
   }
   ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);
-  int const result = runRack(options, file);
+  int const result = runRack(options, file, serving ? &*serving : nullptr);
   ntoshost::requireNoDevices("slotbus_demo");
   ntoshost::requireNoOutstanding("slotbus_demo");
   ntoshost::requireNoHandles("slotbus_demo");
-  bool const isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
-  if (!isWritten) return complain("cannot write to standard output", kExitNoOutput);
-  return serialPort.finish() ? result : complain(serialPort.getProblem(), kExitNoOutput);
+  if (options.isFirstTry && result == kExitGood) suggestNext();
+  return checkOutput(options, serialPort, result);
 }
 
 int runDemo(tDemoOptions const& options) {

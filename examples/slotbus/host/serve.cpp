@@ -1,57 +1,65 @@
 #include "slotbus/host/serve.h"
 
+#include <unistd.h>
+
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 
+#include "slotbus/host/traceFile.h"
 #include "vexkhost/requestServer.h"
 #include "vexkhost/requestSocket.h"
 
 namespace {
 
-constexpr timespec kPause = {2, 0};
+constexpr std::chrono::seconds kPause{2};
+constexpr char kPlaceInBuild[] = "tools/oxdiagctl/oxdiagctl";
 
-sigset_t endSignals() {
-  sigset_t set;
-  sigemptyset(&set);
-  sigaddset(&set, SIGINT);
-  sigaddset(&set, SIGTERM);
-  return set;
+// The tool of the same build, so that its line can be copied; its name where it is elsewhere.
+std::string findControl() {
+  std::error_code problem;
+  auto const program = std::filesystem::read_symlink("/proc/self/exe", problem);
+  if (problem) return "oxdiagctl";
+  auto const build = program.parent_path().parent_path().parent_path();
+  std::string const control = (build / kPlaceInBuild).string();
+  return access(control.c_str(), X_OK) == 0 ? control : "oxdiagctl";
 }
 
-bool hasEndCome() {
-  sigset_t const set = endSignals();
-  return sigtimedwait(&set, nullptr, &kPause) >= 0;
-}
-
-void tellHowToReach(std::optional<std::string> const& socket) {
+void explainHowToReach(std::optional<std::string> const& socket) {
   char place[vexkhost::kRequestPathSize] = {};
   vexkhost::getRequestSocketPath(place);
-  std::string const at = socket ? "--at " + *socket + " " : "";
+  std::string const control = findControl() + (socket ? " --at " + *socket : "");
   std::fprintf(stderr,
                "serving at %s until Ctrl-C; in another terminal:\n"
-               "  oxdiagctl %strace                        how the trace is set\n"
-               "  oxdiagctl %strace --timestamp on         changes it\n"
-               "  oxdiagctl %strace --filter 'verb>=60'    shows the steps too\n",
-               socket ? socket->c_str() : place, at.c_str(), at.c_str(), at.c_str());
+               "  %s trace                        how the trace is set\n"
+               "  %s trace --timestamp on         changes it\n"
+               "  %s trace --filter 'verb>=60'    shows the steps too\n",
+               socket ? socket->c_str() : place, control.c_str(), control.c_str(), control.c_str());
+}
+
+bool reportFileProblem() {
+  auto const problem = findTraceFileProblem();
+  if (problem) std::fprintf(stderr, "slotbus_demo: %s.\n", problem->c_str());
+  return problem.has_value();
 }
 
 }  // namespace
 
-void holdEndSignals() {
-  sigset_t const set = endSignals();
-  sigprocmask(SIG_BLOCK, &set, nullptr);
-}
-
-std::optional<std::string> serve(tRackMachine& machine, std::optional<std::string> const& socket) {
+std::optional<std::string> serve(tRackMachine& machine, tServing& serving,
+                                 std::optional<std::string> const& socket) {
   if (!vexkhost::startRequestServer(socket ? socket->c_str() : nullptr)) {
     return std::string("cannot serve: ") + std::strerror(errno);
   }
   std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
   std::fflush(stdout);
-  tellHowToReach(socket);
-  while (!hasEndCome()) machine.askNextDevice();
+  explainHowToReach(socket);
+  serving.serialPort.announce();
+  bool isReported = reportFileProblem();
+  while (!serving.watch.waitForEnd(kPause)) {
+    machine.askNextDevice();
+    isReported = isReported || reportFileProblem();
+  }
   vexkhost::stopRequestServer();
   return std::nullopt;
 }

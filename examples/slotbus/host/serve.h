@@ -3,13 +3,19 @@
 #include <optional>
 #include <string>
 
+#include "slotbus/host/tEndWatch.h"
 #include "slotbus/host/tRackMachine.h"
+#include "slotbus/host/tSerialPort.h"
 
-// Keeps SIGINT and SIGTERM for serve(): from now on they wait until it takes them, in this thread
-// and all that are started later.
-void holdEndSignals();
+// What the program that serves has made before.
+struct tServing {
+  tEndWatch& watch;
+  tSerialPort const& serialPort;
+};
 
-// Lets other processes reach the library at a socket (nothing: the one by default) and tells on
-// standard error how, until SIGINT or SIGTERM comes. Meanwhile the devices of the rack are asked
-// for their lines, one every two seconds. Returns a sentence for the user when it cannot be done.
-std::optional<std::string> serve(tRackMachine& machine, std::optional<std::string> const& socket);
+// Lets other processes reach the library at a socket (nothing: the one by default) and explains on
+// standard error how, until the end is asked for. Meanwhile the devices of the rack are asked for
+// their lines, one every two seconds, and a trace file that takes nothing more is reported on
+// standard error. Returns a sentence for the user when it cannot be done.
+std::optional<std::string> serve(tRackMachine& machine, tServing& serving,
+                                 std::optional<std::string> const& socket);

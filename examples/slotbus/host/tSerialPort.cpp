@@ -41,14 +41,21 @@ bool tSerialPort::connectTerminal() {
     problem = std::string("cannot make a terminal for the serial port: ") + std::strerror(errno);
     return false;
   }
-  std::fprintf(stderr, "serial port 1 is %s\n", name.data());
-  if (isatty(STDIN_FILENO) != 0) waitForReturnKey();
+  terminal = name.data();
   return true;
 }
 
-bool tSerialPort::finish() {
+void tSerialPort::announce() const {
+  if (!terminal.empty()) std::fprintf(stderr, "serial port 1 is %s\n", terminal.c_str());
+}
+
+void tSerialPort::waitForWatcher() const {
+  if (!terminal.empty() && isatty(STDIN_FILENO) != 0) waitForReturnKey();
+}
+
+bool tSerialPort::finish(unsigned int patience) {
   if (!isConnected) return true;
-  bool const isRead = vexkhost::drainSerialPort(kReaderPatience);
+  bool const isRead = vexkhost::drainSerialPort(patience);
   if (isRead && vexkhost::getLostSerialBytes() == 0) return true;
   problem = "not all that was sent to the serial port was taken";
   return false;

@@ -9,23 +9,26 @@ class tSerialPort {
  public:
   ~tSerialPort();
 
-  // Connects the port to a file, or to a new terminal, whose name goes to standard error; a person
-  // at the keyboard is given time to watch it. Returns false when that failed; getProblem() is then
-  // a sentence for the user.
+  // Connects the port to a file, or to a new terminal. Returns false when that failed;
+  // getProblem() is then a sentence for the user.
   bool connect(std::optional<std::string> const& file);
 
-  // Waits until what was sent is read, at most kReaderPatience. Returns false when something was
-  // lost; getProblem() is then a sentence for the user. True when nothing is connected.
-  bool finish();
+  // Names the terminal on standard error; gives a person at the keyboard time to watch it. Both do
+  // nothing when there is no terminal.
+  void announce() const;
+  void waitForWatcher() const;
+
+  // Waits until what was sent is read, at most so many milliseconds. Returns false when something
+  // was lost; getProblem() is then a sentence for the user. True when nothing is connected.
+  bool finish(unsigned int patience);
 
   std::string const& getProblem() const { return problem; }
 
  private:
-  static constexpr unsigned int kReaderPatience = 3000;  // milliseconds
-
   bool connectFile(std::string const& file);
   bool connectTerminal();
 
   bool isConnected = false;
+  std::string terminal;
   std::string problem;
 };

@@ -13,7 +13,7 @@ class SlotbusComparison : public tDemoTest {
  protected:
   void SetUp() override {
     tDemoTest::SetUp();
-    traced = run({}).output;
+    traced = run({kFaultyRack}).output;
   }
 
   int compareWith(std::string const& other) const {
@@ -77,6 +77,17 @@ TEST_F(SlotbusComparison, AShorterStackTraceFails) {
 
 TEST_F(SlotbusComparison, AnEmptyStackTraceFails) {
   EXPECT_EQ(compareWith(replaced("Stack Trace =\n\t\t0x[0-9A-F]+", "Stack Trace =\n\t\t0x0")), 1);
+}
+
+TEST_F(SlotbusComparison, AGoodRackPassesWithoutAStatus) {
+  traced = run({kDefaultRack}).output;
+  EXPECT_FALSE(contains(traced, "tStatus2 Contents"));
+  EXPECT_EQ(compareWith(traced), 0);
+}
+
+TEST_F(SlotbusComparison, AFailureWithoutAStatusFails) {
+  traced = run({kFaultyRack, "--filter", "&& verbosity!=140"}).output;
+  EXPECT_EQ(compareWith(traced), 1);
 }
 
 TEST_F(SlotbusComparison, NothingAtAllFails) {

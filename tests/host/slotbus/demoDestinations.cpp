@@ -4,7 +4,7 @@
 
 namespace {
 
-constexpr char kSummary[] = "devices: 27, failures: 7, lines: 62";
+constexpr char kSummary[] = "devices: 18, failures: 0, lines: 44";
 constexpr char kSwitching[] = "Switching trace destination to ";
 
 class SlotbusDemoDestinations : public tDemoTest {
@@ -40,7 +40,7 @@ constexpr char kWatch[] =
 TEST_F(SlotbusDemoDestinations, TheFileHasTheLinesWithCarriageReturns) {
   tRun const done =
       run(stable({"--drive-c", pathOf(""), "--trace", "--destination file C:/x.out"}));
-  EXPECT_EQ(done.exitCode, 1);
+  EXPECT_EQ(done.exitCode, 0);
   EXPECT_EQ(done.errors, "");
   EXPECT_EQ(done.output, std::string(kSwitching) + "File = C:/x.out\n");
   EXPECT_EQ(readFile("x.out"), replaceAll(getUsualLines(), "\n", "\r\n"));
@@ -65,7 +65,7 @@ TEST_F(SlotbusDemoDestinations, WithoutANameTheFileHasTheDefaultOne) {
 TEST_F(SlotbusDemoDestinations, DriveCIsTheCurrentFolder) {
   std::string const command = std::string("cd ") + pathOf("") + " && exec " + kDemo +
                               " --trace '--destination file C:/here.out'";
-  EXPECT_EQ(runProgram({"sh", "-c", command}).exitCode, 1);
+  EXPECT_EQ(runProgram({"sh", "-c", command}).exitCode, 0);
   EXPECT_TRUE(contains(readFile("here.out"), kSummary));
 }
 
@@ -73,12 +73,33 @@ TEST_F(SlotbusDemoDestinations, AFileThatCannotBeOpenedLeavesTheTraceWhereItWas)
   for (char const* name : {"C:/absent/x.out", "D:/x.out"}) {
     tRun const done =
         run({"--drive-c", pathOf(""), "--trace", std::string("--destination file ") + name});
-    EXPECT_EQ(done.exitCode, 1);
+    EXPECT_EQ(done.exitCode, 0);
     EXPECT_TRUE(contains(done.output,
                          "Trace destination couldn't be opened!\n"
                          "Trace destination remains unchanged.\n"));
     EXPECT_TRUE(contains(done.output, kSummary));
   }
+}
+
+TEST_F(SlotbusDemoDestinations, AFileThatHasNoRoomForTheTraceIsReported) {
+  std::string const limited = "trap '' XFSZ; ulimit -f 1; exec " + std::string(kDemo) +
+                              " --drive-c " + pathOf("") + " --trace '--destination file C:/x.out'";
+  tRun const done = runProgram({"sh", "-c", limited});
+  EXPECT_EQ(done.exitCode, 4);
+  EXPECT_EQ(done.errors, "slotbus_demo: not all of the trace is in its file: the disk is full.\n");
+  EXPECT_FALSE(contains(readFile("x.out"), kSummary));
+}
+
+TEST_F(SlotbusDemoDestinations, AFullDiskIsReported) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root can mount a small disk";
+  std::filesystem::create_directory(pathOf("disk"));
+  std::string const onSmallDisk =
+      "mount -t tmpfs -o size=4k none $0 2>/dev/null || exit 99\nexec " + std::string(kDemo) + " " +
+      kFaultyRack + " --drive-c $0 --trace '--destination file C:/x.out'";
+  tRun const done = runProgram({"unshare", "-m", "sh", "-c", onSmallDisk, pathOf("disk")});
+  if (done.exitCode == 99) GTEST_SKIP() << "this root cannot mount a small disk";
+  EXPECT_EQ(done.exitCode, 4);
+  EXPECT_EQ(done.errors, "slotbus_demo: not all of the trace is in its file: the disk is full.\n");
 }
 
 TEST_F(SlotbusDemoDestinations, AFolderThatIsNotThereGetsOneSentence) {
@@ -91,7 +112,7 @@ TEST_F(SlotbusDemoDestinations, AFolderThatIsNotThereGetsOneSentence) {
 TEST_F(SlotbusDemoDestinations, TheSerialPortMayEndInAFile) {
   tRun const done =
       run(stable({"--serial", pathOf("port"), "--trace", "--destination serial 9600"}));
-  EXPECT_EQ(done.exitCode, 1);
+  EXPECT_EQ(done.exitCode, 0);
   EXPECT_EQ(done.errors, "");
   EXPECT_EQ(done.output, std::string(kSwitching) + "Serial port with baud rate 9600\n");
   EXPECT_EQ(readFile("port"), replaceAll(getUsualLines(), "\n", "\n\r"));
@@ -102,7 +123,7 @@ TEST_F(SlotbusDemoDestinations, TheSerialPortEndsInATerminalThatIsNamed) {
                               " --trace '--destination serial'"
                               " --filter 'verbosity>=100 && verbosity!=140'";
   std::string const usual = getUsualLines();
-  EXPECT_EQ(runProgram({"sh", "-c", kWatch, pathOf(""), command}).exitCode, 1);
+  EXPECT_EQ(runProgram({"sh", "-c", kWatch, pathOf(""), command}).exitCode, 0);
   EXPECT_EQ(readFile("seen"), replaceAll(usual, "\n", "\n\r"));
   EXPECT_EQ(countLines(readFile("announced")), 1U);
 }
@@ -128,7 +149,7 @@ TEST_F(SlotbusDemoDestinations, ACaptureIsPrintedAtTheEndBehindItsLength) {
   std::string const usual = getUsualLines();
   size_t const atEnd = usual.rfind('\n', usual.size() - 2) + 1;  // the bus stops, uncaptured
   std::string const captured = usual.substr(0, atEnd) + back;
-  EXPECT_EQ(done.exitCode, 1);
+  EXPECT_EQ(done.exitCode, 0);
   EXPECT_EQ(done.errors, "");
   EXPECT_EQ(done.output, std::string(kSwitching) + "CTF log file\ncaptured " +
                              std::to_string(captured.size()) + " bytes:\n" + captured +

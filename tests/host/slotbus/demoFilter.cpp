@@ -9,7 +9,7 @@ class SlotbusDemoFilter : public tDemoTest {};
 }  // namespace
 
 TEST_F(SlotbusDemoFilter, TheFilterLeavesTheSummary) {
-  tRun const done = run({"--filter", "verbosity>=150"});
+  tRun const done = run({kFaultyRack, "--filter", "verbosity>=150"});
   EXPECT_EQ(done.exitCode, 1);
   EXPECT_EQ(countLines(done.output), 1U);
   EXPECT_TRUE(contains(done.output, "devices: 27, failures: 7, lines: 62\n"));
@@ -28,7 +28,7 @@ TEST_F(SlotbusDemoFilter, AFilterThatBeginsWithAConnectorExtendsTheDefault) {
   tRun const done = run({"--filter", "&& filename!=examples/slotbus/component/tRackReader.cpp"});
   EXPECT_EQ(countLines(done.output), 3U);
   EXPECT_TRUE(contains(done.output, "the rack is "));
-  EXPECT_TRUE(contains(done.output, "devices on the bus: 27\n"));
+  EXPECT_TRUE(contains(done.output, "devices on the bus: 18\n"));
   EXPECT_TRUE(contains(done.output, "the bus stops\n"));
 }
 
@@ -40,7 +40,7 @@ TEST_F(SlotbusDemoFilter, ALineNumberFilterPicksOneLineOfSource) {
 }
 
 TEST_F(SlotbusDemoFilter, AnEmptyFilterChangesNothing) {
-  EXPECT_EQ(countLines(run({"--filter", ""}).output), countLines(run({}).output));
+  EXPECT_EQ(run({kDefaultRack, "--filter", ""}).output, run({kDefaultRack}).output);
 }
 
 TEST_F(SlotbusDemoFilter, AFilterThatIsNotUnderstoodGetsOneSentence) {
@@ -60,7 +60,7 @@ TEST_F(SlotbusDemoFilter, EveryFieldAndOperatorOfAFilterIsUnderstood) {
        {"compname==slotbus", "compver!=1.0.0f2", "line<500", "filename>a", "thread>=0",
         "verb<=0xFFFF", "verbosity >= 100 && comp == slotbus || line > 5", "|| verbosity==60"}) {
     tRun const done = run({"--filter", filter});
-    EXPECT_EQ(done.exitCode, 1) << filter;
+    EXPECT_EQ(done.exitCode, 0) << filter;
     EXPECT_EQ(done.errors, "") << filter;
   }
 }

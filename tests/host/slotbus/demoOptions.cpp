@@ -232,7 +232,7 @@ TEST_F(SlotbusDemoOptions, TheTraceOptionsAreTheLibrarys) {
 }
 
 TEST_F(SlotbusDemoOptions, AMasterSwitchThatIsOffLeavesOnlyTheExitCode) {
-  tRun const done = run({"--trace", "--off"});
+  tRun const done = run({kFaultyRack, "--trace", "--off"});
   EXPECT_EQ(done.exitCode, 1);
   EXPECT_EQ(done.output, "");
 }
@@ -247,7 +247,7 @@ TEST_F(SlotbusDemoOptions, TheAssertOptionsChangeNoLineOfAGoodProgram) {
   for (char const* words :
        {"--category default --break off --checks off", "--preconditions off", "--terminate on"}) {
     tRun const done = run({"--filter", "verbosity>=60 && verbosity!=140", "--assert", words});
-    EXPECT_EQ(done.exitCode, 1);
+    EXPECT_EQ(done.exitCode, 0);
     EXPECT_EQ(done.output, usual) << words;
   }
 }

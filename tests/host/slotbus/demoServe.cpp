@@ -1,7 +1,10 @@
 // The demo that stays: oxdiagctl changes its settings, and a signal ends it in order.
 
+#include <sys/ioctl.h>
 #include <sys/mman.h>
+#include <sys/resource.h>
 
+#include <chrono>
 #include <csignal>
 #include <memory>
 #include <vector>
@@ -19,7 +22,10 @@ namespace {
 
 constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
 constexpr useconds_t kPause = 20'000;  // microseconds
+constexpr rlim_t kRoom = 16384;        // bytes of a file
 constexpr int kPatience = 1500;        // pauses: 30 seconds
+// A second, and what a sanitized program on a loaded machine needs beyond it.
+constexpr std::chrono::milliseconds kMostOfEnding{2500};
 
 // A request that takes the demo a while: it reads each record from the caller.
 struct tLongRequest {
@@ -38,10 +44,24 @@ class SlotbusServe : public tDemoTest {
 
   std::string socket() const { return pathOf("socket"); }
 
-  void start() {
-    child = fork();
-    if (child == 0) becomeServer();
+  void start(std::vector<std::string> const& arguments = {}) {
+    launch(arguments);
     waitFor("server.err", "serving at " + socket());
+  }
+
+  // With its output in the file server.out, or to this descriptor.
+  void launch(std::vector<std::string> const& arguments, int output = -1) {
+    std::filesystem::remove(pathOf("server.err"));
+    child = fork();
+    if (child == 0) becomeServer(arguments, output);
+  }
+
+  // Ends the demo with SIGINT, which has to be over in about a second; its exit code.
+  int endInTime() {
+    auto const begin = std::chrono::steady_clock::now();
+    int const exitCode = end(SIGINT);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kMostOfEnding);
+    return exitCode;
   }
 
   // Ends the demo and gives its exit code.
@@ -70,17 +90,36 @@ class SlotbusServe : public tDemoTest {
 
   void expectServing() const { EXPECT_EQ(control({"list"}).output, "trace\nassert\n"); }
 
+  // What waits in the terminal of the serial port.
+  std::string readSerialPort() const {
+    std::string const read = "timeout 1 cat $(sed -n 's/^serial port 1 is //p' $0/server.err)";
+    return runProgram({"sh", "-c", read, pathOf("")}).output;
+  }
+
+  // From now on a file of the demo cannot grow beyond kRoom.
+  void limitFiles() const {
+    rlimit const few = {kRoom, kRoom};
+    EXPECT_EQ(prlimit(child, RLIMIT_FSIZE, &few, nullptr), 0);
+  }
+
   void waitFor(std::string const& file, std::string const& text) const {
     for (int turn = 0; turn < kPatience && !contains(readFile(file), text); ++turn) usleep(kPause);
     EXPECT_TRUE(contains(readFile(file), text)) << file << ": " << readFile(file);
   }
 
  private:
-  [[noreturn]] void becomeServer() const {
+  // In the folder of the test, as a user starts it.
+  [[noreturn]] void becomeServer(std::vector<std::string> arguments, int output) const {
+    signal(SIGXFSZ, SIG_IGN);
     bool const isDirected = freopen(pathOf("server.out").c_str(), "w", stdout) != nullptr &&
-                            freopen(pathOf("server.err").c_str(), "w", stderr) != nullptr;
-    std::string const place = socket();
-    if (isDirected) execl(kDemo, kDemo, "--serve", "--at", place.c_str(), nullptr);
+                            freopen(pathOf("server.err").c_str(), "w", stderr) != nullptr &&
+                            (output < 0 || dup2(output, STDOUT_FILENO) >= 0) &&
+                            chdir(pathOf("").c_str()) == 0;
+    arguments.insert(arguments.begin(), {kDemo, "--serve", "--at", socket()});
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    if (isDirected) execv(kDemo, pointers.data());
     _exit(127);
   }
 
@@ -162,6 +201,66 @@ TEST_F(SlotbusServe, APlaceThatIsTakenIsNamed) {
   EXPECT_EQ(second.exitCode, 4);
   EXPECT_TRUE(isOneSentence(second.errors)) << second.errors;
   EXPECT_EQ(end(SIGINT), 0);
+}
+
+TEST_F(SlotbusServe, TakesAnyDestinationWhateverItWasStartedWith) {
+  for (std::vector<std::string> const& words :
+       {std::vector<std::string>{}, {"--trace", "--timestamp on"}, {"--capture"}}) {
+    start(words);
+    tRun const toFile = control({"trace", "--destination", "file", "C:/x.out"});
+    EXPECT_EQ(toFile.exitCode, 0) << toFile.errors;
+    waitFor("x.out", "tells its line");
+    tRun const toPort = control({"trace", "--destination", "serial"});
+    EXPECT_EQ(toPort.exitCode, 0) << toPort.errors;
+    EXPECT_EQ(control({"trace", "--destination", "vex"}).exitCode, 0);
+    EXPECT_TRUE(contains(readSerialPort(), "Switching trace destination to VEX"));
+    EXPECT_EQ(endInTime(), 0) << readFile("server.err");
+    std::filesystem::remove(pathOf("x.out"));
+  }
+}
+
+TEST_F(SlotbusServe, TheSerialPortIsATerminalThatIsNamedAtTheStart) {
+  start();
+  EXPECT_EQ(control({"trace", "--destination", "serial"}).exitCode, 0);
+  usleep(2'500'000);  // a device is asked every two seconds
+  EXPECT_EQ(control({"trace", "--destination", "vex"}).exitCode, 0);
+  EXPECT_TRUE(contains(readSerialPort(), "tells its line"));
+  EXPECT_EQ(endInTime(), 0) << readFile("server.err");
+}
+
+TEST_F(SlotbusServe, ASerialPortThatNobodyReadsHoldsUpNoEnd) {
+  start({"--filter", "verbosity>=60"});
+  EXPECT_EQ(control({"trace", "--destination", "serial", "--prefixwidth", "4000"}).exitCode, 0);
+  usleep(2'500'000);
+  EXPECT_EQ(endInTime(), 4);
+  EXPECT_TRUE(contains(readFile("server.err"), "slotbus_demo: "));
+}
+
+TEST_F(SlotbusServe, OutputThatNobodyTakesHoldsUpNoEnd) {
+  int ends[2];
+  ASSERT_EQ(pipe2(ends, O_CLOEXEC), 0);
+  fcntl(ends[1], F_SETPIPE_SZ, 4096);
+  launch({kFaultyRack, "--trace", "--prefixwidth 1000"}, ends[1]);
+  int waiting = 0;
+  for (int turn = 0; turn < kPatience && waiting < 4096; ++turn) {
+    usleep(kPause);
+    ioctl(ends[0], FIONREAD, &waiting);
+  }
+  EXPECT_EQ(waiting, 4096);
+  EXPECT_EQ(endInTime(), 4);
+  EXPECT_EQ(readFile("server.err").substr(readFile("server.err").find("slotbus_demo: ")),
+            "slotbus_demo: ended in the middle of its output, which nobody takes.\n");
+  close(ends[0]);
+  close(ends[1]);
+}
+
+TEST_F(SlotbusServe, AFullDiskIsReportedAtOnceAndAtTheEnd) {
+  start();
+  write("x.out", std::string(kRoom, 'x'));
+  limitFiles();
+  EXPECT_EQ(control({"trace", "--destination", "file", "C:/x.out"}).exitCode, 0);
+  waitFor("server.err", "not all of the trace is in its file: the disk is full.\n");
+  EXPECT_EQ(endInTime(), 4);
 }
 
 TEST_F(SlotbusServe, ASocketIsForThoseWhoServe) {

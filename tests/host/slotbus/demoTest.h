@@ -19,6 +19,7 @@
 
 constexpr char kDemo[] = OXDIAG_BINARY_DIR "/examples/slotbus/slotbus_demo";
 constexpr char kDefaultRack[] = OXDIAG_SOURCE_DIR "/examples/slotbus/rack.txt";
+constexpr char kFaultyRack[] = OXDIAG_SOURCE_DIR "/examples/slotbus/faulty.txt";
 
 struct tRun {
   int exitCode = -1;

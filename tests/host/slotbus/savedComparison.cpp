@@ -17,7 +17,7 @@ class SlotbusSavedComparison : public tDemoTest {
   }
 
   std::string save(std::string const& name) const {
-    run({kDefaultRack, "--save", pathOf(name)});
+    run({kFaultyRack, "--save", pathOf(name)});
     return readFile(name);
   }
 

@@ -8,7 +8,7 @@
 // children listed. PASSIVE_LEVEL; one at a time.
 class tLoadedRack {
  public:
-  static constexpr u32 kSlots = 27;  // good lines of rack.txt
+  static constexpr u32 kSlots = 27;  // good lines of faulty.txt
 
   explicit tLoadedRack(tEnumerator& worker) : enumerator(worker) {}
 

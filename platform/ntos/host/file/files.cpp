@@ -45,6 +45,11 @@ void limitDrive(char letter, u64 bytes) {
   drive->room = bytes;
 }
 
+FailedWrites failedWrites() {
+  FilesLock const lock;
+  return g_files.failedWrites;
+}
+
 u64 outstandingHandles() {
   FilesLock const lock;
   return g_files.handles.getCount();

@@ -16,6 +16,7 @@ struct Files {
   HandleTable handles;
   FileFailures failures = {};
   CallLog log = {};
+  FailedWrites failedWrites = {};
 };
 
 extern constinit Files g_files;

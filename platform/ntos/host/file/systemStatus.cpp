@@ -18,6 +18,7 @@ NTSTATUS systemStatus() {
       return STATUS_FILE_IS_A_DIRECTORY;
     case ENOSPC:
     case EDQUOT:
+    case EFBIG:
       return STATUS_DISK_FULL;
     case EMFILE:
     case ENFILE:

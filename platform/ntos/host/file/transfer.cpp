@@ -94,6 +94,12 @@ NTSTATUS read(HANDLE handle, void* buffer, u32 length, LARGE_INTEGER const* offs
   return STATUS_SUCCESS;
 }
 
+void noteFailedWrite(NTSTATUS status) {
+  if (NT_SUCCESS(status)) return;
+  FailedWrites& failed = g_files.failedWrites;
+  if (failed.count++ == 0) failed.first = status;
+}
+
 NTSTATUS finish(Call& call, IO_STATUS_BLOCK& result, NTSTATUS status, u64 moved) {
   result.Status = status;
   result.Information = moved;
@@ -126,5 +132,6 @@ NTSTATUS ZwWriteFile(HANDLE file, HANDLE event, void* routine, void*, IO_STATUS_
          length < FileCall::kBytesCapacity ? length : FileCall::kBytesCapacity);
   u64 moved = 0;
   NTSTATUS const status = ntoshost::write(file, buffer, length, offset, moved);
+  noteFailedWrite(status);
   return finish(call, *result, status, moved);
 }

@@ -29,6 +29,14 @@ void unmountDrive(char letter);
 // STATUS_DISK_FULL and writes nothing. A new mountDrive lifts the limit.
 void limitDrive(char letter, u64 bytes);
 
+// The writes since the start that did not reach their file, or not whole, whatever the caller made
+// of it.
+struct FailedWrites {
+  u64 count;
+  NTSTATUS first;  // what the first of them gave; STATUS_SUCCESS when there is none
+};
+FailedWrites failedWrites();
+
 // Handles that were opened and not closed.
 u64 outstandingHandles();
 
