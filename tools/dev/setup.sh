@@ -1,18 +1,33 @@
 #!/usr/bin/env bash
-# Installs what a Debian 12 lacks to build and test everything. Quick when nothing is missing.
+# Installs what a Debian 12 lacks for a verb of ./dev, or without one for all of them. Quick when
+# nothing is missing.
+#
+#   setup.sh [VERB]
+#   setup.sh --list [VERB]    only prints the packages
 set -euo pipefail
 
-packages=(
-  cmake ninja-build python3                          # the build and the workshop
-  g++ libgtest-dev libgmock-dev libbenchmark-dev     # Linux: tests and benchmarks
-  clang libclang-rt-14-dev clang-format clang-tidy   # second compiler, sanitizers, lint
-  lld llvm mingw-w64-x86-64-dev                      # Windows modules and their inspection
-  g++-mingw-w64-x86-64-win32                         # Windows programs beside them
-  wine wine64                                        # the kernel interface they run in
-  qemu-system-x86                                    # the emulated PC of the metal tests
-  libcli11-dev                                       # command lines of programs for people
-  libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev  # peers of the benchmarks
-)
+host=(cmake ninja-build python3 g++ libcli11-dev)    # programs for Linux, the workshop itself
+tests=(libgtest-dev libgmock-dev)
+sanitizers=(clang libclang-rt-14-dev lld llvm)       # second compiler, and what it links with
+windows=(clang lld llvm)                             # the modules and their inspection
+wine=(wine wine64)                                   # the kernel interface they run in
+bare=(clang lld llvm qemu-system-x86)                # the emulated PC and its images
+peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)
+mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
+lint=(clang-format clang-tidy)
+
+packages_for() {
+  case "$1" in
+    demo) echo "${host[@]}" ;;
+    bench) echo "${host[@]}" "${peers[@]}" ;;
+    kernel) echo "${host[@]}" "${windows[@]}" "${wine[@]}" ;;
+    metal) echo "${host[@]}" "${bare[@]}" ;;
+    fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
+    everything | build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
+      "${bare[@]}" "${peers[@]}" "${mingw[@]}" "${lint[@]}" ;;
+    *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
+  esac
+}
 
 is_installed() {
   dpkg-query -W -f='${db:Status-Abbrev}' "$1" 2>/dev/null | grep -q '^ii'
@@ -20,7 +35,7 @@ is_installed() {
 
 missing_packages() {
   local package
-  for package in "${packages[@]}"; do
+  for package in "$@"; do
     is_installed "$package" || echo "$package"
   done
 }
@@ -61,13 +76,25 @@ install_packages() {
 }
 
 main() {
+  local is_list=
+  if [ "${1:-}" = --list ]; then
+    is_list=1
+    shift
+  fi
+  local names packages
+  names=$(packages_for "${1:-everything}")
+  mapfile -t packages < <(tr ' ' '\n' <<<"$names" | sort -u)
+  if [ -n "$is_list" ]; then
+    echo "${packages[*]}"
+    return
+  fi
   if ! command -v dpkg-query >/dev/null; then
     echo "setup: this is not Debian; needed are the equivalents of: ${packages[*]}" >&2
     return
   fi
   local missing
-  mapfile -t missing < <(missing_packages)
+  mapfile -t missing < <(missing_packages "${packages[@]}")
   [ "${#missing[@]}" -eq 0 ] || install_packages "${missing[@]}" >&2
 }
 
-main
+main "$@"
