@@ -1,10 +1,10 @@
 #include "options/filterCheck.h"
 
 #include <array>
-#include <cctype>
 #include <string_view>
 
 #include "options/quotedWord.h"
+#include "options/valueForms.h"
 
 namespace {
 
@@ -59,10 +59,9 @@ char const* findComparisonProblem(std::string_view text, bool isNumber) {
   if (value.find_first_of(" \t\n\v\f\r|&") != std::string_view::npos) {
     return " goes on behind its value without && or ||";
   }
-  if (isNumber && std::isdigit(static_cast<unsigned char>(value[0])) == 0) {
-    return " needs a number";
-  }
-  return nullptr;
+  if (!isNumber) return nullptr;
+  if (!isNumberWord(value)) return " needs a number";
+  return isNumberAtMost(value, kLargestNumber) ? nullptr : " has a number of more than 32 bits";
 }
 
 char const* findFieldTermProblem(std::string_view term) {

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int kCalibrationNumbers = 3;
+constexpr uint32_t kWidestPrefix = 4096;  // bytes; the library pads no prefix further
 constexpr std::string_view kNeedsQuotes =
     "; an expression with blanks needs double quotes around it";
 
@@ -81,11 +82,13 @@ void tOptionCheck::readField(tOption const& option, bool isNumber) {
 void tOptionCheck::readWidth(tOption const& option) {
   if (!hasValue()) {
     problem = join(option.word, " needs a number");
-  } else if (isNumberWord(*next)) {
+  } else if (!isNumberWord(*next)) {
+    refuse(*next, join("is no number for ", option.word));
+  } else if (!isNumberAtMost(*next, kWidestPrefix)) {
+    refuse(*next, "is above " + std::to_string(kWidestPrefix) + ", the widest prefix");
+  } else {
     ++next;
     refuseMore(option.word);
-  } else {
-    refuse(*next, join("is no number for ", option.word));
   }
 }
 
@@ -140,9 +143,11 @@ void tOptionCheck::readCalibration(tOption const& option) {
 void tOptionCheck::readTokens(tOption const& option) {
   if (next == end) problem = join(option.word, " needs a token such as 5:0");
   for (; !problem && next != end; ++next) {
-    if (isTokenWord(*next)) continue;
+    if (isTokenWord(*next) && isTokenInRange(*next)) continue;
     refuse(*next,
-           join("is no token such as 5:0, as which every word is read behind ", option.word));
+           isTokenWord(*next)
+               ? "has a number of more than 32 bits"
+               : join("is no token such as 5:0, as which every word is read behind ", option.word));
   }
 }
 

@@ -1,15 +1,25 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 // Forms of values in option words, as the library reads them in full. What follows a number in a
 // word the library passes over; here it makes the word no number.
 
-// Decimal digits, 0x and hexadecimal digits, or radix#digits.
+// The largest number of an option word: the library keeps 32 bits.
+constexpr uint32_t kLargestNumber = 0xFFFFFFFF;
+
+// Decimal digits, 0x and hexadecimal digits, or radix#digits with digits below the radix. The
+// library drops the bits above 32 of a number or radix; see isNumberAtMost.
 bool isNumberWord(std::string_view word);
 
-// Two numbers with a colon between them, as in 5:0.
+// Whether a number word has a value and a radix that the library reads as they are, and is at most
+// `limit`.
+bool isNumberAtMost(std::string_view word, uint32_t limit);
+
+// Two numbers with a colon between them, as in 5:0; and whether the library reads both as they are.
 bool isTokenWord(std::string_view word);
+bool isTokenInRange(std::string_view word);
 
 // A drive letter, a colon, a slash or backslash, and a path; 127 characters at most.
 bool isFileNameWord(std::string_view word);

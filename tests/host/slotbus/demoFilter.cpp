@@ -47,7 +47,7 @@ TEST_F(SlotbusDemoFilter, AFilterThatIsNotUnderstoodGetsOneSentence) {
   for (char const* filter :
        {"colour==1", "verbosity", "verbosity=5", "verbosity>=", "verbosity>=100 &&", "&&",
         "verbosity>=100 compname==a", "verbosity>=100 & line==1", "verbosity>=high", "==5",
-        "verbosity>=100 && || line==5", "verbosity===5"}) {
+        "verbosity>=100 && || line==5", "verbosity===5", "verbosity>=4294967396", "line==5x"}) {
     tRun const done = run({"--filter", filter});
     EXPECT_EQ(done.exitCode, 64) << filter;
     EXPECT_EQ(done.output, "") << filter;

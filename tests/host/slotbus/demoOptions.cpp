@@ -166,6 +166,42 @@ TEST_F(SlotbusDemoOptions, AWordThatIsNoNumberIsPointedOut) {
                             {"--mutex-kernel-token :0", "':0' is no token"}});
 }
 
+TEST_F(SlotbusDemoOptions, ANumberThatWouldWrapIsPointedOut) {
+  expectUnderstood(
+      "--trace",
+      {"--linenumber ==4294967295", "--verbosity <=0xFFFFFFFF", "--filter line<16#42949672",
+       "--mutex-kernel-token 4294967295:0", "--filter thread==32#0000000000000000001",
+       "--linenumber ==0000000000000000000000042", "--calibrate 18446744073709551615 0 0"});
+  std::string const wraps = " has a number of more than 32 bits.";
+  expectRefused(
+      "--trace",
+      {{"--linenumber ==4294967296", "the term '==4294967296'" + wraps},
+       {"--threadid >0x100000000", "the term '>0x100000000'" + wraps},
+       {"--verbosity <99999999999999999999999", "the term '<99999999999999999999999'" + wraps},
+       {"--filter verb>=4294967396", "in the filter, 'verb>=4294967396'" + wraps},
+       {"--filter \"verb>=100 && line<2#" + std::string(33, '1') + "\"", "'" + wraps},
+       {"--filter \"thread==4294967298#1\"", "in the filter, 'thread==4294967298#1'" + wraps},
+       {"--mutex-kernel-token 4294967296:0", "'4294967296:0'" + wraps},
+       {"--mutex-kernel-token 1:4294967296", "'1:4294967296'" + wraps},
+       {"--prefixwidth 4294967346", "'4294967346' is above 4096, the widest prefix."}});
+}
+
+TEST_F(SlotbusDemoOptions, AWidthAboveTheWidestIsPointedOut) {
+  expectUnderstood("--trace", {"--prefixwidth 0", "--prefixwidth 4096", "--prefixwidth 0x1000"});
+  expectRefused("--trace",
+                {{"--prefixwidth 4097", "'4097' is above 4096, the widest prefix."},
+                 {"--prefixwidth 0x1001", "'0x1001' is above 4096, the widest prefix."}});
+}
+
+TEST_F(SlotbusDemoOptions, ANumberOfWhichTheLibraryReadsAPartIsPointedOut) {
+  expectRefused("--trace", {{"--prefixwidth 2#102", "'2#102' is no number for --prefixwidth."},
+                            {"--prefixwidth 1#0", "'1#0' is no number for --prefixwidth."},
+                            {"--linenumber ==12ab", "the term '==12ab' needs a number."},
+                            {"--filter line==0x", "in the filter, 'line==0x' needs a number."},
+                            {"--filter verb>=1e3", "in the filter, 'verb>=1e3' needs a number."},
+                            {"--filter verb>=-1", "in the filter, 'verb>=-1' needs a number."}});
+}
+
 TEST_F(SlotbusDemoOptions, AFilterAmongTheWordsIsCheckedToo) {
   expectRefused("--trace",
                 {{"--filter colour==1", "in the filter, 'colour==1' has no known field"},
