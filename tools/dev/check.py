@@ -67,7 +67,7 @@ def run_step(name, number, count):
     title, function = STEPS[name]
     with workshop.Progress(f"[{number}/{count}] {title}", sys.stdout) as progress:
         outcome = guarded(name, function)
-        progress.end(f"{outcome.passed} passed, {len(outcome.failed)} failed")
+        progress.end(workshop.counts(outcome.passed, len(outcome.failed), len(outcome.skipped)))
     if outcome.failed:
         print(outcome.output)
     return outcome
@@ -81,9 +81,12 @@ def main(names):
     names = names or [name for name in STEPS if name not in WHEN_NAMED]
     outcomes = [run_step(name, number, len(names)) for number, name in enumerate(names, 1)]
     failed = [name for outcome in outcomes for name in outcome.failed]
+    skipped = [name for outcome in outcomes for name in outcome.skipped]
+    for name in skipped:
+        print(f"SKIPPED {name}")
     for name in failed:
         print(f"FAILED {name}")
-    print(f"{sum(outcome.passed for outcome in outcomes)} passed, {len(failed)} failed")
+    print(workshop.counts(sum(outcome.passed for outcome in outcomes), len(failed), len(skipped)))
     return 1 if failed else 0
 
 

@@ -3,10 +3,14 @@
 import json
 import os
 import pathlib
+import re
 
 import workshop
 
 TIME_LIMIT = 600  # seconds for one program; the slowest takes a small part of it
+SKIP = re.compile(r"^\S+: Skipped\n(.*?)\n\[  SKIPPED \] (\S+)", re.MULTILINE | re.DOTALL)
+HELD = "held"
+FAILED = "failed"
 
 
 class Program:
@@ -46,24 +50,39 @@ def run_program(preset, program):
 
 def outcome_of(name, code, output, report):
     """A program counts its tests; one that ends badly on top of that is a failure of its own."""
-    tests = read_report(report)
-    failed = [f"{name} {test}" for test, held in tests.items() if not held]
+    tests = read_report(report, reasons_of_skips(output))
+    failed = [f"{name} {test}" for test, result in tests.items() if result == FAILED]
+    skipped = [f"{name} {test}: {result}" for test, result in tests.items()
+               if result not in (HELD, FAILED)]
     if not tests:
         failed.append(f"{name}: ran no test to its end, exit code {code}")
     elif code != 0 and not failed:
         failed.append(f"{name}: exit code {code} after its tests")
-    passed = sum(tests.values())
-    return workshop.Outcome(passed, failed, output if failed else "")
+    passed = sum(result == HELD for result in tests.values())
+    return workshop.Outcome(passed, failed, output if failed else "", skipped)
 
 
-def read_report(report):
-    """Test name -> held. A skipped or disabled test did not hold: nothing is left out quietly."""
+def reasons_of_skips(output):
+    """Test name -> the sentence with which it skipped itself; the report has only the fact."""
+    return {name: " ".join(reason.split()) for reason, name in SKIP.findall(output)}
+
+
+def result_of(test, reason):
+    """HELD, FAILED, or the reason of a skipped test. One that gives no reason, or is disabled,
+    failed: nothing is left out quietly."""
+    if test["result"] == "SKIPPED" and not test.get("failures"):
+        return reason or FAILED
+    return HELD if test["result"] == "COMPLETED" and not test.get("failures") else FAILED
+
+
+def read_report(report, reasons):
+    """Test name -> what result_of says of it."""
     if not report.exists():
         return {}
     suites = json.loads(report.read_text())["testsuites"]
-    return {f"{suite['name']}.{test['name']}":
-            test["result"] == "COMPLETED" and not test.get("failures")
-            for suite in suites for test in suite["testsuite"]}
+    tests = {f"{suite['name']}.{test['name']}": test
+             for suite in suites for test in suite["testsuite"]}
+    return {name: result_of(test, reasons.get(name)) for name, test in tests.items()}
 
 
 def check(preset, target, kind=None):
@@ -71,7 +90,9 @@ def check(preset, target, kind=None):
     outcomes = workshop.in_parallel(lambda program: run_program(preset, program),
                                     programs(preset, kind))
     failed = [name for outcome in outcomes for name in outcome.failed]
+    skipped = [name for outcome in outcomes for name in outcome.skipped]
     if not outcomes:
         failed.append(f"{preset}: no test program")
     return workshop.Outcome(sum(outcome.passed for outcome in outcomes), failed,
-                            "\n".join(outcome.output for outcome in outcomes if outcome.output))
+                            "\n".join(outcome.output for outcome in outcomes if outcome.output),
+                            skipped)

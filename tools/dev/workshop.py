@@ -13,8 +13,14 @@ TOP = pathlib.Path(__file__).resolve().parents[2]
 OUT = TOP / "out"
 CORES = os.cpu_count() or 1
 
-# What a step found: how many checks held, the names of those that did not, and what to show then.
-Outcome = collections.namedtuple("Outcome", "passed failed output")
+# What a step found: how many checks held, the names of those that did not, what to show then, and
+# which could not be made, each with its reason.
+Outcome = collections.namedtuple("Outcome", "passed failed output skipped", defaults=[()])
+
+
+def counts(passed, failed, skipped):
+    """The words that end a step and a run."""
+    return f"{passed} passed, {failed} failed" + (f", {skipped} skipped" if skipped else "")
 
 
 class Failure(Exception):

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr int kCalibrationNumbers = 3;
-constexpr uint32_t kWidestPrefix = 4096;  // bytes; the library pads no prefix further
+constexpr uint32_t kWidestPrefix = 4096;  // characters; beyond it a line is nothing but prefix
 constexpr std::string_view kNeedsQuotes =
     "; an expression with blanks needs double quotes around it";
 

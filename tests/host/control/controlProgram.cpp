@@ -145,7 +145,7 @@ TEST_F(Control, TheDefaultPathIsInTheUsersRuntimeFolder) {
 }
 
 TEST_F(Control, AnotherUserIsRefused) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   std::filesystem::permissions(std::filesystem::path(program.getPath()).parent_path(),
                                std::filesystem::perms{0755});
   std::string const as = "setpriv --reuid 65534 --clear-groups ";
@@ -158,7 +158,7 @@ TEST_F(Control, AnotherUserIsRefused) {
 }
 
 TEST_F(Control, AnOrdinaryUserSetsAProgramOfHis) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   tServingProgram const others(65534);
   auto const callAs = [&](std::string const& user) {
     return runProgram({"sh", "-c",
@@ -172,7 +172,7 @@ TEST_F(Control, AnOrdinaryUserSetsAProgramOfHis) {
 }
 
 TEST_F(Control, AnotherUsersProgramIsNotLetIn) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   std::filesystem::permissions(pathOf(""), std::filesystem::perms{0777});
   sockaddr_un address = {};
   address.sun_family = AF_UNIX;

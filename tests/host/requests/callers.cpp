@@ -293,7 +293,7 @@ TEST_F(RequestCallers, CallsWhileServersComeAndGoAreServedOrRefusedAtOnce) {
 
 TEST_F(RequestCallers, AnotherUserIsToldThatHeIsRefused) {
   constexpr uid_t kSomebody = 65534;
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   std::filesystem::permissions(path, std::filesystem::perms{0666});
   auto const callAsSomebody = [this] {
     tDoubling doubling = {21};
@@ -305,7 +305,7 @@ TEST_F(RequestCallers, AnotherUserIsToldThatHeIsRefused) {
 }
 
 TEST_F(RequestCallers, AnotherUserCannotEvenOpenTheSocket) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   auto const connectAsSomebody = [this] {
     if (setuid(65534) != 0) return 100;
     return tConnection(path).isConnected() ? 1 : 0;
@@ -315,7 +315,7 @@ TEST_F(RequestCallers, AnotherUserCannotEvenOpenTheSocket) {
 
 // Who has changed its user is closed to others of the new one, until it opens itself.
 TEST_F(RequestCallers, OneThatClosesItsMemoryIsToldSo) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   stopRequestServer();
   tSignal const mayCall;
   tSignal const mayEnd;
@@ -340,7 +340,7 @@ TEST_F(RequestCallers, OneThatClosesItsMemoryIsToldSo) {
 
 // Root may call any server, but only root may look into the memory of root.
 TEST_F(RequestCallers, OneWhoseMemoryIsClosedIsToldSo) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   stopRequestServer();
   tSignal const mayCall;
   tSignal const mayEnd;

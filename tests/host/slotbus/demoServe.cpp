@@ -176,7 +176,7 @@ TEST_F(SlotbusServe, ACallerThatUnmapsItsBufferIsAnsweredAllTheSame) {
 }
 
 TEST_F(SlotbusServe, AnotherUserIsRefused) {
-  ASSERT_EQ(geteuid(), 0u) << "only root can become another user";
+  if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
   start();
   std::filesystem::permissions(pathOf(""), std::filesystem::perms{0755});
   std::filesystem::permissions(socket(), std::filesystem::perms{0666});
