@@ -64,6 +64,7 @@
 #include "oxdiagk/tConfigurable.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tunnelRequest.h"
+#include "oxdiagk/stateRequest.h"
 
 // What is installed, and whether it is enough.
 #include "oxdiagk/version.h"

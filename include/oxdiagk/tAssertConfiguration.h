@@ -135,6 +135,9 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
   void pushConfiguration() override;
   void popConfiguration() override;
 
+  // Configurations that are saved now. PASSIVE_LEVEL.
+  u32 countSavedConfigurations();
+
  protected:
   // A private object, as fresh as the module's: for those who derive from this class.
   tAssertConfiguration();

@@ -357,6 +357,9 @@ class OXDIAG_API tTrace : public tConfigurable {
   void pushConfiguration() override;
   void popConfiguration() override;
 
+  // Configurations that are saved now. PASSIVE_LEVEL.
+  u32 countSavedConfigurations();
+
  protected:
   // A private stream, with the settings of a fresh one: for components that want one of their own,
   // by deriving from this class. `first` must outlive the stream or its use by it, and is open.

@@ -106,6 +106,11 @@ void tAssertConfiguration::popConfiguration() {
   if (restoreSettings(*this, saved.text)) currentCategory = saved.category;
 }
 
+u32 tAssertConfiguration::countSavedConfigurations() {
+  tConfigurationGuard const guard(configurationLock);
+  return static_cast<u32>(savedConfigurations.size());
+}
+
 // The key that equals `category`, or null.
 char const* tAssertConfiguration::findName(char const* category) const {
   auto const* const found = categories.find(category);

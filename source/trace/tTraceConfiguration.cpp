@@ -53,4 +53,9 @@ void tTrace::popConfiguration() {
   restoreSettings(*this, text);
 }
 
+u32 tTrace::countSavedConfigurations() {
+  tConfigurationGuard const guard(configurationLock);
+  return static_cast<u32>(savedConfigurations.size());
+}
+
 }  // namespace nOXDIAG100

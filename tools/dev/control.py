@@ -16,7 +16,8 @@ CASES = [
     ("help", ["--help"], 0, "", "Usage: oxdiagctl"),
     ("help of a command", ["trace", "--help"], 0, "", "  --timestamp [on|off] "),
     ("words for the shell", ["words", "assert"], 0, "", "--terminate\n"),
-    ("no command", [], 64, "A subcommand is required\nRun with --help for more information.\n", ""),
+    ("no command", [], 64, "a command is needed: list, trace, assert or version\n"
+     "Run with --help for more information.\n", ""),
     ("an unknown word", ["trace", "--timestmp"], 4,
      "oxdiagctl: '--timestmp' is no option, perhaps --timestamp.\n", ""),
     ("a path of Windows", ["trace", "--destination", "file", "/x.out"], 4,

@@ -2,11 +2,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include "options/helpEnd.h"
+#include "options/nearestWord.h"
 #include "options/optionTable.h"
+#include "options/quotedWord.h"
+#include "options/toolVersion.h"
 #include "oxdiagctl/exitCodes.h"
 #include "oxdiagctl/iRequestChannel.h"
 
 namespace {
+
+constexpr std::string_view kCommands[] = {"list", "trace", "assert", "version"};
+
+constexpr char kNoCommand[] = "a command is needed: list, trace, assert or version";
 
 char const* const kDescription =
     "Shows and changes the settings of a running diagnostics library: where its trace\n"
@@ -21,7 +29,8 @@ char const* const kExamples =
     "  oxdiagctl trace --push --destination file C:/x.out --filter \"verbosity>=60\"\n"
     "  oxdiagctl trace --pop                            back to what they were\n"
     "  oxdiagctl assert --category warning --checks off\n"
-    "  oxdiagctl trace --raw >settings.txt              as the library tells them\n"
+    "  oxdiagctl trace --raw >settings.txt              as the library writes them\n"
+    "  oxdiagctl version                                of this tool and of the library\n"
     "\n"
     "Words of `trace` and `assert`: oxdiagctl trace --help. More in docs/configuring.md.\n";
 
@@ -72,9 +81,27 @@ void addCommands(CLI::App& app, tControlOptions& options) {
     options.command = tCommand::kAssert;
     options.words = assertion->remaining();
   });
+  CLI::App* const version =
+      app.add_subcommand("version", "Show the versions of this tool and of the library");
+  addPlace(*version, options);
+  version->callback([&options] { options.command = tCommand::kVersion; });
   CLI::App* const words = app.add_subcommand("words", "")->group("");
   words->add_option("OBJECT", options.words)->required()->expected(1);
   words->callback([&options] { options.command = tCommand::kWords; });
+}
+
+// What stands where a command is to stand, and is none.
+std::optional<std::string> findStrangeCommand(CLI::App const& app) {
+  auto const strange = app.remaining();
+  if (strange.empty()) return std::nullopt;
+  std::string const& word = strange.front();
+  std::string const sentence = quoteWord(word);
+  if (word.starts_with("-")) {
+    return sentence + " is no option here; words for the library come behind trace or assert";
+  }
+  std::string_view const nearest = findNearestWord(word, kCommands);
+  return sentence + " is no command (list, trace, assert, version)" +
+         (nearest.empty() ? "" : ", perhaps " + std::string(nearest));
 }
 
 // Of several wishes about the settings only one can be had.
@@ -90,13 +117,18 @@ std::optional<tControlOptions> readOptions(int argc, char** argv, int& exitCode)
   CLI::App app(kDescription, "oxdiagctl");
   addPlace(app, options);
   addCommands(app, options);
-  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("oxdiagctl ") + getToolVersion());
+  app.allow_extras();
+  app.require_subcommand(0, 1);
   app.footer(std::string(kExamples) + kCodes);
   try {
     app.parse(argc, argv);
+    if (auto const problem = findStrangeCommand(app)) throw CLI::ValidationError(*problem);
+    if (app.get_subcommands().empty()) throw CLI::ValidationError(kNoCommand);
     if (auto const problem = findContradiction(options)) throw CLI::ValidationError(*problem);
   } catch (CLI::ParseError const& problem) {
-    exitCode = app.exit(problem) == 0 ? kExitGood : kExitUsage;
+    bool const isHelp = app.exit(problem) == 0;
+    exitCode = isHelp ? endOfHelp("oxdiagctl", kExitGood, kExitNoOutput) : int{kExitUsage};
     return std::nullopt;
   }
   return options;

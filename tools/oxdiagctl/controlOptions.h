@@ -5,7 +5,7 @@
 #include <vector>
 
 // What is to be done, beside --help.
-enum class tCommand { kList, kTrace, kAssert, kWords };
+enum class tCommand { kList, kTrace, kAssert, kVersion, kWords };
 
 // What the user typed.
 struct tControlOptions {

@@ -13,8 +13,11 @@ class iRequestChannel {
   iRequestChannel& operator=(iRequestChannel const&) = delete;
 
   // Carries the request at `request`, in this program's memory, to a dispatcher, and returns when
-  // it is served. Throws tFailure.
-  virtual void deliver(std::string_view dispatcher, void const* request) = 0;
+  // it is served; false when there is no such dispatcher. Throws tFailure.
+  virtual bool deliver(std::string_view dispatcher, void const* request) = 0;
+
+  // Where it leads.
+  virtual std::string const& getPlace() const = 0;
 
  protected:
   iRequestChannel() = default;

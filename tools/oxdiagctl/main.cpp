@@ -4,7 +4,9 @@
 #include <initializer_list>
 
 #include "options/optionTable.h"
+#include "options/toolVersion.h"
 #include "oxdiagctl/controlOptions.h"
+#include "oxdiagctl/libraryState.h"
 #include "oxdiagctl/objectCommand.h"
 #include "oxdiagctl/print.h"
 #include "oxdiagctl/tFailure.h"
@@ -18,6 +20,14 @@ void listObjects(tControlOptions const& options) {
     tTunnel const tunnel(*channel, language->name);
     if (tunnel.isThere()) print(std::string(language->name) + "\n");
   }
+}
+
+void showVersions(tControlOptions const& options) {
+  print(std::string("oxdiagctl  ") + getToolVersion() + "\n");
+  auto const channel = openRequestChannel(options.place);
+  auto const state = askLibraryState(*channel);
+  if (!state) throw tFailure{kExitNotTaken, "the library there does not report its version"};
+  print(std::string("library    ") + state->build + "\n");
 }
 
 // For the shell, which completes them.
@@ -36,6 +46,8 @@ void runCommand(tControlOptions const& options) {
       return runObjectCommand(kTraceLanguage, options);
     case tCommand::kAssert:
       return runObjectCommand(kAssertLanguage, options);
+    case tCommand::kVersion:
+      return showVersions(options);
     case tCommand::kWords:
       return listWords(options.words.front());
   }

@@ -3,6 +3,7 @@
 #include "options/optionText.h"
 #include "options/quotedWord.h"
 #include "options/tOptionCheck.h"
+#include "oxdiagctl/libraryState.h"
 #include "oxdiagctl/print.h"
 #include "oxdiagctl/tFailure.h"
 #include "oxdiagctl/tSettings.h"
@@ -44,6 +45,21 @@ void showSettings(tOptionLanguage const& language, tTunnel& tunnel, bool isRaw) 
   print(isRaw ? text + "\n" : tSettings(text).describe(language));
 }
 
+// A pop of nothing would pass without a word.
+void demandSaved(tOptionLanguage const& language, iRequestChannel& channel) {
+  auto const state = askLibraryState(channel);
+  if (!state) return;
+  bool const isTrace = language.name == kTraceLanguage.name;
+  if ((isTrace ? state->savedTrace : state->savedAssert) != 0) return;
+  throw tFailure{kExitNotTaken, "nothing is saved of " + std::string(language.name) +
+                                    ", so there was nothing to take back"};
+}
+
+std::string_view describeNoChange(tControlOptions const& options) {
+  if (options.pops) return "restored, nothing is different\n";
+  return options.pushes && options.words.empty() ? "saved\n" : "nothing has changed\n";
+}
+
 void change(tTunnel& tunnel, tControlOptions const& options, std::string const& text) {
   tSettings const before(tunnel.inquire());
   if (options.pushes) tunnel.push();
@@ -57,7 +73,7 @@ void change(tTunnel& tunnel, tControlOptions const& options, std::string const& 
   } else if (!changes.empty()) {
     print(changes);
   } else {
-    print(options.pushes && text.empty() ? "saved\n" : "nothing has changed\n");
+    print(describeNoChange(options));
   }
   demandDestination(options.words, now);
 }
@@ -75,6 +91,7 @@ void runObjectCommand(tOptionLanguage const& language, tControlOptions const& op
   if (text.empty() && !options.pushes && !options.pops) {
     showSettings(language, tunnel, options.isRaw);
   } else {
+    if (options.pops) demandSaved(language, *channel);
     change(tunnel, options, text);
   }
 }

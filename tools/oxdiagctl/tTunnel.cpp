@@ -66,5 +66,6 @@ void tTunnel::send(tTunnelRecord const& record) {
     tTunnelHeader header;
     tTunnelRecord record;
   } const request = {{handle, 1}, record};
-  channel.deliver(kTunnelName, &request);
+  if (channel.deliver(kTunnelName, &request)) return;
+  throw tFailure{kExitNobody, "at " + channel.getPlace() + ", no diagnostics library is running"};
 }

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "options/helpEnd.h"
+#include "options/toolVersion.h"
 #include "oxdiagreport/exitCodes.h"
 
 namespace {
@@ -33,6 +35,7 @@ std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) 
   CLI::App app(kDescription, "oxdiagreport");
   app.get_formatter()->column_width(18);
   app.footer(kFooter);
+  app.set_version_flag("--version", std::string("oxdiagreport ") + getToolVersion());
   std::string format = "text";
   app.add_option("FILE", options.file, "The saved statuses; by default, or as -, standard input")
       ->type_name("");
@@ -45,7 +48,8 @@ std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) 
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& problem) {
-    exitCode = app.exit(problem) == 0 ? kExitGood : kExitUsage;
+    bool const isHelp = app.exit(problem) == 0;
+    exitCode = isHelp ? endOfHelp("oxdiagreport", kExitGood, kExitNoOutput) : int{kExitUsage};
     return std::nullopt;
   }
   options.format = kFormats.at(format);

@@ -3,7 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "options/helpEnd.h"
 #include "options/optionTable.h"
+#include "options/toolVersion.h"
 
 namespace {
 
@@ -87,11 +89,13 @@ std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
   CLI::App app(kDescription, "slotbus_demo");
   app.get_formatter()->column_width(18);
   app.footer(makeFooter());
+  app.set_version_flag("--version", std::string("slotbus_demo ") + getToolVersion());
   addOptions(app, options);
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& problem) {
-    exitCode = app.exit(problem) == 0 ? kExitGood : kExitUsage;
+    bool const isHelp = app.exit(problem) == 0;
+    exitCode = isHelp ? endOfHelp("slotbus_demo", kExitGood, kExitNoOutput) : int{kExitUsage};
     return std::nullopt;
   }
   return options;

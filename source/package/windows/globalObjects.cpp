@@ -23,6 +23,7 @@
 #include "oxdiagk/tTitleReportable.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tWhiteSpaceReportable.h"
+#include "package/windows/tStateDispatcher.h"
 #include "package/windows/tTerminatorList.h"
 #include "status/tStatus2DescriptionImplementation.h"
 #include "stl/memory.h"
@@ -104,13 +105,25 @@ i32 registerClass() {
   return pushed;
 }
 
+// What user-mode programs reach the module by.
+struct tDispatchers {
+  static void constructInstance() {
+    tConfigTunnel::constructInstance();
+    tStateDispatcher::constructInstance();
+  }
+  static void destroyInstance() {
+    tStateDispatcher::destroyInstance();
+    tConfigTunnel::destroyInstance();
+  }
+};
+
 struct tInitialiserTable {
   tInitialiser entries[kInitialiserCount] = {};
 
   constexpr tInitialiserTable() {
     entries[kCountEntry] = &countInitialisation;
     entries[kRegistryEntry] = &initialiseInstance<tInstanceRegistry>;
-    entries[kTunnelEntry] = &initialiseInstance<tConfigTunnel>;
+    entries[kTunnelEntry] = &initialiseInstance<tDispatchers>;
     entries[kAssertEntry] = &initialiseInstance<tAssertConfiguration>;
     entries[kForEmptyContainersEntry] = &registerClass<iReportableTranslatorForEmptyContainers>;
     entries[kForI64Entry] = &registerClass<iReportableTranslatorForI64>;

@@ -4,10 +4,13 @@
 #include <sys/un.h>
 
 #include "control/controlTest.h"
+#include "options/toolVersion.h"
 
 namespace {
 
 class Control : public tControlTest {};
+
+constexpr char kReport[] = OXDIAG_BINARY_DIR "/tools/oxdiagreport/oxdiagreport";
 
 char const* const kFirstSettings =
     "--on --destination vex --compname on --compver off --linenumber on --filename on "
@@ -94,7 +97,57 @@ TEST_F(Control, PushesAndPopsOnly) {
   EXPECT_EQ(told({"trace", "--push"}), "saved\n");
   told({"trace", "--threadid"});
   EXPECT_EQ(told({"trace", "--pop"}), "--threadid  on -> off\n");
-  EXPECT_EQ(told({"trace", "--pop"}), "nothing has changed\n");
+  told({"trace", "--push"});
+  EXPECT_EQ(told({"trace", "--pop"}), "restored, nothing is different\n");
+}
+
+TEST_F(Control, APopOfNothingSaysThatNothingIsSaved) {
+  std::string const nothing = ", so there was nothing to take back";
+  expectFailure(control({"trace", "--pop"}), 1, "nothing is saved of trace" + nothing);
+  told({"assert", "--push"});
+  expectFailure(control({"trace", "--pop"}), 1, "nothing is saved of trace" + nothing);
+  told({"assert", "--pop"});
+  expectFailure(control({"assert", "--pop"}), 1, "nothing is saved of assert" + nothing);
+}
+
+TEST_F(Control, SaysTheVersionsOfBothSides) {
+  std::string const version = getToolVersion();
+  EXPECT_EQ(told({"--version"}), "oxdiagctl " + version + "\n");
+  std::string const both = told({"version"});
+  EXPECT_TRUE(both.starts_with("oxdiagctl  " + version + "\nlibrary    " + version + " ")) << both;
+  EXPECT_EQ(countLines(both), 2U);
+}
+
+TEST_F(Control, EveryToolSaysItsVersion) {
+  std::string const version = getToolVersion();
+  EXPECT_EQ(run({"--version"}).output, "slotbus_demo " + version + "\n");
+  EXPECT_EQ(runProgram({kReport, "--version"}).output, "oxdiagreport " + version + "\n");
+}
+
+TEST_F(Control, HelpThatCannotBeWrittenFails) {
+  for (char const* what : {"--help", "--version"}) {
+    EXPECT_EQ(control({what}, "/dev/full").exitCode, 5);
+    EXPECT_EQ(run({what}, "/dev/full").exitCode, 4);
+    EXPECT_EQ(runProgram({kReport, what}, "/dev/full").exitCode, 4);
+  }
+  tRun const done = control({"trace", "--help"}, "/dev/full");
+  EXPECT_EQ(done.exitCode, 5);
+  EXPECT_EQ(done.errors, "oxdiagctl: cannot write to standard output.\n");
+}
+
+TEST_F(Control, AWordThatIsNoCommandIsNamedWithTheNearest) {
+  auto const firstLine = [this](std::vector<std::string> const& arguments) {
+    tRun const run = control(arguments);
+    EXPECT_EQ(run.exitCode, 64);
+    return run.errors.substr(0, run.errors.find('\n'));
+  };
+  std::string const commands = " is no command (list, trace, assert, version)";
+  EXPECT_EQ(firstLine({"bogus"}), "'bogus'" + commands);
+  EXPECT_EQ(firstLine({"trase"}), "'trase'" + commands + ", perhaps trace");
+  EXPECT_EQ(firstLine({"asserts", "--off"}), "'asserts'" + commands + ", perhaps assert");
+  EXPECT_EQ(firstLine({"--off", "trace"}),
+            "'--off' is no option here; words for the library come behind trace or assert");
+  EXPECT_EQ(firstLine({}), "a command is needed: list, trace, assert or version");
 }
 
 TEST_F(Control, WordsThatWouldHaveNoEffectAreRefusedAndNothingChanges) {

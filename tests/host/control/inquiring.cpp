@@ -15,7 +15,7 @@ namespace {
 // Plays the library's tunnel in this program's memory.
 class tPlayedChannel : public iRequestChannel {
  public:
-  void deliver(std::string_view dispatcher, void const* request) override {
+  bool deliver(std::string_view dispatcher, void const* request) override {
     EXPECT_EQ(dispatcher, kTunnelName);
     tTunnelHeader header;
     tTunnelRecord record;
@@ -25,11 +25,14 @@ class tPlayedChannel : public iRequestChannel {
     if (record.operation == kTunnelAcquire) write(record.address, handle);
     if (record.operation == kTunnelInquire) inquire(record);
     if (record.operation == kTunnelRelease) released = header.handle;
+    return true;
   }
+  std::string const& getPlace() const override { return place; }
 
   u32 handle = kHandle;
   u32 released = 0;
   std::string text;
+  std::string place = "here";
   size_t growth = 0;  // of the text before each call
   int inquiries = 0;
   int growingInquiries = 1000;

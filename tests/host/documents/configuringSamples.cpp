@@ -69,6 +69,6 @@ TEST_F(ConfiguringSamples, EveryCommandShowsWhatThePageSays) {
     if (block.kind == "console") typeBlock(block);
     program.trace();
   }
-  EXPECT_EQ(commands, 14);
+  EXPECT_EQ(commands, 15);
   EXPECT_NE(program.readFile("x.out").find("line 3"), std::string::npos);
 }

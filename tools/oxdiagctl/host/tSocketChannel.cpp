@@ -86,7 +86,7 @@ void tSocketChannel::greet() {
   demandAccepted(receive<tRequestGreeting>().answer);
 }
 
-void tSocketChannel::deliver(std::string_view dispatcher, void const* request) {
+bool tSocketChannel::deliver(std::string_view dispatcher, void const* request) {
   tRequestMessage message = {};
   message.magic = kRequestMagic;
   message.nameLength = static_cast<u32>(dispatcher.size());
@@ -95,9 +95,7 @@ void tSocketChannel::deliver(std::string_view dispatcher, void const* request) {
   if (send(descriptor, &message, sizeof(message), MSG_NOSIGNAL) != sizeof(message)) fail(errno);
   tRequestReply const reply = receive<tRequestReply>();
   demandAccepted(reply.answer);
-  if (reply.status < 0) {
-    throw tFailure{kExitNobody, "at " + path + ", no diagnostics library is running"};
-  }
+  return reply.status >= 0;
 }
 
 template <class tMessage>

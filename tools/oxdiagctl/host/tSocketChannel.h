@@ -9,7 +9,8 @@ class tSocketChannel : public iRequestChannel {
   explicit tSocketChannel(std::string path);
   ~tSocketChannel() override;
 
-  void deliver(std::string_view dispatcher, void const* request) override;
+  bool deliver(std::string_view dispatcher, void const* request) override;
+  std::string const& getPlace() const override { return path; }
 
  private:
   void open();

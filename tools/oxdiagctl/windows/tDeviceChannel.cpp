@@ -37,7 +37,7 @@ tDeviceChannel::~tDeviceChannel() {
   CloseHandle(device);
 }
 
-void tDeviceChannel::deliver(std::string_view dispatcher, void const* request) {
+bool tDeviceChannel::deliver(std::string_view dispatcher, void const* request) {
   tRequestInput input = {};
   tRequestOutput output = {};
   DWORD moved = 0;
@@ -48,9 +48,7 @@ void tDeviceChannel::deliver(std::string_view dispatcher, void const* request) {
                                       sizeof(output), &moved, nullptr);
   if (isDone == 0) fail(GetLastError());
   if (moved != sizeof(output)) fail(ERROR_INVALID_FUNCTION);
-  if (output.status < 0) {
-    throw tFailure{kExitNobody, "at " + path + ", no diagnostics library is running"};
-  }
+  return output.status >= 0;
 }
 
 void tDeviceChannel::fail(unsigned long error) const {

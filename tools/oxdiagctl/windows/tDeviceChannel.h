@@ -9,7 +9,8 @@ class tDeviceChannel : public iRequestChannel {
   explicit tDeviceChannel(std::string devicePath);
   ~tDeviceChannel() override;
 
-  void deliver(std::string_view dispatcher, void const* request) override;
+  bool deliver(std::string_view dispatcher, void const* request) override;
+  std::string const& getPlace() const override { return path; }
 
  private:
   [[noreturn]] void fail(unsigned long error) const;

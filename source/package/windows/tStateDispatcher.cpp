@@ -1,0 +1,63 @@
+#include "package/windows/tStateDispatcher.h"
+
+#include "build/version.h"
+#include "oxdiagk/stateRequest.h"
+#include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/tTrace.h"
+#include "package/windows/moduleStrings.h"
+#include "vexk/userMemory.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+alignas(tStateDispatcher) constinit u8 instanceStorage[sizeof(tStateDispatcher)] = {};
+
+void copyBuild(char (&to)[tStateAnswer::kBuildSize], char const* from) {
+  for (u32 index = 0; index + 1 < tStateAnswer::kBuildSize && from[index] != '\0'; ++index) {
+    to[index] = from[index];
+  }
+}
+
+tStateAnswer makeAnswer() {
+  tStateAnswer answer = {};
+  answer.size = sizeof(answer);
+  answer.version = kPackedVersion;
+  answer.savedTrace = tTrace::getInstance().countSavedConfigurations();
+  answer.savedAssert = tAssertConfiguration::getInstance().countSavedConfigurations();
+  copyBuild(answer.build, kModuleIdentity.buildString);
+  return answer;
+}
+
+}  // namespace
+
+tStateDispatcher& tStateDispatcher::getInstance() {
+  return *reinterpret_cast<tStateDispatcher*>(instanceStorage);
+}
+
+void tStateDispatcher::constructInstance() {
+  new (instanceStorage) tStateDispatcher;
+}
+
+void tStateDispatcher::destroyInstance() {
+  getInstance().~tStateDispatcher();
+}
+
+tStateDispatcher::tStateDispatcher() : iDispatcher(kStateName) {
+  i32 status = 0;
+  iLib::exportDispatcher(*this, status);
+}
+
+tStateDispatcher::~tStateDispatcher() {
+  i32 status = 0;
+  iLib::unexportDispatcher(*this, status);
+}
+
+void tStateDispatcher::dispatch(u64 request) {
+  tStateRequest wanted;
+  if (vexCopyFromUser(&wanted, request, sizeof(wanted)) != sizeof(wanted)) return;
+  tStateAnswer const answer = makeAnswer();
+  u32 const size = wanted.size < sizeof(answer) ? wanted.size : u32{sizeof(answer)};
+  vexCopyToUser(wanted.address, &answer, size);
+}
+
+}  // namespace nOXDIAG100
