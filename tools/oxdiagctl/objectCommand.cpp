@@ -12,6 +12,7 @@
 namespace {
 
 constexpr std::string_view kDestination = "--destination";
+constexpr std::string_view kNamelessDestination = "vex";
 
 // The words as the text that the library cuts into them.
 std::string makeText(tOptionLanguage const& language, std::vector<std::string> const& words) {
@@ -25,9 +26,9 @@ std::string makeText(tOptionLanguage const& language, std::vector<std::string> c
 // The destination that the words ask for last; empty when they ask for none.
 std::string_view findDestination(std::vector<std::string> const& words) {
   std::string_view name;
-  for (size_t index = 1; index < words.size(); ++index) {
-    bool const isNamed = words[index - 1] == kDestination && !words[index].starts_with("--");
-    if (isNamed) name = words[index];
+  for (size_t index = 0; index < words.size(); ++index) {
+    if (words[index] != kDestination) continue;
+    name = index + 1 < words.size() ? std::string_view(words[index + 1]) : kNamelessDestination;
   }
   return name;
 }

@@ -164,6 +164,13 @@ TEST_F(Control, WordsThatWouldHaveNoEffectAreRefusedAndNothingChanges) {
   EXPECT_EQ(told({"trace", "--raw"}), std::string(kFirstSettings) + "\n");
 }
 
+TEST_F(Control, ADestinationWithoutANameIsTheDebuggerPrint) {
+  EXPECT_EQ(told({"trace", "--destination", "file", "C:/x.out"}),
+            "--destination  vex -> file C:/x.out\n");
+  EXPECT_EQ(told({"trace", "--destination", "serial", "--destination"}),
+            "--destination  file C:/x.out -> vex\n");
+}
+
 TEST_F(Control, ADestinationThatCannotBeOpenedIsTold) {
   tRun const run = control({"trace", "--destination", "file", "C:/missing/x.out"});
   EXPECT_EQ(run.exitCode, 1);

@@ -70,5 +70,5 @@ TEST_F(ConfiguringSamples, EveryCommandShowsWhatThePageSays) {
     program.trace();
   }
   EXPECT_EQ(commands, 15);
-  EXPECT_NE(program.readFile("x.out").find("line 3"), std::string::npos);
+  EXPECT_NE(program.readFile("x.out").find("line 4"), std::string::npos);
 }
