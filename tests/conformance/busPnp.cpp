@@ -174,6 +174,76 @@ TEST(BusPnp, AChildRemovedBeforeItsBusGoesWithIt) {
   EXPECT_FALSE(isListed(stack.driver(), stack.child));
 }
 
+TEST(BusPnp, AnotherDriversLoadStateKeepsTheBuses) {
+  tChildStack stack;
+  u32 const states[] = {1, 0, 7, 0};
+  for (u32 state : states) {
+    pkgSetWDMWrapperLoadStateAndGetGUID(state);
+    EXPECT_EQ(stack.countRelations(), 1u);
+  }
+}
+
+TEST(BusPnp, ASurpriseRemovalOnlyUnlinks) {
+  tChildStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  EXPECT_EQ(sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_EQ(stack.record().parent, nullptr);
+  EXPECT_EQ(stack.state(), tPnpState::NotStarted);
+  EXPECT_TRUE(isListed(stack.driver(), stack.child));
+  EXPECT_EQ(tDeviceRequest(stack.child, IRP_MJ_DEVICE_CONTROL).send(), STATUS_SUCCESS);
+  EXPECT_EQ(stack.removeBus(), STATUS_SUCCESS);
+  EXPECT_TRUE(isListed(stack.driver(), stack.child));
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_FALSE(isListed(stack.driver(), stack.child));
+}
+
+TEST(BusPnp, ASurpriseRemovalEndsAChildThatTheSystemHasRemoved) {
+  tChildStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(stack.child, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_FALSE(isListed(stack.driver(), stack.child));
+}
+
+TEST(BusPnp, AChildThatWasRemovedAndStartedAgainIsInUse) {
+  tChildStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  u8 const minors[] = {IRP_MN_START_DEVICE, IRP_MN_REMOVE_DEVICE, IRP_MN_START_DEVICE};
+  for (u8 minor : minors) EXPECT_EQ(sendPnp(stack.child, minor), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_TRUE(isListed(stack.driver(), stack.child));
+}
+
+TEST(BusPnp, RelationsThatFailBelowTellNobody) {
+  tChildStack stack;
+  DEVICE_OBJECT* const child = stack.child;
+  ObfReferenceObject(child);
+  stack.floorStatus = STATUS_NO_SUCH_DEVICE;
+  {
+    tRelations request(stack.bus());
+    EXPECT_EQ(request.send(), STATUS_NO_SUCH_DEVICE);
+    EXPECT_EQ(request.completions(), 1);
+    EXPECT_EQ(request.answer<void>(), nullptr);
+  }
+  EXPECT_FALSE(stack.record().isReported);
+  i32 status = 0;
+  stack.children->removeChild(7, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_FALSE(isListed(stack.driver(), child));
+  stack.floorStatus = STATUS_SUCCESS;
+  ObfDereferenceObject(child);
+}
+
+TEST(BusPnp, RelationsThatFailBelowTakeNothingBackThatWasToldBefore) {
+  tChildStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  stack.floorStatus = STATUS_NO_SUCH_DEVICE;
+  EXPECT_EQ(tRelations(stack.bus()).send(), STATUS_NO_SUCH_DEVICE);
+  EXPECT_TRUE(stack.record().isReported);
+  stack.floorStatus = STATUS_SUCCESS;
+}
+
 TEST(BusPnp, ASurpriseRemovalLetsTheChildrenGo) {
   tBusStack stack;
   stack.startBus();

@@ -140,6 +140,34 @@ TEST(ChildCreation, AllIdsHave1024CharactersAtMost) {
   EXPECT_EQ(createWith(many, 6), kStatusBadArgument);
 }
 
+TEST(ChildCreation, CharactersThatStopWindowsAreRefused) {
+  wchar_t id[] = L"TEST\\x";
+  wchar_t const* const ids[] = {L"TEST\\Gauge", id};
+  wchar_t& tried = id[5];
+  wchar_t const refused[] = {0x01, 0x09,  0x1F,   L',',   0x80,  0xA0,
+                             0xFF, 0x100, 0x20AC, 0xD800, 0xFFFF};
+  for (wchar_t character : refused) {
+    tried = character;
+    EXPECT_EQ(createWith(ids, 2), kStatusBadArgument);
+    EXPECT_EQ(createWith(ids + 1, 1), kStatusBadArgument);
+  }
+  wchar_t const taken[] = {0x20, L'!', L'+', L'-', L'&', L'\\', L'~', 0x7F};
+  for (wchar_t character : taken) {
+    tried = character;
+    EXPECT_EQ(createWith(ids, 2), 0);
+    EXPECT_EQ(createWith(ids + 1, 1), 0);
+  }
+}
+
+TEST(ChildCreation, AChildNeedsAHandler) {
+  tBusStack stack;
+  stack.startBus();
+  tTestChild child(stack.handler, 1, 1);
+  child.description.handler = nullptr;
+  EXPECT_EQ(stack.create(child.description), kStatusBadArgument);
+  EXPECT_EQ(stack.countRelations(), 0u);
+}
+
 TEST(ChildCreation, AFullListIsToldWhole) {
   tBusStack stack;
   stack.startBus();

@@ -75,3 +75,44 @@ TEST(ChildHandlerEnd, AChildThatNobodyHasSeenEndsWhenItIsTakenAway) {
   EXPECT_EQ(status, 0);
   EXPECT_EQ(stack.ending.stops, 1);
 }
+
+TEST(ChildHandlerEnd, AChildThatTheSystemKnowsEndsWhenItIsTakenAway) {
+  tStoppedStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  i32 status = 0;
+  stack.children->removeChild(7, status);
+  EXPECT_EQ(stack.ending.stops, 1);
+  EXPECT_FALSE(&vexHandlerOf(*stack.child) == &stack.ending);
+  EXPECT_EQ(stack.countRelations(), 0u);
+  sendPnp(stack.child, IRP_MN_REMOVE_DEVICE);
+  EXPECT_EQ(stack.ending.stops, 1);
+}
+
+TEST(ChildHandlerEnd, ASurprisedBusLeavesItToTheChildsOwnRemoval) {
+  tStoppedStack stack;
+  EXPECT_EQ(stack.countRelations(), 1u);
+  sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL);
+  stack.removeBus();
+  EXPECT_EQ(stack.ending.stops, 0);
+  sendPnp(stack.child, IRP_MN_REMOVE_DEVICE);
+  EXPECT_EQ(stack.ending.stops, 1);
+  EXPECT_FALSE(stack.ending.wasSurprise);
+}
+
+TEST(ChildHandlerEnd, ASurprisedBusEndsAChildThatNobodyHasSeen) {
+  tStoppedStack stack;
+  sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL);
+  EXPECT_EQ(stack.ending.stops, 1);
+}
+
+TEST(ChildHandlerEnd, ARefusedChildsHandlerIsNotCalled) {
+  tStoppedStack stack;
+  tStoppedHandler refused;
+  tTestChild const again(refused, 1, 8);
+  EXPECT_LT(stack.create(again.description), 0);
+  sendPnp(stack.bus(), IRP_MN_SURPRISE_REMOVAL);
+  tTestChild const late(refused, 2, 8);
+  EXPECT_LT(stack.create(late.description), 0);
+  EXPECT_EQ(refused.stops, 0);
+  EXPECT_EQ(refused.calls, 0);
+}

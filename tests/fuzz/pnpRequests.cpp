@@ -158,7 +158,7 @@ void tWorld::awaitWaiter(DEVICE_OBJECT* device) {
   tChildDevice& child = recordOf(device);
   for (bool isAwaited = false; !isAwaited;) {
     KeWaitForSingleObject(&child.mutex, Executive, KernelMode, 0, nullptr);
-    isAwaited = child.goneEvent != nullptr;
+    isAwaited = child.isAwaited;
     KeReleaseMutex(&child.mutex, 0);
     if (!isAwaited) std::this_thread::yield();
   }

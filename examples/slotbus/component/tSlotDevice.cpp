@@ -21,12 +21,10 @@ tSlotDevice::tSlotDevice(tDevice const& device, tTrace& stream) : trace(stream) 
 
 void tSlotDevice::join(iChildBus& bus, tDevice const& device, tSlotTexts& texts, tStatus2& status) {
   OXDIAG_REQUIRE_MESSAGE(!isJoined, "a device sits on one bus");
+  isJoined = true;  // requests may come before the bus returns
   i32 created = 0;
   bus.createChild(texts.describe(device, *this), created);
-  if (created >= 0) {
-    isJoined = true;
-    return;
-  }
+  if (created >= 0) return;
   OXDIAG_SET_STATUS(status, created);
   delete this;
 }
@@ -49,9 +47,8 @@ void tSlotDevice::handleDeviceControl(u32 code, void*, u32, void* output, u32 ou
       putf("slot %u tells its line %u: ", line.slot, line.lineNumber).put(line.description));
 }
 
-// Not yet joined, it belongs to join() still.
 void tSlotDevice::stop(bool /*isSurprise*/) {
-  if (isJoined) delete this;
+  delete this;
 }
 
 }  // namespace nSLOTBUS100

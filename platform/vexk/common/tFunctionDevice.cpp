@@ -3,6 +3,7 @@
 #include "ntos/io.h"
 #include "ntos/pool.h"
 #include "ntos/wait.h"
+#include "vexk/droppedRelations.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
 
@@ -200,6 +201,8 @@ NTSTATUS tFunctionDevice::dispatchPnp(IRP& request) {
     case IRP_MN_QUERY_STOP_DEVICE:
     case IRP_MN_CANCEL_STOP_DEVICE:
       return agree(request);
+    case IRP_MN_QUERY_DEVICE_RELATIONS:
+      return queryRelations(request);
     default:
       return passOn(request);
   }
@@ -209,6 +212,28 @@ NTSTATUS tFunctionDevice::dispatchPnp(IRP& request) {
 NTSTATUS tFunctionDevice::agree(IRP& request) {
   request.IoStatus.Status = STATUS_SUCCESS;
   return passOn(request);
+}
+
+NTSTATUS tFunctionDevice::queryRelations(IRP& request) {
+  IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&request);
+  if (location.Parameters.QueryDeviceRelations.Type != BusRelations) return passOn(request);
+  NTSTATUS status = enter(request);
+  if (NT_SUCCESS(status)) {
+    status = passBusRelations(request);
+    complete(request, status);
+    leave(request);
+    return status;
+  }
+  vexDropRelations(request);
+  return complete(request, status);
+}
+
+// Of a request that has failed nobody looks at the list that went down with it.
+NTSTATUS tFunctionDevice::passBusRelations(IRP& request) {
+  u64 const list = request.IoStatus.Information;
+  NTSTATUS const status = passAndWait(request);
+  if (!NT_SUCCESS(status) && request.IoStatus.Information == list) vexDropRelations(request);
+  return status;
 }
 
 NTSTATUS tFunctionDevice::startDevice(IRP& request) {

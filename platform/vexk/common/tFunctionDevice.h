@@ -59,6 +59,8 @@ class tFunctionDevice final : public iDeviceHandler {
   NTSTATUS passOn(IRP& request);
   NTSTATUS passAndWait(IRP& request);
   NTSTATUS agree(IRP& request);
+  NTSTATUS queryRelations(IRP& request);
+  NTSTATUS passBusRelations(IRP& request);
   NTSTATUS startDevice(IRP& request);
   NTSTATUS startWithin(IRP& request);
   NTSTATUS stopDevice(IRP& request);

@@ -16,6 +16,7 @@ NTSTATUS cancel(tChildRequest& request, tPnpState query) {
 }  // namespace
 
 NTSTATUS startChild(tChildRequest& request) {
+  request.child.isRemoved = false;
   request.child.devicePower = PowerDeviceD0;
   return enter(request, tPnpState::Started);
 }
@@ -41,13 +42,14 @@ NTSTATUS cancelRemoveChild(tChildRequest& request) {
 }
 
 NTSTATUS removeChild(tChildRequest& request) {
+  request.child.isRemoved = true;
   if (request.child.parent != nullptr) return enter(request, tPnpState::NotStarted);
-  request.aftermath = tChildAftermath::Destroy;
+  request.aftermath = tChildAftermath::EndDevice;
   return enter(request, tPnpState::Deleted);
 }
 
 NTSTATUS surpriseRemoveChild(tChildRequest& request) {
-  request.aftermath = tChildAftermath::LetGo;
+  letGo(request);
   return enter(request, tPnpState::SurpriseRemoved);
 }
 

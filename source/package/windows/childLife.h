@@ -14,11 +14,10 @@ tChildRow stopChild;
 tChildRow queryRemoveChild;
 tChildRow cancelRemoveChild;
 
-// A child that its bus still lists is as new again. Any other is deleted, and with it goes whoever
-// waits for that.
+// A child that its bus still lists is as new again. Any other comes to its end.
 tChildRow removeChild;
 
-// Lets whoever waits for the child's going know.
+// The end of the handler, when somebody waits for that.
 tChildRow surpriseRemoveChild;
 
 }  // namespace nOXDIAG100

@@ -11,7 +11,7 @@ NTSTATUS setDevicePower(tChildRequest& request, POWER_STATE state) {
   PoSetPowerState(child.device, DevicePowerState, state);
   bool const isChange = child.devicePower != state.DeviceState;
   child.devicePower = state.DeviceState;
-  if (isChange && state.DeviceState != PowerDeviceD0) request.aftermath = tChildAftermath::LetGo;
+  if (isChange && state.DeviceState != PowerDeviceD0) letGo(request);
   return STATUS_SUCCESS;
 }
 

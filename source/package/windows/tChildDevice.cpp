@@ -1,5 +1,7 @@
 #include "package/windows/tChildDevice.h"
 
+#include "ntos/wait.h"
+#include "package/windows/handlerSlot.h"
 #include "package/windows/tKernelMutexGuard.h"
 #include "package/windows/wrapperMemory.h"
 #include "vexk/placementNew.h"
@@ -7,10 +9,6 @@
 
 namespace nOXDIAG100 {
 namespace {
-
-void tell(KEVENT* event) {
-  if (event != nullptr) KeSetEvent(event, 0, 0);
-}
 
 DEVICE_OBJECT* makeDevice(DRIVER_OBJECT* driver) {
   DEVICE_OBJECT* device = nullptr;
@@ -54,6 +52,12 @@ tChildDevice::tChildDevice(DEVICE_OBJECT& object, tBusIdentity const& identity,
       texts(words) {
   KeInitializeMutex(&mutex, 0);
   IoInitializeRemoveLock(&removeLock, kChildTag);
+  KeInitializeEvent(&handlerEnded, NotificationEvent, 0);
+}
+
+void tChildDevice::discard() {
+  texts.giveBack();
+  IoDeleteDevice(device);
 }
 
 void tChildDevice::link(tParentDevice& owner) {
@@ -67,61 +71,76 @@ void tChildDevice::unlink() {
   parent = nullptr;
 }
 
-tChildAftermath tChildDevice::dismiss() {
+tChildAftermath tChildDevice::dismiss(tBusEnd end) {
   tKernelMutexGuard const guard(mutex);
   parent = nullptr;
-  if (states.get() != tPnpState::NotStarted) return tChildAftermath::None;
+  if (!endsWith(end)) return tChildAftermath::None;
   states.enter(tPnpState::Deleted);
-  return tChildAftermath::Destroy;
+  return tChildAftermath::EndDevice;
 }
 
-tChildDeparture tChildDevice::depart(KEVENT& gone) {
+// A child in use has its own removal before it. After a surprise so has every child that the system
+// knows, but one that it has removed already.
+bool tChildDevice::endsWith(tBusEnd end) const {
+  if (states.get() != tPnpState::NotStarted) return false;
+  return end == tBusEnd::InOrder || isRemoved || !isKnown();
+}
+
+tChildDeparture tChildDevice::depart() {
   tKernelMutexGuard const guard(mutex);
   isPresent = false;
   if (states.get() != tPnpState::NotStarted) {
-    goneEvent = &gone;
+    isAwaited = true;
     return tChildDeparture::Awaited;
   }
-  if (isReported) {
-    ObfReferenceObject(device);
-    return tChildDeparture::Drained;
-  }
+  if (isKnown()) return tChildDeparture::EndHandler;
   parent = nullptr;
   states.enter(tPnpState::Deleted);
-  return tChildDeparture::Forgotten;
+  return tChildDeparture::EndDevice;
+}
+
+// While the request was on its way the child may have been taken away, or its bus have gone by
+// surprise, in the belief that the system would remove it.
+tChildAftermath tChildDevice::endReport(bool isSuccess) {
+  tKernelMutexGuard const guard(mutex);
+  --reportsOnTheirWay;
+  if (isSuccess) isReported = true;
+  bool const isNeeded = isPresent && parent != nullptr;
+  if (isNeeded || isKnown() || states.get() != tPnpState::NotStarted) return tChildAftermath::None;
+  parent = nullptr;
+  states.enter(tPnpState::Deleted);
+  return tChildAftermath::EndDevice;
 }
 
 void tChildDevice::finish(tChildAftermath aftermath) {
-  if (aftermath == tChildAftermath::LetGo) letGo();
-  if (aftermath == tChildAftermath::Destroy) destroy();
+  if (aftermath == tChildAftermath::EndHandler) endHandler();
+  if (aftermath == tChildAftermath::EndDevice) endDevice();
 }
 
-void tChildDevice::drain() {
-  if (NT_SUCCESS(enter(nullptr))) IoReleaseRemoveLockAndWait(&removeLock, nullptr);
+void tChildDevice::awaitHandlerEnd() {
+  KeWaitForSingleObject(&handlerEnded, Executive, KernelMode, 0, nullptr);
 }
 
-KEVENT* tChildDevice::takeGoneEvent() {
+bool tChildDevice::goesBySurprise() {
   tKernelMutexGuard const guard(mutex);
-  KEVENT* const event = goneEvent;
-  goneEvent = nullptr;
-  return event;
+  bool const isDeleted = states.get() == tPnpState::Deleted;
+  tPnpState const last = isDeleted ? states.getPrevious() : states.get();
+  return last == tPnpState::SurpriseRemoved;
 }
 
-// A child that nobody waits for keeps its lock, and so its requests: it may come back.
-void tChildDevice::letGo() {
-  KEVENT* const event = takeGoneEvent();
-  if (event == nullptr) return;
-  drain();
-  tell(event);
+// The lock is drained here alone, so it lets the first one in.
+void tChildDevice::endHandler() {
+  if (__atomic_exchange_n(&isEnding, true, __ATOMIC_ACQ_REL)) return awaitHandlerEnd();
+  enter(nullptr);
+  IoReleaseRemoveLockAndWait(&removeLock, nullptr);
+  retireHandler(*this).stop(goesBySurprise());
+  KeSetEvent(&handlerEnded, 0, 0);
 }
 
-void tChildDevice::destroy() {
-  KEVENT* const event = takeGoneEvent();
-  drain();
-  handler->stop(states.getPrevious() == tPnpState::SurpriseRemoved);
+void tChildDevice::endDevice() {
+  endHandler();
   texts.giveBack();
   IoDeleteDevice(device);
-  tell(event);
 }
 
 }  // namespace nOXDIAG100

@@ -2,10 +2,19 @@
 
 // One child of a bus: the record in the extension of its device object.
 //
+// A child comes to two ends. The end of its handler: no request enters the handler any more, those
+// that run in it are waited for, its stop() is called, and a handler of the wrapper's own takes its
+// place. And the end of its device, which is deleted. Who takes the child away brings about the
+// first; its own removal, or its bus if the system does not know the child, both. Whoever is first
+// does it, all others wait until it is done.
+//
 // Locks, in the order in which they are taken: the bus' fast mutex guards the list that the child
-// is in, `isPresent` and `isReported`; the child's own kernel mutex guards the rest of what
-// changes. `parent` changes under both. The remove lock counts the requests that run in the
-// handler; it is drained, and the device deleted, with neither of the two mutexes held.
+// is in, `isPresent`, `isReported` and `reportsOnTheirWay`; the child's own kernel mutex guards the
+// rest of what changes. `parent` changes under both. The remove lock counts the requests that run
+// in the handler. Neither mutex is held at an end.
+//
+// Whoever uses a record has the child's mutex, the mutex of the bus that lists it, or a reference
+// on its device.
 
 #include "ntos/io.h"
 #include "ntos/mutex.h"
@@ -28,20 +37,20 @@ struct tBusIdentity {
 // What a request leaves to be done for a child when its mutex is free again.
 enum class tChildAftermath {
   None,
-  LetGo,    // whoever waits for the child's going may know when no request runs in it any more
-  Destroy,  // the child has entered tPnpState::Deleted, and its device goes
+  EndHandler,  // somebody waits for that
+  EndDevice,   // the child has entered tPnpState::Deleted
 };
+
+// How a bus goes.
+enum class tBusEnd { BySurprise, InOrder };
 
 // How a child goes that its bus takes away.
 enum class tChildDeparture {
-  Unknown,    // there is none
-  Awaited,    // it is in use: an event is set when it is gone
-  Drained,    // it is not started: when no request runs in it, it is out of use; its device is
-              // referenced until then
-  Forgotten,  // nobody has been told of it: it is out of the bus' list and to be destroyed
+  Awaited,     // it is in use: the system is asked to let go of it
+  EndHandler,  // it is not started, but the system knows it and removes it later
+  EndDevice,   // the system does not know it
 };
 
-// The handler stays the first word of the extension.
 class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
  public:
   static tChildDevice& of(DEVICE_OBJECT const& device);
@@ -53,6 +62,9 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   static tChildDevice* create(DRIVER_OBJECT* driver, tBusIdentity const& bus,
                               tChildDescription const& description, i32& status);
 
+  // Takes the device back that create() has made and nobody knows. The handler is not called.
+  void discard();
+
   tChildDevice(tChildDevice const&) = delete;
   tChildDevice& operator=(tChildDevice const&) = delete;
 
@@ -60,24 +72,30 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   void link(tParentDevice& bus);
 
   // No child of its bus any more. The child's own removal deletes it. Under the mutex of the bus,
-  // takes the child's own, as the next two.
+  // takes the child's own, as the next three.
   void unlink();
 
-  // The same as the bus goes: a child that is not started is the bus' to destroy.
-  tChildAftermath dismiss();
+  // The same as the bus goes, which may be the end of the child.
+  tChildAftermath dismiss(tBusEnd end);
 
   // Not present any more.
-  tChildDeparture depart(KEVENT& gone);
+  tChildDeparture depart();
 
-  // What is to be done behind a request that has changed the child. Nothing is held.
+  // A request that lists the child is on its way; it has succeeded, and so the system knows the
+  // child, or failed. A failure is the end of a child that nobody needs any more.
+  void beginReport() { ++reportsOnTheirWay; }
+  tChildAftermath endReport(bool isSuccess);
+
+  // What is to be done behind a request that has changed the child, or returns when it is done.
+  // Nothing is held.
   void finish(tChildAftermath aftermath);
 
-  // Enters the remove lock for a request; leaves it again.
+  // Waits until the handler has come to its end.
+  void awaitHandlerEnd();
+
+  // Enters the handler for a request; leaves it again.
   NTSTATUS enter(void* request) { return IoAcquireRemoveLock(&removeLock, request); }
   void leave(void* request) { IoReleaseRemoveLock(&removeLock, request); }
-
-  // Lets no request in any more and waits for those that run.
-  void drain();
 
   // Constant.
   DEVICE_OBJECT* const device;
@@ -88,7 +106,8 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
 
   // Under the mutex of the bus.
   bool isPresent = true;
-  bool isReported = false;  // the system has been told of it
+  bool isReported = false;  // the system knows it
+  u32 reportsOnTheirWay = 0;
 
   // Under the child's own mutex.
   KMUTEX mutex;
@@ -96,18 +115,23 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   tPnpStates states;
   DEVICE_POWER_STATE devicePower = PowerDeviceD3;
   SYSTEM_POWER_STATE systemPower = PowerSystemWorking;
-  KEVENT* goneEvent = nullptr;  // of who waits for its going; who sets it clears the pointer
+  bool isAwaited = false;  // somebody waits for the end of its handler
+  bool isRemoved = false;  // the system has removed it, and not started it since
   tChildTexts texts;
 
  private:
   tChildDevice(DEVICE_OBJECT& object, tBusIdentity const& identity,
                tChildDescription const& description, tChildTexts const& words);
 
-  KEVENT* takeGoneEvent();
-  void letGo();
-  void destroy();
+  bool isKnown() const { return isReported || reportsOnTheirWay != 0; }
+  bool endsWith(tBusEnd end) const;
+  bool goesBySurprise();
+  void endHandler();
+  void endDevice();
 
   IO_REMOVE_LOCK removeLock;
+  bool isEnding = false;  // atomic: somebody ends the handler, or has
+  KEVENT handlerEnded;
 };
 
 }  // namespace nOXDIAG100

@@ -15,6 +15,12 @@ struct tChildRequest {
   tChildAftermath aftermath = tChildAftermath::None;
 };
 
+// The system lets go of the child: the end of its handler, when somebody waits for that. Any other
+// child keeps it, as it may come back. Under the child's mutex.
+inline void letGo(tChildRequest& request) {
+  if (request.child.isAwaited) request.aftermath = tChildAftermath::EndHandler;
+}
+
 using tChildRow = NTSTATUS(tChildRequest& request);
 
 // Runs a row, or for null none, which leaves the status as it has come, and does what is to be done

@@ -29,6 +29,11 @@ void joinIds(wchar_t* list, u32 capacity, tChildDescription const& description) 
   list[position] = L'\0';
 }
 
+// Windows stops with a bug check at an id with any other.
+bool isIdCharacter(wchar_t character) {
+  return character >= 0x20 && character <= 0x7F && character != L',';
+}
+
 wchar_t const* descriptionOf(tChildDescription const& description) {
   return description.description == nullptr ? L"" : description.description;
 }
@@ -63,6 +68,9 @@ bool tChildTexts::measure(tChildDescription const& description) {
 bool tChildTexts::measureId(wchar_t const* id) {
   if (id == nullptr) return false;
   u32 const length = static_cast<u32>(wideLength(id, kLongestId + 1));
+  for (u32 index = 0; index < length; ++index) {
+    if (!isIdCharacter(id[index])) return false;
+  }
   idsLength += length + 1;
   return length != 0 && length <= kLongestId && idsLength <= kLongestIdList;
 }

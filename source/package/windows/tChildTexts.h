@@ -13,7 +13,8 @@ class tChildTexts {
   static constexpr u32 kLongestIdList = 1024;  // characters with all terminators
 
   // Copies the texts of `description`. Returns 0, or with nothing taken
-  //   kStatusBadArgument  there is no id, or one is missing, empty or too long, or all of them are
+  //   kStatusBadArgument  there is no id, or one is missing, empty, too long or has a character
+  //                       below 0x20, above 0x7F or a comma, or all of them are too long
   //   kStatusOutOfMemory
   i32 take(tChildDescription const& description);
 

@@ -1,6 +1,5 @@
 #include "package/windows/tParentDevice.h"
 
-#include "ntos/wait.h"
 #include "package/windows/deviceRelations.h"
 #include "package/windows/requestEnds.h"
 #include "package/windows/wrapperMemory.h"
@@ -53,54 +52,57 @@ void tParentDevice::createChild(tChildDescription const& description, i32& statu
 // Nothing of the bus is used once takeAway has returned: it may be gone.
 void tParentDevice::removeChild(u32 slot, i32& status) {
   if (status < 0) return;
-  KEVENT gone;
-  KeInitializeEvent(&gone, NotificationEvent, 0);
-  tChildDevice* child = nullptr;
-  switch (takeAway(slot, gone, child)) {
-    case tChildDeparture::Awaited:
-      KeWaitForSingleObject(&gone, Executive, KernelMode, 0, nullptr);
-      return;
-    case tChildDeparture::Drained:
-      child->drain();
-      ObfDereferenceObject(child->device);
-      return;
-    case tChildDeparture::Forgotten:
-      return child->finish(tChildAftermath::Destroy);
-    default:
-      status = kStatusBadArgument;
+  tChildDeparture departure = {};
+  tChildDevice* const child = takeAway(slot, departure);
+  if (child == nullptr) {
+    status = kStatusBadArgument;
+    return;
   }
+  if (departure == tChildDeparture::Awaited) child->awaitHandlerEnd();
+  if (departure == tChildDeparture::EndHandler) child->finish(tChildAftermath::EndHandler);
+  if (departure == tChildDeparture::EndDevice) child->finish(tChildAftermath::EndDevice);
+  ObfDereferenceObject(child->device);
 }
 
-NTSTATUS tParentDevice::addRelations(IRP& request) {
+NTSTATUS tParentDevice::addRelations(IRP& request, tChildReport& report) {
   auto* const before = reinterpret_cast<DEVICE_RELATIONS*>(request.IoStatus.Information);
   tFastMutexGuard const guard(mutex);
+  if (!report.reserve(countUnknown())) return STATUS_INSUFFICIENT_RESOURCES;
   size_t const kept = before == nullptr ? 0 : before->Count;
   DEVICE_RELATIONS* const relations = makeRelations(kept + childCount);
   if (relations == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
   moveRelations(*relations, before);
-  listPresent(*relations);
+  listPresent(*relations, report);
   unlinkAbsent();
   return answerWith(request, relations);
 }
 
-void tParentDevice::dismissChildren() {
+void tParentDevice::settle(tChildReport& report, bool isSuccess) {
+  while (tChildDevice* const child = report.take()) {
+    child->finish(settle(*child, isSuccess));
+    ObfDereferenceObject(child->device);
+  }
+}
+
+void tParentDevice::dismissChildren(tBusEnd end) {
   tLinkedList<tChildDevice> doomed;
   doomed.initialise();
-  unlinkAll(doomed);
+  unlinkAll(end, doomed);
   while (tChildDevice* const child = doomed.first()) {
     doomed.remove(*child);
-    child->finish(tChildAftermath::Destroy);
+    child->finish(tChildAftermath::EndDevice);
   }
 }
 
 i32 tParentDevice::addChild(tChildDescription const& description) {
+  if (description.handler == nullptr) return kStatusBadArgument;
   if (hasInstance(description.instance)) return kStatusChildExists;
   i32 status = 0;
   tChildDevice* const child =
       tChildDevice::create(device.DriverObject, identity, description, status);
   if (child == nullptr) return status;
   status = link(*child);
-  if (status < 0) child->finish(tChildAftermath::Destroy);
+  if (status < 0) child->discard();
   return status;
 }
 
@@ -120,23 +122,34 @@ i32 tParentDevice::link(tChildDevice& child) {
   return 0;
 }
 
-tChildDeparture tParentDevice::takeAway(u32 slot, KEVENT& gone, tChildDevice*& child) {
-  if (!enter()) return tChildDeparture::Unknown;
-  tChildDeparture const departure = markAbsent(slot, gone, child);
-  if (departure == tChildDeparture::Awaited) {
+// Gives the child with a reference, null when there is none in the slot.
+tChildDevice* tParentDevice::takeAway(u32 slot, tChildDeparture& departure) {
+  if (!enter()) return nullptr;
+  tChildDevice* const child = markAbsent(slot, departure);
+  if (child != nullptr && departure == tChildDeparture::Awaited) {
     IoInvalidateDeviceRelations(vexHandlerOf(device).getPhysicalDevice(), BusRelations);
   }
   leave();
-  return departure;
+  return child;
 }
 
-tChildDeparture tParentDevice::markAbsent(u32 slot, KEVENT& gone, tChildDevice*& child) {
+tChildDevice* tParentDevice::markAbsent(u32 slot, tChildDeparture& departure) {
   tFastMutexGuard const guard(mutex);
-  child = findSlot(slot);
-  if (child == nullptr) return tChildDeparture::Unknown;
-  tChildDeparture const departure = child->depart(gone);
-  if (departure == tChildDeparture::Forgotten) forget(*child);
-  return departure;
+  tChildDevice* const child = findSlot(slot);
+  if (child == nullptr) return nullptr;
+  ObfReferenceObject(child->device);
+  departure = child->depart();
+  if (departure == tChildDeparture::EndDevice) forget(*child);
+  return child;
+}
+
+// A child that ends here may be in the list still, as an absent one.
+tChildAftermath tParentDevice::settle(tChildDevice& child, bool isSuccess) {
+  tFastMutexGuard const guard(mutex);
+  bool const isListed = child.parent != nullptr;
+  tChildAftermath const aftermath = child.endReport(isSuccess);
+  if (isListed && child.parent == nullptr) forget(child);
+  return aftermath;
 }
 
 tChildDevice* tParentDevice::findInstance(u64 instance) {
@@ -155,10 +168,18 @@ tChildDevice* tParentDevice::findSlot(u32 slot) {
   return child;
 }
 
-void tParentDevice::listPresent(DEVICE_RELATIONS& relations) {
+u32 tParentDevice::countUnknown() {
+  u32 count = 0;
+  for (tChildDevice* child = children.first(); child != nullptr; child = children.next(*child)) {
+    if (child->isPresent && !child->isReported) ++count;
+  }
+  return count;
+}
+
+void tParentDevice::listPresent(DEVICE_RELATIONS& relations, tChildReport& report) {
   for (tChildDevice* child = children.first(); child != nullptr; child = children.next(*child)) {
     if (!child->isPresent) continue;
-    child->isReported = true;
+    if (!child->isReported) report.add(*child);
     appendRelation(relations, *child->device);
   }
 }
@@ -175,12 +196,12 @@ void tParentDevice::unlinkAbsent() {
   }
 }
 
-void tParentDevice::unlinkAll(tLinkedList<tChildDevice>& doomed) {
+void tParentDevice::unlinkAll(tBusEnd end, tLinkedList<tChildDevice>& doomed) {
   tFastMutexGuard const guard(mutex);
   isRemoving = true;
   while (tChildDevice* const child = children.first()) {
     forget(*child);
-    if (child->dismiss() == tChildAftermath::Destroy) doomed.append(*child);
+    if (child->dismiss(end) == tChildAftermath::EndDevice) doomed.append(*child);
   }
 }
 

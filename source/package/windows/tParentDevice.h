@@ -2,11 +2,12 @@
 
 // One bus device and the children that it has.
 //
-// It lives from the bus' first start to its removal, and is closed before the bus goes. Who waits
-// for a child's going may do so longer than that.
+// It lives from the bus' first start to its removal. Whoever uses it from outside has entered it;
+// the removal closes it, which waits until all have left. Who waits for a child's end refers to the
+// child alone, and may do so longer than the bus is there.
 
 #include "ntos/fastMutex.h"
-#include "package/windows/tChildDevice.h"
+#include "package/windows/tChildReport.h"
 #include "package/windows/tLinkedList.h"
 
 namespace nOXDIAG100 {
@@ -32,38 +33,47 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
 
   // Makes a list of the devices that the request has already and of the present children, with a
   // reference on each, and forgets the absent ones: their own removal deletes them. Returns the
-  // status; when memory is exhausted nothing has changed. PASSIVE_LEVEL.
-  NTSTATUS addRelations(IRP& request);
+  // status; when memory is exhausted nothing has changed. What the system does not know of the
+  // children is in `report`, for settle(). PASSIVE_LEVEL.
+  NTSTATUS addRelations(IRP& request, tChildReport& report);
 
-  // The bus goes: no child is made any more, and all are let go, those that are not started for
-  // good. PASSIVE_LEVEL.
-  void dismissChildren();
+  // The request with that report has ended. PASSIVE_LEVEL.
+  void settle(tChildReport& report, bool isSuccess);
 
-  // From here on every call of iChildBus fails; waits until none needs the bus any more. Once.
-  // PASSIVE_LEVEL.
+  // The bus goes: no child is made any more, and all are let go. In order, those that are not
+  // started come to their end; by surprise only those whose own removal has come already, and those
+  // that the system does not know. PASSIVE_LEVEL.
+  void dismissChildren(tBusEnd end);
+
+  // Keeps the record from being destroyed; false when it is closed. Left as often as entered.
+  // IRQL <= DISPATCH_LEVEL.
+  bool enter() { return NT_SUCCESS(IoAcquireRemoveLock(&callers, nullptr)); }
+  void leave() { IoReleaseRemoveLock(&callers, nullptr); }
+
+  // Lets nobody in any more, so that every call of iChildBus fails, and waits until all have left.
+  // Once. PASSIVE_LEVEL.
   void close();
 
  private:
   explicit tParentDevice(DEVICE_OBJECT& bus);
 
-  bool enter() { return NT_SUCCESS(IoAcquireRemoveLock(&callers, nullptr)); }
-  void leave() { IoReleaseRemoveLock(&callers, nullptr); }
-
   i32 addChild(tChildDescription const& description);
   bool hasInstance(u64 instance);
   i32 link(tChildDevice& child);
-  tChildDeparture takeAway(u32 slot, KEVENT& gone, tChildDevice*& child);
-  tChildDeparture markAbsent(u32 slot, KEVENT& gone, tChildDevice*& child);
+  tChildDevice* takeAway(u32 slot, tChildDeparture& departure);
+  tChildDevice* markAbsent(u32 slot, tChildDeparture& departure);
+  tChildAftermath settle(tChildDevice& child, bool isSuccess);
 
   // What follows is called under the mutex.
   tChildDevice* findInstance(u64 instance);  // of those that are present
   tChildDevice* findSlot(u32 slot);
-  void listPresent(DEVICE_RELATIONS& relations);
+  u32 countUnknown();
+  void listPresent(DEVICE_RELATIONS& relations, tChildReport& report);
   void unlinkAbsent();
   void forget(tChildDevice& child);
 
   // Takes the mutex; those in `doomed` are to be destroyed.
-  void unlinkAll(tLinkedList<tChildDevice>& doomed);
+  void unlinkAll(tBusEnd end, tLinkedList<tChildDevice>& doomed);
 
   DEVICE_OBJECT& device;
   tBusIdentity const identity;

@@ -1,8 +1,9 @@
 #pragma once
 
-// The buses that have children through this module.
+// The buses that have children through this module, of all its drivers.
 
 #include "package/windows/tParentDevice.h"
+#include "package/windows/tSpinLock.h"
 
 namespace nOXDIAG100 {
 
@@ -10,20 +11,26 @@ class tParentList {
  public:
   constexpr tParentList() = default;
 
-  // Makes the list ready, and empty. Before that it has nothing and takes nothing.
+  // Makes the list ready, and empty, unless it is ready already. Before that it has nothing and
+  // takes nothing. Thread safe, as the rest.
   void initialise();
 
-  // The record of a bus; null when it has none.
-  tParentDevice* find(DEVICE_OBJECT const& device);
+  // The record of a bus, entered for the caller; null when it has none.
+  tParentDevice* enter(DEVICE_OBJECT const& device);
 
-  // Makes a record for a bus that has none. Null when memory is exhausted or the list is not ready.
-  tParentDevice* create(DEVICE_OBJECT& device);
+  // The same, with a new record for a bus that has none. Null when memory is exhausted or the list
+  // is not ready.
+  tParentDevice* provide(DEVICE_OBJECT& device);
 
-  // Takes a record out; it is the caller's to destroy.
-  void remove(tParentDevice& parent);
+  // Takes the record of a bus out; it is the caller's to close and destroy. Null when it has none.
+  tParentDevice* take(DEVICE_OBJECT const& device);
 
  private:
-  bool isReady = false;
+  tParentDevice* find(DEVICE_OBJECT const& device);
+  tParentDevice* enterOrAppend(DEVICE_OBJECT const& device, tParentDevice*& fresh);
+
+  tSpinLock initialising;
+  bool isReady = false;  // atomic
   FAST_MUTEX mutex = {};
   tLinkedList<tParentDevice> parents = {};
 };

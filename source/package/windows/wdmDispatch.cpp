@@ -6,9 +6,9 @@
 #include "package/windows/childControl.h"
 #include "package/windows/childPnp.h"
 #include "package/windows/childPower.h"
+#include "package/windows/handlerSlot.h"
 #include "package/windows/requestEnds.h"
 #include "vexk/dispatch.h"
-#include "vexk/iDeviceHandler.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -75,6 +75,6 @@ NTSTATUS pkgWDMWrapperHandleIrp(DEVICE_OBJECT* device, IRP* irp) {
   u8 const major = IoGetCurrentIrpStackLocation(irp)->MajorFunction;
   if (major > IRP_MJ_MAXIMUM_FUNCTION) return STATUS_UNSUCCESSFUL;
   tDispatchRow const& row = table.rows[major];
-  tServe* const serve = vexHandlerOf(*device).isChildDevice() ? row.child : row.bus;
+  tServe* const serve = isChildDevice(*device) ? row.child : row.bus;
   return serve(*device, *irp);
 }

@@ -9,7 +9,7 @@ namespace nOXDIAG100 {
 // The list of the module, not ready until initialiseWDMWrapper().
 extern tParentList wdmParents;
 
-// Makes the list ready, and empty. Before any device is handed to the module.
+// Makes the list ready, if it is not. Before any device is handed to the module.
 void initialiseWDMWrapper();
 
 }  // namespace nOXDIAG100

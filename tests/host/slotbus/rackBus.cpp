@@ -105,6 +105,16 @@ TEST_F(SlotbusBus, ADeviceThatSomebodyRefersToOutlivesTheBus) {
   ObfDereferenceObject(device);
 }
 
+TEST_F(SlotbusBus, ABusWithUnstartedDevicesMayGoBySurprise) {
+  ntoshost::setChildrenStart(false);
+  ASSERT_EQ(plugIn(), STATUS_SUCCESS);
+  ASSERT_EQ(count(), 3U);
+  EXPECT_EQ(ntoshost::surpriseRemoveDevice(bus), STATUS_SUCCESS);
+  EXPECT_EQ(ntoshost::countDevices().devices, 0U);
+  ntoshost::setChildrenStart(true);
+  bus = nullptr;
+}
+
 TEST_F(SlotbusBus, TheBusGoesWithAHandleOpen) {
   ASSERT_EQ(plugIn(), STATUS_SUCCESS);
   FILE_OBJECT* file = nullptr;

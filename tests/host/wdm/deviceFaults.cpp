@@ -123,18 +123,33 @@ TEST(DeviceFaults, RelationsThatFailChangeNothing) {
   EXPECT_EQ(sendPnp(gone, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
 }
 
-TEST(DeviceFaults, RelationsThatFailLeaveTheListOfOthers) {
-  tChildStack stack;
-  std::unique_ptr<tDeviceRequest> const request(tellRelations(stack.bus(), BusRelations));
-  auto* const list = static_cast<DEVICE_RELATIONS*>(
-      ExAllocatePoolWithTag(PagedPool, sizeof(DEVICE_RELATIONS), ntosPoolTag("test")));
-  list->Count = 0;
-  request->ioStatus().Information = reinterpret_cast<u64>(list);
-  ntoshost::failNth(ntoshost::kFaultMemory, 1);
-  EXPECT_EQ(request->send(), STATUS_INSUFFICIENT_RESOURCES);
-  ntoshost::clearFaults();
-  EXPECT_EQ(request->answer<DEVICE_RELATIONS>(), list);
-  ExFreePoolWithTag(list, ntosPoolTag("test"));
+TEST(DeviceFaults, RelationsThatFailForMemoryLeaveNoReference) {
+  tBusStack stack;
+  stack.startBus();
+  DEVICE_OBJECT* const child = stack.add(1, 1);
+  u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64 n) {
+    ntoshost::clearFaults();
+    std::unique_ptr<tDeviceRequest> const request(tellRelations(stack.bus(), BusRelations));
+    u64 const blocks = ntoshost::outstandingBlocks();
+    auto* const list = static_cast<DEVICE_RELATIONS*>(
+        ExAllocatePoolWithTag(PagedPool, sizeof(DEVICE_RELATIONS), ntosPoolTag("test")));
+    list->Count = 1;
+    list->Objects[0] = stack.floor();
+    ObfReferenceObject(stack.floor());
+    request->ioStatus().Information = reinterpret_cast<u64>(list);
+    u64 const references = ntoshost::referencesOn(stack.floor());
+    ntoshost::failNth(ntoshost::kFaultMemory, n);
+    request->send();
+    ntoshost::clearFaults();
+    if (ntoshost::faultsInjected() == 0) return request->freeRelations();
+    EXPECT_EQ(request->status(), STATUS_INSUFFICIENT_RESOURCES);
+    EXPECT_EQ(request->ioStatus().Information, 0u);
+    EXPECT_EQ(ntoshost::referencesOn(stack.floor()), references - 1);
+    EXPECT_EQ(ntoshost::referencesOn(child), 0u);
+    EXPECT_EQ(ntoshost::outstandingBlocks(), blocks);
+    EXPECT_FALSE(tChildStack::recordOf(child).isReported);
+  });
+  EXPECT_EQ(failures, 2u);  // which children are told of, and the list
 }
 
 TEST(DeviceFaults, AnswersThatFailSaySo) {

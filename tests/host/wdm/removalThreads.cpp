@@ -61,7 +61,7 @@ void waitUntilAbsent(DEVICE_OBJECT* device) {
   tChildDevice& child = *static_cast<tChildDevice*>(extension);
   for (;;) {
     KeWaitForSingleObject(&child.mutex, Executive, KernelMode, 0, nullptr);
-    bool const isAwaited = child.goneEvent != nullptr;
+    bool const isAwaited = child.isAwaited;
     KeReleaseMutex(&child.mutex, 0);
     if (isAwaited) return;
     std::this_thread::yield();

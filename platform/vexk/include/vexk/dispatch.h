@@ -37,5 +37,7 @@ VEX_API NTSTATUS vexDispatchSystemControl(DEVICE_OBJECT* device, IRP* request);
 // request fails: with STATUS_INSUFFICIENT_RESOURCES for kStatusOutOfMemory, with
 // STATUS_UNSUCCESSFUL for every other negative status. Remove and surprise removal go to the
 // handler first and then down, and remove ends by detaching and deleting the device. It waits for
-// the requests that are in the device. The rest is passed on. PASSIVE_LEVEL.
+// the requests that are in the device. A request for bus relations is passed on and waited for;
+// when it fails below, the list that went down with it is given back with its references. So the
+// status that is returned for it is the final one. The rest is passed on. PASSIVE_LEVEL.
 VEX_API NTSTATUS vexDispatchPnp(DEVICE_OBJECT* device, IRP* request);

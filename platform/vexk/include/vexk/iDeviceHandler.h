@@ -45,11 +45,12 @@ class iDeviceHandler {
   // STATUS_UNSUCCESSFUL for every other.
   virtual void start(i32& status) = 0;
 
-  // The device goes: told once, by surprise or in order, before its memory does. Nothing may use it
-  // after that.
+  // The device goes: told once, by surprise or in order, before its memory does. Of a child it is
+  // the last call ("vexk/iChildBus.h").
   virtual void stop(bool isSurprise) = 0;
 
   // Whether the device is a child that a bus has made; otherwise it is one of the platform's own.
+  // Asked with every request, under a lock: answers without a call. IRQL <= DISPATCH_LEVEL.
   virtual bool isChildDevice() = 0;
 
  protected:

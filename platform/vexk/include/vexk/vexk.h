@@ -6,6 +6,7 @@
 #include "vexk/cpu.h"
 #include "vexk/debug.h"
 #include "vexk/dispatch.h"
+#include "vexk/droppedRelations.h"
 #include "vexk/eventLog.h"
 #include "vexk/functionDevice.h"
 #include "vexk/iBus.h"

@@ -1,0 +1,28 @@
+#include "package/windows/tChildReport.h"
+
+#include "package/windows/wrapperMemory.h"
+
+namespace nOXDIAG100 {
+
+tChildReport::~tChildReport() {
+  if (children != nullptr) ExFreePoolWithTag(children, kWrapperTag);
+}
+
+bool tChildReport::reserve(u32 capacity) {
+  if (capacity == 0) return true;
+  children = static_cast<tChildDevice**>(
+      ExAllocatePoolWithTag(PagedPool, capacity * sizeof(tChildDevice*), kWrapperTag));
+  return children != nullptr;
+}
+
+void tChildReport::add(tChildDevice& child) {
+  ObfReferenceObject(child.device);
+  child.beginReport();
+  children[count++] = &child;
+}
+
+tChildDevice* tChildReport::take() {
+  return count == 0 ? nullptr : children[--count];
+}
+
+}  // namespace nOXDIAG100
