@@ -92,8 +92,11 @@ def check_conformance():
 
 
 def check_devices():
-    """The slot bus and its devices, driven by Wine's PnP manager."""
+    """The slot bus and its devices, driven by Wine's PnP manager; once more as another driver, with
+    a file and a service of its own."""
     files, services = demo_input(demo_options([str(FAULTY_RACK), "--filter", "verbosity>=200"]))
+    files["slotbus2.sys"] = files["slotbus.sys"]
+    services["slotbus2"] = services["slotbus"]
     run = wine.run_driver("oxdiagpnp", dict(files, **module_files("oxdiagpnp.sys")), services)
     return outcome_of("oxdiagpnp", run)
 

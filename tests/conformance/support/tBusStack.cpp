@@ -4,13 +4,18 @@
 #include "ntos/pnp.h"
 #include "oxdiagk/package.h"
 #include "vexk/functionDevice.h"
+#include "vexk/tFastMutexGuard.h"
 
 namespace {
 
-// Its null handler tells the floor from the devices of the family.
 struct tFloorExtension : tDeviceExtension {
   tBusStack* stack;
 };
+
+// Without a look at the handler, which changes at a child's end.
+bool isFloor(DEVICE_OBJECT const& device) {
+  return device.DeviceType == FILE_DEVICE_UNKNOWN;
+}
 
 tFloorExtension& floorOf(DEVICE_OBJECT const& device) {
   return *static_cast<tFloorExtension*>(device.DeviceExtension);
@@ -43,6 +48,7 @@ tTestChild::tTestChild(tChildHandler& handler, u64 instance, u32 slot)
 }
 
 tBusStack::tBusStack() : testDriver(&dispatch) {
+  ExInitializeFastMutex(&noting);
   pkgSetWDMWrapperLoadStateAndGetGUID(1);
   makeFloor();
   tFunctionDeviceDescription const description = {
@@ -107,25 +113,30 @@ void tBusStack::handleDeviceControl(u32, void*, u32, void*, u32, u64*, i32*) {
 }
 
 NTSTATUS tBusStack::dispatch(DEVICE_OBJECT* device, IRP* irp) {
-  tFloorExtension const& extension = floorOf(*device);
-  if (extension.handler != nullptr) return pkgWDMWrapperHandleIrp(device, irp);
-  return extension.stack->serveFloor(*irp);
+  if (!isFloor(*device)) return pkgWDMWrapperHandleIrp(device, irp);
+  return floorOf(*device).stack->serveFloor(*irp);
 }
 
 NTSTATUS tBusStack::serveFloor(IRP& irp) {
   IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&irp);
-  ++floorRequests;
-  seenMajor = location.MajorFunction;
-  seenMinor = location.MinorFunction;
-  seenStatus = irp.IoStatus.Status;
-  if (seenMajor != IRP_MJ_PNP) return complete(irp, STATUS_SUCCESS);
-  if (seenMinor != IRP_MN_QUERY_CAPABILITIES) return complete(irp, floorStatus);
+  note(irp, location);
+  if (location.MajorFunction != IRP_MJ_PNP) return complete(irp, STATUS_SUCCESS);
+  if (location.MinorFunction != IRP_MN_QUERY_CAPABILITIES) return complete(irp, floorStatus);
   seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;
   *location.Parameters.DeviceCapabilities.Capabilities = floorCapabilities;
   if (!keepsCapabilities) return complete(irp, floorStatus);
   IoMarkIrpPending(&irp);
   __atomic_store_n(&kept, &irp, __ATOMIC_RELEASE);
   return STATUS_PENDING;
+}
+
+// Requests may come at once.
+void tBusStack::note(IRP const& irp, IO_STACK_LOCATION const& location) {
+  tFastMutexGuard const guard(noting);
+  ++floorRequests;
+  seenMajor = location.MajorFunction;
+  seenMinor = location.MinorFunction;
+  seenStatus = irp.IoStatus.Status;
 }
 
 void tBusStack::completeKept() {

@@ -3,6 +3,7 @@
 // A bus of the test's own: a floor device that completes what comes down to it, the platform's
 // function device on top of it, and children made by hand.
 
+#include "ntos/fastMutex.h"
 #include "support/tDeviceRequest.h"
 #include "support/tTestDriver.h"
 #include "vexk/iChildBus.h"
@@ -96,9 +97,11 @@ class tBusStack : public iDeviceComponent {
   static NTSTATUS dispatch(DEVICE_OBJECT* device, IRP* irp);
 
   NTSTATUS serveFloor(IRP& irp);
+  void note(IRP const& irp, IO_STACK_LOCATION const& location);
   void makeFloor();
 
   tTestDriver testDriver;
   DEVICE_OBJECT* floorDevice = nullptr;
+  FAST_MUTEX noting;
   DEVICE_OBJECT* function = nullptr;
 };

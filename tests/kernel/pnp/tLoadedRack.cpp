@@ -4,19 +4,12 @@
 #include "ntos/string.h"
 #include "wine/rackDriver.h"
 
-namespace {
-
-constexpr wchar_t kServiceKey[] =
-    L"\\Registry\\Machine\\System\\CurrentControlSet\\Services\\slotbus";
-
-}  // namespace
-
 char const* tLoadedRack::load() {
   if (!NT_SUCCESS(place.plugIn())) return "the rack cannot be plugged in";
   UNICODE_STRING key;
-  RtlInitUnicodeString(&key, kServiceKey);
+  RtlInitUnicodeString(&key, service.key);
   if (!NT_SUCCESS(ZwLoadDriver(&key))) return "slotbus.sys cannot be loaded";
-  driver = findRackDriver();
+  driver = findRackDriver(service);
   if (driver == nullptr) return "slotbus.sys has no driver object";
   place.invalidate();
   enumerator.settle();
@@ -44,7 +37,7 @@ char const* tLoadedRack::unload() {
   ObfDereferenceObject(driver);
   driver = nullptr;
   UNICODE_STRING key;
-  RtlInitUnicodeString(&key, kServiceKey);
+  RtlInitUnicodeString(&key, service.key);
   if (!NT_SUCCESS(ZwUnloadDriver(&key))) problem = "slotbus.sys cannot be unloaded";
   return problem;
 }

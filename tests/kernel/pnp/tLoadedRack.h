@@ -5,12 +5,13 @@
 #include "wine/tRackPlace.h"
 
 // slotbus.sys with a rack plugged in, as Wine's PnP manager has it: loaded, its bus started, its
-// children listed. PASSIVE_LEVEL; one at a time.
+// children listed. PASSIVE_LEVEL; one at a time for each service.
 class tLoadedRack {
  public:
   static constexpr u32 kSlots = 27;  // good lines of faulty.txt
 
-  explicit tLoadedRack(tEnumerator& worker) : enumerator(worker) {}
+  explicit tLoadedRack(tEnumerator& worker, tRackService const& rackService = kFirstRack)
+      : service(rackService), enumerator(worker), place(service) {}
 
   // What went wrong, or null; unload() tidies up in any case.
   char const* load();
@@ -23,6 +24,7 @@ class tLoadedRack {
  private:
   char const* findDevices();
 
+  tRackService const& service;
   tEnumerator& enumerator;
   tRackPlace place;
   DRIVER_OBJECT* driver = nullptr;

@@ -3,9 +3,9 @@
 #include "ntos/string.h"
 #include "wine/wineKernel.h"
 
-DRIVER_OBJECT* findRackDriver() {
+DRIVER_OBJECT* findRackDriver(tRackService const& service) {
   UNICODE_STRING name;
-  RtlInitUnicodeString(&name, L"\\Driver\\slotbus");
+  RtlInitUnicodeString(&name, service.driver);
   void* driver = nullptr;
   NTSTATUS const status = ObReferenceObjectByName(
       &name, OBJ_CASE_INSENSITIVE, nullptr, 0, *IoDriverObjectType, KernelMode, nullptr, &driver);

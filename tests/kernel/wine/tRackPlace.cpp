@@ -7,16 +7,14 @@
 
 namespace {
 
-constexpr wchar_t kService[] = L"slotbus";
 constexpr wchar_t kHardwareIds[] = L"ROOT\\SLOTBUS\0";
 constexpr wchar_t kClass[] = L"System";
 constexpr wchar_t kClassGUID[] = L"{4d36e97d-e325-11ce-bfc1-08002be10318}";
 
-// A key is made below one that is there.
+// A key is made below one that is there. That of the place itself follows.
 constexpr wchar_t const* kKeys[] = {
     L"\\Registry\\Machine\\System\\CurrentControlSet\\Enum\\ROOT",
     L"\\Registry\\Machine\\System\\CurrentControlSet\\Enum\\ROOT\\SLOTBUS",
-    L"\\Registry\\Machine\\System\\CurrentControlSet\\Enum\\ROOT\\SLOTBUS\\0000",
 };
 
 NTSTATUS openKey(wchar_t const* path, HANDLE& key) {
@@ -28,30 +26,15 @@ NTSTATUS openKey(wchar_t const* path, HANDLE& key) {
   return ZwCreateKey(&key, kKeyAllAccess, &attributes, 0, nullptr, kKeyIsVolatile, nullptr);
 }
 
-NTSTATUS openPlace(HANDLE& key) {
-  NTSTATUS status = STATUS_SUCCESS;
-  for (wchar_t const* path : kKeys) {
-    if (key != nullptr) ZwClose(key);
-    key = nullptr;
-    status = openKey(path, key);
-    if (!NT_SUCCESS(status)) return status;
-  }
-  return status;
+NTSTATUS setBytes(HANDLE key, wchar_t const* name, u32 type, wchar_t const* text, size_t bytes) {
+  UNICODE_STRING valueName;
+  RtlInitUnicodeString(&valueName, name);
+  return ZwSetValueKey(key, &valueName, 0, type, text, static_cast<u32>(bytes));
 }
 
 template <size_t size>
 NTSTATUS setValue(HANDLE key, wchar_t const* name, u32 type, wchar_t const (&text)[size]) {
-  UNICODE_STRING valueName;
-  RtlInitUnicodeString(&valueName, name);
-  return ZwSetValueKey(key, &valueName, 0, type, text, sizeof(text));
-}
-
-NTSTATUS describe(HANDLE key) {
-  NTSTATUS status = setValue(key, L"HardwareID", REG_MULTI_SZ, kHardwareIds);
-  if (NT_SUCCESS(status)) status = setValue(key, L"Class", REG_SZ, kClass);
-  if (NT_SUCCESS(status)) status = setValue(key, L"ClassGUID", REG_SZ, kClassGUID);
-  if (NT_SUCCESS(status)) status = setValue(key, L"Service", REG_SZ, kService);
-  return status;
+  return setBytes(key, name, type, text, sizeof(text));
 }
 
 NTSTATUS forget(HANDLE key) {
@@ -62,6 +45,28 @@ NTSTATUS forget(HANDLE key) {
 
 }  // namespace
 
+NTSTATUS tRackPlace::openPlace(HANDLE& key) const {
+  NTSTATUS status = STATUS_SUCCESS;
+  wchar_t const* const paths[] = {kKeys[0], kKeys[1], service.instance};
+  for (wchar_t const* path : paths) {
+    if (key != nullptr) ZwClose(key);
+    key = nullptr;
+    status = openKey(path, key);
+    if (!NT_SUCCESS(status)) return status;
+  }
+  return status;
+}
+
+NTSTATUS tRackPlace::describe(HANDLE key) const {
+  UNICODE_STRING name;
+  RtlInitUnicodeString(&name, service.name);
+  NTSTATUS status = setValue(key, L"HardwareID", REG_MULTI_SZ, kHardwareIds);
+  if (NT_SUCCESS(status)) status = setValue(key, L"Class", REG_SZ, kClass);
+  if (NT_SUCCESS(status)) status = setValue(key, L"ClassGUID", REG_SZ, kClassGUID);
+  if (!NT_SUCCESS(status)) return status;
+  return setBytes(key, L"Service", REG_SZ, service.name, name.MaximumLength);
+}
+
 NTSTATUS tRackPlace::plugIn() {
   HANDLE key = nullptr;
   NTSTATUS status = openPlace(key);
@@ -71,7 +76,7 @@ NTSTATUS tRackPlace::plugIn() {
 }
 
 void tRackPlace::invalidate() {
-  DRIVER_OBJECT* const driver = findRackDriver();
+  DRIVER_OBJECT* const driver = findRackDriver(service);
   if (driver == nullptr) return;
   DEVICE_OBJECT* const bus = findRackBus(*driver);
   if (bus != nullptr) {
@@ -85,6 +90,6 @@ NTSTATUS tRackPlace::pullOut() {
   NTSTATUS status = openPlace(key);
   if (NT_SUCCESS(status)) status = forget(key);
   if (key != nullptr) ZwClose(key);
-  if (NT_SUCCESS(status)) wine_enumerate_root_devices(kService);
+  if (NT_SUCCESS(status)) wine_enumerate_root_devices(service.name);
   return status;
 }

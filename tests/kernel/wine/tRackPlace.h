@@ -1,11 +1,13 @@
 #pragma once
 
-#include "ntos/types.h"
+#include "wine/rackService.h"
 
-// The place where a rack is plugged into the machine: a device without a bus, for the service
-// "slotbus", as the system keeps it in its registry. The key is volatile. PASSIVE_LEVEL.
+// The place where a rack is plugged into the machine: a device without a bus, for the driver of a
+// service, as the system keeps it in its registry. The key is volatile. PASSIVE_LEVEL.
 class tRackPlace {
  public:
+  explicit tRackPlace(tRackService const& rackService = kFirstRack) : service(rackService) {}
+
   // From now on Wine's PnP manager finds a rack there, when it looks or the driver is loaded.
   NTSTATUS plugIn();
 
@@ -15,4 +17,10 @@ class tRackPlace {
 
   // The rack is gone, and Wine's PnP manager has removed its devices when this returns.
   NTSTATUS pullOut();
+
+ private:
+  NTSTATUS openPlace(HANDLE& key) const;
+  NTSTATUS describe(HANDLE key) const;
+
+  tRackService const& service;
 };
