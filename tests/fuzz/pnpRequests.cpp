@@ -1,7 +1,11 @@
-// Sequences of requests to a bus and its children against a model of both. What is demanded is the
-// status of every request and what it answers, the state of every child behind it, when those who
-// wait for a child's going are let go, and that nothing is left. An input is lines:
+// Sequences of requests to two buses of two drivers, and to their children, against a model of a
+// bus. What is demanded is the status of every request and what it answers, the state of every
+// child behind it, when those who wait for a child's going are let go, when handlers, which delete
+// themselves in their last call, get that, and that nothing is left. An input is lines:
 //
+//     @ N         what follows is for the first bus, 0, or the second, 1
+//     z           the bus is removed and its driver unloaded; what follows loads it anew
+//     f N         the next request for relations, 0, or capabilities, 1, fails below the bus
 //     c N S I     makes a child with instance N in slot S; I says which hardware ids
 //     t S         takes the child in slot S away, in a thread of its own if that has to wait
 //     r           asks the bus for its relations
@@ -16,7 +20,10 @@
 #include <chrono>
 #include <future>
 #include <map>
+#include <memory>
+#include <optional>
 #include <thread>
+#include <utility>
 
 #include "ntos/pnp.h"
 #include "ntos/wait.h"
@@ -24,6 +31,7 @@
 #include "support/fuzzing.h"
 #include "support/tPnpModel.h"
 #include "support/tScript.h"
+#include "wdm/tMortalHandler.h"
 #include "wdm/tPnpBus.h"
 
 namespace {
@@ -35,6 +43,13 @@ constexpr auto kPatience = std::chrono::seconds(10);
 constexpr size_t kMostChildren = 12;
 constexpr size_t kLongest = 205;
 constexpr i32 kOutOfMemory = -50352;
+
+struct tDriverNames {
+  char const* bus;
+  char const* filter;
+};
+constexpr tDriverNames kDrivers[] = {{"oxdiagbus", "oxdiagfilter"},
+                                     {"oxdiagbus2", "oxdiagfilter2"}};
 
 std::string number(i64 value) {
   return std::to_string(value);
@@ -69,8 +84,14 @@ struct tIds {
 
 class tWorld {
  public:
-  tWorld() : bus(ntoshost::PnpMode::OnRequest), function(bus.physical->AttachedDevice) {}
+  // Its drivers have these names.
+  tWorld(char const* busDriver, char const* filterDriver)
+      : filter(filterDriver),
+        bus(ntoshost::PnpMode::OnRequest, busDriver, &filter),
+        function(bus.getFunction()) {}
   ~tWorld();
+  tWorld(tWorld const&) = delete;
+  tWorld& operator=(tWorld const&) = delete;
 
   void apply(tScript& script);
 
@@ -88,6 +109,7 @@ class tWorld {
   void sendPower(tModelChild& child, u8 minor);
   void sendOther(tModelChild& child, u8 major);
   void surprise();
+  void failBelow(bool isRelations);
 
   tModelChild* pick(tScript& script);
   bool sendFailing(tDeviceRequest& request);
@@ -96,12 +118,16 @@ class tWorld {
   void demandWaiters();
   void awaitWaiter(DEVICE_OBJECT* device);
 
+  tLowerFilter filter;
   tPnpBus bus;
   DEVICE_OBJECT* function;
   tPnpModel model;
+  std::map<DEVICE_OBJECT*, std::unique_ptr<tMortalFate>> fates;
   std::map<DEVICE_OBJECT*, std::future<i32>> waiters;
   unsigned fault = 0;  // 0: none
   bool isSurprised = false;
+  bool failsRelations = false;
+  bool failsCapabilities = false;
 };
 
 tModelChild* tWorld::pick(tScript& script) {
@@ -126,19 +152,27 @@ void tWorld::create(tScript& script) {
   u32 const slot = script.number() % 4;
   tIds const ids(script.number());
   if (model.children.size() == kMostChildren) return;
-  tChildDescription const description = {ids.ids, ids.count, L"A gauge",  instance,
-                                         false,   slot,      &bus.handler};
+  auto fate = std::make_unique<tMortalFate>();
+  auto* const handler = new tMortalHandler(*fate);
+  tChildDescription const description = {ids.ids, ids.count, L"A gauge", instance,
+                                         false,   slot,      handler};
   if (fault != 0) ntoshost::failNth(kFaults, fault);
   i32 status = 0;
   bus.children->createChild(description, status);
   bool const hasFailed = fault != 0 && ntoshost::faultsInjected() != 0;
   ntoshost::clearFaults();
   fault = 0;
-  if (hasFailed) return demandStatus(status, kOutOfMemory, "a creation without memory fails");
-  demandStatus(status, model.create(instance, slot, ids.isGood), "a creation is as the model says");
-  if (status != 0) return;
-  model.children.back().device = function->DriverObject->DeviceObject;
-  ObfReferenceObject(model.children.back().device);
+  demandStatus(status, hasFailed ? kOutOfMemory : model.create(instance, slot, ids.isGood),
+               "a creation is as the model says");
+  if (status != 0) {
+    demand(fate->isAlive(), "the handler of a refused child is not called", [] { return "stop"; });
+    delete handler;
+    return;
+  }
+  DEVICE_OBJECT* const device = function->DriverObject->DeviceObject;
+  model.children.back().device = device;
+  ObfReferenceObject(device);
+  fates[device] = std::move(fate);
 }
 
 void tWorld::take(u32 slot) {
@@ -170,7 +204,13 @@ void tWorld::askRelations() {
   if (sendFailing(request)) {
     return demandStatus(request.status(), STATUS_INSUFFICIENT_RESOURCES, "relations need memory");
   }
-  std::vector<DEVICE_OBJECT*> const wanted = model.relations();
+  bool const isFailure = std::exchange(failsRelations, false);
+  std::vector<DEVICE_OBJECT*> const wanted = model.relations(!isFailure);
+  if (isFailure) {
+    demand(request.answer<void>() == nullptr, "relations that fail have no list",
+           [] { return "one"; });
+    return demandStatus(request.status(), tLowerFilter::kFailure, "relations fail below");
+  }
   demandStatus(request.status(), STATUS_SUCCESS, "relations are told");
   auto const& seen = *request.answer<DEVICE_RELATIONS>();
   demand(std::vector<DEVICE_OBJECT*>(seen.Objects, seen.Objects + seen.Count) == wanted,
@@ -240,6 +280,9 @@ void tWorld::askCapabilities(tModelChild& child, u16 size) {
   request.location().Parameters.DeviceCapabilities.Capabilities = &capabilities;
   bool const hasFailed = sendFailing(request);
   NTSTATUS wanted = hasFailed ? STATUS_INSUFFICIENT_RESOURCES : STATUS_SUCCESS;
+  bool const isAsked = child.isLinked && size >= sizeof(capabilities) &&
+                       child.state != tPnpModel::kDeleted && !hasFailed;
+  if (isAsked && std::exchange(failsCapabilities, false)) wanted = tLowerFilter::kFailure;
   if (!child.isLinked) wanted = STATUS_NO_SUCH_DEVICE;
   if (size < sizeof(capabilities)) wanted = STATUS_UNSUCCESSFUL;
   if (child.state == tPnpModel::kDeleted) wanted = STATUS_DELETE_PENDING;
@@ -288,7 +331,12 @@ void tWorld::surprise() {
   if (isSurprised) return;
   isSurprised = true;
   demandStatus(sendPnp(function, IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS, "the bus is surprised");
-  model.dismiss();
+  model.dismiss(true);
+}
+
+void tWorld::failBelow(bool isRelations) {
+  (isRelations ? failsRelations : failsCapabilities) = true;
+  filter.failNext(isRelations ? IRP_MN_QUERY_DEVICE_RELATIONS : IRP_MN_QUERY_CAPABILITIES);
 }
 
 void tWorld::demandState(tModelChild const& child) {
@@ -297,6 +345,7 @@ void tWorld::demandState(tModelChild const& child) {
     demand(seen == wanted, what, [&] { return number(seen) + ", wanted " + number(wanted); });
   };
   demandSame(static_cast<i64>(record.states.get()), child.state, "the state is the model's");
+  demandSame(fates[child.device]->stops, child.isDrained ? 1 : 0, "its handler has its last call");
   if (child.state == tPnpModel::kDeleted) return;
   demandSame(static_cast<i64>(record.states.getPrevious()), child.previous, "so is the one before");
   demandSame(record.devicePower, child.devicePower, "so is the device's power");
@@ -318,7 +367,7 @@ void tWorld::demandWaiters() {
 }
 
 void tWorld::apply(tScript& script) {
-  char const operation = script.operation("ctrpqxakwyos!");
+  char const operation = script.operation("ctrpqxakwyosf!");
   if (operation == '!') {
     fault = 1 + script.number() % 4;
     return;
@@ -327,6 +376,7 @@ void tWorld::apply(tScript& script) {
   if (operation == 't') return take(script.number() % 4);
   if (operation == 'r') return askRelations();
   if (operation == 's') return surprise();
+  if (operation == 'f') return failBelow(script.number() % 2 == 0);
   tModelChild* const child = pick(script);
   if (child == nullptr) return;
   unsigned const first = script.number();
@@ -347,7 +397,7 @@ void tWorld::apply(tScript& script) {
 // Every child goes with its bus or behind it, and nobody waits any more.
 tWorld::~tWorld() {
   bus.removeBus();
-  model.dismiss();
+  model.dismiss(false);
   for (tModelChild& child : model.children) {
     demandState(child);
     if (child.state != tPnpModel::kDeleted) sendPnpTo(child, IRP_MN_REMOVE_DEVICE);
@@ -361,6 +411,17 @@ tWorld::~tWorld() {
 
 void fuzzInput(std::string const& input) {
   tScript script(input);
-  tWorld world;
-  while (script.next()) world.apply(script);
+  std::optional<tWorld> worlds[2];
+  unsigned current = 0;
+  while (script.next()) {
+    std::optional<tWorld>& world = worlds[current];
+    if (script.letter() == '@') {
+      current = script.number() % 2;
+    } else if (script.letter() == 'z') {
+      world.reset();
+    } else {
+      if (!world) world.emplace(kDrivers[current].bus, kDrivers[current].filter);
+      world->apply(script);
+    }
+  }
 }

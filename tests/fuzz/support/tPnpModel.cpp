@@ -48,13 +48,13 @@ tPnpModel::tDeparture tPnpModel::take(u32 slot, tModelChild*& taken) {
   return tDeparture::Unknown;
 }
 
-std::vector<DEVICE_OBJECT*> tPnpModel::relations() {
+std::vector<DEVICE_OBJECT*> tPnpModel::relations(bool isTold) {
   std::vector<DEVICE_OBJECT*> listed;
   for (tModelChild& child : children) {
     if (!child.isLinked) continue;
     child.isLinked = child.isPresent;
     if (!child.isPresent) continue;
-    child.isReported = true;
+    if (isTold) child.isReported = true;
     listed.push_back(child.device);
   }
   return listed;
@@ -77,6 +77,7 @@ void tPnpModel::letGo(tModelChild& child) {
 }
 
 void tPnpModel::remove(tModelChild& child) {
+  child.isRemoved = true;
   if (child.isLinked) return enter(child, kNotStarted);
   enter(child, kDeleted);
   child.isAwaited = false;
@@ -88,6 +89,7 @@ bool tPnpModel::movePnp(tModelChild& child, u8 minor) {
   switch (minor) {
     case 0:
       enter(child, kStarted);
+      child.isRemoved = false;
       child.devicePower = kPowerOn;
       return true;
     case 1:
@@ -125,11 +127,12 @@ void tPnpModel::setDevicePower(tModelChild& child, int state) {
   if (isChange && state != kPowerOn) letGo(child);
 }
 
-void tPnpModel::dismiss() {
+void tPnpModel::dismiss(bool isSurprise) {
   isRemoving = true;
   for (tModelChild& child : children) {
     if (!child.isLinked) continue;
     child.isLinked = false;
-    if (child.state == kNotStarted) remove(child);
+    bool const isAtEnd = !isSurprise || child.isRemoved || !child.isReported;
+    if (child.state == kNotStarted && isAtEnd) remove(child);
   }
 }

@@ -21,7 +21,8 @@ struct tModelChild {
   bool isPresent = true;
   bool isReported = false;
   bool isLinked = true;
-  bool isDrained = false;
+  bool isRemoved = false;  // by the system, and not started since
+  bool isDrained = false;  // and so its handler has come to its end
   bool isAwaited = false;  // somebody waits for its going
 };
 
@@ -37,15 +38,16 @@ class tPnpModel {
   // The child in the slot goes: how, and which.
   tDeparture take(u32 slot, tModelChild*& child);
 
-  // The devices that the bus is to list; those that are absent are forgotten.
-  std::vector<DEVICE_OBJECT*> relations();
+  // The devices that the bus is to list; those that are absent are forgotten. The system is told
+  // unless the devices below fail the request.
+  std::vector<DEVICE_OBJECT*> relations(bool isTold);
 
   // A request moves the child. True when its status is success whatever the request came with.
   bool movePnp(tModelChild& child, u8 minor);
   void setDevicePower(tModelChild& child, int state);
 
   // The bus goes.
-  void dismiss();
+  void dismiss(bool isSurprise);
 
   std::vector<tModelChild> children;
 

@@ -4,15 +4,15 @@ bool tScript::next() {
   while (position < input.size() && input[position] == '\n') ++position;
   if (position >= input.size()) return false;
   size_t const end = std::min(input.find('\n', position), input.size());
-  letter = input[position];
+  first = input[position];
   rest = input.substr(position + 1, end - position - 1);
   position = end;
   return true;
 }
 
 char tScript::operation(std::string const& operations) const {
-  if (operations.find(letter) != std::string::npos) return letter;
-  return operations[static_cast<unsigned char>(letter) % operations.size()];
+  if (operations.find(first) != std::string::npos) return first;
+  return operations[static_cast<unsigned char>(first) % operations.size()];
 }
 
 unsigned tScript::number() {

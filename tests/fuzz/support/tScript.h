@@ -16,6 +16,9 @@ class tScript {
   // Goes to the next operation; false behind the last. Empty lines are none.
   bool next();
 
+  // The letter as it is.
+  char letter() const { return first; }
+
   // Which of the `operations` it is; one of them, whatever the letter, so that no byte is wasted.
   char operation(std::string const& operations) const;
 
@@ -29,6 +32,6 @@ class tScript {
  private:
   std::string const& input;
   size_t position = 0;
-  char letter = 0;
+  char first = 0;
   std::string rest;
 };

@@ -1,5 +1,8 @@
 #include "wdm/tPnpBus.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "ntos/io.h"
 #include "oxdiagk/package.h"
 #include "vexk/functionDevice.h"
@@ -8,7 +11,7 @@ namespace {
 
 constexpr wchar_t kChildId[] = L"TEST\\Gauge";
 
-tPnpBus* theBus = nullptr;
+tPnpBus* buses[2] = {};
 
 // What stands on top of a child: opens and closes.
 class tFunction final : public iDeviceComponent {
@@ -20,26 +23,28 @@ class tFunction final : public iDeviceComponent {
 };
 
 void unload(DRIVER_OBJECT* /*driver*/) {
+  pkgSetWDMWrapperLoadStateAndGetGUID(0);
 }
 
 }  // namespace
 
-tPnpBus::tPnpBus(ntoshost::PnpMode mode) {
-  theBus = this;
-  pkgSetWDMWrapperLoadStateAndGetGUID(1);
+tPnpBus::tPnpBus(ntoshost::PnpMode mode, char const* driverName, tLowerFilter* below)
+    : filter(below) {
+  *std::find(std::begin(buses), std::end(buses), nullptr) = this;
   ntoshost::setPnpMode(mode);
-  ntoshost::loadDriver("oxdiagbus", &enter, &driver);
+  ntoshost::loadDriver(driverName, &enter, &driver);
   ntoshost::addRootDevice(driver, "OXDIAGBUS", &physical);
   ntoshost::startDevice(physical);
 }
 
 tPnpBus::~tPnpBus() {
   if (physical != nullptr) removeBus();
-  ntoshost::setPnpMode(ntoshost::PnpMode::Worker);
+  *std::find(std::begin(buses), std::end(buses), this) = nullptr;
+  bool const isLast = buses[0] == nullptr && buses[1] == nullptr;
+  if (isLast) ntoshost::setPnpMode(ntoshost::PnpMode::Worker);
   ntoshost::waitForPnp();
   ntoshost::unloadDriver(driver);
-  ntoshost::requireNoDevices("the test");
-  pkgSetWDMWrapperLoadStateAndGetGUID(0);
+  if (isLast && filter == nullptr) ntoshost::requireNoDevices("the test");
 }
 
 void tPnpBus::removeBus() {
@@ -48,6 +53,7 @@ void tPnpBus::removeBus() {
 }
 
 NTSTATUS tPnpBus::enter(DRIVER_OBJECT* entered, UNICODE_STRING* /*registryPath*/) {
+  pkgSetWDMWrapperLoadStateAndGetGUID(1);
   entered->DriverUnload = &unload;
   entered->DriverExtension->AddDevice = &addDevice;
   for (DRIVER_DISPATCH*& each : entered->MajorFunction) each = &pkgWDMWrapperHandleIrp;
@@ -57,10 +63,21 @@ NTSTATUS tPnpBus::enter(DRIVER_OBJECT* entered, UNICODE_STRING* /*registryPath*/
 NTSTATUS tPnpBus::addDevice(DRIVER_OBJECT* added, DEVICE_OBJECT* physicalDevice) {
   tFunctionDeviceDescription const description = {added, physicalDevice, FILE_DEVICE_BUS_EXTENDER,
                                                   kTestBusType, kTestBusNumber};
+  tPnpBus* const bus = find(added);
   bool const isChild = physicalDevice->DriverObject == added;
-  iDeviceComponent* const component =
-      isChild ? static_cast<iDeviceComponent*>(new tFunction) : theBus;
+  if (!isChild && bus->filter != nullptr) bus->filter->attachTo(physicalDevice);
+  iDeviceComponent* const component = isChild ? static_cast<iDeviceComponent*>(new tFunction) : bus;
   return vexAddFunctionDevice(description, *component);
+}
+
+tPnpBus* tPnpBus::find(DRIVER_OBJECT const* wanted) {
+  return buses[0] != nullptr && buses[0]->driver == wanted ? buses[0] : buses[1];
+}
+
+DEVICE_OBJECT* tPnpBus::getFunction() const {
+  DEVICE_OBJECT* device = physical;
+  while (device->AttachedDevice != nullptr) device = device->AttachedDevice;
+  return device;
 }
 
 void tPnpBus::assignFunction() {

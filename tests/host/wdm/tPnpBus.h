@@ -1,16 +1,20 @@
 #pragma once
 
-// A bus that the host's PnP manager drives, and a function driver for its children.
+// A bus that the host's PnP manager drives, and a function driver for its children. Two of them may
+// be there at a time, with drivers of different names.
 
 #include <string>
 #include <vector>
 
 #include "ntoshost/executive.h"
 #include "support/tBusStack.h"
+#include "wdm/tLowerFilter.h"
 
 class tPnpBus : public iDeviceComponent {
  public:
-  explicit tPnpBus(ntoshost::PnpMode mode = ntoshost::PnpMode::Worker);
+  // With a filter, which outlives the bus, below the function device.
+  explicit tPnpBus(ntoshost::PnpMode mode = ntoshost::PnpMode::Worker,
+                   char const* driverName = "oxdiagbus", tLowerFilter* below = nullptr);
   ~tPnpBus();
   tPnpBus(tPnpBus const&) = delete;
   tPnpBus& operator=(tPnpBus const&) = delete;
@@ -27,6 +31,9 @@ class tPnpBus : public iDeviceComponent {
 
   void removeBus();
 
+  // The function device, which the requests to the bus are sent to.
+  DEVICE_OBJECT* getFunction() const;
+
   void start(iChildBus* place, i32& status) override;
   void stop(bool isSurprise) override;
   void handleDeviceControl(u32, void*, u32, void*, u32, u64*, i32*) override {}
@@ -41,6 +48,8 @@ class tPnpBus : public iDeviceComponent {
  private:
   static NTSTATUS enter(DRIVER_OBJECT* driver, UNICODE_STRING* registryPath);
   static NTSTATUS addDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physicalDevice);
+  static tPnpBus* find(DRIVER_OBJECT const* driver);
 
+  tLowerFilter* const filter;
   DRIVER_OBJECT* driver = nullptr;
 };
