@@ -76,6 +76,29 @@ TEST(Pool, OutstandingBlocksAndBytesAreCounted) {
   EXPECT_EQ(ntoshost::outstandingBytes(), bytes);
 }
 
+TEST(Pool, TheFootprintIsInUnitsWithAHeadForEachBlock) {
+  u64 const before = ntoshost::outstandingFootprint();
+  void* const one = ExAllocatePoolWithTag(NonPagedPoolNx, 1, kTag);
+  void* const two = ExAllocatePoolWithTag(NonPagedPoolNx, 17, kTag);
+  EXPECT_EQ(ntoshost::outstandingFootprint(), before + 32 + 48);
+  ExFreePoolWithTag(one, kTag);
+  ExFreePoolWithTag(two, kTag);
+  EXPECT_EQ(ntoshost::outstandingFootprint(), before);
+}
+
+TEST(Pool, TheLargestFootprintIsThatSinceTheWatchBegan) {
+  void* const kept = ExAllocatePoolWithTag(NonPagedPoolNx, 16, kTag);
+  ntoshost::watchFootprint();
+  u64 const before = ntoshost::outstandingFootprint();
+  EXPECT_EQ(ntoshost::peakFootprint(), before);
+  ExFreePoolWithTag(ExAllocatePoolWithTag(NonPagedPoolNx, 160, kTag), kTag);
+  ExFreePoolWithTag(ExAllocatePoolWithTag(NonPagedPoolNx, 16, kTag), kTag);
+  EXPECT_EQ(ntoshost::peakFootprint(), before + 176);
+  ntoshost::watchFootprint();
+  EXPECT_EQ(ntoshost::peakFootprint(), before);
+  ExFreePoolWithTag(kept, kTag);
+}
+
 TEST(Pool, OutstandingBlocksAreListedOldestFirstWithAllTheyAre) {
   void* const first = ExAllocatePoolWithTag(PagedPool, 5, ntosPoolTag("aaaa"));
   void* const dropped = ExAllocatePoolWithTag(PagedPool, 6, kTag);

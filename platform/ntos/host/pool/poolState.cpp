@@ -11,6 +11,11 @@ namespace {
 constexpr u64 kPoolLimit = u64{1} << 30;
 constexpr u64 kHeldBackBlocks = 1024;
 constexpr u64 kHeldBackBytes = u64{8} << 20;
+constexpr u64 kPoolUnit = 16;  // bytes
+
+u64 footprintOf(Block const& block) {
+  return kPoolUnit + ((block.size + kPoolUnit - 1) & ~(kPoolUnit - 1));
+}
 
 void dropOldestHeldBack(char const* call) {
   Block* const block = g_pool.heldBack.oldest;
@@ -33,12 +38,15 @@ Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind) {
   block->serial = ++g_pool.lastSerial;
   g_pool.table.add(*block);
   g_pool.taken.add(*block);
+  g_pool.footprint += footprintOf(*block);
+  if (g_pool.footprint > g_pool.peakFootprint) g_pool.peakFootprint = g_pool.footprint;
   return block;
 }
 
 void holdBack(Block& block, char const* call) {
   retireBlock(block);
   g_pool.taken.remove(block);
+  g_pool.footprint -= footprintOf(block);
   g_pool.heldBack.add(block);
   while (g_pool.heldBack.count > kHeldBackBlocks || g_pool.heldBack.bytes > kHeldBackBytes) {
     dropOldestHeldBack(call);

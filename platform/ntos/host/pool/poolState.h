@@ -14,6 +14,8 @@ struct Pool {
   BlockList taken = {};
   BlockList heldBack = {};
   u64 lastSerial = 0;
+  u64 footprint = 0;
+  u64 peakFootprint = 0;
 };
 
 extern constinit Pool g_pool;

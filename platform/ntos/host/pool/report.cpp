@@ -36,6 +36,21 @@ u64 outstandingBytes() {
   return g_pool.taken.bytes;
 }
 
+u64 outstandingFootprint() {
+  PoolLock const lock;
+  return g_pool.footprint;
+}
+
+void watchFootprint() {
+  PoolLock const lock;
+  g_pool.peakFootprint = g_pool.footprint;
+}
+
+u64 peakFootprint() {
+  PoolLock const lock;
+  return g_pool.peakFootprint;
+}
+
 void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void* context) {
   PoolLock const lock;
   for (Block* block = g_pool.taken.oldest; block != nullptr; block = block->newer) {

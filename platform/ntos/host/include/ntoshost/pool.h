@@ -22,6 +22,14 @@ struct PoolBlock {
 u64 outstandingBlocks();
 u64 outstandingBytes();
 
+// The same bytes as a kernel's pool counts them, which cuts its blocks in units of 16 bytes and
+// puts a head of one unit in front of each.
+u64 outstandingFootprint();
+
+// The largest footprint since the last watchFootprint; without one, since the program started.
+void watchFootprint();
+u64 peakFootprint();
+
 // Calls visit(context, block) for each of them, oldest first. `visit` must not use the pool.
 void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void* context);
 
