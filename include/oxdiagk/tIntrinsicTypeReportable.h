@@ -68,7 +68,7 @@ class tIntrinsicTypeReportable : public iVariantReportable {
  private:
   static constexpr char kSourceTag[] = "source/status/tIntrinsicTypeReportable";
 
-  _STL::vector<T> values;
+  tReportableList<T> values;
 };
 
 template <class T>

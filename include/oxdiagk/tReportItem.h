@@ -4,6 +4,7 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "oxdiagk/tReportItemContent.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/iCloneableExternalizable.h"
 
@@ -42,13 +43,13 @@ class OXDIAG_API tReportItem : public virtual nQELM100::iCloneableExternalizable
   tReportItem& operator=(tReportItem const& other) noexcept;
   tReportItem& operator=(tReportItem&& other) noexcept;
 
-  i32 getUsageType() const { return usageType; }
+  i32 getUsageType() const { return content.getUsageType(); }
 
   // The item's own; null when it has none.
-  iVariantReportable const* getReportable() const { return reportable; }
+  iVariantReportable const* getReportable() const { return content.getReportable(); }
 
   // True when the reportable of another item could not be cloned into this one. A vector asks.
-  bool hasFailed() const { return failed; }
+  bool hasFailed() const { return content.hasFailed(); }
 
   // A new item with a clone of the reportable; null with the reason in `status`:
   // kStatusClassMismatch when there is no memory for the item, kStatusOutOfMemory when the
@@ -62,11 +63,7 @@ class OXDIAG_API tReportItem : public virtual nQELM100::iCloneableExternalizable
   void readExternal(nQELM100::iObjectReader& reader, i32& status) override;
 
  private:
-  void exchange(tReportItem& other) noexcept;
-
-  i32 usageType = 0;
-  bool failed = false;
-  iVariantReportable* reportable = nullptr;
+  tReportItemContent content;
 };
 
 }  // namespace nOXDIAG100

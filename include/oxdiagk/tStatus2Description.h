@@ -38,6 +38,9 @@ class OXDIAG_API tStatus2Description : public iStatus2Description {
   // The usage type of the items of addNewline. All others are the caller's to give.
   static constexpr i32 kNewlineUsageType = 223;
 
+  // Items behind one that cannot be read that keep their places in the list.
+  static constexpr u32 kMostUnreadItems = 1024;
+
   // An empty list. Without room in the status heap there is none; the second form records
   // kStatusOutOfMemory then. With an error in `status` on entry it makes none either.
   tStatus2Description();
@@ -122,11 +125,15 @@ class OXDIAG_API tStatus2Description : public iStatus2Description {
 
   // The form in a stream: the number of items (u32), and each item as tReportItem writes it.
   //
-  // Reading keeps the present list when the number cannot be read, and when the reader says by
-  // kStatusNoListFollows that there is no list. From then on the present list is gone: on
-  // exhausted memory, and when the stream cannot hold as many items (kStatusOutOfMemory), it is
-  // empty; when an item cannot be read, it and those behind it have usage type 0 and no
-  // reportable. Without a list to read into, reading is kStatusOutOfMemory, and writing
+  // Reading keeps the present list when the number cannot be read, and when the reader reports by
+  // kStatusNoListFollows that there is no list. Otherwise the present list is gone. The new one
+  // grows with the items that are read, so a number that is not true costs no memory:
+  //   - when the stream cannot hold as many items, or the list cannot grow, the status is
+  //     kStatusOutOfMemory and the list is empty;
+  //   - when an item cannot be read, the list holds those before it. The item itself and those
+  //     behind it, kMostUnreadItems of them at most and none when memory is exhausted, keep their
+  //     places with usage type 0 and no reportable.
+  // Without a list to read into, reading is kStatusOutOfMemory, and writing
   // kStatusNoImplementation.
   void writeExternal(nQELM100::iObjectWriter& writer, i32& status) const override;
   void readExternal(nQELM100::iObjectReader& reader, i32& status) override;

@@ -1,70 +1,34 @@
 #include "oxdiagk/tReportItem.h"
 
-#include "oxdiagk/iVariantReportable.h"
-#include "qelmk/iObjectReader.h"
-#include "qelmk/iObjectWriter.h"
 #include "qelmk/ownedObjects.h"
+#include "stl/memory.h"
 #include "stl/utility.h"
-
-#define OXDIAG_STATUS_FILE "source/status/tReportItem"
-#include "status/libraryStatus.h"
 
 QELM_DEFINE_CLASS(nOXDIAG100::tReportItem, "nOXDIAG100::tReportItem")
 
 namespace nOXDIAG100 {
-namespace {
-
-// Null with the reason in `status`. What a class makes of the failure of its clone is its own
-// matter; here it is memory that a clone takes.
-iVariantReportable* cloneValue(iVariantReportable const& value, i32& status) {
-  i32 reason = 0;
-  nQELM100::iCloneable* const copy = value.clone(reason);
-  if (copy != nullptr) return nQELM100::adoptObject<iVariantReportable>(copy, status);
-  nQELM100::mergeStatus(status, kStatusOutOfMemory);
-  return nullptr;
-}
-
-}  // namespace
 
 tReportItem::tReportItem(i32 itemUsageType, iVariantReportable const& value, tStatus2& status)
-    : usageType(itemUsageType) {
-  if (status.isError()) return;
-  i32 code = 0;
-  reportable = cloneValue(value, code);
-  OXDIAG_SET_STATUS(status, code);
+    : content(itemUsageType, value, status) {
 }
 
 tReportItem::tReportItem(tReportItem const& other) noexcept
-    : tObject(other), iCloneableExternalizable(other), usageType(other.usageType) {
-  if (other.reportable == nullptr) return;
-  i32 status = 0;
-  reportable = cloneValue(*other.reportable, status);
-  failed = reportable == nullptr;
+    : tObject(other), iCloneableExternalizable(other), content(other.content) {
 }
 
 tReportItem::tReportItem(tReportItem&& other) noexcept
-    : tObject(other), iCloneableExternalizable(other) {
-  exchange(other);
+    : tObject(other), iCloneableExternalizable(other), content(_STL::move(other.content)) {
 }
 
-tReportItem::~tReportItem() {
-  nQELM100::destroyThroughClass(reportable);
-}
+tReportItem::~tReportItem() = default;
 
 tReportItem& tReportItem::operator=(tReportItem const& other) noexcept {
-  tReportItem copy(other);
-  if (copy.hasFailed()) {
-    failed = true;
-  } else {
-    copy.failed = failed;
-    exchange(copy);
-  }
+  content = other.content;
   return *this;
 }
 
 tReportItem& tReportItem::operator=(tReportItem&& other) noexcept {
-  tReportItem taken(_STL::move(other));
-  exchange(taken);
+  content = _STL::move(other.content);
   return *this;
 }
 
@@ -79,28 +43,11 @@ nQELM100::iCloneable* tReportItem::clone(i32& status) const {
 }
 
 void tReportItem::writeExternal(nQELM100::iObjectWriter& writer, i32& status) const {
-  if (status < 0) return;
-  writer.writeI32(usageType, status);
-  writer.writeU32(reportable != nullptr ? 1 : 0, status);
-  if (reportable != nullptr) writer.writeObject(reportable, status);
+  content.writeExternal(writer, status);
 }
 
 void tReportItem::readExternal(nQELM100::iObjectReader& reader, i32& status) {
-  if (status < 0) return;
-  tReportItem fresh;
-  u32 hasReportable = 0;
-  reader.readI32(fresh.usageType, status);
-  reader.readU32(hasReportable, status);
-  if (hasReportable != 0) {
-    fresh.reportable = nQELM100::adoptObject<iVariantReportable>(reader.readObject(status), status);
-  }
-  if (status >= 0) exchange(fresh);
-}
-
-void tReportItem::exchange(tReportItem& other) noexcept {
-  _STL::swap(usageType, other.usageType);
-  _STL::swap(failed, other.failed);
-  _STL::swap(reportable, other.reportable);
+  content.readExternal(reader, status);
 }
 
 }  // namespace nOXDIAG100

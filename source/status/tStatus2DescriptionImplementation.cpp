@@ -3,6 +3,7 @@
 #include "oxdiagk/iReportableTranslator.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "oxdiagk/statusCodes.h"
+#include "oxdiagk/tStatus2Description.h"
 #include "qelmk/iObjectReader.h"
 #include "qelmk/iObjectWriter.h"
 #include "qelmk/ownedObjects.h"
@@ -31,7 +32,7 @@ void append(_STL::wstring& output, _STL::wstring const& text, tStatus2& status) 
 
 // Begins with an empty text, so that a title is one of this item only. What there is of it when
 // something fails is shown all the same: it is the end of the report.
-void reportItem(tReportItem const& item, iReportableTranslator const& translator,
+void reportItem(tReportItemContent const& item, iReportableTranslator const& translator,
                 _STL::wstring& output, tStatus2& status) {
   if (item.getReportable() == nullptr) return;
   _STL::wstring text;
@@ -40,7 +41,8 @@ void reportItem(tReportItem const& item, iReportableTranslator const& translator
   if (!output.append(text) || text.hasFailed()) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
 }
 
-bool areEquivalent(tReportItem const& left, tReportItem const& right, tStatus2& status) {
+bool areEquivalent(tReportItemContent const& left, tReportItemContent const& right,
+                   tStatus2& status) {
   if (left.getUsageType() != right.getUsageType()) return false;
   iVariantReportable const* const leftValue = left.getReportable();
   iVariantReportable const* const rightValue = right.getReportable();
@@ -59,7 +61,7 @@ void tStatus2DescriptionImplementation::copyItems(tStatus2DescriptionImplementat
 void tStatus2DescriptionImplementation::insert(u32 index, i32 usageType,
                                                iVariantReportable const& reportable,
                                                tStatus2& status) {
-  tReportItem item(usageType, reportable, status);
+  tReportItemContent item(usageType, reportable, status);
   if (status.isError()) return;
   if (!items.insert(index, _STL::move(item))) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
 }
@@ -72,7 +74,7 @@ void tStatus2DescriptionImplementation::replace(u32 index, i32 usageType,
                                                 iVariantReportable const& reportable,
                                                 tStatus2& status) {
   if (!isInRange(index, status)) return;
-  tReportItem item(usageType, reportable, status);
+  tReportItemContent item(usageType, reportable, status);
   if (!status.isError()) items[index] = _STL::move(item);
 }
 
@@ -96,19 +98,19 @@ void tStatus2DescriptionImplementation::getReportableClassName(u32 index, _STL::
 u32 tStatus2DescriptionImplementation::findUsageType(i32 usageType, u32& foundIndex,
                                                      u32 startIndex) const {
   return find(foundIndex, startIndex,
-              [&](tReportItem const& item) { return item.getUsageType() == usageType; });
+              [&](tReportItemContent const& item) { return item.getUsageType() == usageType; });
 }
 
 u32 tStatus2DescriptionImplementation::findClass(nQELM100::tClass const& wanted, u32& foundIndex,
                                                  u32 startIndex) const {
-  return find(foundIndex, startIndex, [&](tReportItem const& item) {
+  return find(foundIndex, startIndex, [&](tReportItemContent const& item) {
     return item.getReportable() != nullptr && classOf(*item.getReportable()) == wanted;
   });
 }
 
 u32 tStatus2DescriptionImplementation::findClassName(_STL::string const& className, u32& foundIndex,
                                                      u32 startIndex) const {
-  return find(foundIndex, startIndex, [&](tReportItem const& item) {
+  return find(foundIndex, startIndex, [&](tReportItemContent const& item) {
     return item.getReportable() != nullptr && className == classOf(*item.getReportable()).getName();
   });
 }
@@ -146,7 +148,7 @@ void tStatus2DescriptionImplementation::writeExternal(nQELM100::iObjectWriter& w
                                                       i32& status) const {
   if (status < 0) return;
   writer.writeU32(getCount(), status);
-  for (tReportItem const& item : items) item.writeExternal(writer, status);
+  for (tReportItemContent const& item : items) item.writeExternal(writer, status);
 }
 
 void tStatus2DescriptionImplementation::readExternal(nQELM100::iObjectReader& reader, i32& status) {
@@ -160,17 +162,27 @@ void tStatus2DescriptionImplementation::readExternal(nQELM100::iObjectReader& re
   if (reading >= 0 && reading != nQELM100::kStatusNoListFollows) readItems(count, reader, status);
 }
 
+// The list grows with what was read, so that a count that is not true costs no memory.
 void tStatus2DescriptionImplementation::readItems(u32 count, nQELM100::iObjectReader& reader,
                                                   i32& status) {
   makeEmpty();
-  // A count that the stream cannot hold is not believed, so it costs no memory.
-  if (count > reader.getMostItems() / kFewestStreamItems || !items.resize(count)) {
-    status = kStatusOutOfMemory;
-    return;
+  if (count > reader.getMostItems() / kFewestStreamItems) status = kStatusOutOfMemory;
+  while (status >= 0 && getCount() < count) {
+    if (!items.resize(items.size() + 1)) {
+      makeEmpty();
+      status = kStatusOutOfMemory;
+      return;
+    }
+    items.back().readExternal(reader, status);
+    if (status < 0) keepPlaces(count);
   }
-  for (u32 index = 0; index < count && status >= 0; ++index) {
-    items[index].readExternal(reader, status);
-  }
+}
+
+// Without memory for them the list ends with the item that failed.
+void tStatus2DescriptionImplementation::keepPlaces(u32 count) {
+  constexpr u32 kMost = tStatus2Description::kMostUnreadItems;
+  u32 const unread = count - getCount();
+  items.resize(items.size() + (unread < kMost ? unread : kMost));
 }
 
 bool tStatus2DescriptionImplementation::isInRange(u32 index, tStatus2& status) const {

@@ -3,7 +3,7 @@
 // What is behind a description: its list.
 
 #include "oxdiagk/iStatus2Description.h"
-#include "oxdiagk/tReportItem.h"
+#include "oxdiagk/tReportItemContent.h"
 #include "stl/string.h"
 #include "stl/vector.h"
 
@@ -13,7 +13,8 @@ class iReportableTranslator;
 
 // The operations are those of tStatus2Description and are told there. An object of its own, in the
 // status heap, so that a description on a stack is small and one that finds the heap full can say
-// so. The list is in the module's memory: the status heap would be full with a hundred items.
+// so. The list is in the module's memory: the status heap would be full with a hundred items. It
+// holds what a tReportItem holds, and none of its tables.
 class OXDIAG_API tStatus2DescriptionImplementation
     : public virtual nQELM100::iCloneableExternalizable {
   QELM_DECLARE_CLASS(tStatus2DescriptionImplementation, nQELM100::iCloneableExternalizable)
@@ -68,12 +69,13 @@ class OXDIAG_API tStatus2DescriptionImplementation
  private:
   bool isInRange(u32 index, tStatus2& status) const;
   void readItems(u32 count, nQELM100::iObjectReader& reader, i32& status);
+  void keepPlaces(u32 count);
 
   template <class Matches>
   u32 find(u32& foundIndex, u32 startIndex, Matches matches) const;
 
   i32 storedStatus;
-  _STL::vector<tReportItem> items;
+  _STL::vector<tReportItemContent> items;
 };
 
 }  // namespace nOXDIAG100

@@ -28,6 +28,9 @@ namespace _STL {
 // string, one of them writing, must lock.
 template <class C, u32 Flags = kMemoryLongLived>
 class basic_string : public failure_state {
+  template <class, u32>
+  friend class borrowed_string;
+
  public:
   using value_type = C;
 
@@ -134,6 +137,10 @@ class basic_string : public failure_state {
   }
 
  private:
+  // Refers to the text of somebody else.
+  constexpr basic_string(C* text, size_t size, size_t capacity) noexcept
+      : text_(text), size_(size), capacity_(capacity) {}
+
   static constexpr C kTerminator = C();
   static constexpr size_t kSmallestCapacity = 15;
 
