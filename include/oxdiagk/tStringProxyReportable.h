@@ -17,9 +17,11 @@ struct tReportableSource;
 //
 //     tStringProxyReportable const hint(kHintReseat, "nRACK::tHints", status);
 //
-// A report makes an object of that class, asks it for the text of each id and destroys it. What
-// tClass::forName or newInstance say against it goes to the status; a class of another kind records
-// kStatusClassMismatch. With an empty class name each id has the text of translateI32.
+// A report makes an object of that class, asks it for the text of each id and destroys it. The
+// status receives the failures of tClass::forName and newInstance: kStatusClassUnknown when no
+// class has exactly this name (a name with a NUL in it is no class's), kStatusClassAbstract,
+// kStatusOutOfMemory. A class of another kind records kStatusClassMismatch. With an empty class
+// name each id has the text of translateI32.
 //
 // The order of the values is kept, and so are equal ones. Not locked; values come from long-lived
 // memory. IRQL <= APC_LEVEL.

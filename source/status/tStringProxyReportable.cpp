@@ -14,7 +14,7 @@ constexpr char kSourceTag[] = "source/status/tStringProxyReportable";
 // The lookup class and the one object of it that a report needs.
 class tConverter {
  public:
-  tConverter(char const* className, tReportText& report);
+  tConverter(_STL::string const& className, tReportText& report);
   ~tConverter();
   tConverter(tConverter const&) = delete;
   tConverter& operator=(tConverter const&) = delete;
@@ -28,10 +28,10 @@ class tConverter {
   iStringIDToWideStringConverter const* converter = nullptr;
 };
 
-tConverter::tConverter(char const* className, tReportText& report) {
+tConverter::tConverter(_STL::string const& className, tReportText& report) {
   i32 code = report.getStatus().getCode();
   if (code < 0) return;
-  itsClass = nQELM100::tClass::forName(className, code);
+  itsClass = nQELM100::tClass::forName(className.data(), className.size(), code);
   object = itsClass.newInstance(code);
   if (code < 0) {
     report.fail(code);
@@ -97,7 +97,7 @@ void tStringProxyReportable::generateReport(iReportableTranslator const& transla
                          [&](i32 id) { return tReportableValue<i32>::translate(report, id); });
     return;
   }
-  tConverter const converter(lookupClassName.c_str(), report);
+  tConverter const converter(lookupClassName, report);
   renderReportableList(report, stringIDs, tEmptyTexts::kKept,
                        [&](i32 id) { return converter.get()->convert(id, status); });
 }

@@ -45,6 +45,22 @@ TEST(QelmkRegistry, FindsARegisteredClassByItsName) {
   EXPECT_TRUE(found == tParcel::staticGetClass(status));
 }
 
+TEST(QelmkRegistry, FindsAClassByExactlyAsManyCharacters) {
+  tRegistration<tParcel> const registration;
+  char const text[] = "tParcel\0tail";
+  for (size_t length = 0; length < sizeof(text); ++length) {
+    i32 status = 0;
+    EXPECT_EQ(tClass::forName(text, length, status).isValid(), length == 7);
+    EXPECT_EQ(status, length == 7 ? 0 : nQELM100::kStatusClassUnknown);
+  }
+}
+
+TEST(QelmkRegistry, FindsNothingWithoutAName) {
+  i32 status = 0;
+  EXPECT_FALSE(tClass::forName(nullptr, 7, status).isValid());
+  EXPECT_EQ(status, nQELM100::kStatusClassUnknown);
+}
+
 TEST(QelmkRegistry, AClassFoundByNameMakesInstances) {
   tRegistration<tParcel> const registration;
   i32 status = 0;

@@ -79,6 +79,22 @@ TEST(ReportableConverter, AnUnknownClassEndsTheReport) {
   expectFailure(tTestConverter::kName, nQELM100::kStatusClassUnknown);
 }
 
+TEST(ReportableConverter, ANameWithNULNamesNoClass) {
+  tRegistration<tTestConverter> const registration;
+  tTestTranslator const translator;
+  _STL::string name(tTestConverter::kName);
+  for (char const* more : {"", "behind"}) {
+    tStatus2 status;
+    _STL::string longer(name.c_str(), name.size() + 1);
+    longer.append(more);
+    tReport const report(tStringProxyReportable(1, longer, status), translator);
+    EXPECT_EQ(report.getCode(), nQELM100::kStatusClassUnknown);
+  }
+  tStatus2 status;
+  tReport const report(tStringProxyReportable(1, name, status), translator);
+  EXPECT_EQ(report.getCode(), 0);
+}
+
 TEST(ReportableConverter, AClassWithoutInstancesEndsTheReport) {
   expectFailure("nOXDIAG100::iStringIDToWideStringConverter", nQELM100::kStatusClassAbstract);
 }

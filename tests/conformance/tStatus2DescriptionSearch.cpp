@@ -170,6 +170,16 @@ TEST(DescriptionSearch, PassesOverItemsWithoutReportable) {
   EXPECT_EQ(findClass(list, tClass(), 0), kUntouched);
 }
 
+TEST(DescriptionSearch, ANameWithNULIsNoNameOfAClass) {
+  tSearched const searched;
+  tStatus2 status;
+  u32 index = kUntouched;
+  _STL::string const name("tTestReportable\0", 16);
+  EXPECT_EQ(name.size(), size_t{16});
+  EXPECT_EQ(searched.list.findMatchingReportable(name, index, status, 0), u32{0});
+  EXPECT_EQ(index, kUntouched);
+}
+
 TEST(DescriptionSearch, FindsNothingWithAnErrorOnEntry) {
   tSearched const searched;
   tStatus2 status(kEarlierError);

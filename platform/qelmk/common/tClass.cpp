@@ -6,9 +6,13 @@
 #include "vexk/memory.h"
 
 namespace nQELM100 {
+
 tClass tClass::forName(char const* name, i32& status) {
+  return forName(name, name == nullptr ? 0 : __builtin_strlen(name), status);
+}
+
+tClass tClass::forName(char const* name, size_t length, i32& status) {
   if (status < 0) return tClass();
-  size_t const length = name == nullptr ? 0 : __builtin_strlen(name);
   tClassImplementation const* const record = qelmkClasses.find(name, length);
   if (record == nullptr) {
     status = kStatusClassUnknown;

@@ -75,7 +75,7 @@ void tClassRegistry::remove(tClassImplementation& record) {
 }
 
 tClassImplementation const* tClassRegistry::find(char const* name, size_t length) {
-  if (length == 0 || !isReady) return nullptr;
+  if (name == nullptr || length == 0 || !isReady) return nullptr;
   u64 const hash = hashOf(name, length);
   tFastMutexGuard const held(guard);
   return *findPlace(name, length, hash);

@@ -28,6 +28,9 @@ class QELM_API tClass {
   // nothing is looked for. IRQL <= APC_LEVEL; any thread.
   static tClass forName(char const* name, i32& status);
 
+  // The same for a name of `length` characters without terminator. No class has a NUL in its name.
+  static tClass forName(char const* name, size_t length, i32& status);
+
   constexpr bool isValid() const { return implementation != nullptr; }
 
   // The registered name with its namespaces, such as "nOXDIAG100::tGUIDReportable"; empty when this
