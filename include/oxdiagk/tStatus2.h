@@ -114,12 +114,20 @@ class OXDIAG_API tStatus2 {
   void toString(char* buffer, u32 size) const;
 
   // Writes the status with its detail to a stream, and replaces it by what was written. Nothing
-  // happens when `status`, which receives the stream's failures, is negative on entry.
+  // happens when `status`, which receives the stream's failures, is negative on entry. IRQL as the
+  // stream's, <= APC_LEVEL.
   //
-  // Reading takes forms with fewer or more fields, as older and newer versions write them. When the
-  // stream fails, this status holds what was read up to there. A description of a foreign class is
-  // dropped with kStatusClassMismatch in `status`. When the heap is full there is no detail, and a
-  // code that is no error becomes kStatusOutOfMemory. IRQL as the stream's, <= APC_LEVEL.
+  // Reading takes forms with fewer or more fields, as older and newer versions write them, and
+  // always the whole form, whatever can be kept of it:
+  //   - Full heap: there is no detail, a code that is no error becomes kStatusOutOfMemory, and
+  //     `status` stays as it was.
+  //   - A description that cannot be made: the detail is kept without it, and `status` says why:
+  //     kStatusOutOfMemory when the heap has room for the detail only, kStatusClassUnknown,
+  //     kStatusClassMismatch for an object that is no description.
+  //   - When the stream itself fails, this status holds what was read up to there.
+  // In the first two cases the next item of the stream can be read, with a clean `status`. Only a
+  // reader that cannot pass over such an object (iObjectReader::isPastFailedObject) stays in it;
+  // then a full heap is kStatusOutOfMemory in `status` too.
   void writeExternal(nQELM100::iObjectWriter& writer, i32& status) const;
   void readExternal(nQELM100::iObjectReader& reader, i32& status);
 

@@ -3,6 +3,7 @@
 #include "oxdiagk/iStatus2Description.h"
 #include "qelmk/iObjectReader.h"
 #include "qelmk/iObjectWriter.h"
+#include "qelmk/mergeStatus.h"
 #include "status/tStatus2Implementation.h"
 #include "status/tStatusText.h"
 #include "vexk/callStack.h"
@@ -34,6 +35,18 @@ void appendDetail(tStatusText& text, tStatus2 const& status) {
   if (description == nullptr || text.isFull()) return;
   text.append("\n\t");
   description->toString(text.getRest(), text.getRestSize());
+}
+
+// Reads the form of a detail that found no room, so that what follows it in the stream is found.
+// That a description finds no room either is no failure besides.
+void passDetail(nQELM100::iObjectReader& reader, i32& status) {
+  tStatus2Implementation passed(0, nullptr, nullptr, 0, nullptr);
+  i32 descriptionStatus = 0;
+  i32 formStatus = 0;
+  passed.readForm(reader, descriptionStatus, formStatus);
+  bool const isPassed = descriptionStatus == kStatusOutOfMemory && reader.isPastFailedObject();
+  if (!isPassed) nQELM100::mergeStatus(status, descriptionStatus);
+  nQELM100::mergeStatus(status, formStatus);
 }
 
 }  // namespace
@@ -104,7 +117,8 @@ void tStatus2::readExternal(nQELM100::iObjectReader& reader, i32& status) {
   char skipped = '\0';
   for (; length > kFixedLength && status >= 0; --length) reader.readCharacter(skipped, status);
   if (hasDetail == 0 || status < 0) return;
-  if (_allocateImplementationObject(code, "", "", 0, nullptr) == 0) return;
+  if (_allocateImplementationObject(code, "", "", 0, nullptr) == 0)
+    return passDetail(reader, status);
   implementation->readExternal(reader, status);
 }
 

@@ -2,6 +2,7 @@
 
 #include "qelmk/iObjectReader.h"
 #include "qelmk/iObjectWriter.h"
+#include "qelmk/mergeStatus.h"
 #include "status/ownedDescription.h"
 #include "status/statusMemory.h"
 
@@ -144,14 +145,32 @@ void tStatus2Implementation::writeExternal(nQELM100::iObjectWriter& writer, i32&
 
 void tStatus2Implementation::readExternal(nQELM100::iObjectReader& reader, i32& status) {
   if (status < 0) return;
+  i32 descriptionStatus = 0;
+  i32 formStatus = 0;
+  readForm(reader, descriptionStatus, formStatus);
+  nQELM100::mergeStatus(status, descriptionStatus);
+  nQELM100::mergeStatus(status, formStatus);
+}
+
+void tStatus2Implementation::readForm(nQELM100::iObjectReader& reader, i32& descriptionStatus,
+                                      i32& status) {
   destroyDescription(description);
   description = nullptr;
   u32 hasDescription = 0;
   u32 hasHighHalves = 0;
   readFixedPart(reader, hasDescription, hasHighHalves, status);
-  if (hasDescription != 0) description = adoptDescription(reader.readObject(status), status);
+  if (status < 0) return;
+  if (hasDescription != 0 && !readDescription(reader, descriptionStatus)) return;
   if (hasHighHalves == 0) return;
   for (u64& address : stackTrace) address |= u64{readNumber(reader, status)} << 32;
+}
+
+// False when what follows the description cannot be found.
+bool tStatus2Implementation::readDescription(nQELM100::iObjectReader& reader, i32& status) {
+  nQELM100::tObject* const object = reader.readObject(status);
+  bool const isFollowed = status >= 0 || reader.isPastFailedObject();
+  description = adoptDescription(object, status);
+  return isFollowed;
 }
 
 void tStatus2Implementation::readFixedPart(nQELM100::iObjectReader& reader, u32& hasDescription,

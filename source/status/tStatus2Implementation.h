@@ -43,6 +43,10 @@ class tStatus2Implementation final {
   virtual void writeExternal(nQELM100::iObjectWriter& writer, i32& status) const;
   virtual void readExternal(nQELM100::iObjectReader& reader, i32& status);
 
+  // The same for a clean `status`. What is wrong with the description comes out in its own status:
+  // the rest is read, unless the reader is lost in the description.
+  void readForm(nQELM100::iObjectReader& reader, i32& descriptionStatus, i32& status);
+
   // Copies the stack trace to tStatus2::kStackTraceLength addresses.
   virtual void getStackTrace(u64* addresses) const;
 
@@ -52,6 +56,7 @@ class tStatus2Implementation final {
 
   static void checkLayout();
 
+  bool readDescription(nQELM100::iObjectReader& reader, i32& status);
   void readFixedPart(nQELM100::iObjectReader& reader, u32& hasDescription, u32& hasHighHalves,
                      i32& status);
 

@@ -307,6 +307,8 @@ TEST(StatusReading, AForeignObjectIsDestroyedAndReported) {
   EXPECT_EQ(readFrom(stream, target), nQELM100::kStatusClassMismatch);
   EXPECT_TRUE(target.getDescription() == nullptr);
   EXPECT_TRUE(hasKnownOrigin(target));
+  EXPECT_TRUE(hasKnownAddresses(target));
+  EXPECT_EQ(stream.getPosition(), u32{kFormCount} + 1);
   EXPECT_EQ(tForeignObject::living, before);
 }
 
@@ -388,6 +390,47 @@ TEST(StatusReading, InAFullHeapTurnsAnyOtherCodeIntoOutOfMemory) {
     EXPECT_EQ(target.getCode(), kStatusOutOfMemory);
     EXPECT_FALSE(target.hasDetail());
   }
+}
+
+TEST(StatusReading, InAFullHeapTheWholeFormIsPassedOver) {
+  tItemStream& stream = knownForm();
+  stream.put(unsignedItem(4711));
+  tFullHeap const full;
+  tStatus2 target;
+  EXPECT_EQ(readFrom(stream, target), 0);
+  EXPECT_EQ(stream.getPosition(), u32{kFormCount});
+}
+
+TEST(StatusReading, InAFullHeapTheStreamsEndIsReportedAtEveryPosition) {
+  tFullHeap const full;
+  for (u32 end = 0; end != kFormCount; ++end) {
+    tItemStream& stream = knownForm();
+    stream.endAt(end);
+    tStatus2 target;
+    EXPECT_EQ(readFrom(stream, target), tItemStream::kStatusEnded);
+    EXPECT_FALSE(target.hasDetail());
+  }
+}
+
+// This stream cannot pass over an object that it cannot make, so nothing behind it can be read.
+TEST(StatusReading, InAFullHeapADescriptionThatIsNotPassedOverIsReported) {
+  tItemStream& stream = describedForm();
+  tFullHeap const full;
+  tStatus2 target;
+  EXPECT_EQ(readFrom(stream, target), kStatusOutOfMemory);
+  EXPECT_EQ(target.getCode(), kFormError);
+  EXPECT_FALSE(target.hasDetail());
+}
+
+TEST(StatusReading, InAFullHeapAForeignObjectIsReported) {
+  i32 const before = tForeignObject::living;
+  tItemStream& stream = knownForm();
+  putForeignObject(stream);
+  tFullHeap const full;
+  tStatus2 target;
+  EXPECT_EQ(readFrom(stream, target), nQELM100::kStatusClassMismatch);
+  EXPECT_EQ(stream.getPosition(), u32{kFormCount} + 1);
+  EXPECT_EQ(tForeignObject::living, before);
 }
 
 TEST(StatusReading, InAFullHeapUsesThePlaceOfTheOldDetail) {

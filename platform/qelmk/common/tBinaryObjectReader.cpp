@@ -59,6 +59,7 @@ void tBinaryObjectReader::readWideString(_STL::wstring& value, i32& status) {
 
 tObject* tBinaryObjectReader::readObject(i32& status) {
   if (status < 0) return nullptr;
+  isPastObject = false;
   size_t const start = position;
   tHead head;
   i32 const headStatus = readHead(head);
@@ -73,6 +74,7 @@ tObject* tBinaryObjectReader::readObject(i32& status) {
   tObject* const object = readContent(head, start, status);
   position = end;
   end = outerEnd;
+  isPastObject = true;
   return object;
 }
 

@@ -44,6 +44,14 @@ class iObjectReader {
   //     if (status < 0) return;
   virtual u64 getMostItems() const = 0;
 
+  // After a readObject that failed: whether the reader is behind the object all the same, so that
+  // the item after it can be read. A reader that does not know where an object ends, such as one
+  // without this operation of its own, is at no item that anybody knows.
+  //
+  //     tObject* const object = reader.readObject(status);
+  //     if (status < 0 && !reader.isPastFailedObject()) return;
+  virtual bool isPastFailedObject() const { return false; }
+
  protected:
   ~iObjectReader() = default;
 };

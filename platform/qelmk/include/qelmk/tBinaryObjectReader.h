@@ -32,9 +32,9 @@ namespace nQELM100 {
 //   kStatusOutOfMemory      no memory for a text or an object
 //   and what the readExternal of an object fails with
 //
-// After a failure the reader stands in front of the item, except when it is an object of which all
-// bytes are there: then it stands behind it, and a caller with a fresh status may pass over an
-// object that it cannot make. An object that could not be read whole is destroyed, never returned.
+// A failure leaves the reader in front of the item, unless the item is an object of which all bytes
+// are there: then the reader is behind the object (isPastFailedObject), and a caller with a fresh
+// status reads the next item. An object that could not be read whole is destroyed, never returned.
 class QELM_API tBinaryObjectReader final : public iObjectReader {
  public:
   // Begins to read the stream in the `size` bytes at `stream`; null is an empty stream. Failures:
@@ -70,6 +70,9 @@ class QELM_API tBinaryObjectReader final : public iObjectReader {
   // The bytes that are left: every item takes one at least.
   u64 getMostItems() const override { return end - position; }
 
+  // True when all bytes of the object are there.
+  bool isPastFailedObject() const override { return isPastObject; }
+
  private:
   // What stands in front of the content of an object.
   struct tHead {
@@ -99,6 +102,7 @@ class QELM_API tBinaryObjectReader final : public iObjectReader {
   size_t failurePosition = 0;
   u32 depth = 0;
   bool hasFailed = false;
+  bool isPastObject = false;
 };
 
 }  // namespace nQELM100
