@@ -1,12 +1,15 @@
 // Binary streams that nobody wrote. What begins like a stream is read as objects, and as a status;
 // everything else is the content of an object: its first character says of which class, from 'A' on
-// in the order below. Every object and status that comes out is written and read once more.
+// in the order below. Every object and status that comes out is written and read once more. A
+// client's reader that cannot tell how much is left reads the same; whichever reads, the memory
+// that it takes is bounded by the bytes that were read.
 
 #include <iterator>
 
 #include "ntoshost/executive.h"
 #include "oxdiagk/tStatus2.h"
 #include "qelmk/qelmk.h"
+#include "qelmk/tWatchingReader.h"
 #include "support/fuzzing.h"
 #include "support/tExactText.h"
 
@@ -121,11 +124,58 @@ void readObjects(std::string const& bytes) {
          [&] { return std::to_string(reader.getFailurePosition()); });
 }
 
+u64 bytesRead(tBinaryObjectReader const& reader, i32 status) {
+  return status < 0 ? reader.getFailurePosition() : reader.getPosition();
+}
+
+void demandBounded(u64 taken, u64 read) {
+  demand(isBounded(taken, read), "memory grows with what was read",
+         [&] { return std::to_string(taken) + " bytes for " + std::to_string(read); });
+}
+
+// An object as far as it can be read, without a look at it.
+void measureObjects(std::string const& bytes) {
+  tExactText exact(bytes, false);
+  i32 status = 0;
+  tWatchedPool pool;
+  tBinaryObjectReader reader(exact.get(), bytes.size(), status);
+  while (status >= 0 && !reader.isAtEnd()) {
+    nQELM100::destroyThroughClass(reader.readObject(status));
+  }
+  demandBounded(pool.takePeak(), bytesRead(reader, status));
+}
+
+void demandNoFinding(tWatchingReader const& reader) {
+  demand(reader.getFinding().empty(), "memory grows with what was read",
+         [&] { return reader.getFinding(); });
+}
+
+void readObjectsBlindly(std::string const& bytes) {
+  tExactText exact(bytes, false);
+  i32 status = 0;
+  tWatchingReader reader(exact.get(), bytes.size(), status);
+  while (status >= 0 && reader.getPosition() < bytes.size()) {
+    nQELM100::destroyThroughClass(reader.readObject(status));
+  }
+  demandNoFinding(reader);
+}
+
+void readStatusBlindly(std::string const& bytes) {
+  tExactText exact(bytes, false);
+  i32 status = 0;
+  tWatchingReader reader(exact.get(), bytes.size(), status);
+  tStatus2 value;
+  value.readExternal(reader, status);
+  demandNoFinding(reader);
+}
+
 i32 readStatus(std::string const& bytes, tStatus2& value) {
   tExactText exact(bytes, false);
   i32 status = 0;
+  tWatchedPool pool;
   tBinaryObjectReader reader(exact.get(), bytes.size(), status);
   value.readExternal(reader, status);
+  demandBounded(pool.takePeak(), bytesRead(reader, status));
   return status;
 }
 
@@ -169,6 +219,10 @@ void fuzzInput(std::string const& input) {
   bool const isStream = input.starts_with(header().substr(0, sizeof(nQELM100::kBinaryStreamMagic)));
   std::string const bytes = isStream ? input : asObject(input);
   readObjects(bytes);
+  measureObjects(bytes);
+  readObjectsBlindly(bytes);
   readWithoutMemory(bytes);
-  readStatus(isStream ? input : header() + input);
+  std::string const status = isStream ? input : header() + input;
+  readStatus(status);
+  readStatusBlindly(status);
 }

@@ -9,7 +9,7 @@
 #include "ntoshost/executive.h"
 #include "oxdiagk/tStatus2.h"
 #include "qelmk/qelmk.h"
-#include "support/tBlindReader.h"
+#include "qelmk/tWatchingReader.h"
 #include "trace/startedModules.h"
 
 namespace {
@@ -17,9 +17,6 @@ namespace {
 using nQELM100::kMostObjectDepth;
 using nQELM100::tBinaryObjectReader;
 using nQELM100::tObject;
-
-constexpr u64 kMostGrowth = 8;
-constexpr u64 kMostAtOnce = 64 << 10;
 
 char const kDescription[] = "nOXDIAG100::tStatus2Description";
 char const kImplementation[] = "nOXDIAG100::tStatus2DescriptionImplementation";
@@ -83,50 +80,22 @@ void destroy(tObject* made) {
   nQELM100::destroyThroughClass(made);
 }
 
-// Compares what the pool gave since its making with what was read by then.
-class tWatchingReader final : public tBlindReader {
- public:
-  tWatchingReader(std::string const& bytes, i32& status)
-      : tBlindReader(bytes.data(), bytes.size(), status), before(ntoshost::outstandingFootprint()) {
-    ntoshost::watchFootprint();
-  }
-
-  // The first finding, empty when there was none.
-  std::string const& getFinding() const { return finding; }
-  double getWorst() const { return worst; }
-
- protected:
-  void atItem() override {
-    u64 const taken = ntoshost::peakFootprint() - before;
-    ntoshost::watchFootprint();
-    double const growth = static_cast<double>(taken) / static_cast<double>(getPosition());
-    if (taken > kMostAtOnce && growth > worst) worst = growth;
-    if (taken < kMostGrowth * getPosition() + kMostAtOnce || !finding.empty()) return;
-    finding = std::to_string(taken) + " bytes at " + std::to_string(getPosition());
-  }
-
- private:
-  u64 before;
-  double worst = 0;
-  std::string finding;
-};
-
 void expectBoundedBlindly(std::string const& bytes, std::string const& what) {
   i32 status = 0;
-  tWatchingReader reader(bytes, status);
+  tWatchingReader reader(bytes.data(), bytes.size(), status);
   while (status >= 0 && reader.getPosition() < bytes.size()) destroy(reader.readObject(status));
   EXPECT_EQ(reader.getFinding(), "") << what;
 }
 
-// What was read up to a failure is at most what stands in front of its place.
+// What was read up to a failure is at most what is in front of its place.
 void expectBoundedBinary(std::string const& bytes, std::string const& what) {
-  u64 const before = ntoshost::outstandingFootprint();
-  ntoshost::watchFootprint();
+  tWatchedPool pool;
   i32 status = 0;
   tBinaryObjectReader reader(bytes.data(), bytes.size(), status);
   while (status >= 0 && !reader.isAtEnd()) destroy(reader.readObject(status));
   u64 const read = status < 0 ? reader.getFailurePosition() : reader.getPosition();
-  EXPECT_LT(ntoshost::peakFootprint() - before, kMostGrowth * read + kMostAtOnce) << what;
+  u64 const taken = pool.takePeak();
+  EXPECT_TRUE(isBounded(taken, read)) << taken << " bytes for " << read << ", " << what;
 }
 
 void expectBounded(std::string const& bytes, std::string const& what = "") {
@@ -246,7 +215,7 @@ TEST(StreamMemory, AStatusTakesNoMoreThanItsDescription) {
     std::string const bytes = stream(asBytes(u32{8}) + asBytes(i32{-1}) + asBytes(u32{1}) + detail +
                                      description + std::string(40, '\0'));
     i32 status = 0;
-    tWatchingReader reader(bytes, status);
+    tWatchingReader reader(bytes.data(), bytes.size(), status);
     nOXDIAG100::tStatus2 read;
     read.readExternal(reader, status);
     EXPECT_EQ(reader.getFinding(), "");
