@@ -6,6 +6,7 @@
 #include "qelmk/qelmk.h"
 #include "support/sampleDescription.h"
 #include "support/statusOrigin.h"
+#include "support/tBlindReader.h"
 
 namespace {
 
@@ -88,6 +89,38 @@ TEST(QelmkBinaryDescription, EveryCutStreamIsAnErrorAndLeavesNothing) {
     }
     EXPECT_EQ(before, freeUnits());
   }
+}
+
+TEST(QelmkBinaryDescription, AReaderThatFailsAnywhereLeavesNothing) {
+  u32 const before = freeUnits();
+  size_t size = 0;
+  {
+    tStatus2 written;
+    size = writeEverything(written);
+  }
+  ASSERT_NE(size_t{0}, size);
+  for (size_t cut = 0; cut <= size; ++cut) {
+    {
+      i32 status = 0;
+      tBlindReader reader(bytes, cut, status);
+      tStatus2 read;
+      read.readExternal(reader, status);
+      EXPECT_EQ(status, cut < size ? nQELM100::kStatusStreamEnded : 0);
+    }
+    EXPECT_EQ(before, freeUnits());
+  }
+}
+
+TEST(QelmkBinaryDescription, AReaderThatCannotTellItsLengthReadsTheSame) {
+  tStatus2 written;
+  size_t const size = writeEverything(written);
+  i32 status = 0;
+  tBlindReader reader(bytes, size, status);
+  tStatus2 read;
+  read.readExternal(reader, status);
+  EXPECT_EQ(status, 0);
+  ASSERT_TRUE(descriptionOf(read) != nullptr);
+  EXPECT_TRUE(*descriptionOf(read) == *descriptionOf(written));
 }
 
 TEST(QelmkBinaryDescription, AChangedByteLeavesNothing) {

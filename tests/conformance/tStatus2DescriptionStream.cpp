@@ -5,6 +5,7 @@
 #include "qelmk/statusCodes.h"
 #include "status/tStatus2DescriptionImplementation.h"
 #include "support/statusForms.h"
+#include "support/tBlindReader.h"
 #include "support/tItemStream.h"
 #include "support/tTestDescription.h"
 #include "support/tTestReportable.h"
@@ -231,6 +232,29 @@ TEST(DescriptionStream, LeavesTheItemThatFailsAndThoseBehindItEmpty) {
     }
   }
   EXPECT_EQ(tTestReportable::living, before);
+}
+
+TEST(DescriptionStream, KeepsPlacesForSoManyUnreadItemsAndNoMore) {
+  constexpr u32 kMost = tStatus2Description::kMostUnreadItems;
+  constexpr u32 kWhole = 2;
+  constexpr u32 kCounts[] = {kWhole + 1,         kWhole + 2,         kWhole + kMost,
+                             kWhole + 1 + kMost, kWhole + 2 + kMost, 0xFFFFFFFF};
+  for (u32 count : kCounts) {
+    u8 bytes[8 + 4 + 8 * kWhole] = {'Q', 'E', 'L', 'M', 1};
+    __builtin_memcpy(bytes + 8, &count, sizeof(count));
+    i32 status = 0;
+    tBlindReader blind(bytes, sizeof(bytes), status);
+    tReader reader;
+    reader.description.readExternal(blind, status);
+    EXPECT_EQ(status, nQELM100::kStatusStreamEnded);
+    constexpr u32 kLargest = kWhole + 1 + kMost;
+    tStatus2 asking;
+    EXPECT_EQ(reader.description.getNumberOfReportItems(asking),
+              count < kLargest ? count : kLargest);
+    EXPECT_EQ(reader.description.getUsageTypeAtIndex(kWhole, asking), 0);
+    EXPECT_TRUE(reader.description.getReportablePtrAtIndex(kWhole, asking) == nullptr);
+    EXPECT_EQ(asking.getCode(), 0);
+  }
 }
 
 TEST(DescriptionStream, RefusesAReportableOfAForeignClass) {

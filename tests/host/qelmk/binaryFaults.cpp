@@ -11,6 +11,8 @@
 #include "qelmk/module.h"
 #include "qelmk/qelmk.h"
 #include "support/sampleDescription.h"
+#include "support/statusOrigin.h"
+#include "support/tBlindReader.h"
 #include "vexk/module.h"
 
 namespace qelmkFaultTests {
@@ -48,6 +50,7 @@ namespace {
 
 using qelmkFaultTests::tGiant;
 
+using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
 using nQELM100::tBinaryObjectReader;
 using nQELM100::tBinaryObjectWriter;
@@ -86,6 +89,22 @@ std::string streamOfEverything() {
   return streamOf(description);
 }
 
+std::string streamOfTwoStatuses() {
+  tStatus2Description description;
+  EXPECT_TRUE(sample::describeEverything(description));
+  tOrigin const origin("component", "file.cpp");
+  tStatus2 first;
+  OXDIAG_SET_STATUS_WITH_DESCRIPTION(first, -1, description);
+  std::string bytes(8192, '#');
+  tBinaryObjectWriter writer(bytes.data(), bytes.size());
+  i32 status = 0;
+  first.writeExternal(writer, status);
+  tStatus2(-2).writeExternal(writer, status);
+  writer.finish(status);
+  EXPECT_EQ(0, status);
+  return bytes.substr(0, writer.getSize());
+}
+
 // Reads the object of a stream, and looks at it before it is destroyed.
 template <class Look>
 i32 readObject(std::string const& bytes, Look look) {
@@ -111,6 +130,66 @@ TEST_F(QelmkBinaryFaults, ReadingFailsAtEachAllocationAndLeavesNothing) {
     EXPECT_EQ(before, ntoshost::outstandingBlocks());
   });
   EXPECT_GE(failures, 50u);
+}
+
+// The same with the client's reader, which stays where an object could not be made.
+TEST_F(QelmkBinaryFaults, AClientsReaderFailsAtEachAllocationAndLeavesNothing) {
+  std::string const bytes = streamOfEverything();
+  u64 const before = ntoshost::outstandingBlocks();
+  u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64) {
+    i32 status = 0;
+    tBlindReader reader(bytes.data(), bytes.size(), status);
+    nQELM100::destroyThroughClass(reader.readObject(status));
+    EXPECT_EQ(ntoshost::faultsInjected() == 0 ? 0 : kStatusOutOfMemory, status);
+    EXPECT_EQ(before, ntoshost::outstandingBlocks());
+  });
+  EXPECT_GE(failures, 50u);
+}
+
+TEST_F(QelmkBinaryFaults, AStatusIsReadToItsEndAtEachFailingAllocation) {
+  std::string const bytes = streamOfTwoStatuses();
+  u64 const before = ntoshost::outstandingBlocks();
+  u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64) {
+    i32 status = 0;
+    tBinaryObjectReader reader(bytes.data(), bytes.size(), status);
+    tStatus2 first;
+    tStatus2 second;
+    first.readExternal(reader, status);
+    EXPECT_EQ(ntoshost::faultsInjected() == 0 ? 0 : kStatusOutOfMemory, status);
+    EXPECT_EQ(status == 0, first.getDescription() != nullptr);
+    status = 0;
+    second.readExternal(reader, status);
+    EXPECT_EQ(0, status);
+    EXPECT_EQ(-2, second.getCode());
+    EXPECT_TRUE(reader.isAtEnd());
+  });
+  EXPECT_GE(failures, 50u);
+  EXPECT_EQ(before, ntoshost::outstandingBlocks());
+}
+
+// An item that cannot be made stays empty, a list that cannot grow is empty.
+TEST_F(QelmkBinaryFaults, AListKeepsPlacesOrIsEmptyAtEachFailingAllocation) {
+  constexpr u32 kItems = 9;
+  std::string bytes("QELM\1\0\0\0\x09\0\0\0", 12);
+  std::string const title = "nOXDIAG100::tTitleReportable";
+  for (u32 item = 0; item < kItems; ++item) {
+    bytes += std::string("\7\0\0\0\1\0\0\0\x1C\0", 10) + title + std::string(4, '\0');
+  }
+  u32 empty = 0;
+  u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64) {
+    i32 status = 0;
+    tBinaryObjectReader reader(bytes.data(), bytes.size(), status);
+    tStatus2Description description;
+    description.readExternal(reader, status);
+    EXPECT_EQ(ntoshost::faultsInjected() == 0 ? 0 : kStatusOutOfMemory, status);
+    tStatus2 asking;
+    u32 const count = description.getNumberOfReportItems(asking);
+    EXPECT_TRUE(count == kItems || (status < 0 && count == 0)) << count;
+    empty += count == 0 ? 1 : 0;
+  });
+  // The list grows for the first item, the fifth and the ninth.
+  EXPECT_EQ(3u, empty);
+  EXPECT_EQ(u64{kItems + 3}, failures);
 }
 
 TEST_F(QelmkBinaryFaults, WritingTakesNoMemory) {

@@ -141,7 +141,7 @@ TEST(StreamMemory, ALongTailBelowNestedDescriptionsIsNotClaimedSixteenTimes) {
 }
 
 TEST(StreamMemory, ListsOfEmptyItemsStayBelowTheBoundAtEveryLength) {
-  for (u32 count = 0; count < 40000; count += 1 + count / 7) {
+  for (u32 count = 0; count < 20000; count += 1 + count / 4) {
     std::string const items = repeated(kEmptyItem, count);
     expectBounded(stream(object(kDescription, counted(count, items))), std::to_string(count));
     expectBounded(stream(object(kDescription, counted(count + 1, items))), std::to_string(count));
@@ -151,19 +151,19 @@ TEST(StreamMemory, ListsOfEmptyItemsStayBelowTheBoundAtEveryLength) {
 TEST(StreamMemory, ListsOfTheSmallestObjectsStayBelowTheBound) {
   for (char const* name : {kTitle, "nOXDIAG100::tWhiteSpaceReportable"}) {
     std::string const item = kItemHead + object(name, "");
-    expectBounded(stream(object(kDescription, counted(20000, repeated(item, 20000)))), name);
+    expectBounded(stream(object(kDescription, counted(5000, repeated(item, 5000)))), name);
   }
   for (tListClass const& one : kListClasses) {
     std::string const value = object(one.name, std::string(one.lead, '\0') + counted(0, ""));
     std::string const item = kItemHead + value;
-    expectBounded(stream(object(kDescription, counted(5000, repeated(item, 5000)))), one.name);
+    expectBounded(stream(object(kDescription, counted(1000, repeated(item, 1000)))), one.name);
     expectBounded(stream(repeated(object(kItem, item), 100)), one.name);
   }
 }
 
 TEST(StreamMemory, EachClassWithAnyCountStaysBelowTheBound) {
   for (tListClass const& one : kListClasses) {
-    for (u32 size : {0, 4, 1000, 100000}) {
+    for (u32 size : {0, 4, 1000, 30000}) {
       std::string const content(size, '\0');
       for (u32 count : {1u, size / 2, size / 4, size / 8, size / 16, size, size + 1, 0x7FFFFFFFu,
                         0xFFFFFFFFu}) {
@@ -176,7 +176,7 @@ TEST(StreamMemory, EachClassWithAnyCountStaysBelowTheBound) {
 
 TEST(StreamMemory, TextsOfAnyLengthStayBelowTheBound) {
   for (u32 length : {0, 1, 2, 3, 7, 15, 16, 17, 100, 5000}) {
-    u32 const count = length < 100 ? 30000 : 300;
+    u32 const count = length < 100 ? 10000 : 200;
     std::string const texts = repeated(text(std::string(2 * length, 'w')), count);
     expectBounded(stream(object(kTexts, counted(count, texts))), std::to_string(length));
   }
@@ -201,8 +201,8 @@ TEST(StreamMemory, TextsBelowNestedDescriptionsStayBelowTheBound) {
 
 TEST(StreamMemory, TextsCutAtAnyByteStayBelowTheBound) {
   std::string const whole =
-      stream(object(kTexts, counted(2000, repeated(text(std::string("a\0b\0", 4)), 2000))));
-  for (size_t size = whole.size(); size > 8; size -= 1 + size / 97) {
+      stream(object(kTexts, counted(4000, repeated(text(std::string("a\0b\0", 4)), 4000))));
+  for (size_t size = whole.size(); size > 8; size -= 1 + size / 20) {
     expectBounded(whole.substr(0, size), std::to_string(size));
   }
 }
