@@ -15,18 +15,24 @@ namespace nOXDIAG100 {
 
 class tStatus2;
 
-// Whoever renders descriptions implements one: it turns values into words of a language, and says
-// what stands between them. Every text operation returns its text by value; the reportable appends
-// it. A translator tells failures through `status`; it does nothing and returns an empty text when
-// that holds an error on entry.
+// Whoever renders descriptions implements one: it turns values into words of a language, and has
+// the text between them. Every text operation returns its text by value; the reportable appends it.
 //
-// A translator that knows more implements specialised interfaces besides, and tells of them by its
-// framework object: iReportableTranslatorForI64, iReportableTranslatorForEmptyContainers,
-// iReportableTranslatorTimeAbsolute.
+// Errors: an operation that fails stores its code in `status` and returns an empty text; the report
+// ends with what there is by then. With an error in `status` on entry an operation does nothing and
+// returns an empty text. A text whose hasFailed is true counts as exhausted memory: the reportable
+// records kStatusOutOfMemory.
 //
-// The order of the operations is part of the interface on Windows. Threads and IRQL: the
-// implementer's matter; the library calls it on the thread, and at the IRQL, of who asks for the
-// report.
+// Owner and life time: the translator belongs to its caller and lives as long as the call of
+// generateReport, which keeps nothing of it. Threads and IRQL: the operations are called on the
+// thread of that call and at its IRQL, <= APC_LEVEL for the reportables of the library. Two reports
+// at the same time may call one translator; one without state of its own needs no lock for that.
+//
+// A translator that knows more implements specialised interfaces besides:
+// iReportableTranslatorForI64, iReportableTranslatorForEmptyContainers and
+// iReportableTranslatorTimeAbsolute. Their errors, threads and IRQL are the same.
+//
+// The order of the operations is part of the interface on Windows.
 class OXDIAG_API iReportableTranslator {
  public:
   virtual ~iReportableTranslator() = 0;
@@ -61,8 +67,11 @@ class OXDIAG_API iReportableTranslator {
   // What stands between the lower and the upper bound of a range.
   virtual _STL::wstring getRangeSeparator(tStatus2& status) const = 0;
 
-  // Edits the report in place: the whole report of a title, and called for every other reportable
-  // right after its list prefix.
+  // Edits the report in place. It is the whole report of a tTitleReportable, which applies the
+  // title alone, without a list prefix. The other reportables of the library call it right after
+  // their list prefix, but for those that have neither: a tWhiteSpaceReportable, properties of
+  // which none has a text, and times without an iReportableTranslatorTimeAbsolute. A reportable of
+  // a client calls it through tReportText::begin.
   virtual void applyTitle(_STL::wstring& output, tStatus2& status) const = 0;
 
   virtual _STL::wstring translateGUID(nQELM100::tGUID const& value, tStatus2& status) const = 0;

@@ -11,7 +11,7 @@ namespace nOXDIAG100 {
 
 class tStatus2;
 
-// Implemented besides iReportableTranslator, by the same object.
+// Implemented besides iReportableTranslator, by the same object. Errors, threads and IRQL as there.
 //
 //     class tTranslator : public iReportableTranslator, public iReportableTranslatorForI64,
 //                         public virtual nQELM100::tObject {

@@ -13,6 +13,7 @@ namespace nOXDIAG100 {
 class tStatus2;
 
 // Implemented besides iReportableTranslator, by the same object. Without it times have no text.
+// Errors, threads and IRQL as there.
 //
 //     class tTranslator : public iReportableTranslator, public iReportableTranslatorTimeAbsolute,
 //                         public virtual nQELM100::tObject {

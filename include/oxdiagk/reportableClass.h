@@ -1,6 +1,11 @@
 #pragma once
 
 // What reportables of every class share, also those of a client: failures, comparison, cloning.
+//
+// Nothing here locks or keeps an argument. Objects and statuses stay the caller's; the clone that
+// cloneReportable returns belongs to the caller, who destroys it through its class
+// (nQELM100::destroyThroughClass). Any thread, as long as no other one changes the objects or the
+// status meanwhile. IRQL <= APC_LEVEL: a failure takes its detail from the status heap.
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"

@@ -2,6 +2,10 @@
 
 // What reportables with an ordered list of values share: taking the list over, the stream, the
 // report.
+//
+// The list belongs to the reportable, and nothing here locks it: one thread changes it, or several
+// read it. Values come from long-lived memory. Reader, writer and report are the caller's and are
+// not kept. IRQL as theirs, <= APC_LEVEL.
 
 #include "ntos/types.h"
 #include "oxdiagk/reportableClass.h"

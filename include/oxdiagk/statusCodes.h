@@ -3,6 +3,12 @@
 // Status codes of the library: 32-bit signed, negative an error, positive a warning, zero success.
 // The layers beneath have their own, in "vexk/statusCodes.h" and "qelmk/statusCodes.h"; exhausted
 // memory is their kStatusOutOfMemory (-50352), an object of the wrong class kStatusClassMismatch.
+//
+// The codes from 50,000 to 59,999 and from 88,000 to 89,999, with either sign, are kept for the
+// library and these layers, those in use and later ones. All others but 0 are the clients': a
+// component takes a range of its own, negative numbers for its errors and positive ones for its
+// warnings, and keeps the meaning of a number for ever, since statuses are saved. Nobody checks the
+// numbers; a status says by its component name whose code it is.
 
 #include "ntos/types.h"
 #include "vexk/statusCodes.h"

@@ -41,7 +41,8 @@ class OXDIAG_API tEnumPropertyReportable : public iVariantReportable {
   // True when memory ran out for values of this object, until others are read from a stream.
   bool hasFailed() const { return values.hasFailed(); }
 
-  // The property; 0 when the object is empty. Leaves `status` alone.
+  // The property, also when there are no values of it; 0 when none was given, and in an object that
+  // could not be made. Leaves `status` alone.
   i32 const& getPropertyID(tStatus2& status) const;
 
   // Its values; good as long as this object lives and is not changed. Leaves `status` alone.

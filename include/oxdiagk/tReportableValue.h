@@ -15,14 +15,30 @@ namespace nOXDIAG100 {
 
 // One specialisation a type:
 //
-//   kIntrinsicName   the registered names of the two templates with this type
-//   kRangeName
+//   kIntrinsicName   the registered name of tIntrinsicTypeReportable<T>
+//   kRangeName       the registered name of tBoundedRangeReportable<T>; not needed without ranges
 //   write            writes a value to a stream; as iObjectWriter's operations
-//   read             reads it back; a failure leaves the value alone
-//   translate        the text of a value in a report
+//   read             reads it back; a failure leaves the value alone. One call reads one item of
+//                    the stream at least
+//   translate        the text of a value in a report; as iReportableTranslator's operations
 //
-// A client that has values of another type specialises it for that type, in its own way, and can
-// then use tIntrinsicTypeReportable and tBoundedRangeReportable with it.
+// A client that has values of another type T specialises this for T, in namespace nOXDIAG100, and
+// can then use the two templates with it. T needs a default constructor, copying, and an operator==
+// that a const object has; for a list also a noexcept move (or copy) constructor, and a hasFailed
+// when its copying can fail, as _STL::vector says; for a range that it is copied without memory.
+// While a list grows it takes 3 * sizeof(T) bytes a value, so a T with at most twice the bytes that
+// `read` takes of a stream keeps the bound that the library's own lists keep.
+//
+// Each instance is a class of its own. It can be cloned and rendered as it is, but written to a
+// binary stream and read from one only while it is registered (else kStatusClassUnknown): the
+// client's module registers it when it starts and unregisters it when it stops.
+//
+//     template <>
+//     struct nOXDIAG100::tReportableValue<tPlace> { ... };
+//
+//     using tPlaces = nOXDIAG100::tIntrinsicTypeReportable<tPlace>;
+//     tPlaces::___registerClass(status);  // at the start of the module
+//     tPlaces::___unregisterClass();      // at its stop
 template <class T>
 struct tReportableValue;
 

@@ -134,8 +134,9 @@ class OXDIAG_API tStatus2 {
  private:
   friend class tStatusSetter;
 
-  // What is behind the macros: drop the present detail, store the code and make a new detail. Both
-  // return 1 when that was made. They do not care for the code before, the macros do.
+  // Called by the macros. Both drop the present detail, store the code and make a new detail; they
+  // return 1 when the detail was made, else 0. They replace any code: that the first error stays is
+  // the work of the macros.
   u32 _allocateImplementationObject(i32 newCode, char const* component, char const* file, u32 line,
                                     iStatus2Description const* description);
   u32 _allocateImplementationObjectWithoutStackTrace(i32 newCode, char const* component,

@@ -26,7 +26,8 @@ class tStatus2DescriptionImplementation;
 //
 // Status convention: with an error in `status` on entry an operation does nothing and returns its
 // neutral value; a failure is recorded only where no error is held, with the origin "oxdiagk".
-// Every operation records kStatusNoImplementation when the list could not be made at construction.
+// When the list could not be made at construction, every operation with a status records
+// kStatusNoImplementation, but readExternal kStatusOutOfMemory.
 //
 // Memory: the description and the object behind it, which holds the list, come from the status
 // heap, so their number is bounded by it; the list itself and the reportables in it come from the

@@ -9,11 +9,12 @@
 
 namespace nOXDIAG100 {
 
-// A private pool of 16 KiB from which the detail of every tStatus2, status descriptions and their
-// items are taken. After its creation it takes nothing from the general pool, so a status can be
-// filled in when that is exhausted, and a flood of errors cannot eat the system's memory: when the
-// pool is full, allocation fails. There is one pool for the module; it exists from
-// oxdiagkInitialize to oxdiagkUnload.
+// A private pool of 16 KiB from which the detail of every tStatus2 and the status descriptions are
+// taken: two blocks for a description, itself and the object that holds its list. The items of a
+// description are in the module's memory. After its creation the pool takes nothing from the
+// general one, so a status can be set when that is exhausted, and a flood of errors cannot eat the
+// system's memory: when the pool is full, allocation fails. There is one pool for the module; it
+// exists from oxdiagkInitialize to oxdiagkUnload.
 //
 // Clients seldom call this class: tStatus2 and the operators of iStatus2Description do.
 //

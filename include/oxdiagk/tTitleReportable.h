@@ -8,8 +8,8 @@
 
 namespace nOXDIAG100 {
 
-// The whole report is what the translator's title operation makes of the output: it has no values
-// ofn// its own.
+// The whole report is what the translator's title operation makes of the output: there are no
+// values.
 //
 // A marker: equivalent to every reportable of its class and to no other, whatever the status holds;
 // nothing is written to a stream or read from it. Everything else as iVariantReportable says.

@@ -8,8 +8,8 @@
 
 namespace nOXDIAG100 {
 
-// Appends nothing itself: the line break or the spacing is the translator's text for the usage
-// typen// of the item.
+// Appends nothing itself: the line break or the spacing is the translator's text for the usage type
+// of the item.
 //
 // A marker: equivalent to every reportable of its class and to no other, whatever the status holds;
 // nothing is written to a stream or read from it. Everything else as iVariantReportable says.

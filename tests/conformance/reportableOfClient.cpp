@@ -1,8 +1,7 @@
 // The templates with a type that the library does not know.
 
 #include "conformance/harness.h"
-#include "qelmk/dynamicCast.h"
-#include "qelmk/statusCodes.h"
+#include "qelmk/qelmk.h"
 #include "support/reportableSamples.h"
 #include "support/tItemStream.h"
 #include "support/tTestConverter.h"
@@ -84,6 +83,27 @@ TEST(ReportableOfClient, IsAClassThatCanBeFound) {
   auto const placesClass = nQELM100::tClass::forName("clientTests::tPlaces", code);
   EXPECT_TRUE(placesClass == tPlaces::staticGetClass(code));
   EXPECT_TRUE(placesClass != tPlaceRange::staticGetClass(code));
+}
+
+TEST(ReportableOfClient, GoesThroughABinaryStreamWhileItIsRegistered) {
+  tStatus2 status;
+  tPlaces const places(listOf(kFirst, kSecond), status);
+  u8 bytes[64];
+  for (bool isRegistered : {false, true}) {
+    nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+    i32 code = 0;
+    if (isRegistered) tPlaces::___registerClass(code);
+    writer.writeObject(&places, code);
+    EXPECT_EQ(code, isRegistered ? 0 : nQELM100::kStatusClassUnknown);
+  }
+  i32 code = 0;
+  nQELM100::tBinaryObjectReader reader(bytes, sizeof(bytes), code);
+  nQELM100::tObject* const object = reader.readObject(code);
+  auto const* const copy = nQELM100::dynamicCast<tPlaces>(object);
+  ASSERT_TRUE(copy != nullptr);
+  EXPECT_EQ(places.isEquivalent(*copy, status), u32{1});
+  nQELM100::destroyThroughClass(object);
+  tPlaces::___unregisterClass();
 }
 
 TEST(ReportableOfClient, IsCloned) {

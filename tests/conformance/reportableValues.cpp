@@ -81,6 +81,7 @@ TEST(ReportableValues, OfAPropertyAreItsIdAndTheList) {
   tEnumPropertyReportable const two(7, listOf<i32>(3, 4), status);
   EXPECT_TRUE(two.getPropertyValues(status) == listOf<i32>(3, 4));
   EXPECT_EQ(tEnumPropertyReportable().getPropertyID(status), 0);
+  EXPECT_EQ(tEnumPropertyReportable(7, _STL::vector<i32>(), status).getPropertyID(status), 7);
 }
 
 TEST(ReportableValues, OfAProxyAreTheIdsAndTheLookupClass) {
