@@ -35,13 +35,16 @@ class iObjectReader {
   virtual tObject* readObject(i32& status) = 0;
 
   // No more items than this can follow, in the object that is being read or else in the stream;
-  // kUnlimitedItems when the stream cannot tell. What reads a count of items checks it against this
-  // before it makes room for them, so that a damaged or hostile stream makes nobody allocate more
-  // than it could fill:
+  // kUnlimitedItems when the stream cannot tell. What reads a count of items checks it against
+  // this, so that an impossible count is refused at once:
   //
   //     reader.readU32(count, status);
   //     if (status >= 0 && count > reader.getMostItems()) status = kStatusStreamMalformed;
   //     if (status < 0) return;
+  //
+  // A count that passes may still be a lie. Room is made item by item as they are read, never for
+  // the whole count: an element may take more memory than the least that it takes of the stream,
+  // and objects that lie in one another can all claim the same bytes.
   virtual u64 getMostItems() const = 0;
 
   // After a readObject that failed: whether the reader is behind the object all the same, so that
