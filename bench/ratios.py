@@ -3,12 +3,16 @@
 
 A benchmark named "NAME/ours" is put beside every "NAME/PEER": the hand-written floor first, then
 others in the order of the run, a table for each peer. With repetitions the medians are compared.
-Names that are in no such pair are listed below the tables.
+Names that end with a number, "NAME/4", "NAME/16" ..., are a table of growth: the times beside the
+fewest and the most, their ratio, and the power of the number that this is (0 for what does not
+grow, 1 for what grows as the number does, 2 for its square). All other names are listed below the
+tables.
 
 usage: ratios.py [FILE]     the file, or standard input
 """
 
 import json
+import math
 import sys
 
 
@@ -52,15 +56,40 @@ def print_table(times, peer, names, width):
     print()
 
 
+def growths(times):
+    """Name -> the numbers that it was measured with, for names with more than one."""
+    found = {}
+    for name in times:
+        base, _, number = name.rpartition("/")
+        if number.isdecimal():
+            found.setdefault(base, []).append(int(number))
+    return {name: sorted(numbers) for name, numbers in found.items() if len(numbers) > 1}
+
+
+def print_growths(times, found, width):
+    print(f"{'growth':{width}}  {'fewest':>20}  {'most':>23}  {'ratio':>8}  power")
+    for name, numbers in found.items():
+        fewest, most = numbers[0], numbers[-1]
+        first, last = times[f"{name}/{fewest}"], times[f"{name}/{most}"]
+        power = math.log(last / first) / math.log(most / fewest)
+        print(f"{name:{width}}  {fewest:6}: {first:9.1f} ns  {most:6}: {last:12.1f} ns  "
+              f"{last / first:8.2f}  {power:5.2f}")
+    print()
+
+
 def print_tables(times):
     peers = pairs(times)
-    if not peers:
-        sys.exit("ratios.py: the report holds no pair of NAME/ours and NAME/PEER")
-    width = max(len(name) for names in peers.values() for name in names)
+    grown = growths(times)
+    if not peers and not grown:
+        sys.exit("ratios.py: the report holds neither a pair of NAME/ours and NAME/PEER nor a growth")
+    width = max(len(name) for names in [*peers.values(), grown] for name in names)
     for peer, names in peers.items():
         print_table(times, peer, names, width)
+    if grown:
+        print_growths(times, grown, width)
     shown = {f"{name}/{side}" for peer, names in peers.items() for name in names
              for side in ("ours", peer)}
+    shown |= {f"{name}/{number}" for name, numbers in grown.items() for number in numbers}
     for name, time in times.items():
         if name not in shown:
             print(f"{name:{width}}  {time:7.1f} ns")
