@@ -63,7 +63,7 @@ TEST(StateRequest, WritesNoMoreThanIsAskedFor) {
   u32 const sizes[] = {0, 1, 4, 15, 16, 127};
   for (u32 const size : sizes) {
     tAsked const asked(size);
-    if (size != 0) EXPECT_EQ(asked.byteAt(0), sizeof(tStateAnswer));
+    EXPECT_EQ(asked.byteAt(0), size != 0 ? sizeof(tStateAnswer) : kUntouched);
     EXPECT_EQ(asked.byteAt(size), kUntouched);
   }
 }

@@ -77,7 +77,10 @@ def main(names):
     unknown = [name for name in names if name not in STEPS]
     if unknown:
         print("steps: " + " ".join(STEPS))
-        return 0 if names == ["--list"] else 2
+        if names == ["--list"]:
+            return 0
+        print(f"'{unknown[0]}' is no step", file=sys.stderr)
+        return 2
     names = names or [name for name in STEPS if name not in WHEN_NAMED]
     outcomes = [run_step(name, number, len(names)) for number, name in enumerate(names, 1)]
     failed = [name for outcome in outcomes for name in outcome.failed]

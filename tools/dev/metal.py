@@ -45,6 +45,8 @@ def main(text=""):
     found = workshop.step("run its cases in the emulator", results, text)
     for title, wrong in found:
         print("\n".join(lines_of(title, wrong)))
+    if not found:
+        print(f"no case has '{text}' in its name")
     failed = sum(bool(wrong) for _, wrong in found)
     print(f"{len(found) - failed} passed, {failed} failed")
     return 0 if found and not failed else 1

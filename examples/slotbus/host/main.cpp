@@ -30,6 +30,7 @@ constexpr unsigned int kReaderPatience = 3000;
 constexpr unsigned int kReaderPatienceOfServer = 200;
 
 int complain(std::string const& sentence, int exitCode) {
+  std::fflush(stdout);  // what stands there comes first
   std::fprintf(stderr, "slotbus_demo: %s.\n", sentence.c_str());
   return exitCode;
 }
