@@ -39,8 +39,8 @@
 // is in the platform's event log, unless it is the platform layer itself.
 OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
 
-// Undoes one start; the last one closes the tunnel and waits for the requests in it, destroys the status heap and then the global
-// objects in reverse order of construction. Every status with detail must be gone by then, and no
-// thread may be within an operation of the library. Without a start it does nothing. Always returns
-// STATUS_SUCCESS.
+// Undoes one start; the last one closes the tunnel and waits for the requests in it, destroys the
+// status heap and then the global objects in reverse order of construction. Every status with
+// detail must be gone by then, and no thread may be within an operation of the library. Without a
+// start it does nothing. Always returns STATUS_SUCCESS.
 OXDIAG_API NTSTATUS oxdiagkUnload();

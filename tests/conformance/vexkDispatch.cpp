@@ -108,10 +108,12 @@ TEST(VexkDispatch, AFailedControlIsUnsuccessfulAndKeepsItsInformation) {
 }
 
 TEST(VexkDispatch, InformationBeyondTheOutputIsCut) {
-  for (u32 const method : {u32{METHOD_BUFFERED}, u32{METHOD_NEITHER}}) {
+  constexpr u32 kMethods[] = {METHOD_BUFFERED, METHOD_NEITHER};
+  constexpr u64 kGiven[] = {22, 23, ~u64{0}};
+  for (u32 const method : kMethods) {
     tFunctionStack stack;
     stack.sendPnp(IRP_MN_START_DEVICE);
-    for (u64 const information : {u64{22}, u64{23}, ~u64{0}}) {
+    for (u64 const information : kGiven) {
       stack.component.controlInformation = information;
       tControl control(stack, codeOf(method));
       EXPECT_EQ(control.sendForStatus(), STATUS_SUCCESS);
