@@ -1,4 +1,5 @@
-"""./dev fuzz: the fuzz targets, each for a time; and their corpora replayed, for the tests."""
+"""./dev fuzz: the fuzz targets, each for a time, under the address and undefined-behaviour or the
+thread sanitizer; and their corpora replayed, for the tests."""
 
 import re
 import shutil
@@ -11,6 +12,7 @@ import programs
 import workshop
 
 PRESET = "host-fuzz"
+THREAD_PRESET = "host-fuzz-thread"
 CORPORA = workshop.TOP / "tests/fuzz/corpus"
 DICTIONARIES = workshop.TOP / "tests/fuzz/words"
 FOUND = workshop.OUT / "fuzz"
@@ -18,28 +20,40 @@ FOUND = workshop.OUT / "fuzz"
 DEFAULT_SECONDS = 60
 SECONDS_BETWEEN_LINES = 10
 INPUT_TIME_LIMIT = 20  # seconds for one input; a usual one takes a thousandth of one
+MEMORY_LIMIT = 2048  # MiB for the program, whatever the input
+ALLOCATION_LIMIT = 256  # MiB for one allocation
+LIMITS = [f"-timeout={INPUT_TIME_LIMIT}", f"-rss_limit_mb={MEMORY_LIMIT}",
+          f"-malloc_limit_mb={ALLOCATION_LIMIT}"]
 REPLAY_TIME_LIMIT = 300
 REPLAY_RUNS = 2000
 
-USAGE = """usage: ./dev fuzz [TARGET | all] [SECONDS]
-       ./dev fuzz --list"""
+USAGE = """usage: ./dev fuzz [--thread] [TARGET | all] [SECONDS]
+       ./dev fuzz --list
 
-PULSE = re.compile(r"#(\d+)\s.*\bcov: (\d+)")
+--thread: built with the thread sanitizer, not with those for addresses and undefined behaviour"""
+
+PULSE = re.compile(r"#(\d+)\s.*\bft: (\d+)")
 REPRODUCER = re.compile(r"Test unit written to (\S+)")
 DEMAND = re.compile(r"^finding: .*?(?=^==)", re.MULTILINE | re.DOTALL)
-SAID = re.compile(r"^.*(ERROR: |runtime error: |ntos: )", re.MULTILINE)
+SAID = re.compile(r"^.*(ERROR: |WARNING: Thread|runtime error: |ntos: )", re.MULTILINE)
 LINES_SHOWN = 25
 
 
-def targets():
+def targets(preset):
     """The names, as the build lists them."""
-    workshop.configure(PRESET)
-    return (workshop.tree(PRESET) / "tests/fuzz/targets.txt").read_text().split()
+    workshop.configure(preset)
+    return (workshop.tree(preset) / "tests/fuzz/targets.txt").read_text().split()
 
 
-def call(target, *options):
+def environment():
+    """The first data race ends the program, so that the fuzzer keeps the input."""
+    return dict(programs.environment(), TSAN_OPTIONS="halt_on_error=1")
+
+
+def call(preset, target, *options):
     """The command that starts a target, with its dictionary if it has one."""
-    command = [workshop.tree(PRESET) / "tests/fuzz/bin" / f"fuzz.{target}", *options]
+    program = workshop.tree(preset) / "tests/fuzz/bin" / f"fuzz.{target}"
+    command = [*programs.without_random_layout(preset), program, *options]
     dictionary = DICTIONARIES / f"{target}.txt"
     if dictionary.exists():
         command.append(f"-dict={dictionary}")
@@ -59,8 +73,8 @@ class Run:
 
     printing = threading.Lock()
 
-    def __init__(self, target, seconds):
-        self.target, self.seconds = target, seconds
+    def __init__(self, preset, target, seconds):
+        self.preset, self.target, self.seconds = preset, target, seconds
         self.inputs, self.findings = FOUND / target / "inputs", FOUND / target / "findings"
         self.runs = self.coverage = 0
         self.output = []
@@ -72,12 +86,13 @@ class Run:
     def state(self):
         passed = max(time.monotonic() - self.start, 0.1)
         return (f"{passed:.0f} s, {self.runs:,} runs, {self.runs / passed:,.0f} a second, "
-                f"coverage {self.coverage}")
+                f"{self.coverage} features")
 
     def command(self):
         for folder in (self.inputs, self.findings):
             folder.mkdir(parents=True, exist_ok=True)
-        return call(self.target, f"-max_total_time={self.seconds}", f"-timeout={INPUT_TIME_LIMIT}",
+        return call(self.preset, self.target, f"-max_total_time={self.seconds}", *LIMITS,
+                    f"-use_value_profile={int(self.preset == THREAD_PRESET)}",
                     f"-artifact_prefix={self.findings}/", self.inputs, CORPORA / self.target)
 
     def listen(self, lines):
@@ -95,7 +110,7 @@ class Run:
         self.start = time.monotonic()
         self.say(f"{self.seconds} s from now")
         with subprocess.Popen(self.command(), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-                              text=True, errors="replace", env=programs.environment()) as process:
+                              text=True, errors="replace", env=environment()) as process:
             self.listen(process.stdout)
         if process.returncode == 0:
             self.say(f"{self.state()}, no finding")
@@ -106,22 +121,25 @@ class Run:
     def report(self, output, code):
         reproducer = REPRODUCER.search(output)
         path = reproducer[1] if reproducer else ""
-        program = call(self.target)[0]
+        again = " ".join(call(self.preset, self.target, path))
         self.say(f"{self.state()}, FINDING, exit code {code}\n{told(output)}\n"
                  f"reproducer: {path or 'none was written'}\n"
-                 f"again with:  {program} {path}")
+                 f"again with:  {again}")
 
 
-def fuzz(names, seconds):
-    workshop.step("build the fuzz targets", workshop.build, PRESET, "fuzz_targets")
-    held = workshop.in_parallel(lambda name: Run(name, seconds).work(), names)
+def fuzz(preset, names, seconds):
+    workshop.step("build the fuzz targets", workshop.build, preset,
+                  *(f"fuzz.{name}" for name in names))
+    held = workshop.in_parallel(lambda name: Run(preset, name, seconds).work(), names)
     findings = held.count(False)
     print(f"{len(names) - findings} of {len(names)} targets without a finding, {seconds} s each")
     return 1 if findings else 0
 
 
 def main(arguments):
-    known = targets()
+    preset = THREAD_PRESET if arguments[:1] == ["--thread"] else PRESET
+    arguments = arguments[1:] if preset == THREAD_PRESET else arguments
+    known = targets(preset)
     if arguments == ["--list"]:
         print("\n".join(known))
         return 0
@@ -130,7 +148,7 @@ def main(arguments):
     if not is_usable or name not in ["all", *known]:
         print(f"{USAGE}\ntargets: {' '.join(known)}", file=sys.stderr)
         return 2
-    return fuzz(known if name == "all" else [name], int(seconds))
+    return fuzz(preset, known if name == "all" else [name], int(seconds))
 
 
 def replay(target):
@@ -140,10 +158,10 @@ def replay(target):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     limit = ["timeout", "-k", "5", REPLAY_TIME_LIMIT]
-    prefix = f"-artifact_prefix={folder}/"
-    for options in (corpus, [f"-runs={REPLAY_RUNS}", "-seed=1", folder, CORPORA / target]):
-        code, output = workshop.run([*limit, *call(target, prefix, *options)],
-                                    env=programs.environment())
+    options = [*LIMITS, f"-artifact_prefix={folder}/"]
+    for inputs in (corpus, [f"-runs={REPLAY_RUNS}", "-seed=1", folder, CORPORA / target]):
+        code, output = workshop.run([*limit, *call(PRESET, target, *options, *inputs)],
+                                    env=environment())
         if code != 0 or not corpus:
             return f"{target}: exit code {code}, {len(corpus)} inputs\n{told(output)}"
     return ""
@@ -151,7 +169,7 @@ def replay(target):
 
 def check():
     workshop.build(PRESET, "fuzz_targets")
-    names = targets()
+    names = targets(PRESET)
     complaints = workshop.in_parallel(replay, names)
     failed = [f"fuzz {name}" for name, complaint in zip(names, complaints) if complaint]
     return workshop.Outcome(len(names) - len(failed), failed or ([] if names else ["fuzz: none"]),

@@ -34,7 +34,8 @@ def environment():
 
 def without_random_layout(preset):
     """The thread sanitizer of this compiler cannot live with every address layout."""
-    return ["setarch", "x86_64", "-R"] if preset == "host-tsan" else []
+    has_thread_sanitizer = preset in ("host-tsan", "host-fuzz-thread")
+    return ["setarch", "x86_64", "-R"] if has_thread_sanitizer else []
 
 
 def run_program(preset, program):
