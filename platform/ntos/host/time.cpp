@@ -2,23 +2,48 @@
 
 #include <time.h>
 
+#include "ntoshost/time.h"
+
 namespace {
 constexpr i64 kTicksPerSecond = 10'000'000;
 constexpr i64 kNanosecondsPerTick = 100;
 constexpr i64 kSecondsFrom1601To1970 = 11'644'473'600;
 
+constinit u32 g_rate = 1;
+constinit i64 g_ticksAhead =
+    0;  // what the counter shows at rate g_rate, less g_rate times the time
+
 i64 ticksOf(timespec const& time) {
   return time.tv_sec * kTicksPerSecond + time.tv_nsec / kNanosecondsPerTick;
 }
 
-}  // namespace
-
-LARGE_INTEGER KeQueryPerformanceCounter(LARGE_INTEGER* frequency) {
+i64 ticksSinceStart() {
   timespec now;
   clock_gettime(CLOCK_MONOTONIC, &now);
+  return ticksOf(now);
+}
+
+}  // namespace
+
+namespace ntoshost {
+
+void setTimeRate(u32 rate) {
+  i64 const shift = (i64{getTimeRate()} - i64{rate}) * ticksSinceStart();
+  __atomic_fetch_add(&g_ticksAhead, shift, __ATOMIC_RELAXED);
+  __atomic_store_n(&g_rate, rate, __ATOMIC_RELAXED);
+}
+
+u32 getTimeRate() {
+  return __atomic_load_n(&g_rate, __ATOMIC_RELAXED);
+}
+
+}  // namespace ntoshost
+
+LARGE_INTEGER KeQueryPerformanceCounter(LARGE_INTEGER* frequency) {
   if (frequency != nullptr) frequency->QuadPart = kTicksPerSecond;
   LARGE_INTEGER ticks;
-  ticks.QuadPart = ticksOf(now);
+  ticks.QuadPart = ticksSinceStart() * ntoshost::getTimeRate() +
+                   __atomic_load_n(&g_ticksAhead, __ATOMIC_RELAXED);
   return ticks;
 }
 

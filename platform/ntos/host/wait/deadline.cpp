@@ -1,5 +1,7 @@
 #include "wait/deadline.h"
 
+#include "ntoshost/time.h"
+
 namespace ntoshost {
 namespace {
 
@@ -21,7 +23,7 @@ Deadline::Deadline(LARGE_INTEGER const* timeout) : m_kind(Kind::never) {
   m_kind = Kind::now;
   u64 const ticks = static_cast<u64>(timeout->QuadPart);
   if (timeout->QuadPart < 0) {
-    set(CLOCK_MONOTONIC, ticksNow(CLOCK_MONOTONIC) + (0 - ticks));
+    set(CLOCK_MONOTONIC, ticksNow(CLOCK_MONOTONIC) + (0 - ticks) / getTimeRate());
   } else if (ticks > kTicksFrom1601To1970) {
     set(CLOCK_REALTIME, ticks - kTicksFrom1601To1970);
   }

@@ -12,5 +12,6 @@
 #include "ntoshost/pnp.h"
 #include "ntoshost/pool.h"
 #include "ntoshost/thread.h"
+#include "ntoshost/time.h"
 #include "ntoshost/userMemory.h"
 #include "ntoshost/violation.h"

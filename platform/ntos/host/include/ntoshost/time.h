@@ -1,0 +1,15 @@
+#pragma once
+
+#include "ntos/types.h"
+
+// Time that passes faster, for tests of what happens after a long wait.
+
+namespace ntoshost {
+
+// From now on the performance counter runs `rate` times as fast as time does, and a wait for a span
+// ends as much earlier; 1, as at the start, is true time. The counter never goes back. Points of
+// time since 1601, and waits for them, stay what they are. To be called while no thread waits.
+void setTimeRate(u32 rate);
+u32 getTimeRate();
+
+}  // namespace ntoshost
