@@ -2,6 +2,7 @@
 
 #include "oxdiagk/tConfigurable.h"
 #include "oxdiagk/tConfigurationLock.h"
+#include "oxdiagk/tDestinationSlot.h"
 #include "stl/string.h"
 #include "stl/vector.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
@@ -13,6 +14,7 @@ namespace nOXDIAG100 {
 
 class iTraceable;
 class iTraceDestination;
+class tInquiryText;
 class tStatus2;
 class tTraceFilter;
 
@@ -368,12 +370,15 @@ class OXDIAG_API tTrace : public tConfigurable {
   explicit tTrace(iTraceDestination& first);
 
   // The module's stream before and after its life.
-  explicit tTrace(tAtRest atRest)
-      : destination(nullptr), filter(nullptr), enabled(0), configurationLock(atRest) {
+  explicit tTrace(tAtRest) : filter(nullptr), enabled(0) {
   }
 
  private:
-  friend class iTraceDestination;   // takes the stream off a destination that goes
+  friend class iTraceDestination;   // takes the streams off a destination that goes
+  friend class tDestinationSwitch;  // moves the stream from one destination to another
+  friend class tLiveStreams;        // keeps the list of streams
+  friend class tStreamGuard;        // looks whether the stream is built
+  friend class tStreamHold;         // holds the stream's lines while destinations change
   friend class tTraceCalibration;   // reads the times of lines
   friend class tTraceOptionReader;  // applies option words
   friend class tTracePrefix;        // writes prefixes and keeps the times
@@ -394,27 +399,41 @@ class OXDIAG_API tTrace : public tConfigurable {
 
   // A stream that is built has a destination.
   bool isBuilt() const {
-    return load(destination) != nullptr;
+    return slot.get() != nullptr;
   }
   void change(u32& word, u32 value) {
     if (isBuilt()) store(word, value);
   }
   bool isWriting() const {
-    return load(enabled) != 0 && (load(hiddenLines) & 1) == 0;
+    return load(enabled) != 0 && load(lineSuppressed) == 0;
   }
   void append(char const* text);
   void append(char const* text, u64 length);
   char* appendCharacter(char character, char* position);
   char* flush(char const* end);
-  void send(char const* text, u32 length, bool hasNul);
-  void install(iTraceDestination& next);
-  void beginSwitch();
-  void endSwitch();
-  void leave(iTraceDestination& leaving);
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendSigned(i64 value, u32 radix);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
-  iTraceDestination* fallBack(iTraceDestination& former, char const* settings);
+
+  void end();
+  void writeSettings(tInquiryText& text);
+
+  // Switches of destinations. With `isChanged`, the settings of `next` have changed, so that it is
+  // opened anew though other streams use it. configureDestination is false when it was given up.
+  iTraceDestination* switchTo(iTraceDestination& next, bool isChanged);
+  static bool configureDestination(iTraceDestination& chosen, int argc, char** argv);
+  void announce(char const* text, char const* rest = "");
+
+  // Waits for the threads that are handing a text over; false when that was given up.
+  bool awaitTexts();
+  void leaveDestination();
+
+  // Sends all streams that use a destination back to the debugger. False when a thread may still be
+  // within it, and it was not closed.
+  static bool takeOffStreams(iTraceDestination& leaving);
+  bool isTakenOff(iTraceDestination& leaving);
+
+  enum tLineStart { kLineIsLocked, kLineIsNotLocked, kLineTimedOut };
 
   // Between them `isPassed` says whether text is written; behind them the verdict of the thread's
   // line around this one does, if there is one. Remembers 32 lines within each other.
@@ -422,9 +441,11 @@ class OXDIAG_API tTrace : public tConfigurable {
   void endVerdict();
 
   // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
-  // mutex. endLine gives back what this thread's beginLine took, whatever the switch is by then.
-  void beginLine();
+  // mutex. `timeout` in milliseconds, or kSyncWaitForever. endLine gives back what this thread's
+  // beginLine took, whatever the switch is by then.
+  tLineStart beginLine(u32 timeout);
   void endLine();
+  u32 getLineOwner() const;  // the thread that has the mutex for its line; 0 when there is none
   iSync* getMutex() const;
   void openMutex();
   void closeMutex();
@@ -438,7 +459,7 @@ class OXDIAG_API tTrace : public tConfigurable {
     store(lastLineTime, time);
   }
 
-  iTraceDestination* destination;
+  tDestinationSlot slot;
   tTraceFilter* filter;
   _STL::vector<char*> savedConfigurations;
   u32 enabled = 1;
@@ -454,6 +475,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   u32 mutex = 0;
   u32 indenting = 1;
   u32 truncation = 1;
+  u32 lineSuppressed = 0;
   u32 minPrefixWidth = 50;
   i32 nestingLevel = 0;
   u64 lastLineTime = 0;
@@ -467,11 +489,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   u64 hiddenLines = 0;  // a thread's open lines, see beginVerdict
   u32 mutexOwner = 0;   // thread whose lines hold the mutex, while mutexDepth is not 0
   u32 mutexDepth = 0;
-  u32 lineHasNul = 0;       // the text in the line buffer contains a NUL
-  u32 textsOnTheWay = 0;    // threads that are handing a text to the destination
-  u32 switchingThread = 0;  // the one that switches destinations, 0 while none does
-  u32 switchDepth = 0;      // its switches within each other
-  tConfigurationLock configurationLock;
+  u32 lineHolders = 0;           // a bit for each tStreamHold that has the mutex
+  tTrace* nextStream = nullptr;  // in the list of all streams
 };
 
 }  // namespace nOXDIAG100

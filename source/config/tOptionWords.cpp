@@ -42,6 +42,19 @@ int countWords(char const* text) {
 
 }  // namespace
 
+int cutOptionWords(char* text, char** words, int capacity) {
+  int const wordCount = countWords(text);
+  if (wordCount > capacity) return -1;
+  for (int index = 0; index < wordCount; ++index) {
+    text += countBlanks(text);
+    tWord const word = findWord(text);
+    words[index] = text + word.begin;
+    text[word.end] = 0;
+    text += word.next;
+  }
+  return wordCount;
+}
+
 tOptionWords::tOptionWords(char const* text) {
   int const wordCount = text == nullptr ? 0 : countWords(text);
   if (wordCount == 0) return;
@@ -49,7 +62,7 @@ tOptionWords::tOptionWords(char const* text) {
   allocate(wordCount, length);
   if (failed) return;
   __builtin_memcpy(copy, text, length + 1);
-  cut(wordCount);
+  count = cutOptionWords(copy, words, wordCount);
 }
 
 tOptionWords::~tOptionWords() {
@@ -66,17 +79,6 @@ void tOptionWords::allocate(int wordCount, u64 textLength) {
   if (failed) {
     _memDelete(words);
     words = nullptr;
-  }
-}
-
-void tOptionWords::cut(int wordCount) {
-  char* text = copy;
-  for (; count < wordCount; ++count) {
-    text += countBlanks(text);
-    tWord const word = findWord(text);
-    words[count] = text + word.begin;
-    text[word.end] = 0;
-    text += word.next;
   }
 }
 

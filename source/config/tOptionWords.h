@@ -6,6 +6,11 @@
 
 namespace nOXDIAG100 {
 
+// Cuts `text` in place into at most `capacity` words, by the rules of
+// tConfigurable::configure(options). Returns their count, or -1, with the text unchanged, when
+// there are more. Any IRQL.
+int cutOptionWords(char* text, char** words, int capacity);
+
 // The words of one option text, as configure(argc, argv) takes them. The rules of the cutting are
 // those of tConfigurable::configure(options).
 //
@@ -31,7 +36,6 @@ class tOptionWords {
 
  private:
   void allocate(int wordCount, u64 textLength);
-  void cut(int wordCount);
 
   char** words = nullptr;
   char* copy = nullptr;

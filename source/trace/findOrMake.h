@@ -1,5 +1,7 @@
 #pragma once
 
+#include "trace/mayEnd.h"
+
 namespace nOXDIAG100 {
 
 // The object that `place` leads to, made by the first who asks. Of several who ask first at once,
@@ -16,6 +18,14 @@ T* findOrMake(T*& place) {
   }
   delete made;
   return known;
+}
+
+// Destroys the destination that `place` leads to, if there is one and nobody is within it.
+template <class T>
+void destroyAtEnd(T*& place) {
+  if (place == nullptr || !mayEnd(*place)) return;
+  delete place;
+  place = nullptr;
 }
 
 }  // namespace nOXDIAG100

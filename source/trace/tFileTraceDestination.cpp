@@ -56,8 +56,7 @@ tFileTraceDestination* tFileTraceDestination::getInstance() {
 }
 
 void tFileTraceDestination::destroyInstance() {
-  delete instance;
-  instance = nullptr;
+  destroyAtEnd(instance);
 }
 
 tFileTraceDestination::tFileTraceDestination() {

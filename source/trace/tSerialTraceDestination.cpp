@@ -34,8 +34,7 @@ tSerialTraceDestination* tSerialTraceDestination::getInstance() {
 }
 
 void tSerialTraceDestination::destroyInstance() {
-  delete instance;
-  instance = nullptr;
+  destroyAtEnd(instance);
 }
 
 tSerialTraceDestination::tSerialTraceDestination()
@@ -62,7 +61,7 @@ iTraceDestination& tSerialTraceDestination::put(char const* text, unsigned int l
 }
 
 void tSerialTraceDestination::configure(int argc, char** const argv) {
-  for (int index = 0; index < argc; ++index) setDivisor(argv[index]);
+  for (int index = 0; argv != nullptr && index < argc; ++index) setDivisor(argv[index]);
 }
 
 char* tSerialTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {

@@ -3,6 +3,9 @@
 #include "config/tInstancePlace.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/tLiveStreams.h"
+#include "trace/tPatience.h"
+#include "trace/tStreamLock.h"
 #include "vexk/cpu.h"
 #include "vexk/threadUtility.h"
 
@@ -29,21 +32,43 @@ tTrace& tTrace::getInstance(char* /*name*/) {
 }
 
 void tTrace::constructInstance() {
+  tPatience::setExhausted(false);
   new (instance.take()) tTrace(tVEXTraceDestination::getInstance());
 }
 
 void tTrace::destroyInstance() {
+  tTrace& stream = getInstance();
+  tStreamGuard const guard(stream);
+  if (!guard.isHeld()) return;
+  stream.end();
   instance.destroy();
 }
 
-tTrace::tTrace(iTraceDestination& first) : destination(&first), filter(tTraceFilter::create()) {
+tTrace::tTrace(iTraceDestination& first) : slot(first), filter(tTraceFilter::create()) {
+  while (!tStreamLock::acquire()) {
+  }
+  tLiveStreams::add(*this);
+  tStreamLock::release();
 }
 
 tTrace::~tTrace() {
+  while (!tStreamLock::acquire()) {
+  }
+  tPatienceScope const patienceOfAll;
+  end();
+  tLiveStreams::remove(*this);
+  tStreamLock::release();
+}
+
+// Whoever does not come out of a put is waited for once, and not by every pop again; at the end of
+// the module not by its destinations either.
+void tTrace::end() {
+  awaitTexts();
   closeMutex();
   delete filter;
   filter = nullptr;
   while (!savedConfigurations.empty()) popConfiguration();
+  leaveDestination();
   // A saved configuration may have switched the mutex on again.
   closeMutex();
 }
@@ -61,7 +86,7 @@ i32 tTrace::getNestingLevel() const {
 }
 
 iTraceDestination* tTrace::getDestination() {
-  return __atomic_load_n(&destination, __ATOMIC_ACQUIRE);
+  return slot.get();
 }
 
 tTraceFilter* tTrace::getFilter() {
@@ -83,6 +108,7 @@ u32 tTrace::isEnabled() const {
 // What another thread left is no line around this one. So whatever lines of threads without a
 // common lock do to each other, no hidden line stays behind for good.
 void tTrace::beginVerdict(bool isPassed) {
+  store(lineSuppressed, isPassed ? 0 : 1);
   u64 const before = load(hiddenLines);
   if (isPassed && before == 0) return;
   u64 const thread = tThreadUtility::getCurrentThreadId();
@@ -92,11 +118,11 @@ void tTrace::beginVerdict(bool isPassed) {
 
 void tTrace::endVerdict() {
   u64 const before = load(hiddenLines);
-  if (before == 0) return;
   u64 const thread = before >> kThreadShift;
-  u32 const around = static_cast<u32>(before) >> 1;
-  bool const isOwn = around != 0 && thread == tThreadUtility::getCurrentThreadId();
-  store(hiddenLines, withThread(thread, isOwn ? around : 0));
+  u32 around = static_cast<u32>(before) >> 1;
+  if (around != 0 && thread != tThreadUtility::getCurrentThreadId()) around = 0;
+  store(lineSuppressed, around & 1);
+  if (before != 0) store(hiddenLines, withThread(thread, around));
 }
 
 tTrace& tTrace::endl() {

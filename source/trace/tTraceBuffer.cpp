@@ -1,7 +1,5 @@
-#include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "trace/mixedText.h"
-#include "vexk/threadUtility.h"
 
 // Threads that do not lock their lines may append at once. Their text then mixes, but each works on
 // a copy of the write position that it has checked itself, so nobody writes beyond the buffer. What
@@ -53,37 +51,18 @@ u64 copyPlain(char const* text, u64 left, char* position, u64 room) {
 
 }  // namespace
 
+// The line buffer is empty before the text goes out: what the destination traces from its put is a
+// text of its own, and what is left of it stays in front of what follows here.
 char* tTrace::flush(char const* end) {
   u32 const length = static_cast<u32>(end - lineBuffer);
   char text[kLineBufferSize];
   copyMixedText(text, lineBuffer, length);
-  text[length] = 0;
-  bool const hasNul = load(lineHasNul) != 0;
-  if (hasNul) store(lineHasNul, 0);
-  send(text, length, hasNul);
-  return lineBuffer;
-}
-
-// Counts itself before it looks at the destination, so a thread that switches destinations either
-// is seen here or sees the text on its way. What other threads write meanwhile is lost, as is what
-// they would write to a closed destination.
-void tTrace::send(char const* text, u32 length, bool hasNul) {
-  __atomic_fetch_add(&textsOnTheWay, 1, __ATOMIC_SEQ_CST);
-  u32 const switcher = __atomic_load_n(&switchingThread, __ATOMIC_SEQ_CST);
-  if (switcher == 0 || switcher == tThreadUtility::getCurrentThreadId()) {
-    iTraceDestination* const current = getDestination();
-    // Only the counted form carries what stands behind a NUL.
-    if (hasNul) {
-      current->put(text, length);
-    } else {
-      current->put(text);
-    }
-  }
-  __atomic_fetch_sub(&textsOnTheWay, 1, __ATOMIC_RELEASE);
+  store(writePosition, &lineBuffer[0]);
+  slot.send(text, length);
+  return load(writePosition);
 }
 
 OXDIAG_MIXES_TEXT char* tTrace::appendCharacter(char character, char* position) {
-  if (character == 0) store(lineHasNul, 1);
   *position++ = character;
   bool const isFull = position == lineBuffer + kLineBufferSize - 1;
   return character == '\n' || isFull ? flush(position) : position;

@@ -1,6 +1,7 @@
 #include "trace/tTraceCalibration.h"
 
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/tStreamLock.h"
 #include "vexk/sync.h"
 
 namespace nOXDIAG100 {
@@ -18,8 +19,8 @@ constexpr tSSVersion kVersion;
 }  // namespace
 
 void tTrace::calibrate() {
-  if (!isBuilt()) return;
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   i32 status = 0;
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
   if (lock == nullptr) return;

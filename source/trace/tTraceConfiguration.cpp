@@ -3,6 +3,7 @@
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"
+#include "trace/tStreamLock.h"
 #include "trace/tTraceOptionReader.h"
 #include "trace/tTraceSwitchTable.h"
 
@@ -12,16 +13,22 @@ void tTrace::configure() {
 }
 
 void tTrace::configure(int argc, char** argv) {
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   tTraceOptionReader(*this, argc, argv).read();
 }
 
 void tTrace::inquire(char* buffer, unsigned int size, unsigned int* needed) {
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
   tInquiryText text(buffer, size);
+  if (guard.isHeld()) writeSettings(text);
+  text.finish(needed);
+}
+
+void tTrace::writeSettings(tInquiryText& text) {
   text.append(load(enabled) != 0 ? "--on" : "--off");
   unsigned int pieceNeeded = 0;
-  destination->inquire(text.getPosition(), text.getRoom(), &pieceNeeded);
+  getDestination()->inquire(text.getPosition(), text.getRoom(), &pieceNeeded);
   text.skip(pieceNeeded);
   for (u32 index = 0; index < tTraceSwitchTable::kMutex; ++index) {
     tTraceSwitchTable::tSwitch const& entry = tTraceSwitchTable::entries[index];
@@ -35,18 +42,19 @@ void tTrace::inquire(char* buffer, unsigned int size, unsigned int* needed) {
   }
   text.append(" --mutex").appendOnOff(load(mutex) != 0).append(" --calibrate");
   for (u64 const& offset : calibrationOffsets) text.append(" ").appendNumber(load(offset));
-  text.finish(needed);
 }
 
 void tTrace::pushConfiguration() {
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   if (!makeRoom(savedConfigurations)) return;
   char* const text = copySettings(*this, kMemLongLived);
   if (text != nullptr) savedConfigurations.push_back(text);
 }
 
 void tTrace::popConfiguration() {
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   if (savedConfigurations.empty()) return;
   char* const text = savedConfigurations.back();
   savedConfigurations.pop_back();
@@ -54,8 +62,8 @@ void tTrace::popConfiguration() {
 }
 
 u32 tTrace::countSavedConfigurations() {
-  tConfigurationGuard const guard(configurationLock);
-  return static_cast<u32>(savedConfigurations.size());
+  tStreamGuard const guard(*this);
+  return guard.isHeld() ? static_cast<u32>(savedConfigurations.size()) : 0;
 }
 
 }  // namespace nOXDIAG100

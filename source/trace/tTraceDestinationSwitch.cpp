@@ -1,72 +1,66 @@
-#include "config/savedSettings.h"
-#include "config/tOptionWords.h"
-#include "ntos/event.h"
+#include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
-#include "oxdiagk/tVEXTraceDestination.h"
-#include "vexk/memory.h"
-#include "vexk/threadUtility.h"
+#include "trace/switchEvents.h"
+#include "trace/tDestinationSwitch.h"
+#include "trace/tLiveStreams.h"
+#include "trace/tStreamLock.h"
 
 namespace nOXDIAG100 {
-namespace {
-
-constexpr i64 kBetweenLooks = -10'000;  // 1 ms, in units of 100 ns from now
-
-// An event that nobody sets is a pause.
-void pause() {
-  KEVENT never;
-  KeInitializeEvent(&never, NotificationEvent, 0);
-  LARGE_INTEGER span;
-  span.QuadPart = kBetweenLooks;
-  KeWaitForSingleObject(&never, Executive, KernelMode, 0, &span);
-}
-
-}  // namespace
 
 iTraceDestination* tTrace::setDestination(iTraceDestination& next) {
-  if (!isBuilt()) return nullptr;
-  tConfigurationGuard const guard(configurationLock);
-  put("Switching trace destination to ").put(next.getDescription()).endl();
-  iTraceDestination& former = *getDestination();
-  char* const settings = copySettings(former, kMemScratch);
-  beginSwitch();
-  former.close();
-  install(next);
-  iTraceDestination* const result = next.open() != 0 ? &former : fallBack(former, settings);
-  endSwitch();
-  _memDelete(settings);
-  return result;
+  return switchTo(next, false);
 }
 
-void tTrace::install(iTraceDestination& next) {
-  __atomic_store_n(&destination, &next, __ATOMIC_RELEASE);
+iTraceDestination* tTrace::switchTo(iTraceDestination& next, bool isChanged) {
+  tStreamGuard const guard(*this);
+  return guard.isHeld() ? tDestinationSwitch(*this, next, isChanged).run() : getDestination();
 }
 
-// From here to endSwitch no other thread is within the destination: it is closed and opened with
-// nobody writing. A switch that a destination makes while it is opened is part of the outer one.
-void tTrace::beginSwitch() {
-  if (switchDepth++ != 0) return;
-  __atomic_store_n(&switchingThread, tThreadUtility::getCurrentThreadId(), __ATOMIC_SEQ_CST);
-  while (__atomic_load_n(&textsOnTheWay, __ATOMIC_SEQ_CST) != 0) pause();
-}
-
-void tTrace::endSwitch() {
-  if (--switchDepth == 0) __atomic_store_n(&switchingThread, 0, __ATOMIC_RELEASE);
-}
-
-iTraceDestination* tTrace::fallBack(iTraceDestination& former, char const* settings) {
-  tOptionWords const words(settings);
-  install(former);
-  if (words.getCount() != 0) former.configure(words.getCount(), words.getWords());
-  if (former.open() != 0) {
-    put("Trace destination couldn't be opened!").endl();
-    put("Trace destination remains unchanged.").endl();
-    return &former;
+bool tTrace::configureDestination(iTraceDestination& chosen, int argc, char** argv) {
+  tPatience const patience;
+  tStreamHold hold;
+  if (hold.isTooDeep()) return false;
+  bool const areLinesHeld = hold.holdLinesOfUsers(chosen, patience);
+  hold.shutUsers(chosen);
+  u32 const within = tStreamHold::awaitNobodyWithin(chosen, nullptr, patience);
+  if (within != 0 || !areLinesHeld) {
+    logGivenUpSwitch(within);
+    return false;
   }
-  install(tVEXTraceDestination::getInstance());
-  destination->open();
-  put("Trace destination couldn't be opened and previous destination couldn't be restored!").endl();
-  put("The trace destination has been changed to VEX print to debugger by default").endl();
-  return destination;
+  chosen.configure(argc, argv);
+  return true;
+}
+
+bool tTrace::awaitTexts() {
+  tStreamHold hold;
+  hold.shut(*this);
+  u32 const within = tStreamHold::awaitNobodyWithin(*getDestination(), &slot, tPatience());
+  if (within == 0) return true;
+  if (!tPatience::isExhausted()) logGivenUpEnd(within);
+  tPatience::setExhausted(true);
+  return false;
+}
+
+// What the stream of the module has taken is destroyed by the module, or has gone with its driver.
+void tTrace::leaveDestination() {
+  bool const isLast = tLiveStreams::findUser(*getDestination(), this) == nullptr;
+  bool const closes = slot.hasTaken && isLast && this != &getInstance();
+  if (awaitTexts() && closes) getDestination()->close();
+}
+
+// Within a line that is not shown, the text goes past the line buffer: it is a line of its own, and
+// the rest of the other one stays hidden.
+void tTrace::announce(char const* text, char const* rest) {
+  char const* const pieces[] = {text, rest, "\n"};
+  for (char const* const piece : pieces) {
+    u32 const length = static_cast<u32>(__builtin_strlen(piece));
+    if (isWriting()) {
+      append(piece, length);
+    } else if (load(enabled) != 0 && length != 0) {
+      slot.send(piece, length);
+    }
+  }
+  setLastLineTime(readTimeStampCounter());
 }
 
 }  // namespace nOXDIAG100

@@ -1,4 +1,6 @@
 #include "oxdiagk/tTrace.h"
+#include "trace/tStreamLock.h"
+#include "vexk/statusCodes.h"
 #include "vexk/sync.h"
 #include "vexk/threadUtility.h"
 
@@ -18,21 +20,21 @@ void tTrace::openMutex() {
 }
 
 void tTrace::closeMutex() {
-  while (mutexDepth != 0 && mutexOwner == tThreadUtility::getCurrentThreadId()) endLine();
+  while (getLineOwner() == tThreadUtility::getCurrentThreadId()) endLine();
   syncClose(mutexObject);
 }
 
 void tTrace::enableMutex() {
-  if (!isBuilt()) return;
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   openMutex();
   tSyncLock const lock(mutexObject);
   store(mutex, 1);
 }
 
 void tTrace::disableMutex() {
-  if (!isBuilt()) return;
-  tConfigurationGuard const guard(configurationLock);
+  tStreamGuard const guard(*this);
+  if (!guard.isHeld()) return;
   tSyncLock const lock(mutexObject);
   store(mutex, 0);
 }
@@ -46,19 +48,24 @@ iSync* tTrace::getMutex() const {
   return __atomic_load_n(&mutexObject, __ATOMIC_ACQUIRE);
 }
 
-void tTrace::beginLine() {
-  if (load(mutex) == 0) return;
+tTrace::tLineStart tTrace::beginLine(u32 timeout) {
+  if (load(mutex) == 0) return kLineIsNotLocked;
   iSync* const lock = getMutex();
-  if (lock == nullptr || lock->acquire(kSyncWaitForever) < 0) return;
+  i32 const status = lock == nullptr ? kStatusSyncFailed : lock->acquire(timeout);
+  if (status < 0) return status == kStatusSyncTimeout ? kLineTimedOut : kLineIsNotLocked;
   __atomic_store_n(&mutexOwner, tThreadUtility::getCurrentThreadId(), __ATOMIC_RELAXED);
   __atomic_store_n(&mutexDepth, mutexDepth + 1, __ATOMIC_RELEASE);
+  return kLineIsLocked;
+}
+
+u32 tTrace::getLineOwner() const {
+  if (__atomic_load_n(&mutexDepth, __ATOMIC_ACQUIRE) == 0) return 0;
+  return __atomic_load_n(&mutexOwner, __ATOMIC_RELAXED);
 }
 
 void tTrace::endLine() {
   iSync* const lock = getMutex();
-  if (lock == nullptr || __atomic_load_n(&mutexDepth, __ATOMIC_ACQUIRE) == 0) return;
-  u32 const owner = __atomic_load_n(&mutexOwner, __ATOMIC_RELAXED);
-  if (owner != tThreadUtility::getCurrentThreadId()) return;
+  if (lock == nullptr || getLineOwner() != tThreadUtility::getCurrentThreadId()) return;
   __atomic_store_n(&mutexDepth, mutexDepth - 1, __ATOMIC_RELAXED);
   lock->release();
 }

@@ -131,8 +131,12 @@ void tTraceOptionReader::readDestination() {
   char** const words = next;
   while (hasValue()) takeWord();
   if (chosen == nullptr) return;
+  int const wordCount = static_cast<int>(next - words);
+  bool const isConfigured =
+      wordCount != 0 && tTrace::configureDestination(*chosen, wordCount, words);
+  if (wordCount != 0 && !isConfigured) return;
+  destinationIsChanged = isConfigured || (destinationIsChanged && destination == chosen);
   destination = chosen;
-  if (next != words) chosen->configure(static_cast<int>(next - words), words);
 }
 
 void tTraceOptionReader::readTokens() {
@@ -150,7 +154,7 @@ void tTraceOptionReader::apply() {
   }
   applyMutex();
   if (hasWidth) trace.setMinPrefixWidth(width);
-  if (destination != nullptr) trace.setDestination(*destination);
+  if (destination != nullptr) trace.switchTo(*destination, destinationIsChanged);
   if (calibrates) trace.calibrate();
 }
 

@@ -43,6 +43,7 @@ class tTraceOptionReader {
   bool calibrates = false;
   u32 width = 0;
   iTraceDestination* destination = nullptr;
+  bool destinationIsChanged = false;  // by words of this list
 };
 
 }  // namespace nOXDIAG100

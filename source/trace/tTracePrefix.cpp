@@ -3,6 +3,7 @@
 #include "oxdiagk/tTraceFilter.h"
 #include "trace/tTraceFilterLine.h"
 #include "vexk/number.h"
+#include "vexk/sync.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
@@ -45,7 +46,7 @@ tTrace& tTrace::putPrefix(char const* component, tSSVersion version, unsigned in
                           char const* file, unsigned int verbosity, tTraceType type) {
   if (!isBuilt()) return *this;
   u64 const startTime = readTimeStampCounter();
-  beginLine();
+  beginLine(kSyncWaitForever);
   store(lineStartTime, startTime);
   tTracePrefix::tOrigin const origin{orEmpty(component), version,   line,
                                      orEmpty(file),      verbosity, type};

@@ -177,6 +177,13 @@ TEST(SerialRate, NullWordsAreSkipped) {
   EXPECT_TRUE(isDescribed(serial, "Serial port with baud rate 4800"));
 }
 
+TEST(SerialRate, WordsThatAreNotThereChangeNothing) {
+  tSerialTraceDestination serial;
+  configure(serial, "9600");
+  serial.configure(1, nullptr);
+  EXPECT_TRUE(isDescribed(serial, "Serial port with baud rate 9600"));
+}
+
 TEST(SerialRate, LastOfSeveralWordsWins) {
   tSerialTraceDestination serial;
   configure(serial, "9600", "2400", "bogus");

@@ -59,6 +59,7 @@ TEST(FileDestinationNames, LettersOfEitherCaseNameDriveAndFile) {
 TEST(FileDestinationNames, DefaultFileIsOnTheFirstDrive) {
   tFileTraceDestination file;
   file.configure(0, nullptr);
+  file.configure(1, nullptr);
   ASSERT_EQ(file.open(), u32{1});
   EXPECT_EQ(tDriveFile(L"\\??\\C:\\DebugTrace.out").openAlone(), STATUS_SHARING_VIOLATION);
 }

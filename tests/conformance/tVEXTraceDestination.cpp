@@ -106,6 +106,7 @@ TEST(DebuggerPrintDestination, OptionWordsChangeNothing) {
   char* words[] = {word};
   destination().configure(1, words);
   destination().configure(0, nullptr);
+  destination().configure(1, nullptr);
   char buffer[32];
   destination().inquire(buffer, sizeof(buffer), nullptr);
   EXPECT_STREQ(buffer, kSettings);

@@ -53,12 +53,12 @@ class tRecordingDestination : public nOXDIAG100::iTraceDestination {
   bool isOpen = true;
 
   iTraceDestination& put(char const* text) override {
-    addEvent("put ");
+    addEvent("put-terminated ");
     return keep(text, static_cast<u32>(__builtin_strlen(text)));
   }
 
   iTraceDestination& put(char const* text, unsigned int length) override {
-    addEvent("put-counted ");
+    addEvent("put ");
     return keep(text, length);
   }
 

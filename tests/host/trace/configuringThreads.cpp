@@ -41,10 +41,10 @@ class tCountedTexts : public tKeptLines {
 class tStoppingDestination : public tCountedTexts {
  public:
   using tCountedTexts::put;
-  iTraceDestination& put(char const* text) override {
+  iTraceDestination& put(char const* text, unsigned int length) override {
     ++within;
     if (stopsInPut.exchange(false)) stop();
-    tCountedTexts::put(text);
+    tCountedTexts::put(text, length);
     --within;
     return *this;
   }

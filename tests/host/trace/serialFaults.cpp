@@ -99,7 +99,7 @@ TEST(SerialFaults, FailedOptionTellsSoInTheLinesOfTheFormerDestination) {
   tOwnTrace trace(kept);
   tSerialTraceDestination* const serial = tSerialTraceDestination::getInstance();
   serial->setDivisor("9600");
-  ntoshost::failNth(ntoshost::kFaultMemory, 2);  // the first one is for the former settings
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);  // the bus
   EXPECT_EQ(trace.setDestination(*serial), &kept);
   ntoshost::clearFaults();
   EXPECT_EQ(ntoshost::faultsInjected(), 1u);

@@ -1,0 +1,52 @@
+#include "oxdiagk/tDestinationSlot.h"
+
+#include "ntos/irql.h"
+#include "oxdiagk/iTraceDestination.h"
+#include "trace/tTextsOnTheWay.h"
+#include "vexk/threadUtility.h"
+
+namespace nOXDIAG100 {
+
+void tDestinationSlot::send(char const* text, u32 length) {
+  u32 const thread = tThreadUtility::getCurrentThreadId();
+  u32 const place = tTextsOnTheWay::enter(thread, *this);
+  if (place == tTextsOnTheWay::kNoPlace) return;
+  iTraceDestination* const destination = direct(place, thread);
+  if (destination != nullptr) destination->put(text, length);
+  tTextsOnTheWay::leave(place);
+}
+
+// The text is entered with its destination before the slot is looked at once more. So whoever shuts
+// the slot, or installs another destination, and then finds nobody, has nobody there.
+iTraceDestination* tDestinationSlot::direct(u32 place, u32 thread) const {
+  iTraceDestination* destination = get();
+  for (;;) {
+    tTextsOnTheWay::direct(place, destination);
+    if (!isOpenTo(thread)) return nullptr;
+    iTraceDestination* const now = get();
+    if (now == destination) return destination;
+    destination = now;
+  }
+}
+
+// An interrupt that comes upon the thread of the switch is not part of the switch.
+bool tDestinationSlot::isOpenTo(u32 thread) const {
+  u32 const shutBy = __atomic_load_n(&shutter, __ATOMIC_SEQ_CST);
+  return shutBy == 0 || (shutBy == thread && KeGetCurrentIrql() < DISPATCH_LEVEL);
+}
+
+void tDestinationSlot::install(iTraceDestination& next) {
+  __atomic_store_n(&current, &next, __ATOMIC_SEQ_CST);
+}
+
+void tDestinationSlot::shut(u32 holder) {
+  holders |= holder;
+  __atomic_store_n(&shutter, tThreadUtility::getCurrentThreadId(), __ATOMIC_SEQ_CST);
+}
+
+void tDestinationSlot::open(u32 holder) {
+  holders &= ~holder;
+  if (holders == 0) __atomic_store_n(&shutter, 0, __ATOMIC_SEQ_CST);
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,175 @@
+#include "trace/tDestinationSwitch.h"
+
+#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/switchEvents.h"
+#include "trace/tLiveStreams.h"
+#include "trace/tTextsOnTheWay.h"
+#include "vexk/threadUtility.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constinit tDestinationSwitch* innermost = nullptr;
+
+iTraceDestination& getDebugger() {
+  return tVEXTraceDestination::getInstance();
+}
+
+}  // namespace
+
+tDestinationSwitch::tDestinationSwitch(tTrace& stream, iTraceDestination& next, bool isChanged)
+    : stream(stream),
+      former(stream.getDestination()),
+      next(&next),
+      sharing(getSharing(isChanged)),
+      outer(innermost) {
+  innermost = this;
+}
+
+tDestinationSwitch::~tDestinationSwitch() {
+  innermost = outer;
+}
+
+tDestinationSwitch::tSharing tDestinationSwitch::getSharing(bool isChanged) const {
+  if (tLiveStreams::findUser(*next, &stream) == nullptr) return kNotShared;
+  return isChanged || next == former ? kSharedAndMoved : kSharedAsItIs;
+}
+
+// Lines first, so that nobody is within a line. Then nobody may be within a put before this thread
+// writes its own line, or it would join those who do not come out; but it writes that line with the
+// streams open, so that, should it not come out itself, the others still write.
+iTraceDestination* tDestinationSwitch::run() {
+  if (isRefused()) return former;
+  tPatience const patience;
+  bool const areLinesHeld = holdLines(patience);
+  if (!isQuiet(patience) || !areLinesHeld) return giveUp();
+  hold.open();
+  stream.announce("Switching trace destination to ", next->getDescription());
+  tFormerSettings settings(*former);
+  if (settings.hasFailed() && next != &getDebugger()) return announceUnchanged();
+  if (!isQuiet(patience)) return giveUp();
+  return change(settings);
+}
+
+// A put that switches its own destination would wait for itself.
+bool tDestinationSwitch::isRefused() const {
+  u32 const thread = tThreadUtility::getCurrentThreadId();
+  return hold.isTooDeep() || tTextsOnTheWay::isWithin(thread, former) ||
+         tTextsOnTheWay::isWithin(thread, next);
+}
+
+bool tDestinationSwitch::holdLines(tPatience const& patience) {
+  if (!hold.holdLines(stream, patience)) return false;
+  return sharing != kSharedAndMoved || hold.holdLinesOfUsers(*next, patience);
+}
+
+bool tDestinationSwitch::isQuiet(tPatience const& patience) {
+  hold.shut(stream);
+  within = tStreamHold::awaitNobodyWithin(*former, &stream.slot, patience);
+  if (within != 0 || sharing != kSharedAndMoved) return within == 0;
+  hold.shutUsers(*next);
+  within = tStreamHold::awaitNobodyWithin(*next, nullptr, patience);
+  return within == 0;
+}
+
+iTraceDestination* tDestinationSwitch::giveUp() const {
+  logGivenUpSwitch(within);
+  return former;
+}
+
+iTraceDestination* tDestinationSwitch::change(tFormerSettings& settings) {
+  closeFormer();
+  if (next == nullptr) return fallBack(settings);
+  moveTo(*next);
+  if (!isNextOpen()) return fallBack(settings);
+  stream.slot.hasTaken = true;
+  return former == nullptr ? &getDebugger() : former;
+}
+
+void tDestinationSwitch::closeFormer() {
+  isFormerClosed = next == former || tLiveStreams::findUser(*former, &stream) == nullptr;
+  if (isFormerClosed) former->close();
+}
+
+bool tDestinationSwitch::isNextOpen() {
+  if (sharing == kSharedAsItIs) return true;
+  return sharing == kNotShared || next == former ? open(next) : isNextOpenAnew();
+}
+
+// What other streams use comes back to them with its settings of before, if it can be opened at
+// all.
+bool tDestinationSwitch::isNextOpenAnew() {
+  iTraceDestination const* const shared = next;
+  tFormerSettings settings(*next);
+  if (settings.hasFailed()) return false;
+  next->close();
+  if (next != nullptr && open(next)) return true;
+  if (next != nullptr) settings.restore(*next);
+  if (next == nullptr || !open(next)) sendToDebugger(*shared);
+  return false;
+}
+
+// A switch within open() may have left the destination for another one, or destroyed it.
+bool tDestinationSwitch::open(iTraceDestination* const& place) {
+  bool const isOpen = place->open() != 0 && place != nullptr;
+  if (isOpen && tLiveStreams::findUser(*place) == nullptr) place->close();
+  return isOpen;
+}
+
+// The stream may be elsewhere than this switch has left it, through one within.
+void tDestinationSwitch::moveTo(iTraceDestination& place) {
+  iTraceDestination* const left = stream.getDestination();
+  stream.slot.install(place);
+  bool const isKnown = left == former || left == next || left == &place;
+  if (!isKnown && tLiveStreams::findUser(*left) == nullptr) left->close();
+}
+
+iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {
+  if (former != nullptr && isFormerBack(settings)) return announceUnchanged();
+  if (former != nullptr && sharing == kSharedAndMoved) sendToDebugger(*former);
+  moveTo(getDebugger());
+  getDebugger().open();
+  hold.open();
+  announceDebugger(stream);
+  return &getDebugger();
+}
+
+bool tDestinationSwitch::isFormerBack(tFormerSettings& settings) {
+  bool const wasReached = stream.getDestination() == former && next != former;
+  moveTo(*former);
+  bool const isOpen = next != former && tLiveStreams::findUser(*former, &stream) != nullptr;
+  if (!isFormerClosed || isOpen) return true;
+  if (wasReached) former->close();
+  settings.restore(*former);
+  return former != nullptr && open(former);
+}
+
+iTraceDestination* tDestinationSwitch::announceUnchanged() {
+  hold.open();
+  stream.announce("Trace destination couldn't be opened!");
+  stream.announce("Trace destination remains unchanged.");
+  return former;
+}
+
+void tDestinationSwitch::announceDebugger(tTrace& stream) {
+  stream.announce(
+      "Trace destination couldn't be opened and previous destination couldn't be restored!");
+  stream.announce("The trace destination has been changed to VEX print to debugger by default");
+}
+
+void tDestinationSwitch::sendToDebugger(iTraceDestination const& closed) {
+  while (tTrace* const user = tLiveStreams::findUser(closed, &stream)) {
+    user->slot.install(getDebugger());
+    announceDebugger(*user);
+  }
+}
+
+void tDestinationSwitch::forget(iTraceDestination const& leaving) {
+  for (tDestinationSwitch* each = innermost; each != nullptr; each = each->outer) {
+    if (each->former == &leaving) each->former = nullptr;
+    if (each->next == &leaving) each->next = nullptr;
+  }
+}
+
+}  // namespace nOXDIAG100

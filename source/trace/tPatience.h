@@ -1,0 +1,51 @@
+#pragma once
+
+#include "ntos/types.h"
+
+namespace nOXDIAG100 {
+
+// How long a switch of destinations waits for threads that do not come out of a put, or do not end
+// their line.
+constexpr u32 kMostPatience = 10'000;  // milliseconds
+
+// The time that is left of kMostPatience. Any IRQL but for pause().
+//
+//     tPatience const patience;
+//     while (isSomebodyWithin()) {
+//       if (patience.isOver()) return false;
+//       tPatience::pause();
+//     }
+class tPatience {
+ public:
+  // Begins now.
+  tPatience();
+
+  bool isOver() const { return getRest() == 0; }
+  bool hasPassed() const;  // as isOver, but never early
+  u32 getRest() const;     // milliseconds
+
+  // Waits for a millisecond. PASSIVE_LEVEL.
+  static void pause();
+
+  // While exhausted, every patience is over from its beginning: who waits only looks. For waits for
+  // several threads, or several times for one, once one of them was given up.
+  static bool isExhausted();
+  static void setExhausted(bool isExhausted);
+
+ private:
+  u64 const start;  // a count of the time base
+};
+
+// Ends at the end of a scope what was exhausted in it.
+class tPatienceScope {
+ public:
+  tPatienceScope() : wasExhausted(tPatience::isExhausted()) {}
+  ~tPatienceScope() { tPatience::setExhausted(wasExhausted); }
+  tPatienceScope(tPatienceScope const&) = delete;
+  tPatienceScope& operator=(tPatienceScope const&) = delete;
+
+ private:
+  bool const wasExhausted;
+};
+
+}  // namespace nOXDIAG100

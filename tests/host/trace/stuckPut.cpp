@@ -1,0 +1,261 @@
+// A put that does not come out: whoever switches gives up after ten seconds, and lines flow again.
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <thread>
+
+#include "capturedPrint.h"
+#include "hurriedTime.h"
+#include "keptLines.h"
+#include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tVEXTraceDestination.h"
+#include "startedModules.h"
+#include "trace/tTextsOnTheWay.h"
+#include "vexk/eventLog.h"
+#include "vexk/threadUtility.h"
+
+namespace {
+
+using namespace nOXDIAG100;
+
+constexpr auto kLongEnough = std::chrono::seconds(30);
+constexpr auto kAWhile = std::chrono::milliseconds(50);
+
+// Holds the thread that puts "stuck" until it is let go; others come and go.
+class tStickyDestination : public iTraceDestination {
+ public:
+  ~tStickyDestination() override { leaveStream(); }
+
+  iTraceDestination& put(char const* text) override {
+    return put(text, static_cast<unsigned int>(strlen(text)));
+  }
+  iTraceDestination& put(char const* text, unsigned int length) override {
+    std::string const line(text, length);
+    if (line.find("stuck") != std::string::npos || (sticksToSwitches && isSwitch(line))) stick();
+    ++texts;
+    return *this;
+  }
+  void configure(int, char** const) override { ++configurations; }
+  char* inquire(char* buffer, unsigned int size, unsigned int* required) override {
+    return inquireText(" --destination sticky", buffer, size, required);
+  }
+  u32 open() override { return 1; }
+  void close() override { ++closes; }
+  char const* getDescription() const override { return "sticky"; }
+
+  std::atomic<int> texts = 0;
+  std::atomic<int> closes = 0;
+  std::atomic<int> configurations = 0;
+  std::atomic<u32> thread = 0;  // the one within
+  std::atomic<bool> mayGo = false;
+  bool sticksToSwitches = false;
+
+ private:
+  static bool isSwitch(std::string const& line) { return line.find("Switching") == 0; }
+
+  void stick() {
+    thread = tThreadUtility::getCurrentThreadId();
+    while (!mayGo) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+};
+
+// A thread that is within the put of a destination, until the object goes.
+class tStuckThread {
+ public:
+  tStuckThread(tTrace& trace, tStickyDestination& destination)
+      : tStuckThread(destination, [&trace] { trace.put("stuck").endl(); }) {}
+
+  template <class Work>
+  tStuckThread(tStickyDestination& destination, Work work)
+      : destination(destination), thread(work) {
+    while (destination.thread == 0) std::this_thread::yield();
+  }
+  ~tStuckThread() { letGo(); }
+
+  void letGo() {
+    destination.mayGo = true;
+    if (thread.joinable()) thread.join();
+  }
+
+ private:
+  tStickyDestination& destination;
+  std::thread thread;
+};
+
+// What the event log has said since the object was built.
+class tNewEvents {
+ public:
+  tNewEvents() {
+    tVexEvent event;
+    while (vexReadEvent(next, event)) next = event.number + 1;
+  }
+
+  std::string read() const {
+    std::string all;
+    tVexEvent event;
+    for (u64 number = next; vexReadEvent(number, event); number = event.number + 1) {
+      all += event.text;
+      all += "\n";
+    }
+    return all;
+  }
+
+ private:
+  u64 next = 1;
+};
+
+std::string nameOf(u32 thread) {
+  char text[32];
+  snprintf(text, sizeof(text), "thread 0x%X ", thread);
+  return text;
+}
+
+class StuckPut : public testing::Test {
+ protected:
+  tHurriedTime hurry;
+  tCapturedPrint print;
+  tNewEvents events;
+  tStickyDestination sticky;
+};
+
+}  // namespace
+
+TEST_F(StuckPut, ASwitchIsGivenUpAndTheFormerDestinationStays) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  EXPECT_EQ(trace.setDestination(next), &sticky);
+  EXPECT_EQ(trace.getDestination(), &sticky);
+  EXPECT_EQ(next.events, "");
+  EXPECT_EQ(sticky.closes, 0);
+  EXPECT_NE(events.read().find("the trace destination is not switched: " + nameOf(sticky.thread) +
+                               "is still within its put after 10 s"),
+            std::string::npos)
+      << events.read();
+}
+
+TEST_F(StuckPut, LinesFlowAgainAfterASwitchThatWasGivenUp) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  trace.setDestination(next);
+  int const before = sticky.texts;
+  trace.put("line").endl();
+  EXPECT_EQ(sticky.texts, before + 1);
+}
+
+TEST_F(StuckPut, TheNextSwitchSucceedsOnceTheThreadIsOut) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  trace.setDestination(next);
+  stuck.letGo();
+  EXPECT_EQ(trace.setDestination(next), &sticky);
+  EXPECT_EQ(trace.getDestination(), &next);
+  EXPECT_EQ(sticky.closes, 1);
+}
+
+TEST_F(StuckPut, TheStreamIsConfiguredAndInquired) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  trace.setDestination(next);
+  trace.configure("--timestamp on");
+  EXPECT_NE(inquiredText(trace).find("--destination sticky"), std::string::npos);
+  EXPECT_NE(inquiredText(trace).find("--timestamp on"), std::string::npos);
+}
+
+TEST_F(StuckPut, OtherStreamsSwitchWhatTheyLike) {
+  tKeptLines kept;
+  tOwnTrace trace(sticky);
+  tOwnTrace other(kept);
+  tStuckThread stuck(trace, sticky);
+  EXPECT_EQ(other.setDestination(tVEXTraceDestination::getInstance()), &kept);
+  EXPECT_EQ(other.setDestination(sticky), &tVEXTraceDestination::getInstance());
+  EXPECT_EQ(other.setDestination(kept), &sticky);
+  EXPECT_EQ(sticky.closes, 0);
+}
+
+// A put that gets stuck with the line of the switch itself.
+TEST_F(StuckPut, ASwitchThatIsStuckItselfMutesNobody) {
+  tKeptLines next;
+  sticky.sticksToSwitches = true;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(sticky, [&] { trace.setDestination(next); });
+  int const before = sticky.texts;
+  trace.put("line").endl();
+  EXPECT_EQ(sticky.texts, before + 1);
+  trace.configure("--timestamp on");
+  EXPECT_EQ(trace.timeStampIsEnabled(), 0u);
+  EXPECT_EQ(inquiredText(trace), "");
+  EXPECT_NE(events.read().find("the trace is not configured: " + nameOf(sticky.thread)),
+            std::string::npos)
+      << events.read();
+  stuck.letGo();
+  EXPECT_EQ(trace.getDestination(), &next);
+}
+
+TEST_F(StuckPut, ALineThatDoesNotEndHoldsUpNoSwitchForEver) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  std::promise<void> isOpen;
+  std::promise<void> mayEnd;
+  std::atomic<u32> thread = 0;
+  std::thread writer([&] {
+    thread = tThreadUtility::getCurrentThreadId();
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
+    isOpen.set_value();
+    mayEnd.get_future().wait();
+    trace.endl();
+  });
+  isOpen.get_future().wait();
+  EXPECT_EQ(trace.setDestination(next), &sticky);
+  EXPECT_NE(events.read().find(nameOf(thread) + "is still within a line"), std::string::npos)
+      << events.read();
+  mayEnd.set_value();
+  writer.join();
+  trace.setDestination(next);
+  EXPECT_EQ(trace.getDestination(), &next);
+}
+
+TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
+  constexpr u32 kSomebody = 0xFFFFFFF1;
+  tFileTraceDestination& file = *tFileTraceDestination::getInstance();
+  tDestinationSlot slot(file);
+  u32 const place = tTextsOnTheWay::enter(kSomebody, slot);
+  tTextsOnTheWay::direct(place, &file);
+  tOwnTrace trace(sticky);
+  trace.configure("--destination file C:/other.out --timestamp on");
+  EXPECT_STREQ(file.getDescription(), "File = C:/DebugTrace.out");
+  EXPECT_EQ(trace.getDestination(), &sticky);
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
+  tTextsOnTheWay::leave(place);
+}
+
+TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
+  tOwnTrace trace(tVEXTraceDestination::getInstance());
+  tOwnTrace other(tVEXTraceDestination::getInstance());
+  auto going = std::make_unique<tStickyDestination>();
+  trace.setDestination(*going);
+  other.setDestination(*going);
+  tStickyDestination& within = *going;
+  std::thread writer([&] { trace.put("stuck").endl(); });
+  while (within.thread == 0) std::this_thread::yield();
+  std::future<void> const end = std::async(std::launch::async, [&] { going.reset(); });
+  while (trace.getDestination() == &within || other.getDestination() == &within) {
+    std::this_thread::yield();
+  }
+  print.prints.clear();
+  trace.put("flows").endl();
+  EXPECT_NE(print.text().find("flows"), std::string::npos);
+  trace.configure("--timestamp on");
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
+  EXPECT_EQ(end.wait_for(kAWhile), std::future_status::timeout);
+  EXPECT_NE(events.read().find("a trace destination that is destroyed"), std::string::npos)
+      << events.read();
+  within.mayGo = true;
+  EXPECT_EQ(end.wait_for(kLongEnough), std::future_status::ready);
+  writer.join();
+}
