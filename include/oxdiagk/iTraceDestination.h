@@ -6,8 +6,10 @@
 
 namespace nOXDIAG100 {
 
-// Where trace text goes. The trace stream hands finished text to one destination at a time, asks it
-// for its description and settings, and closes and opens it when the destination is switched.
+// Where trace text goes. A trace stream hands finished text to one destination at a time, asks it
+// for its description and settings, and closes and opens it when the destination is switched. The
+// streams of a module may share a destination: the first that takes it opens it, the last that
+// leaves it closes it.
 //
 // A component may bring its own destination: derive, implement every operation, and install the
 // object with tTrace::setDestination. The object must outlive its use; a destination that can be
@@ -25,10 +27,18 @@ namespace nOXDIAG100 {
 // Thread safety and IRQL: `put` is serialised only as far as the stream serialises its lines
 // ("--mutex on"). Without that, text of several threads may arrive interleaved and at once, at
 // whatever IRQL they run; no destination may corrupt its own state over it. The text does not
-// change while it is being put. The other operations come from the stream one at a time, at
-// PASSIVE_LEVEL: `open` and `close` while no other thread is within `put`, `configure`, `inquire`
-// and `getDescription` perhaps while some are. Whoever calls them on a destination of a stream
-// directly brings that order along. `put` must not switch the stream's destination.
+// change while it is being put. The other operations come from the streams one at a time, at
+// PASSIVE_LEVEL: `configure`, `open` and `close` while no other thread is within `put`, whatever
+// stream it came from, `inquire` and `getDescription` perhaps while some are. Whoever calls them on
+// a destination of a stream directly brings that order along.
+//
+// Tracing from within: `put` may write lines into its own stream. They arrive after the text that
+// is being put, by a put within that put, four deep at most; what would go deeper is dropped. `put`
+// cannot switch its own destination: that changes nothing. `open` and `close` may switch the stream
+// to another destination, four switches deep at most; a destination that is opened then, and is not
+// the one where the stream stays, is closed again.
+//
+// A `put` that does not return holds up a switch for ten seconds, which is then given up.
 class OXDIAG_API iTraceDestination {
  public:
   VEX_MODULE_MEMORY
@@ -69,10 +79,16 @@ class OXDIAG_API iTraceDestination {
   static char* inquireText(char const* settings, char* buffer, unsigned int size,
                            unsigned int* required);
 
-  // Sends the module's trace stream back to the debugger, with "--destination vex", if this is its
-  // destination, which still receives the line about it, is asked for its settings and is closed.
-  // When it returns, no thread is within the destination and none enters it again, so threads may
-  // go on writing lines while a destination is destroyed; but nobody may be installing it.
+  // Sends every trace stream of the module whose destination this is back to the debugger, with
+  // "--destination vex". The destination still receives their lines about it, is asked for its
+  // settings and is closed. When the function returns, no other thread is within the destination
+  // and none enters it again, so threads may go on writing lines while a destination is destroyed;
+  // but nobody may be installing it.
+  //
+  // A thread that does not come out of put within ten seconds is named in the event log, and the
+  // streams leave all the same; this function alone waits on, without limit, before the destination
+  // is closed.
+  //
   // For the beginning of the destructor of the class that implements those operations.
   // PASSIVE_LEVEL, and not within a line while the line mutex is on.
   void leaveStream();

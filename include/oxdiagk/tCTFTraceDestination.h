@@ -19,8 +19,9 @@ class tStatus2;
 //     // text[0] to text[position - 1] is what was traced meanwhile
 //
 // The last byte of the buffer stays a terminator; when all others are used, what follows is
-// dropped. A capture that is the trace stream's destination when it is destroyed sends the stream
-// back to the debugger print first, and so still receives the line that announces it.
+// dropped. Behind the text of a stream there is no terminator: the position says where it ends. A
+// capture that is the destination of streams when it is destroyed sends them back to the debugger
+// print first, and so still receives the lines that announce it.
 //
 // Buffer and position belong to the caller and must outlive the capture. They may be looked at
 // between texts, and the position may be set back to capture anew.
@@ -39,7 +40,7 @@ class OXDIAG_API tCTFTraceDestination : public iTraceDestination {
   // not used.
   tCTFTraceDestination(char* buffer, i32& position, i32 size, tStatus2* status);
 
-  // Leaves the trace stream of the module, if it writes here.
+  // Leaves the trace streams that write here.
   ~tCTFTraceDestination() override;
 
   tCTFTraceDestination(tCTFTraceDestination const&) = delete;

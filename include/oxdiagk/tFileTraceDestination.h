@@ -15,27 +15,32 @@ namespace nOXDIAG100 {
 // disk before it returns, in blocks of at most 513 bytes, always at the end of the file. Others may
 // read and write the file meanwhile.
 //
-// Nothing is reported: a full disk loses text, and so does a put at DISPATCH_LEVEL or above.
+// Errors are not reported. Text that a full disk does not take is lost, and so is the text of a put
+// at DISPATCH_LEVEL or above.
 //
-// Thread safety: any number of threads may put at once; their blocks are written whole, in any
-// order. The other operations are for one thread at a time, open() and close() while nobody puts:
-// as the destination of a stream the file is used in just this way, whoever configures the stream.
+// Thread safety: any number of threads may put at once. Each block is written whole; blocks of
+// different threads are written in any order. The other operations are called by one thread at a
+// time, configure(), open() and close() while no thread is within put. Trace streams do so, however
+// many use the file.
 // IRQL: PASSIVE_LEVEL, with put also at DISPATCH_LEVEL and above. Not at APC_LEVEL: the kernel
 // would be asked to write where it must not.
 class OXDIAG_API tFileTraceDestination : public iTraceDestination {
  public:
-  // The one instance that options name, created by the first call. Null when memory is exhausted;
-  // the next call tries again. Any thread, at IRQL <= DISPATCH_LEVEL. It lives until the library is
-  // unloaded.
+  // The one instance that options name, created by the first call. Of threads that call first at
+  // once, each creates one and all but one destroy theirs again; all get the same. Null when memory
+  // is exhausted; the next call tries again. PASSIVE_LEVEL for the call that creates it, otherwise
+  // any IRQL. It lives until the library is unloaded.
   static tFileTraceDestination* getInstance();
 
   // Closes and destroys that instance: for the tables of the module's entry, and nobody else.
+  // Leaves it as it is while a thread is within its put, after a wait of ten seconds; the event log
+  // says so.
   static void destroyInstance();
 
   // Closed, with the default name and mode.
   tFileTraceDestination();
 
-  // Leaves the trace stream of the module, if it writes here; closes the file, then its drive.
+  // Leaves the trace streams that write here; closes the file, then its drive.
   ~tFileTraceDestination() override;
 
   tFileTraceDestination(tFileTraceDestination const&) = delete;

@@ -22,11 +22,14 @@ namespace nOXDIAG100 {
 // A rate is chosen at any time and takes effect when the destination is opened next. inquire()
 // tells the rate of the last open(), getDescription() the one chosen.
 //
-// IRQL: put waits by polling, neither blocks nor allocates, and may run wherever the platform's
-// port access and timebase may. getInstance, open, close and the destructor need PASSIVE_LEVEL.
-// Thread safety: two threads that put at once mix their bytes and do no other harm. The other
-// operations are for one thread at a time, open() and close() while nobody puts: as the destination
-// of a stream the port is used in just this way, whoever configures the stream.
+// IRQL: put may run wherever the platform's port access and timebase may. It allocates nothing and
+// takes no lock, but it keeps the processor: it polls for a millisecond when the other side is not
+// ready, and without limit for the UART to take each byte. getInstance, open, close and the
+// destructor need PASSIVE_LEVEL.
+//
+// Thread safety: the bytes of threads that put at once mix, and nothing else happens. The other
+// operations are called by one thread at a time, configure(), open() and close() while no thread is
+// within put. Trace streams do so, however many use the port.
 class OXDIAG_API tSerialTraceDestination : public iTraceDestination {
  public:
   // The instance that "--destination serial" selects, made by the first call and kept until the
@@ -34,13 +37,14 @@ class OXDIAG_API tSerialTraceDestination : public iTraceDestination {
   static tSerialTraceDestination* getInstance();
 
   // Destroys that instance, if there is one. For the end of the module, after the trace stream's.
+  // Leaves it as it is while a thread is within its put, after a wait of ten seconds; the event log
+  // says so.
   static void destroyInstance();
 
   // A closed destination with the rate 115200. All such objects use the same port.
   tSerialTraceDestination();
 
-  // Leaves the stream if it is installed there (leaveStream), and releases the port as close()
-  // does.
+  // Leaves the trace streams that write here, and releases the port as close() does.
   ~tSerialTraceDestination() override;
 
   tSerialTraceDestination(tSerialTraceDestination const&) = delete;
@@ -57,7 +61,7 @@ class OXDIAG_API tSerialTraceDestination : public iTraceDestination {
   iTraceDestination& put(char const* text, unsigned int length) override;
 
   // Chooses the rate by the last of the words that is one of the list above. Others, also null, are
-  // ignored.
+  // ignored, and a null argv counts as no words.
   void configure(int argc, char** const argv) override;
 
   // " --destination serial 115200". The rates 2000 and 1800 have no word here; in its place stands

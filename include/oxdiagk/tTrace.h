@@ -60,23 +60,40 @@ OXDIAG_API u64 readTimeStampCounter();
 // switches are single words, stored and read as a whole; there is no order among several.
 //
 // Configuration: configure, inquire, pushConfiguration, popConfiguration, setDestination,
-// calibrate, enableMutex and disableMutex wait for each other, one call at a time. What belongs
-// together, such as a push and its pop, is the callers' to order. Lines wait for none of them: a
-// line that is opened meanwhile is judged and shown by what is set at that moment, which may be a
-// part of it. While destinations are switched, what other threads write is lost.
+// calibrate, enableMutex and disableMutex wait for each other, one call at a time, whatever stream
+// they are called for. What belongs together, such as a push and its pop, is the callers' to order.
+// A line that is opened meanwhile is judged and shown by what is set at that moment, which may be a
+// part of it.
+//
+// Switches of the destination beside lines: with "--mutex on" a switch is like one long line of its
+// thread, from its announcement to its last message. Lines of other threads wait for it and are
+// neither lost nor cut. Without the mutex, and for a put without prefix, lines do not wait; what
+// other threads write during the switch is lost.
+//
+// Waiting has an end: a switch waits for threads within the destination's put, and for the line of
+// another thread, for ten seconds in all. Then it is given up: the former destination stays as it
+// is, and the event log names the thread. While a thread does not come out of the put of its own
+// switch, the other operations of the configuration are given up in the same way: they change
+// nothing, and inquire gives an empty text. enableMutex and disableMutex wait for the line lock
+// without limit. With "--mutex on" a put that never returns keeps its line, for which all other
+// lines wait.
+//
+// A put that traces: a destination may write lines into a stream from its own put. They are handed
+// over after the text that is being put, and each put of them may trace in turn, up to four puts of
+// one thread within each other; text for a fifth is dropped. Texts of 256 threads at most are on
+// the way at once; a text beyond them is dropped.
 //
 // What is left to the callers: the stream is built before and destroyed after everybody's use of
 // it. The filter is changed through getFilter() by one thread, while nobody configures or inquires.
-// With "--mutex on" nothing of the configuration is called within a line, nor is a destination
-// destroyed there that the stream may be using: another thread that configures may be waiting for
-// the line to end. And a destination's put does not switch destinations: the switch would wait for
-// that put.
+// With "--mutex on", a thread within a line may configure only while no other thread does: the
+// other one waits for the line while it is waited for. A switch is given up after ten seconds then,
+// but enableMutex and disableMutex never are.
 //
 // IRQL: writing allocates nothing. Every put, putf and endl may hand text to the destination, so
 // they work at the IRQLs at which its put does (the file: PASSIVE_LEVEL, and above APC_LEVEL, where
 // it drops the text); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
-// enable, disable and all queries work at any IRQL; enableMutex, disableMutex and calibrate at IRQL
-// <= APC_LEVEL; everything else that configures, and inquire, at PASSIVE_LEVEL. A stream lies in
+// enable, disable and all queries work at any IRQL. Everything else that configures, inquire, and
+// building and destroying a stream run at PASSIVE_LEVEL. A stream lies in
 // non-paged memory.
 class OXDIAG_API tTrace : public tConfigurable {
  public:
@@ -133,12 +150,13 @@ class OXDIAG_API tTrace : public tConfigurable {
 #undef OXDIAG_TRACE_SWITCH
   // clang-format on
 
-  // The line mutex; off at the start. Switching waits until no other thread is within a line that
-  // holds it; lines that were opened while it was off hold none, are not waited for, and may still
-  // mix with later ones. The
-  // first enableMutex opens the platform's lock "nOXDIAG100::tTrace::_mutex", which is kept until
-  // the stream is destroyed; when it cannot be opened the switch is on all the same, nothing is
-  // locked, and the next enableMutex tries again. IRQL <= APC_LEVEL.
+  // The line mutex; off at the start. The first enableMutex opens the platform's lock
+  // "nOXDIAG100::tTrace::_mutex", which is kept until the stream is destroyed; when it cannot be
+  // opened the switch is on all the same, nothing is locked, and the next enableMutex tries again.
+  // Both wait, without limit, until no other thread holds that lock: that is, for the line of
+  // another thread that was opened while the mutex was on, in this stream or another. A line that
+  // was opened while the mutex was off holds nothing and is not waited for; it may still mix with
+  // the first lines behind enableMutex. PASSIVE_LEVEL.
   void enableMutex();
   void disableMutex();
   u32 mutexIsEnabled() const;
@@ -155,14 +173,28 @@ class OXDIAG_API tTrace : public tConfigurable {
 
   iTraceDestination* getDestination();
 
-  // Moves the stream to `next`: announces it by a line on the old destination, closes the old one
-  // and opens `next`. When that fails the old destination is configured as it was and opened again;
-  // when that fails too, the debugger print takes over. Both are told by lines of the stream.
+  // Moves the stream to `next`: announces it by a line on the former destination, asks that one
+  // for its settings, closes it and opens `next`. When that fails the former destination is
+  // configured as it was and opened again; when that fails too, the debugger print takes over. Both
+  // are told by lines of the stream. The lines are written while the stream is enabled, also within
+  // a line that is hidden.
+  //
+  // A destination may be used by several streams: the first that takes it opens it, the last that
+  // leaves it closes it. Taken by a stream that has it already, it is closed and opened again for
+  // all of them; so it is when an option brings new settings for it. If it cannot be opened then,
+  // neither with its former settings, all of them go to the debugger print.
+  //
   // Returns the destination that was current before the call, or the debugger-print destination
-  // when the stream fell back to it. `next` stays the caller's. The former destination is closed
-  // when no thread is within its put any more, and no thread enters it afterwards, so it may then
-  // be destroyed. Waits by looking every millisecond; a put that never returns is waited for for
-  // ever. IRQL: PASSIVE_LEVEL.
+  // when the stream fell back to it. The call changes nothing, and returns the current destination,
+  //   - when it is given up after ten seconds, as said above;
+  //   - from within the put of either destination;
+  //   - as the fifth switch within each other, of destinations that switch while they are opened;
+  //   - when memory is exhausted and the former destination has settings of more than 384
+  //     characters or 16 words, unless `next` is the debugger print.
+  //
+  // `next` stays the caller's. No thread is within the former destination's put when the call
+  // returns, as far as this stream led there, and none enters it afterwards, so it may be
+  // destroyed once no stream uses it. PASSIVE_LEVEL.
   iTraceDestination* setDestination(iTraceDestination& next);
 
   // The filter, owned by the stream; null when it could not be allocated, and then every line is
@@ -364,7 +396,9 @@ class OXDIAG_API tTrace : public tConfigurable {
 
  protected:
   // A private stream, with the settings of a fresh one: for components that want one of their own,
-  // by deriving from this class. `first` must outlive the stream or its use by it, and is open.
+  // by deriving from this class. `first` must outlive the stream or its use by it, and is open. The
+  // destination that the stream has at its end must be alive then. It is closed if the stream was
+  // switched to it and no other stream uses it; `first` is not.
   // All streams lock their lines by the one named lock. A stream that is destroyed by a thread
   // within a line of another cannot close its handle of it, which then stays until unload.
   explicit tTrace(iTraceDestination& first);

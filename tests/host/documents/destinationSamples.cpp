@@ -5,6 +5,7 @@
 #include <string>
 
 #include "destinations.samples"
+#include "ntos/driveFolder.h"
 #include "trace/capturedPrint.h"
 #include "trace/startedModules.h"
 
@@ -61,7 +62,20 @@ TEST_F(DestinationSamples, WhenNothingOpensTheDebuggerPrintTakesOver) {
             "The trace destination has been changed to VEX print to debugger by default\n");
 }
 
-TEST_F(DestinationSamples, WhoAsksLearnsWhetherADestinationWorks) {
-  EXPECT_FALSE(canWriteTo("--destination file Z:/x.out"));
-  EXPECT_FALSE(canWriteTo("--destination"));
+TEST_F(DestinationSamples, WhoAsksLearnsWhetherAFileOpens) {
+  tDriveFolder const drive;
+  EXPECT_FALSE(canWriteTo("Z:/x.out"));
+  EXPECT_TRUE(canWriteTo("C:/x.out"));
+  EXPECT_FALSE(canWriteTo("Z:/x.out"));
+  tTrace::getInstance().configure("--destination vex");
+}
+
+TEST_F(DestinationSamples, WhoAsksWhileACaptureIsThereLearnsItToo) {
+  tDriveFolder const drive;
+  char text[512];
+  i32 position = 0;
+  tCTFTraceDestination capture(text, position, sizeof(text), nullptr);
+  tTrace::getInstance().setDestination(capture);
+  EXPECT_FALSE(canWriteTo("Z:/x.out"));
+  EXPECT_EQ(tTrace::getInstance().getDestination(), &capture);
 }

@@ -3,11 +3,12 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <mutex>
 #include <thread>
 
-#include "capturedPrint.h"
 #include "hurriedTime.h"
 #include "keptLines.h"
+#include "ntoshost/debugPrint.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "startedModules.h"
@@ -111,10 +112,34 @@ std::string nameOf(u32 thread) {
   return text;
 }
 
+// What is printed to the debugger, by any thread.
+class tPrinted {
+ public:
+  tPrinted() {
+    ntoshost::setDebugPrintSink(
+        [](void* context, char const* text, size_t length) {
+          tPrinted& self = *static_cast<tPrinted*>(context);
+          std::lock_guard const guard(self.lock);
+          self.text.append(text, length);
+        },
+        this);
+  }
+  ~tPrinted() { ntoshost::setDebugPrintSink(nullptr, nullptr); }
+
+  bool has(char const* wanted) {
+    std::lock_guard const guard(lock);
+    return text.find(wanted) != std::string::npos;
+  }
+
+ private:
+  std::mutex lock;
+  std::string text;
+};
+
 class StuckPut : public testing::Test {
  protected:
   tHurriedTime hurry;
-  tCapturedPrint print;
+  tPrinted print;
   tNewEvents events;
   tStickyDestination sticky;
 };
@@ -247,9 +272,8 @@ TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
   while (trace.getDestination() == &within || other.getDestination() == &within) {
     std::this_thread::yield();
   }
-  print.prints.clear();
   trace.put("flows").endl();
-  EXPECT_NE(print.text().find("flows"), std::string::npos);
+  EXPECT_TRUE(print.has("flows"));
   trace.configure("--timestamp on");
   EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
   EXPECT_EQ(end.wait_for(kAWhile), std::future_status::timeout);
