@@ -257,8 +257,7 @@ TEST(Capture, DestroyedWhileCurrentSendsTheStreamToTheDebuggerAndKeepsTheAnnounc
     EXPECT_TRUE(isCurrent(capture));
   }
   EXPECT_TRUE(isCurrent(tVEXTraceDestination::getInstance()));
-  EXPECT_TRUE(
-      hasText(buffer.bytes, "Switching trace destination to VEX print to debugger\n", 53));
+  EXPECT_TRUE(hasText(buffer.bytes, "Switching trace destination to VEX print to debugger\n", 53));
   EXPECT_EQ(buffer.position, 53);
 }
 
