@@ -222,7 +222,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   //
   // It traces on a stream of its own: this one goes on, and what other threads switch and write
   // meanwhile is as ever. Deltas count on; while they are switched off, they count from here. Does
-  // nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
+  // nothing when the platform cannot open a lock. PASSIVE_LEVEL.
   void calibrate();
 
   // Appends `text` up to its terminator; null counts as empty text.
