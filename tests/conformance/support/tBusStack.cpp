@@ -121,10 +121,14 @@ NTSTATUS tBusStack::serveFloor(IRP& irp) {
   IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&irp);
   note(irp, location);
   if (location.MajorFunction != IRP_MJ_PNP) return complete(irp, STATUS_SUCCESS);
+  if (location.MinorFunction == IRP_MN_QUERY_DEVICE_RELATIONS && keepsRelations) return keep(irp);
   if (location.MinorFunction != IRP_MN_QUERY_CAPABILITIES) return complete(irp, floorStatus);
   seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;
   *location.Parameters.DeviceCapabilities.Capabilities = floorCapabilities;
-  if (!keepsCapabilities) return complete(irp, floorStatus);
+  return keepsCapabilities ? keep(irp) : complete(irp, floorStatus);
+}
+
+NTSTATUS tBusStack::keep(IRP& irp) {
   IoMarkIrpPending(&irp);
   __atomic_store_n(&kept, &irp, __ATOMIC_RELEASE);
   return STATUS_PENDING;

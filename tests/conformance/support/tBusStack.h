@@ -86,8 +86,10 @@ class tBusStack : public iDeviceComponent {
   NTSTATUS seenStatus = STATUS_SUCCESS;       // that a request came with
   int floorRequests = 0;
 
-  // The floor keeps the next query of its capabilities until it is told to complete it.
+  // The floor keeps the next query of its capabilities, or of its relations, until it is told to
+  // complete it, for which completeKept() waits.
   bool keepsCapabilities = false;
+  bool keepsRelations = false;
   IRP* kept = nullptr;  // read and written atomically
   void completeKept();
   u8 seenMajor = 0xFF;
@@ -97,6 +99,7 @@ class tBusStack : public iDeviceComponent {
   static NTSTATUS dispatch(DEVICE_OBJECT* device, IRP* irp);
 
   NTSTATUS serveFloor(IRP& irp);
+  NTSTATUS keep(IRP& irp);
   void note(IRP const& irp, IO_STACK_LOCATION const& location);
   void makeFloor();
 

@@ -23,21 +23,22 @@ using namespace std::chrono_literals;
 constexpr auto kAWhile = 50ms;
 constexpr int kRaces = roundsOf(160);
 
-// A started bus with a child that the system knows and has not started.
-class tReportedChild : public tBusStack {
+// A started bus with a child that the system does not know yet.
+class tUnreportedChild : public tBusStack {
  public:
-  tReportedChild() {
+  tUnreportedChild() {
     startBus();
     tTestChild child(handler, 1, 5);
     child.description.handler = new tMortalHandler(fate);
     create(child.description);
     device = driver().newestDevice();
-    countRelations();
     ObfReferenceObject(device);  // as the system does
   }
-  ~tReportedChild() { ObfDereferenceObject(device); }
-  tReportedChild(tReportedChild const&) = delete;
-  tReportedChild& operator=(tReportedChild const&) = delete;
+  ~tUnreportedChild() { ObfDereferenceObject(device); }
+  tUnreportedChild(tUnreportedChild const&) = delete;
+  tUnreportedChild& operator=(tUnreportedChild const&) = delete;
+
+  bool isDeleted() const { return driver().newestDevice() != device; }
 
   i32 take() {
     i32 status = 0;
@@ -70,6 +71,12 @@ class tReportedChild : public tBusStack {
 
 class tShortHandler final : public tChildHandler {};
 
+// The same with a child that the system knows and has not started.
+class tReportedChild : public tUnreportedChild {
+ public:
+  tReportedChild() { countRelations(); }
+};
+
 template <class T>
 bool isWaiting(std::future<T> const& one) {
   return one.wait_for(kAWhile) == std::future_status::timeout;
@@ -80,6 +87,29 @@ void setPower(DEVICE_OBJECT* device, DEVICE_POWER_STATE state) {
   request.location().Parameters.Power.Type = DevicePowerState;
   request.location().Parameters.Power.State.DeviceState = state;
   request.send();
+}
+
+// What happens to a child while the first request that lists it is below the bus, which then ends
+// with this status.
+template <class Meanwhile>
+void duringFirstReport(tUnreportedChild& bus, NTSTATUS status, Meanwhile meanwhile) {
+  bus.keepsRelations = true;
+  bus.floorStatus = status;
+  std::future<void> const query = std::async(std::launch::async, [&bus, status] {
+    tDeviceRequest request(bus.bus(), IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
+    request.location().Parameters.QueryDeviceRelations.Type = BusRelations;
+    request.send();
+    EXPECT_EQ(request.status(), status);
+    request.freeRelations();
+  });
+  while (__atomic_load_n(&bus.kept, __ATOMIC_ACQUIRE) == nullptr) std::this_thread::yield();
+  bus.keepsRelations = false;
+  bus.floorStatus = STATUS_SUCCESS;
+  meanwhile();
+  bus.floorStatus = status;
+  bus.completeKept();
+  query.wait();
+  bus.floorStatus = STATUS_SUCCESS;
 }
 
 // Lets all of them go at about the same time.
@@ -181,6 +211,46 @@ TEST(ChildEnd, TheBusMayRaceWithARemovalAndTheChildsOwn) {
     ASSERT_EQ(bus.fate.stops, 1);
     ASSERT_EQ(bus.fate.runningAtStop, 0);
   }
+}
+
+TEST(ChildEnd, AChildTakenDuringAReportThatFailsIsGoneWithIt) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_NO_SUCH_DEVICE, [&bus] {
+    EXPECT_EQ(bus.take(), 0);
+    EXPECT_EQ(bus.fate.stops, 1);
+    EXPECT_FALSE(bus.isDeleted());
+  });
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
+}
+
+TEST(ChildEnd, AChildTakenDuringAReportThatSucceedsWaitsForItsRemoval) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_SUCCESS, [&bus] { EXPECT_EQ(bus.take(), 0); });
+  EXPECT_FALSE(bus.isDeleted());
+  bus.drop();
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
+}
+
+TEST(ChildEnd, ABusThatGoesBySurpriseDuringAReportThatFailsLeavesNothing) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_NO_SUCH_DEVICE, [&bus] {
+    sendPnp(bus.bus(), IRP_MN_SURPRISE_REMOVAL);
+    EXPECT_EQ(bus.fate.stops, 0);
+  });
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
+}
+
+TEST(ChildEnd, ABusThatGoesBySurpriseDuringAReportThatSucceedsLeavesItToTheSystem) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_SUCCESS, [&bus] { sendPnp(bus.bus(), IRP_MN_SURPRISE_REMOVAL); });
+  EXPECT_FALSE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 0);
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
 }
 
 TEST(ChildEnd, RelationsMayRaceWithTheRemovalOfTheBus) {
