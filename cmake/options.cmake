@@ -25,12 +25,7 @@ if(OXDIAG_TARGET STREQUAL "host")
   # UTF-16 wide text on every target, and frame pointers for the call-stack walk.
   target_compile_options(oxdiag_warnings INTERFACE -fshort-wchar -fno-omit-frame-pointer
                                                    -fno-optimize-sibling-calls)
-  if(OXDIAG_SANITIZE STREQUAL "thread,fuzzer-no-link")
-    # The counters of branches that the fuzzer has otherwise are data races themselves.
-    target_compile_options(oxdiag_warnings INTERFACE -fsanitize=thread
-                                                     -fsanitize-coverage=trace-pc,trace-cmp)
-    target_link_options(oxdiag_warnings INTERFACE -fsanitize=thread -fuse-ld=lld)
-  elseif(OXDIAG_SANITIZE)
+  if(OXDIAG_SANITIZE)
     target_compile_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE}
                                                      -fno-sanitize-recover=all)
     target_link_options(oxdiag_warnings INTERFACE -fsanitize=${OXDIAG_SANITIZE} -fuse-ld=lld)

@@ -32,7 +32,7 @@ USAGE = """usage: ./dev fuzz [--thread] [TARGET | all] [SECONDS]
 
 --thread: built with the thread sanitizer, not with those for addresses and undefined behaviour"""
 
-PULSE = re.compile(r"#(\d+)\s.*\bft: (\d+)")
+PULSE = re.compile(r"#(\d+)\s.*\bcov: (\d+)")
 REPRODUCER = re.compile(r"Test unit written to (\S+)")
 DEMAND = re.compile(r"^finding: .*?(?=^==)", re.MULTILINE | re.DOTALL)
 SAID = re.compile(r"^.*(ERROR: |WARNING: Thread|runtime error: |ntos: )", re.MULTILINE)
@@ -86,13 +86,12 @@ class Run:
     def state(self):
         passed = max(time.monotonic() - self.start, 0.1)
         return (f"{passed:.0f} s, {self.runs:,} runs, {self.runs / passed:,.0f} a second, "
-                f"{self.coverage} features")
+                f"coverage {self.coverage}")
 
     def command(self):
         for folder in (self.inputs, self.findings):
             folder.mkdir(parents=True, exist_ok=True)
         return call(self.preset, self.target, f"-max_total_time={self.seconds}", *LIMITS,
-                    f"-use_value_profile={int(self.preset == THREAD_PRESET)}",
                     f"-artifact_prefix={self.findings}/", self.inputs, CORPORA / self.target)
 
     def listen(self, lines):
