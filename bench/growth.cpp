@@ -3,7 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
-#include <string>
+#include <cstdio>
 #include <vector>
 
 #include "oxdiagk/instanceRegistry.h"
@@ -24,36 +24,41 @@ u32 sizeOf(benchmark::State const& state) {
   return static_cast<u32>(state.range(0));
 }
 
-// Names that differ at the end only.
+// Differs from others at the end only, and lies among them, as those in a program's code do.
+struct tName {
+  char text[24];
+};
+
 class tCategories : public tAssertConfiguration {
  public:
-  explicit tCategories(u32 count) {
-    for (u32 index = 0; index < count; ++index) {
-      names.push_back("bus.rack.slot." + std::to_string(1'000'000 + index));
-      words("--category", names.back());
+  explicit tCategories(u32 count) : names(count) {
+    u32 number = 1'000'000;
+    for (tName& name : names) {
+      std::snprintf(name.text, sizeof(name.text), "bus.rack.slot.%u", number++);
+      choose(name.text);
     }
   }
 
-  void words(char const* option, std::string& value) {
-    char* argv[] = {const_cast<char*>(option), value.data()};
-    configure(2, argv);
+  void choose(char* name) {
+    char* words[] = {const_cast<char*>("--category"), name};
+    configure(2, words);
   }
   using tAssertConfiguration::configure;
 
   // All of them in turn, far from each other.
-  std::string& next() { return names[at = (at + kStride) % names.size()]; }
+  char* next() { return names[at = (at + kStride) % names.size()].text; }
 
  private:
   static constexpr size_t kStride = 389;  // odd, so that all come before one comes again
 
-  std::vector<std::string> names;
+  std::vector<tName> names;
   size_t at = 0;
 };
 
 void checkContract(benchmark::State& state) {
   tCategories categories(sizeOf(state));
   for ([[maybe_unused]] auto run : state) {
-    bool isOn = categories.checksAreEnabled(categories.next().c_str());
+    bool isOn = categories.checksAreEnabled(categories.next());
     benchmark::DoNotOptimize(isOn);
     if (!isOn) return state.SkipWithError("the category is lost");
   }
@@ -61,7 +66,7 @@ void checkContract(benchmark::State& state) {
 
 void chooseCategory(benchmark::State& state) {
   tCategories categories(sizeOf(state));
-  for ([[maybe_unused]] auto run : state) categories.words("--category", categories.next());
+  for ([[maybe_unused]] auto run : state) categories.choose(categories.next());
 }
 
 void makeCategories(benchmark::State& state) {

@@ -18,12 +18,6 @@ namespace nOXDIAG100 {
 // another thread adds entries: an entry is complete before it can be found. Everything else is for
 // one thread at a time, and giveUp for an index in which nobody looks any more.
 class OXDIAG_API tCategoryIndex {
-  struct tKey {
-    char const* name;
-    size_t length;
-    u64 hash;
-  };
-
  public:
   static constexpr u32 kBranches = 4;
 
@@ -31,15 +25,16 @@ class OXDIAG_API tCategoryIndex {
   class tEntry : public _STL::tree_node {
    public:
     // `name` stays as it is as long as the entry is in the index.
-    explicit tEntry(char const* name) : key{name, 0, 0} {}
+    explicit tEntry(char const* name) : name(name) {}
 
-    char const* getName() const { return key.name; }
+    char const* getName() const { return name; }
 
    private:
     friend class tCategoryIndex;
 
-    tKey key;
+    u64 hash = 0;
     tEntry* branches[kBranches] = {};  // by the digit of the hash behind those that led here
+    char const* const name;
   };
 
   // `secret` takes part in every hash, so that names cannot be chosen of which one look-up passes
@@ -65,8 +60,7 @@ class OXDIAG_API tCategoryIndex {
  private:
   static constexpr u32 kRoots = 64;
 
-  tKey keyOf(char const* name) const;
-  static bool isSame(tKey const& left, tKey const& right);
+  u64 hashOf(char const* name) const;
   void addByName(tEntry& entry);
 
   u64 secret;

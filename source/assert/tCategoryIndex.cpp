@@ -29,22 +29,15 @@ u64 lastWordOf(char const* name, size_t length) {
   return word;
 }
 
-u64 hashOf(char const* name, size_t length, u64 secret) {
-  u64 state = secret ^ length;
-  for (size_t index = 0; index + sizeof(u64) < length; index += sizeof(u64)) {
-    state = mix(state ^ wordAt(name + index), kMultiplier);
-  }
-  return mix(state ^ lastWordOf(name, length), kLastMultiplier);
-}
-
 }  // namespace
 
 tCategoryIndex::tEntry* tCategoryIndex::find(char const* name) const {
-  tKey const wanted = keyOf(name);
-  tEntry* const* link = &roots[wanted.hash % kRoots];
-  for (u64 digits = wanted.hash / kRoots;; digits /= kBranches) {
+  u64 const hash = hashOf(name);
+  tEntry* const* link = &roots[hash % kRoots];
+  for (u64 digits = hash / kRoots;; digits /= kBranches) {
     tEntry* const entry = __atomic_load_n(link, __ATOMIC_ACQUIRE);
-    if (entry == nullptr || isSame(entry->key, wanted)) return entry;
+    if (entry == nullptr) return nullptr;
+    if (entry->hash == hash && __builtin_strcmp(entry->name, name) == 0) return entry;
     link = &entry->branches[digits % kBranches];
   }
 }
@@ -52,10 +45,10 @@ tCategoryIndex::tEntry* tCategoryIndex::find(char const* name) const {
 void tCategoryIndex::add(tEntry& entry) {
   static_cast<_STL::tree_node&>(entry) = {};
   for (tEntry*& branch : entry.branches) branch = nullptr;
-  entry.key = keyOf(entry.key.name);
+  entry.hash = hashOf(entry.name);
   addByName(entry);
-  tEntry** link = &roots[entry.key.hash % kRoots];
-  for (u64 digits = entry.key.hash / kRoots; *link != nullptr; digits /= kBranches) {
+  tEntry** link = &roots[entry.hash % kRoots];
+  for (u64 digits = entry.hash / kRoots; *link != nullptr; digits /= kBranches) {
     link = &(*link)->branches[digits % kBranches];
   }
   __atomic_store_n(link, &entry, __ATOMIC_RELEASE);
@@ -66,21 +59,20 @@ void tCategoryIndex::giveUp(_STL::tree& entries) {
   for (tEntry*& root : roots) root = nullptr;
 }
 
-tCategoryIndex::tKey tCategoryIndex::keyOf(char const* name) const {
+u64 tCategoryIndex::hashOf(char const* name) const {
   size_t const length = __builtin_strlen(name);
-  return {name, length, hashOf(name, length, secret)};
-}
-
-bool tCategoryIndex::isSame(tKey const& left, tKey const& right) {
-  return left.hash == right.hash && left.length == right.length &&
-         __builtin_memcmp(left.name, right.name, left.length) == 0;
+  u64 state = secret ^ length;
+  for (size_t index = 0; index + sizeof(u64) < length; index += sizeof(u64)) {
+    state = mix(state ^ wordAt(name + index), kMultiplier);
+  }
+  return mix(state ^ lastWordOf(name, length), kLastMultiplier);
 }
 
 void tCategoryIndex::addByName(tEntry& entry) {
   _STL::tree_node* parent = nullptr;
   u32 side = _STL::tree::kBefore;
   for (_STL::tree_node* at = byName.root(); at != nullptr; at = at->child[side]) {
-    bool const isBefore = __builtin_strcmp(entry.key.name, static_cast<tEntry*>(at)->key.name) < 0;
+    bool const isBefore = __builtin_strcmp(entry.name, static_cast<tEntry*>(at)->name) < 0;
     parent = at;
     side = isBefore ? _STL::tree::kBefore : _STL::tree::kBehind;
   }
