@@ -92,9 +92,9 @@ OXDIAG_API u64 readTimeStampCounter();
 // IRQL: writing allocates nothing. Every put, putf and endl may hand text to the destination, so
 // they work at the IRQLs at which its put does (the file: PASSIVE_LEVEL, and above APC_LEVEL, where
 // it drops the text); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
-// enable, disable and all queries work at any IRQL. Everything else that configures, inquire, and
-// building and destroying a stream run at PASSIVE_LEVEL. A stream lies in
-// non-paged memory.
+// enable, disable and all queries work at any IRQL; enableMutex, disableMutex and calibrate at IRQL
+// <= APC_LEVEL; everything else that configures, inquire, and building and destroying a stream at
+// PASSIVE_LEVEL. A stream lies in non-paged memory.
 class OXDIAG_API tTrace : public tConfigurable {
  public:
   // The kind of line that a prefix opens.
@@ -156,7 +156,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Both wait, without limit, until no other thread holds that lock: that is, for the line of
   // another thread that was opened while the mutex was on, in this stream or another. A line that
   // was opened while the mutex was off holds nothing and is not waited for; it may still mix with
-  // the first lines behind enableMutex. PASSIVE_LEVEL.
+  // the first lines behind enableMutex. IRQL <= APC_LEVEL.
   void enableMutex();
   void disableMutex();
   u32 mutexIsEnabled() const;
@@ -222,7 +222,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   //
   // It traces on a stream of its own: this one goes on, and what other threads switch and write
   // meanwhile is as ever. Deltas count on; while they are switched off, they count from here. Does
-  // nothing when the platform cannot open a lock. PASSIVE_LEVEL.
+  // nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
   void calibrate();
 
   // Appends `text` up to its terminator; null counts as empty text.

@@ -52,6 +52,7 @@ tTrace::tTrace(iTraceDestination& first) : slot(first), filter(tTraceFilter::cre
 }
 
 tTrace::~tTrace() {
+  if (!isBuilt()) return;
   while (!tStreamLock::acquire()) {
   }
   tPatienceScope const patienceOfAll;
