@@ -37,6 +37,7 @@ constexpr unsigned kThreads = 3;
 constexpr unsigned kBuses = 2;
 constexpr size_t kMostOperations = 60;
 constexpr size_t kMostChildren = 12;  // of a bus
+constexpr int kYields = 3;            // of a request in a handler, which so meets others
 constexpr u64 kInstances = 4;
 constexpr u32 kSlots = 4;
 constexpr char kOperations[] = "ctrpkwoyfsb";
@@ -111,6 +112,7 @@ class tSharedBus {
 
 void tSharedBus::create(u64 instance, u32 slot) {
   auto fate = std::make_unique<tMortalFate>();
+  fate->yields = kYields;
   auto* const handler = new tMortalHandler(*fate);
   wchar_t const* const ids[] = {L"TEST\\Gauge"};
   tChildDescription const description = {ids, 1, L"A gauge", instance, false, slot, handler};

@@ -15,6 +15,9 @@ struct tMortalFate {
   std::atomic<int> runningAtStop = 0;
   std::atomic<bool> isSurprise = false;
 
+  // How often a request gives the other threads their turn.
+  int yields = 0;
+
   // While it is set, the first request stays in the handler.
   std::atomic<bool> holds = false;
 
@@ -33,6 +36,7 @@ class tMortalHandler final : public iChildHandler {
   void handleDeviceControl(u32, void*, u32, void*, u32, u64*, i32*) override {
     ++fate.running;
     bool const isFirst = ++fate.served == 1;
+    for (int turn = 0; turn < fate.yields; ++turn) std::this_thread::yield();
     while (isFirst && fate.holds) std::this_thread::yield();
     --fate.running;
   }
