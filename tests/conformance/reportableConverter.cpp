@@ -83,7 +83,8 @@ TEST(ReportableConverter, ANameWithNULNamesNoClass) {
   tRegistration<tTestConverter> const registration;
   tTestTranslator const translator;
   _STL::string name(tTestConverter::kName);
-  for (char const* more : {"", "behind"}) {
+  constexpr char const* kTails[] = {"", "behind"};
+  for (char const* more : kTails) {
     tStatus2 status;
     _STL::string longer(name.c_str(), name.size() + 1);
     longer.append(more);

@@ -89,7 +89,8 @@ TEST(ReportableOfClient, GoesThroughABinaryStreamWhileItIsRegistered) {
   tStatus2 status;
   tPlaces const places(listOf(kFirst, kSecond), status);
   u8 bytes[64];
-  for (bool isRegistered : {false, true}) {
+  constexpr bool kBoth[] = {false, true};
+  for (bool isRegistered : kBoth) {
     nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
     i32 code = 0;
     if (isRegistered) tPlaces::___registerClass(code);

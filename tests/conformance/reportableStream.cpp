@@ -1,6 +1,7 @@
 // Reportables in a stream: the items of each class, and streams that end early or lie.
 
 #include "conformance/harness.h"
+#include "oxdiagk/tReportItemContent.h"
 #include "support/reportableSamples.h"
 #include "support/tItemStream.h"
 
@@ -229,6 +230,19 @@ TEST(ReportableStream, AfterAnErrorNothingIsWrittenOrRead) {
     EXPECT_EQ(stream.getPosition(), u32{0});
     EXPECT_TRUE(isEquivalent(target, tag.other()));
     EXPECT_EQ(status, kSomeError);
+  });
+}
+
+// Its place in a growing list included, with what a pool takes for its head: a list of objects
+// without values stays as small beside its stream as a list of values.
+TEST(ReportableStream, AnObjectTakesLessThanEightTimesItsForm) {
+  constexpr size_t kPlace = 3 * sizeof(tReportItemContent);
+  constexpr size_t kPoolHead = 16;
+  visitReportables([](auto tag) {
+    using tReportable = typename decltype(tag)::tReportable;
+    size_t const name = __builtin_strlen(tSample<tReportable>::kName);
+    size_t const form = sizeof(i32) + sizeof(u32) + sizeof(u16) + name + sizeof(u32);
+    EXPECT_LT(kPlace + kPoolHead + (sizeof(tReportable) + 15) / 16 * 16, 8 * form);
   });
 }
 
