@@ -15,18 +15,21 @@ u64 mix(u64 number, u64 multiplier) {
   return static_cast<u64>(product) ^ static_cast<u64>(product >> 64);
 }
 
-u64 wordAt(char const* bytes) {
-  u64 word;
-  __builtin_memcpy(&word, bytes, sizeof(word));
-  return word;
+template <class T>
+T readAt(char const* bytes) {
+  T number;
+  __builtin_memcpy(&number, bytes, sizeof(number));
+  return number;
 }
 
-// The last eight bytes, or all of fewer.
+// The last eight bytes, or all of fewer. Bytes may be in it twice: the length is hashed as well.
 u64 lastWordOf(char const* name, size_t length) {
-  if (length >= sizeof(u64)) return wordAt(name + length - sizeof(u64));
-  u64 word = 0;
-  for (size_t index = 0; index < length; ++index) word = word << 8 | static_cast<u8>(name[index]);
-  return word;
+  if (length >= 8) return readAt<u64>(name + length - 8);
+  if (length >= 4) return u64{readAt<u32>(name)} << 32 | readAt<u32>(name + length - 4);
+  if (length == 0) return 0;
+  u64 const first = readAt<u8>(name);
+  u64 const middle = readAt<u8>(name + length / 2);
+  return first << 16 | middle << 8 | readAt<u8>(name + length - 1);
 }
 
 }  // namespace
@@ -63,7 +66,7 @@ u64 tCategoryIndex::hashOf(char const* name) const {
   size_t const length = __builtin_strlen(name);
   u64 state = secret ^ length;
   for (size_t index = 0; index + sizeof(u64) < length; index += sizeof(u64)) {
-    state = mix(state ^ wordAt(name + index), kMultiplier);
+    state = mix(state ^ readAt<u64>(name + index), kMultiplier);
   }
   return mix(state ^ lastWordOf(name, length), kLastMultiplier);
 }
