@@ -41,6 +41,8 @@ OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
 
 // Undoes one start; the last one closes the tunnel and waits for the requests in it, destroys the
 // status heap and then the global objects in reverse order of construction. Every status with
-// detail must be gone by then, and no thread may be within an operation of the library. Without a
-// start it does nothing. Always returns STATUS_SUCCESS.
+// detail must be gone by then, and no thread may be within an operation of the library. Should one
+// be within the put of the trace destination all the same, it is waited for for ten seconds; then
+// the event log names it, and that destination is left as it is. Without a start it does nothing.
+// Always returns STATUS_SUCCESS.
 OXDIAG_API NTSTATUS oxdiagkUnload();

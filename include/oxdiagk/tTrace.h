@@ -93,7 +93,7 @@ OXDIAG_API u64 readTimeStampCounter();
 // they work at the IRQLs at which its put does (the file: PASSIVE_LEVEL, and above APC_LEVEL, where
 // it drops the text); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
 // enable, disable and all queries work at any IRQL; enableMutex, disableMutex and calibrate at IRQL
-// <= APC_LEVEL; everything else that configures, inquire, and building and destroying a stream at
+// <= APC_LEVEL; everything else that configures, inquire, and building and destroying a stream, at
 // PASSIVE_LEVEL. A stream lies in non-paged memory.
 class OXDIAG_API tTrace : public tConfigurable {
  public:
@@ -439,7 +439,7 @@ class OXDIAG_API tTrace : public tConfigurable {
     if (isBuilt()) store(word, value);
   }
   bool isWriting() const {
-    return load(enabled) != 0 && load(lineSuppressed) == 0;
+    return load(enabled) != 0 && (load(hiddenLines) & 1) == 0;
   }
   void append(char const* text);
   void append(char const* text, u64 length);
@@ -509,7 +509,6 @@ class OXDIAG_API tTrace : public tConfigurable {
   u32 mutex = 0;
   u32 indenting = 1;
   u32 truncation = 1;
-  u32 lineSuppressed = 0;
   u32 minPrefixWidth = 50;
   i32 nestingLevel = 0;
   u64 lastLineTime = 0;

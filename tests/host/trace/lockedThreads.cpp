@@ -109,6 +109,25 @@ TEST(TraceThreads, SwitchingTheMutexWaitsForTheLineOfAnotherThread) {
   writer.join();
 }
 
+TEST(TraceThreads, EnablingTheMutexWaitsForNoLineThatWasOpenedWithoutIt) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.enableMutex();
+  trace.disableMutex();
+  std::atomic<int> step = 0;
+  std::thread writer([&] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
+    step = 1;
+    while (step != 2) std::this_thread::yield();
+    trace.endl();
+  });
+  while (step != 1) std::this_thread::yield();
+  trace.enableMutex();
+  EXPECT_EQ(trace.mutexIsEnabled(), 1u);
+  step = 2;
+  writer.join();
+}
+
 TEST(TraceThreads, EndWithoutPrefixDoesNotReleaseTheLineOfAnotherThread) {
   tKeptLines kept;
   tOwnTrace trace(kept);
