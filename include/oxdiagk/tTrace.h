@@ -218,7 +218,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Measures what a time delta contains when lines follow each other at once, the way from one
   // line's end to the next one's beginning, so that deltas leave it out; lines at once then show
   // about the cost of one reading of the counter. Three averages of 25 measurements, for block
-  // entries, block exits and plain lines; what an interrupt lengthens is not counted.
+  // entries, block exits and plain lines, each less a reading and no more than one; what an
+  // interrupt lengthens is not counted.
   //
   // It traces on a stream of its own: this one goes on, and what other threads switch and write
   // meanwhile is as ever. Deltas count on; while they are switched off, they count from here. Does
@@ -439,7 +440,7 @@ class OXDIAG_API tTrace : public tConfigurable {
     if (isBuilt()) store(word, value);
   }
   bool isWriting() const {
-    return load(enabled) != 0 && (load(hiddenLines) & 1) == 0;
+    return load(enabled) != 0 && load(lineSuppressed) == 0;
   }
   void append(char const* text);
   void append(char const* text, u64 length);
@@ -509,6 +510,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   u32 mutex = 0;
   u32 indenting = 1;
   u32 truncation = 1;
+  u32 lineSuppressed = 0;
   u32 minPrefixWidth = 50;
   i32 nestingLevel = 0;
   u64 lastLineTime = 0;

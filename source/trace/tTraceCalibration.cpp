@@ -45,6 +45,7 @@ void tTraceCalibration::run() {
     for (u32 count = 0; count < kTryCount; ++count) measure();
     endSamples();
   }
+  endl();
 }
 
 void tTraceCalibration::measure() {
@@ -55,11 +56,10 @@ void tTraceCalibration::measure() {
   line.addTry(traceBehindEnd("First trace", kLineVerbosity, kTraceLine));
 }
 
+// The end of the line before, and at once the next one.
 u64 tTraceCalibration::traceBehindEnd(char const* text, u32 verbosity, tTraceType type) {
-  endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type);
-  u64 const gap = load(lineStartTime) - getLastLineTime();
-  put(text).endl();
-  return gap;
+  endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type).put(text);
+  return load(lineStartTime) - getLastLineTime();
 }
 
 void tTraceCalibration::endSamples() {
@@ -67,10 +67,14 @@ void tTraceCalibration::endSamples() {
   for (tTickAverage* const average : averages) average->endSample();
 }
 
-// The way contains a reading. Should chance make it the shorter one, the rest of it costs nothing.
+// A busy neighbour or a slow clock may lengthen every try of a calibration, and lines that follow
+// later do not have it. A delta of lines at once is the cost and one reading. Of these two the
+// lesser is at most half of both, so the delta is not below zero as long as the lines are not more
+// than twice as fast as the calibration was.
 u64 tTraceCalibration::getCost(tTickAverage const& way) const {
   u64 const reading = baseline.get();
-  return way.get() > reading ? way.get() - reading : 0;
+  u64 const cost = way.get() > reading ? way.get() - reading : 0;
+  return cost < reading ? cost : reading;
 }
 
 }  // namespace nOXDIAG100

@@ -19,13 +19,13 @@ class tTraceCalibration : public tTrace {
   // Traces a block and a line in each try. To be called once.
   void run();
 
-  // Each less what reading the counter costs, so a line at once has a delta of about that.
+  // Each less what one reading of the counter costs, and no more than that again.
   u64 getBlockEntryCost() const { return getCost(blockEntry); }
   u64 getBlockExitCost() const { return getCost(blockExit); }
   u64 getLineCost() const { return getCost(line); }
 
  private:
-  static constexpr u32 kTryCount = 8;  // for each measurement
+  static constexpr u32 kTryCount = 4;  // for each measurement
 
   void measure();
   u64 traceBehindEnd(char const* text, u32 verbosity, tTraceType type);
