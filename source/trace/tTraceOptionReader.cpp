@@ -6,6 +6,8 @@
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/tPatience.h"
+#include "trace/tStreamHold.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -97,6 +99,8 @@ void tTraceOptionReader::readSwitchValue(u32 index) {
   tOnOff const said = value == nullptr ? tOnOff::kNeither : readOnOff(value);
   switches[index] = said == tOnOff::kOff ? kOff : kOn;
   if (!isFiltered || said != tOnOff::kNeither) return;
+  tStreamHold hold;
+  hold.holdLines(trace, tPatience());
   if (value == nullptr) {
     filter->removeField(field);
   } else {
@@ -111,9 +115,14 @@ void tTraceOptionReader::readWidth() {
   hasWidth = true;
 }
 
+// A filter is replaced term by term, and a line that is judged meanwhile may pass what neither the
+// former filter nor the next one passes. Locked lines wait for that; should one not end, the filter
+// is changed all the same.
 void tTraceOptionReader::readFilter() {
   char const* const expression = takeValue();
   if (filter == nullptr) return;
+  tStreamHold hold;
+  hold.holdLines(trace, tPatience());
   if (expression == nullptr) {
     filter->removeAll();
   } else {
