@@ -111,13 +111,13 @@
     }                                    \
   } while (false)
 
-#define OXDIAG_BLOCK_STATUS(verbosity, object, status) \
-  do {                                                 \
-    if (false) {                                       \
-      static_cast<void>(verbosity);                    \
-      static_cast<void const volatile*>(object);       \
-      static_cast<void>(status);                       \
-    }                                                  \
+#define OXDIAG_BLOCK_STATUS(verbosity, object, status)              \
+  do {                                                              \
+    if (false) {                                                    \
+      static_cast<void>(verbosity);                                 \
+      static_cast<void>(static_cast<void const volatile*>(object)); \
+      static_cast<void>(status);                                    \
+    }                                                               \
   } while (false)
 
 #define OXDIAG_BLOCK_OBJECT(verbosity, object) OXDIAG_BLOCK_STATUS(verbosity, object, nullptr)
