@@ -177,6 +177,25 @@ class tEcho : public iLib::iDispatcher {
   std::atomic<size_t> beyond = 0;
 };
 
+// Reads the same word of the caller for as long as it can be read.
+class tReader : public iLib::iDispatcher {
+ public:
+  tReader() : iDispatcher("nTEST://nReader") {
+    i32 status = 0;
+    iLib::exportDispatcher(*this, status);
+  }
+  ~tReader() override {
+    i32 status = 0;
+    iLib::unexportDispatcher(*this, status);
+  }
+  void dispatch(u64 request) override {
+    u32 word = 0;
+    while (count < kMost && vexCopyFromUser(&word, request, sizeof(word)) == sizeof(word)) ++count;
+  }
+  static constexpr u32 kMost = 10'000'000;  // takes a minute
+  std::atomic<u32> count = 0;
+};
+
 // The module that the dispatchers before it belong to.
 class tRegisteredOwner {
  public:
@@ -344,6 +363,39 @@ TEST_F(WithheldMemory, AStopWaitsLessThanASecondForMemoryThatTricklesIn) {
   std::this_thread::sleep_for(kOneSecond / 2);
   EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
   EXPECT_LT(echo.read, tEcho::kLength);
+}
+
+TEST_F(WithheldMemory, AStopWaitsLessThanASecondForARequestThatReadsAndReads) {
+  tReader reader;
+  tRegisteredOwner const owner;
+  stuck.push_back(std::make_unique<tStuck>([this] {
+    u32 word = 1;
+    return tConnection(path).call("nTEST://nReader", &word);
+  }));
+  EXPECT_TRUE(awaitThat([&reader] { return reader.count != 0; }));
+  EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
+  EXPECT_LT(reader.count, tReader::kMost);
+}
+
+TEST_F(WithheldMemory, AProcessThatCallsAgainAndAgainLeavesFewThreadsBehind) {
+  SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD();
+  constexpr u32 kCalls = 5 * kRequestPlacesOfOneUser;
+  tSignal const hasCalled;
+  stuck.push_back(std::make_unique<tStuck>([&] {
+    void* const page = newPage();
+    if (!withhold(page)) return 100;
+    std::vector<std::unique_ptr<tConnection>> connections;
+    while (connections.size() < kCalls) {
+      auto connection = std::make_unique<tConnection>(path);
+      if (connection->awaitGreeting() != kRequestAccepted) continue;
+      if (!connection->send(kDoubler, page)) return 101;
+      connections.push_back(std::move(connection));
+    }
+    return hasCalled.give() && tSignal().await() ? 0 : 102;
+  }));
+  EXPECT_TRUE(hasCalled.await());
+  EXPECT_LE(countDescriptors() - descriptors, 4 * long{kRequestPlacesOfOneUser});
+  EXPECT_EQ(callOnce(), 0);
 }
 
 TEST_F(WithheldMemory, LongTextsComeWholeThroughTheServer) {

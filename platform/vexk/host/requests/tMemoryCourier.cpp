@@ -17,6 +17,11 @@ constexpr u64 kQuick = kMillisecond;  // a copy of memory that is there takes le
 
 constinit thread_local tMemoryCourier* hired = nullptr;
 
+// Those that were left behind, linked, and the lock of that list. It may be taken within the lock
+// of a courier, not the other way round.
+constinit tThreadLock awayLock;
+constinit tMemoryCourier* firstAway = nullptr;
+
 u64 now() {
   timespec moment;
   clock_gettime(CLOCK_MONOTONIC, &moment);
@@ -33,16 +38,41 @@ u64 smaller(u64 a, u64 b) {
 
 }  // namespace
 
-tMemoryCourier* tMemoryCourier::hire(pid_t process) {
+tMemoryCourier* tMemoryCourier::hire(pid_t process, uid_t user) {
+  if (!mayBeHired(process, user)) return nullptr;
   void* const memory = malloc(sizeof(tMemoryCourier));
   if (memory == nullptr) return nullptr;
-  auto* const courier = new (memory) tMemoryCourier(process);
+  auto* const courier = new (memory) tMemoryCourier(process, user);
   if (pthread_create(&courier->thread, nullptr, run, courier) != 0) {
     courier->release();
     courier->release();
     return nullptr;
   }
   return hired = courier;
+}
+
+bool tMemoryCourier::mayBeHired(pid_t process, uid_t user) {
+  tThreadLock::tGuard const held(awayLock);
+  u32 count = 0;
+  for (tMemoryCourier* away = firstAway; away != nullptr; away = away->nextAway) {
+    if (away->process == process) return false;
+    if (away->user == user) ++count;
+  }
+  return count < vexkhost::kRequestMostWithheld;
+}
+
+void tMemoryCourier::addToAway() {
+  tThreadLock::tGuard const held(awayLock);
+  nextAway = firstAway;
+  firstAway = this;
+}
+
+// Does nothing for one that nobody has left behind.
+void tMemoryCourier::removeFromAway() {
+  tThreadLock::tGuard const held(awayLock);
+  tMemoryCourier** link = &firstAway;
+  while (*link != nullptr && *link != this) link = &(*link)->nextAway;
+  if (*link != nullptr) *link = nextAway;
 }
 
 tMemoryCourier* tMemoryCourier::ofThisThread() {
@@ -55,6 +85,7 @@ void tMemoryCourier::dismiss() {
   lock.take();
   bool const isAway = isUnderWay;
   isDismissed = true;
+  if (isAway) addToAway();
   pthread_cond_broadcast(&changed);
   lock.giveBack();
   if (isAway) {
@@ -112,7 +143,7 @@ u32 tMemoryCourier::getWaitingTime() {
   return isUnderWay ? static_cast<u32>((now() - begun) / kMillisecond) : 0;
 }
 
-tMemoryCourier::tMemoryCourier(pid_t target) : process(target) {
+tMemoryCourier::tMemoryCourier(pid_t target, uid_t owner) : process(target), user(owner) {
   pthread_condattr_t attributes;
   pthread_condattr_init(&attributes);
   pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
@@ -150,6 +181,7 @@ void tMemoryCourier::work() {
     pthread_cond_broadcast(&changed);
   }
   lock.giveBack();
+  removeFromAway();
   ntoshost::setUserProcess(0);
   release();
 }
@@ -168,6 +200,7 @@ size_t tMemoryCourier::runErrand() {
 // How many bytes were carried; 0 when it takes too long. The caller has the lock, and the load is
 // its own again unless the courier is lost.
 size_t tMemoryCourier::send(tErrand newErrand, u64 userAddress, size_t length) {
+  isLost = isLost || isTooLate();
   if (isLost) return 0;
   errand = newErrand;
   address = userAddress;
@@ -183,6 +216,10 @@ size_t tMemoryCourier::send(tErrand newErrand, u64 userAddress, size_t length) {
   if (isLost) return 0;
   countWaiting();
   return carried;
+}
+
+bool tMemoryCourier::isTooLate() const {
+  return isHurried && now() >= hurriedSince + kHurriedEnd * kMillisecond;
 }
 
 u64 tMemoryCourier::getDeadline() const {

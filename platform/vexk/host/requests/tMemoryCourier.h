@@ -9,17 +9,20 @@
 // that are not there, which their owner may never deliver, and nothing but the end of the program
 // interrupts it. So nobody waits for the copy: whoever wants it waits for the courier, and goes on
 // without when that takes too long. A courier who was left behind touches its own memory alone, and
-// frees it when it comes back.
+// frees it when it comes back. Few can be left behind: a process that has left one gets no other,
+// and a user who has left many neither, until one of them is back.
 //
 // The thread that hires a courier is the one that uses and dismisses it; `hurry`, `giveUp` and
 // `getWaitingTime` are for any thread until then.
 class tMemoryCourier {
  public:
   static constexpr u32 kHurriedPatience = 400;  // milliseconds for all copies once there is a hurry
+  static constexpr u32 kHurriedEnd = 500;       // and from then until there are none
 
-  // A courier for the memory of this process, which the copies of the calling thread use from then
-  // on. Null when the system has no memory or no thread for it.
-  static tMemoryCourier* hire(pid_t process);
+  // A courier for the memory of this process of that user, which the copies of the calling thread
+  // use from then on. Null when the system has no memory or no thread for it, or when too many were
+  // left behind.
+  static tMemoryCourier* hire(pid_t process, uid_t user);
 
   // The one that the calling thread has hired; null without.
   static tMemoryCourier* ofThisThread();
@@ -36,7 +39,7 @@ class tMemoryCourier {
   size_t bring(u64 userAddress, void const* from, size_t length);
 
   // From now on all copies together may take kHurriedPatience, those of memory that is there not
-  // counted.
+  // counted. After kHurriedEnd nothing is copied, whether it is there or not.
   void hurry();
 
   // Ends the copy that is under way, and all later ones, without a result.
@@ -49,18 +52,25 @@ class tMemoryCourier {
   enum tErrand { kReach, kFetch, kBring };
   static constexpr size_t kLoadSize = 16384;  // bytes carried at once
 
-  explicit tMemoryCourier(pid_t target);
+  tMemoryCourier(pid_t target, uid_t owner);
   ~tMemoryCourier();
+
+  static bool mayBeHired(pid_t process, uid_t user);
+  void addToAway();
+  void removeFromAway();
 
   static void* run(void* courier);
   void work();
   size_t runErrand();
   size_t send(tErrand newErrand, u64 userAddress, size_t length);
+  bool isTooLate() const;
   u64 getDeadline() const;
   void countWaiting();
   void release();
 
   pid_t const process;
+  uid_t const user;
+  tMemoryCourier* nextAway = nullptr;  // among those that were left behind
   pthread_t thread = {};
   u32 references = 2;  // atomic: of the thread and of who has hired it
 

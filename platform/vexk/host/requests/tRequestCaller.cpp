@@ -148,7 +148,7 @@ tRequestAnswer tRequestCaller::answerTo(tRequestMessage const& message, i32& sta
 
 // The executive holds on to the process with that number, which is the caller while that is alive.
 bool tRequestCaller::hireCourier() {
-  tMemoryCourier* const hired = tMemoryCourier::hire(peer.getProcess());
+  tMemoryCourier* const hired = tMemoryCourier::hire(peer.getProcess(), peer.getUser());
   if (hired == nullptr) return false;
   tThreadLock::tGuard const held(lock);
   courier = hired;

@@ -21,8 +21,10 @@
 //
 // Memory of a caller that has not arrived after kRequestMemoryPatience, as that of a mapping whose
 // owner does not answer, counts as gone for the rest of that caller's connection. The thread that
-// waits for it in the system stays behind, one for such a caller, until the memory arrives or the
-// program ends; it holds nothing of the program's or of the modules'.
+// waits for it in the system stays behind with a descriptor, one for such a connection, until the
+// memory arrives or its owner or the program ends. A process that such a thread waits for is served
+// no further request, and neither is a user whose processes kRequestMostWithheld threads wait for:
+// the answer is kRequestTooManyCallers.
 //
 // The control functions may be called on any thread, but not from within a request.
 
@@ -31,6 +33,7 @@ namespace vexkhost {
 constexpr u32 kRequestPlaces = 32;            // callers at a time
 constexpr u32 kRequestPlacesOfOneUser = 24;   // and of one user
 constexpr u32 kRequestMemoryPatience = 5000;  // milliseconds
+constexpr u32 kRequestMostWithheld = 64;      // threads left behind for one user
 
 // Starts to serve at `path`, or where getRequestSocketPath of "vexkhost/requestSocket.h" says when
 // it is null. Only the owner can open the socket there. A socket that a dead server left is taken
@@ -43,7 +46,8 @@ constexpr u32 kRequestMemoryPatience = 5000;  // milliseconds
 bool startRequestServer(char const* path);
 
 // Takes no more requests, waits until those that run have ended and been answered, and takes the
-// socket away. Requests that wait for memory of their callers have 0.4 s more for all of it.
+// socket away. Requests that wait for memory of their callers have 0.4 s more for all of it, and
+// after 0.5 s no request reaches its caller's memory any more, so that the longest one ends too.
 // Does nothing when no server is started.
 void stopRequestServer();
 

@@ -19,7 +19,8 @@ enum tRequestAnswer : u32 {
   kRequestAccepted = 0,
   // The server hangs up behind all others.
   kRequestOtherUser = 1,       // the caller is neither the server's user nor root
-  kRequestTooManyCallers = 2,  // all places that the caller's user may have are busy
+  kRequestTooManyCallers = 2,  // the caller's user has all places that it may have, or the caller,
+                               // or too many of its user, withhold memory that was asked for
   kRequestMalformed = 3,     // a message of another size, or with a number or length that is wrong
   kRequestOtherProcess = 4,  // a message that another process sent over the connection
   kRequestMemoryClosed = 5,  // the caller's memory may not be reached
