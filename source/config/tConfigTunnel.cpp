@@ -82,6 +82,10 @@ void tConfigTunnel::destroyInstance() {
   instance.destroy();
 }
 
+void tConfigTunnel::endRequests() {
+  __atomic_store_n(&isEnding, true, __ATOMIC_RELAXED);
+}
+
 tConfigTunnel::tConfigTunnel() : iDispatcher(kTunnelName) {
   i32 status = 0;
   iLib::exportDispatcher(*this, status);
@@ -98,7 +102,7 @@ void tConfigTunnel::dispatch(u64 request) {
   u64 at = request + sizeof(header);
   for (u32 index = 0; index < header.count; ++index, at += sizeof(tTunnelRecord)) {
     tTunnelRecord record;
-    if (!copyIn(record, at)) return;
+    if (__atomic_load_n(&isEnding, __ATOMIC_RELAXED) || !copyIn(record, at)) return;
     serve(header.handle, record);
   }
 }

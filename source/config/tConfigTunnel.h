@@ -11,7 +11,7 @@
 namespace nOXDIAG100 {
 
 // The dispatcher of the module named kTunnelName, exported as long as it lives; where it cannot be
-// exported, nobody is served. It has no state of its own; any number of threads may be in it.
+// exported, nobody is served. Any number of threads may be in it.
 // Slot order: destructor, dispatch.
 class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
  public:
@@ -25,6 +25,10 @@ class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
   static void constructInstance();
   static void destroyInstance();
 
+  // Ends the requests that run at their next record: what follows waits for them, and they may have
+  // billions of records before them. Any thread.
+  void endRequests();
+
   tConfigTunnel();
   ~tConfigTunnel() override;
 
@@ -35,6 +39,9 @@ class OXDIAG_API tConfigTunnel : public iLib::iDispatcher {
  protected:
   // The module's tunnel before and after its life.
   explicit tConfigTunnel(tAtRest) : iDispatcher(nullptr) {}
+
+ private:
+  bool isEnding = false;  // atomic
 };
 
 }  // namespace nOXDIAG100

@@ -1,5 +1,6 @@
 #include "package/windows/packageEntry.h"
 
+#include "config/tConfigTunnel.h"
 #include "ntos/status.h"
 #include "package/windows/globalObjects.h"
 #include "package/windows/lifeEvents.h"
@@ -70,6 +71,7 @@ NTSTATUS loadModule(UNICODE_STRING const* registryPath) {
 
 NTSTATUS unloadModule() {
   i32 status = 0;
+  tConfigTunnel::getInstance().endRequests();
   libUnregisterModuleWithVEX(moduleRecord.info, status);
   terminateGlobals();
   logLifeEvent(kModuleUnload);
