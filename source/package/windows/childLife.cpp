@@ -1,5 +1,7 @@
 #include "package/windows/childLife.h"
 
+#include "package/windows/tParentDevice.h"
+
 namespace nOXDIAG100 {
 namespace {
 
@@ -13,9 +15,16 @@ NTSTATUS cancel(tChildRequest& request, tPnpState query) {
   return STATUS_SUCCESS;
 }
 
+// Its bus has taken the child away when it was not started yet, and so asked for nothing. The bus
+// stays while the child's mutex is held.
+void letBusAsk(tChildDevice const& child) {
+  if (!child.isPresent && child.parent != nullptr) child.parent->askForRelations();
+}
+
 }  // namespace
 
 NTSTATUS startChild(tChildRequest& request) {
+  letBusAsk(request.child);
   request.child.isRemoved = false;
   request.child.devicePower = PowerDeviceD0;
   return enter(request, tPnpState::Started);

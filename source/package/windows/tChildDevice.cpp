@@ -121,6 +121,12 @@ void tChildDevice::awaitHandlerEnd() {
   KeWaitForSingleObject(&handlerEnded, Executive, KernelMode, 0, nullptr);
 }
 
+bool tChildDevice::awaitHandlerEnd(i64 time) {
+  LARGE_INTEGER timeout;
+  timeout.QuadPart = -time;
+  return KeWaitForSingleObject(&handlerEnded, Executive, KernelMode, 0, &timeout) != STATUS_TIMEOUT;
+}
+
 bool tChildDevice::goesBySurprise() {
   tKernelMutexGuard const guard(mutex);
   bool const isDeleted = states.get() == tPnpState::Deleted;

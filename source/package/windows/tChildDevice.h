@@ -90,8 +90,10 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   // Nothing is held.
   void finish(tChildAftermath aftermath);
 
-  // Waits until the handler has come to its end.
+  // Waits until the handler has come to its end; the other so long at most (in units of 100 ns):
+  // false when it has not.
   void awaitHandlerEnd();
+  bool awaitHandlerEnd(i64 time);
 
   // Enters the handler for a request; leaves it again.
   NTSTATUS enter(void* request) { return IoAcquireRemoveLock(&removeLock, request); }
@@ -105,7 +107,7 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   bool const hasUniqueId;
 
   // Under the mutex of the bus.
-  bool isPresent = true;
+  bool isPresent = true;    // changes under both, and may be read under either
   bool isReported = false;  // the system knows it
   u32 reportsOnTheirWay = 0;
 

@@ -2,6 +2,7 @@
 
 #include "package/windows/deviceRelations.h"
 #include "package/windows/requestEnds.h"
+#include "package/windows/wdmWrapperState.h"
 #include "package/windows/wrapperMemory.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
@@ -10,12 +11,25 @@
 namespace nOXDIAG100 {
 namespace {
 
+constexpr i64 kAskAgainTime = 100'000'000;  // 10 s, in units of 100 ns
+
 tBusIdentity identityOf(DEVICE_OBJECT const& device) {
   iDeviceHandler& handler = vexHandlerOf(device);
   tBusIdentity identity = {};
   handler.getBusTypeGUID(identity.type);
   identity.number = handler.getLegacyBusNumber();
   return identity;
+}
+
+// A request for relations that fails is not repeated by the system. The bus may be gone meanwhile,
+// and another have its address: that is asked once more then.
+void awaitLettingGo(tChildDevice& child, DEVICE_OBJECT const& bus) {
+  while (!child.awaitHandlerEnd(kAskAgainTime)) {
+    tParentDevice* const parent = wdmParents.enter(bus);
+    if (parent == nullptr) continue;
+    parent->askForRelations();
+    parent->leave();
+  }
 }
 
 }  // namespace
@@ -53,12 +67,13 @@ void tParentDevice::createChild(tChildDescription const& description, i32& statu
 void tParentDevice::removeChild(u32 slot, i32& status) {
   if (status < 0) return;
   tChildDeparture departure = {};
+  DEVICE_OBJECT const& bus = device;
   tChildDevice* const child = takeAway(slot, departure);
   if (child == nullptr) {
     status = kStatusBadArgument;
     return;
   }
-  if (departure == tChildDeparture::Awaited) child->awaitHandlerEnd();
+  if (departure == tChildDeparture::Awaited) awaitLettingGo(*child, bus);
   if (departure == tChildDeparture::EndHandler) child->finish(tChildAftermath::EndHandler);
   if (departure == tChildDeparture::EndDevice) child->finish(tChildAftermath::EndDevice);
   ObfDereferenceObject(child->device);
@@ -75,6 +90,10 @@ NTSTATUS tParentDevice::addRelations(IRP& request, tChildReport& report) {
   listPresent(*relations, report);
   unlinkAbsent();
   return answerWith(request, relations);
+}
+
+void tParentDevice::askForRelations() {
+  IoInvalidateDeviceRelations(vexHandlerOf(device).getPhysicalDevice(), BusRelations);
 }
 
 void tParentDevice::settle(tChildReport& report, bool isSuccess) {
@@ -127,7 +146,7 @@ tChildDevice* tParentDevice::takeAway(u32 slot, tChildDeparture& departure) {
   if (!enter()) return nullptr;
   tChildDevice* const child = markAbsent(slot, departure);
   if (child != nullptr && departure == tChildDeparture::Awaited) {
-    IoInvalidateDeviceRelations(vexHandlerOf(device).getPhysicalDevice(), BusRelations);
+    askForRelations();
   }
   leave();
   return child;

@@ -37,6 +37,10 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
   // children is in `report`, for settle(). PASSIVE_LEVEL.
   NTSTATUS addRelations(IRP& request, tChildReport& report);
 
+  // Has the system ask for the relations again. The bus is entered, or a child's mutex is held that
+  // is linked to it. IRQL <= DISPATCH_LEVEL.
+  void askForRelations();
+
   // The request with that report has ended. PASSIVE_LEVEL.
   void settle(tChildReport& report, bool isSuccess);
 

@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "ntos/wait.h"
+#include "ntoshost/time.h"
 #include "package/windows/tChildDevice.h"
 #include "trace/startedModules.h"
 #include "wdm/tPnpBus.h"
@@ -213,4 +214,36 @@ TEST(RemovalThreads, ABusThatGoesLetsAWaiterGo) {
   bus.beforeStop = [](void* context) { static_cast<std::future<i32>*>(context)->wait(); };
   bus.removeBus();
   EXPECT_EQ(removal.get(), 0);
+}
+
+TEST(RemovalThreads, AChildThatIsStartedAsItIsTakenIsLetGoOf) {
+  ntoshost::setChildrenStart(false);
+  {
+    tPnpBus bus;
+    ASSERT_EQ(bus.create(1, 5, bus.handler), 0);
+    ntoshost::enumerateDevice(bus.physical);
+    DEVICE_OBJECT* const child = ntoshost::childOf(bus.physical, 0);
+    EXPECT_EQ(bus.take(5), 0);
+    EXPECT_EQ(ntoshost::startDevice(child), STATUS_SUCCESS);
+    ntoshost::waitForPnp();
+    EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
+  }
+  ntoshost::setChildrenStart(true);
+}
+
+TEST(RemovalThreads, RelationsThatFailAreAskedForAgain) {
+  ntoshost::setTimeRate(1'000);
+  {
+    tLowerFilter filter("oxdiagfilter");
+    tPnpBus bus(ntoshost::PnpMode::Worker, "oxdiagbus", &filter);
+    ASSERT_NE(bus.addStarted(1, 5), nullptr);
+    filter.failNext(IRP_MN_QUERY_DEVICE_RELATIONS);
+    std::future<i32> removal = takeAside(bus, 5);
+    EXPECT_EQ(removal.wait_for(kLongEnough), std::future_status::ready);
+    if (isWaiting(removal)) ntoshost::enumerateDevice(bus.physical);
+    EXPECT_EQ(removal.get(), 0);
+    ntoshost::waitForPnp();
+    EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
+  }
+  ntoshost::setTimeRate(1);
 }

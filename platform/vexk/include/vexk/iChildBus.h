@@ -27,6 +27,8 @@ struct tChildDescription {
 };
 
 // PASSIVE_LEVEL; any thread. `status` is left alone on success; negative on entry, nothing is done.
+// Good until the stop() of the bus' component has returned ("vexk/iDeviceComponent.h"): a call that
+// comes later uses freed memory. So a handler that outlives its bus does not call it in its stop().
 class iChildBus {
  public:
   // Adds a child, which the system sees when it next asks for the bus' relations (while the device
@@ -42,11 +44,12 @@ class iChildBus {
 
   // Takes the child in a slot away. Returns when the handler's stop() has returned, whichever
   // thread has called it. For that it waits: for the requests that run in the handler, and until
-  // the system has let go of a child that is started. So it is not called from within a handler of
-  // the child or a plug-and-play or power request of the bus or the child.
-  //   kStatusBadArgument  no present child sits there, or the bus is gone, or going by surprise.
-  //   The
-  //                       stop() of a child that was there comes by itself then
+  // the system has let go of a child that is started, which it is asked for every 10 seconds (a
+  // request for relations may fail). So it is not called from within a handler of the child or a
+  // plug-and-play or power request of the bus or the child. A child that was never started stays
+  // in the system's tree, without a handler, until the system next asks for the bus' relations.
+  //   kStatusBadArgument  no present child sits there, or the bus is being removed. The stop() of a
+  //                       child that was there comes by itself then
   virtual void removeChild(u32 slot, i32& status) = 0;
 
  protected:
