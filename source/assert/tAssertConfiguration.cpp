@@ -29,6 +29,14 @@ constexpr tBuiltInCategory kBuiltInCategories[] = {
 
 constinit tInstancePlace<tAssertConfiguration> instance;
 
+// Every program can read the counter, and knows to a few thousand counts when the module started;
+// it does not know where the stack of that thread lies.
+u64 chooseSecret() {
+  constexpr u64 kMultiplier = 0x9E3779B97F4A7C15;
+  u64 const counter = tTimerTimebaseEfficient::getCounterValue();
+  return reinterpret_cast<u64>(&counter) * kMultiplier ^ counter;
+}
+
 }  // namespace
 
 tAssertConfiguration& tAssertConfiguration::getInstance(char* /*category*/) {
@@ -44,7 +52,7 @@ void tAssertConfiguration::destroyInstance() {
 }
 
 tAssertConfiguration::tAssertConfiguration()
-    : categories(tTimerTimebaseEfficient::getCounterValue()), currentCategory(kDefaultCategory) {
+    : categories(chooseSecret()), currentCategory(kDefaultCategory) {
   for (tBuiltInCategory const& category : kBuiltInCategories) {
     categories.add(category.name, category.switches);
   }

@@ -7,6 +7,7 @@ namespace nOXDIAG100 {
 
 tAssertOptionReader::tAssertOptionReader(tAssertConfiguration& configuration)
     : configuration(configuration) {
+  findCurrentSwitches();
 }
 
 void tAssertOptionReader::read(int argc, char** argv) {
@@ -35,25 +36,33 @@ void tAssertOptionReader::readCategory(char const* word) {
   isCategoryPending = false;
   if (isOption(word)) {
     configuration.currentCategory = kDefaultCategory;
+    findCurrentSwitches();
     return;
   }
   char const* const known = configuration.findName(word);
   char const* const name = known != nullptr ? known : configuration.addCategory(word);
-  if (name != nullptr) configuration.currentCategory = name;
+  if (name == nullptr) return;
+  configuration.currentCategory = name;
+  findCurrentSwitches();
 }
 
 void tAssertOptionReader::readOption(char const* word) {
   isCategoryPending = isEqual(word, "--category");
   for (tAssertSwitch const& entry : kAssertSwitches) {
-    if (!isEqual(word, entry.option)) continue;
-    auto* const category = configuration.categories.find(configuration.currentCategory);
-    if (category != nullptr) pendingSwitch = &(category->value.*entry.value);
+    if (isEqual(word, entry.option) && current != nullptr) pendingSwitch = &(current->*entry.value);
   }
 }
 
 void tAssertOptionReader::setPendingSwitch(bool isOn) {
   tAssertConfiguration::store(*pendingSwitch, isOn);
   pendingSwitch = nullptr;
+}
+
+// Once a category, not once an option: a name may be as long as the whole text, and every look-up
+// reads all of it.
+void tAssertOptionReader::findCurrentSwitches() {
+  auto* const category = configuration.categories.find(configuration.currentCategory);
+  current = category == nullptr ? nullptr : &category->value;
 }
 
 }  // namespace nOXDIAG100

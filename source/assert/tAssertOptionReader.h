@@ -18,8 +18,10 @@ class tAssertOptionReader {
   void readCategory(char const* word);
   void readOption(char const* word);
   void setPendingSwitch(bool isOn);
+  void findCurrentSwitches();
 
   tAssertConfiguration& configuration;
+  tAssertConfiguration::tConfigElem* current = nullptr;  // of the current category; null: none
   bool* pendingSwitch = nullptr;
   bool isCategoryPending = false;
 };

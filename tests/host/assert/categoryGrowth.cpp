@@ -120,3 +120,17 @@ TEST(CategoryGrowth, NamesThatBeginWithEachOtherAreNoDetour) {
   u64 const many = tManyContracts(kMany, &nestedName).lookUp();
   EXPECT_LE(many, 2 * few);
 }
+
+// The options of one category read its name once, not once each.
+TEST(CategoryGrowth, AnOptionOfACategoryWithALongNameCostsAsMuchAsOfOneWithAShortName) {
+  constexpr u32 kOptions = 32;
+  auto const instructionsOfOptions = [](std::string const& name) {
+    tPrivateContracts contracts;
+    configureWords(contracts, "--category", name.c_str());
+    std::string words;
+    for (u32 option = 0; option < kOptions; ++option) words += " --break";
+    contracts.configure("--checks");  // what a first call costs is not meant
+    return instructionsOf([&] { contracts.configure(words.c_str()); });
+  };
+  EXPECT_LE(instructionsOfOptions(std::string(1'000, 'n')), 2 * instructionsOfOptions("n"));
+}
