@@ -96,7 +96,7 @@ std::optional<std::string> connectDrive(tDemoOptions const& options, tOptionWord
 }
 
 std::optional<std::string> connectPort(tDemoOptions const& options, tOptionWordList const& words,
-                                       tSerialPort& port) {
+                                       tSerialPort& port, tEndWatch* watch) {
   bool const isAskedFor = options.serial || words.hasPair("--destination", "serial");
   if (!isAskedFor && !options.serves) return std::nullopt;
   bool const isConnected = port.connect(options.serial);
@@ -104,16 +104,17 @@ std::optional<std::string> connectPort(tDemoOptions const& options, tOptionWordL
   if (!isConnected) complain(port.getProblem() + "; what is sent there is lost", kExitNoOutput);
   if (isConnected && isAskedFor) {
     port.announce();
-    port.waitForWatcher();
+    port.waitForWatcher(watch);
   }
   return std::nullopt;
 }
 
 // Connects what the trace is sent to besides standard output.
-std::optional<std::string> connectDevices(tDemoOptions const& options, tSerialPort& serialPort) {
+std::optional<std::string> connectDevices(tDemoOptions const& options, tSerialPort& serialPort,
+                                          tEndWatch* watch) {
   tOptionWordList const words(options.trace);
   if (auto const problem = connectDrive(options, words)) return problem;
-  return connectPort(options, words, serialPort);
+  return connectPort(options, words, serialPort, watch);
 }
 
 void suggestNext() {
@@ -136,7 +137,7 @@ int runConnected(tDemoOptions const& options, tRackFile const& file) {
   tSerialPort serialPort;
   std::optional<tServing> serving;
   if (options.serves) serving.emplace(tServing{*watch, serialPort});
-  if (auto const problem = connectDevices(options, serialPort)) {
+  if (auto const problem = connectDevices(options, serialPort, watch ? &*watch : nullptr)) {
     return complain(*problem, kExitNoOutput);
   }
   ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);

@@ -1,5 +1,6 @@
 #include "slotbus/host/tSerialPort.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,9 +13,15 @@
 namespace {
 
 constexpr size_t kMaxNameSize = 128;
+constexpr int kMillisecondsBetweenLooks = 50;
 
-void waitForReturnKey() {
+// Ctrl-C belongs to the watch, if there is one.
+void waitForReturnKey(tEndWatch* watch) {
   std::fputs("Watch it from another terminal, then press Return here.\n", stderr);
+  pollfd keys = {STDIN_FILENO, POLLIN, 0};
+  while (poll(&keys, 1, kMillisecondsBetweenLooks) != 1) {
+    if (watch != nullptr && watch->waitForEnd(std::chrono::milliseconds{0})) return;
+  }
   for (int key = 0; key != '\n' && key != EOF;) key = std::getchar();
 }
 
@@ -49,8 +56,8 @@ void tSerialPort::announce() const {
   if (!terminal.empty()) std::fprintf(stderr, "serial port 1 is %s\n", terminal.c_str());
 }
 
-void tSerialPort::waitForWatcher() const {
-  if (!terminal.empty() && isatty(STDIN_FILENO) != 0) waitForReturnKey();
+void tSerialPort::waitForWatcher(tEndWatch* watch) const {
+  if (!terminal.empty() && isatty(STDIN_FILENO) != 0) waitForReturnKey(watch);
 }
 
 bool tSerialPort::finish(unsigned int patience) {

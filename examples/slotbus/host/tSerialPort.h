@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "slotbus/host/tEndWatch.h"
+
 // Serial port 1 of the host while the demo traces to it. It ends in a file, or in a terminal that
 // any terminal program may watch.
 class tSerialPort {
@@ -16,7 +18,7 @@ class tSerialPort {
   // Names the terminal on standard error; gives a person at the keyboard time to watch it. Both do
   // nothing when there is no terminal.
   void announce() const;
-  void waitForWatcher() const;
+  void waitForWatcher(tEndWatch* watch) const;
 
   // Waits until what was sent is read, at most so many milliseconds. Returns false when something
   // was lost; getProblem() is then a sentence for the user. True when nothing is connected.
