@@ -41,6 +41,9 @@ class OXDIAG_API tDestinationSlot {
   // Whether installing a destination has opened it, so that leaving it closes it.
   bool hasTaken = false;
 
+  // Whether the current destination was opened by a switch within the one that is under way.
+  bool isOpenedWithin = false;
+
  private:
   bool isOpenTo(u32 thread) const;
   iTraceDestination* direct(u32 place, u32 thread) const;

@@ -71,12 +71,13 @@ OXDIAG_API u64 readTimeStampCounter();
 // other threads write during the switch is lost.
 //
 // Waiting has an end: a switch waits for threads within the destination's put, and for the line of
-// another thread, for ten seconds in all. Then it is given up: the former destination stays as it
-// is, and the event log names the thread. While a thread does not come out of the put of its own
-// switch, the other operations of the configuration are given up in the same way: they change
-// nothing, and inquire gives an empty text. enableMutex and disableMutex wait for the line lock
-// without limit. With "--mutex on" a put that never returns keeps its line, for which all other
-// lines wait.
+// another thread, for ten seconds in all, as does a list of options. Then it is given up: the
+// former destination stays as it is, and the event log names the thread. While a thread does not
+// come out of the put of its own switch, the other operations of the configuration are given up in
+// the same way: they change nothing, and inquire gives an empty text. enableMutex and disableMutex
+// wait for the line lock without limit, unless the line's thread does not come out of a put: then
+// they are given up as well, and the switch of the mutex stays as it is. With "--mutex on" a put
+// that never returns keeps its line, for which all other lines wait.
 //
 // A put that traces: a destination may write lines into a stream from its own put. They are handed
 // over after the text that is being put, and each put of them may trace in turn, up to four puts of
@@ -153,10 +154,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   // The line mutex; off at the start. The first enableMutex opens the platform's lock
   // "nOXDIAG100::tTrace::_mutex", which is kept until the stream is destroyed; when it cannot be
   // opened the switch is on all the same, nothing is locked, and the next enableMutex tries again.
-  // Both wait, without limit, until no other thread holds that lock: that is, for the line of
-  // another thread that was opened while the mutex was on, in this stream or another. A line that
-  // was opened while the mutex was off holds nothing and is not waited for; it may still mix with
-  // the first lines behind enableMutex. IRQL <= APC_LEVEL.
+  // Both wait, without limit but for a put that does not return (above), until no other thread
+  // holds that lock: that is, for the line of another thread that was opened while the mutex was
+  // on, in this stream or another. A line that was opened while the mutex was off holds nothing and
+  // is not waited for; it may still mix with the first lines behind enableMutex. IRQL <= APC_LEVEL.
   void enableMutex();
   void disableMutex();
   u32 mutexIsEnabled() const;
@@ -267,6 +268,10 @@ class OXDIAG_API tTrace : public tConfigurable {
   // which are text unless they are volatile.
   tTrace& put(void const* address);
   tTrace& put(void const volatile* address);
+  template <class tResult, class... tArguments>
+  tTrace& put(tResult (*function)(tArguments...)) {
+    return put(reinterpret_cast<void const*>(function));
+  }
 
   // Appends the address that the memory block reference points to, in radix 16.
   tTrace& put(tMemBlockReferenceTemplate<char>& block);

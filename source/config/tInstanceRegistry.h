@@ -19,8 +19,9 @@ struct tHandleRange {
 };
 
 // Any thread may call any function of a built registry; each holds the lock of the registry while
-// it runs, for O(log n) steps with n handles out. IRQL <= APC_LEVEL, above which the lock's
-// kStatusSyncIrqlTooHigh is the only effect.
+// it runs, for O(log n) steps with n handles out; behind the end of the range acquire also passes
+// every handle that is still out in front of the next free one, O(log n) each. IRQL <= APC_LEVEL,
+// above which the lock's kStatusSyncIrqlTooHigh is the only effect.
 class OXDIAG_API tInstanceRegistry {
  public:
   // The one of the module.

@@ -28,6 +28,10 @@ void logGivenUpSwitch(u32 thread) {
   }
 }
 
+void logGivenUpMutex(u32 thread) {
+  log("the line mutex is not switched", thread, "the put of its line");
+}
+
 void logForcedLeave(u32 thread) {
   log("a trace destination that is destroyed is no longer used", thread, "its put");
 }

@@ -10,6 +10,9 @@ namespace nOXDIAG100 {
 // thread does not end, and then that one is named, as far as the streams know it.
 void logGivenUpSwitch(u32 thread);
 
+// enableMutex or disableMutex has changed nothing.
+void logGivenUpMutex(u32 thread);
+
 // That a destination that is destroyed was taken off its streams though `thread` is within its put.
 void logForcedLeave(u32 thread);
 

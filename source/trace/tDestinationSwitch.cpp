@@ -79,22 +79,27 @@ iTraceDestination* tDestinationSwitch::giveUp() const {
 }
 
 iTraceDestination* tDestinationSwitch::change(tFormerSettings& settings) {
+  stream.slot.isOpenedWithin = false;
   closeFormer();
   if (next == nullptr) return fallBack(settings);
   moveTo(*next);
   if (!isNextOpen()) return fallBack(settings);
   stream.slot.hasTaken = true;
+  stream.slot.isOpenedWithin = true;
   return former == nullptr ? &getDebugger() : former;
 }
 
 void tDestinationSwitch::closeFormer() {
-  isFormerClosed = next == former || tLiveStreams::findUser(*former, &stream) == nullptr;
-  if (isFormerClosed) former->close();
+  bool const isLast = tLiveStreams::findUser(*former, &stream) == nullptr;
+  if (isLast || next == former) former->close();
 }
 
+// Other streams may have taken the destination, or left it, from a put or a close since it was
+// looked who uses it.
 bool tDestinationSwitch::isNextOpen() {
-  if (sharing == kSharedAsItIs) return true;
-  return sharing == kNotShared || next == former ? open(next) : isNextOpenAnew();
+  bool const isUsed = tLiveStreams::findUser(*next, &stream) != nullptr;
+  if (sharing != kSharedAndMoved) return isUsed || open(next);
+  return next == former || !isUsed ? open(next) : isNextOpenAnew();
 }
 
 // What other streams use comes back to them with its settings of before, if it can be opened at
@@ -117,12 +122,17 @@ bool tDestinationSwitch::open(iTraceDestination* const& place) {
   return isOpen;
 }
 
-// The stream may be elsewhere than this switch has left it, through one within.
+// The stream may be elsewhere than this switch has left it, through one within. What was opened
+// there is closed first, which may switch once more, but not without end.
 void tDestinationSwitch::moveTo(iTraceDestination& place) {
-  iTraceDestination* const left = stream.getDestination();
+  for (u32 count = 0; count < tStreamHold::kMostWithinEachOther; ++count) {
+    if (!stream.slot.isOpenedWithin) break;
+    stream.slot.isOpenedWithin = false;
+    iTraceDestination* const left = stream.getDestination();
+    if (tLiveStreams::findUser(*left, &stream) == nullptr) left->close();
+  }
+  stream.slot.isOpenedWithin = false;
   stream.slot.install(place);
-  bool const isKnown = left == former || left == next || left == &place;
-  if (!isKnown && tLiveStreams::findUser(*left) == nullptr) left->close();
 }
 
 iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {
@@ -136,13 +146,12 @@ iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {
 }
 
 bool tDestinationSwitch::isFormerBack(tFormerSettings& settings) {
-  bool const wasReached = stream.getDestination() == former && next != former;
   moveTo(*former);
-  bool const isOpen = next != former && tLiveStreams::findUser(*former, &stream) != nullptr;
-  if (!isFormerClosed || isOpen) return true;
-  if (wasReached) former->close();
+  if (next != former && tLiveStreams::findUser(*former, &stream) != nullptr) return true;
   settings.restore(*former);
-  return former != nullptr && open(former);
+  bool const isBack = former != nullptr && open(former);
+  stream.slot.isOpenedWithin |= isBack;
+  return isBack;
 }
 
 iTraceDestination* tDestinationSwitch::announceUnchanged() {

@@ -59,7 +59,6 @@ class tDestinationSwitch {
   iTraceDestination* former;  // null once it has been destroyed, as next
   iTraceDestination* next;
   tSharing const sharing;
-  bool isFormerClosed = false;
   u32 within = 0;  // the thread that was not waited for any longer
   tStreamHold hold;
   tDestinationSwitch* const outer;  // the one that this one lies within

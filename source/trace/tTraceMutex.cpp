@@ -1,10 +1,54 @@
 #include "oxdiagk/tTrace.h"
+#include "trace/switchEvents.h"
+#include "trace/tLiveStreams.h"
+#include "trace/tPatience.h"
 #include "trace/tStreamLock.h"
+#include "trace/tTextsOnTheWay.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
+namespace {
+
+constexpr u32 kBetweenLooks = 100;  // milliseconds
+
+// A line whose put does not come out does not end.
+bool isLineStuck() {
+  u32 const owner = tLiveStreams::findLineOwner();
+  return owner != 0 && tTextsOnTheWay::isWithin(owner, nullptr);
+}
+
+// The line lock, held for a scope by who switches the mutex under the streams' lock: others wait
+// for that one, the end of the module among them, so the wait for a stuck line is given up.
+class tSwitchLock {
+ public:
+  explicit tSwitchLock(iSync* lock) : lock(lock), status(lock == nullptr ? 0 : await(*lock)) {}
+  ~tSwitchLock() {
+    if (lock != nullptr && status >= 0) lock->release();
+  }
+  tSwitchLock(tSwitchLock const&) = delete;
+  tSwitchLock& operator=(tSwitchLock const&) = delete;
+
+  bool isGivenUp() const { return status == kStatusSyncTimeout; }
+
+ private:
+  static i32 await(iSync& lock) {
+    tPatience const patience;
+    for (;;) {
+      i32 const status = lock.acquire(kBetweenLooks);
+      if (status != kStatusSyncTimeout) return status;
+      if (!patience.isOver() || !isLineStuck()) continue;
+      logGivenUpMutex(tLiveStreams::findLineOwner());
+      return status;
+    }
+  }
+
+  iSync* const lock;
+  i32 const status;
+};
+
+}  // namespace
 
 void tTrace::openMutex() {
   if (mutexObject != nullptr) return;
@@ -28,15 +72,15 @@ void tTrace::enableMutex() {
   tStreamGuard const guard(*this);
   if (!guard.isHeld()) return;
   openMutex();
-  tSyncLock const lock(mutexObject);
-  store(mutex, 1);
+  tSwitchLock const lock(mutexObject);
+  if (!lock.isGivenUp()) store(mutex, 1);
 }
 
 void tTrace::disableMutex() {
   tStreamGuard const guard(*this);
   if (!guard.isHeld()) return;
-  tSyncLock const lock(mutexObject);
-  store(mutex, 0);
+  tSwitchLock const lock(mutexObject);
+  if (!lock.isGivenUp()) store(mutex, 0);
 }
 
 u32 tTrace::mutexIsEnabled() const {

@@ -47,7 +47,10 @@ tTraceOptionReader::tTraceOptionReader(tTrace& trace, int argc, char** argv)
     : trace(trace), filter(trace.getFilter()), next(argv), end(argv + countWords(argc, argv)) {
 }
 
+// Who does not come out of a put, or does not end a line, is waited for once, and not by every
+// option again.
 void tTraceOptionReader::read() {
+  tPatienceScope const patienceOfAll;
   while (!isAtEnd()) readOption(takeWord());
   apply();
 }
@@ -100,12 +103,16 @@ void tTraceOptionReader::readSwitchValue(u32 index) {
   switches[index] = said == tOnOff::kOff ? kOff : kOn;
   if (!isFiltered || said != tOnOff::kNeither) return;
   tStreamHold hold;
-  hold.holdLines(trace, tPatience());
+  holdLines(hold);
   if (value == nullptr) {
     filter->removeField(field);
   } else {
     filter->addTerm(value, tTraceFilter::kAnd, field);
   }
+}
+
+void tTraceOptionReader::holdLines(tStreamHold& hold) {
+  if (!hold.holdLines(trace, tPatience())) tPatience::setExhausted(true);
 }
 
 void tTraceOptionReader::readWidth() {
@@ -122,7 +129,7 @@ void tTraceOptionReader::readFilter() {
   char const* const expression = takeValue();
   if (filter == nullptr) return;
   tStreamHold hold;
-  hold.holdLines(trace, tPatience());
+  holdLines(hold);
   if (expression == nullptr) {
     filter->removeAll();
   } else {
@@ -143,7 +150,10 @@ void tTraceOptionReader::readDestination() {
   int const wordCount = static_cast<int>(next - words);
   bool const isConfigured =
       wordCount != 0 && tTrace::configureDestination(*chosen, wordCount, words);
-  if (wordCount != 0 && !isConfigured) return;
+  if (wordCount != 0 && !isConfigured) {
+    tPatience::setExhausted(true);
+    return;
+  }
   destinationIsChanged = isConfigured || (destinationIsChanged && destination == chosen);
   destination = chosen;
 }

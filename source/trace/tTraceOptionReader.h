@@ -5,6 +5,8 @@
 
 namespace nOXDIAG100 {
 
+class tStreamHold;
+
 // Reads one list of option words into a trace stream. The filter, the mutex token and the options
 // of a destination take effect as they are read, everything else after the last word.
 class tTraceOptionReader {
@@ -28,6 +30,7 @@ class tTraceOptionReader {
   void readFilter();
   void readDestination();
   void readTokens();
+  void holdLines(tStreamHold& hold);
 
   void apply();
   void applyMutex();

@@ -171,6 +171,12 @@ TEST(TracePut, PointerToSomethingVolatileIsPutAsItsAddress) {
   EXPECT_STREQ(line.end(), "0x10 0x20 0x0 0x30\n");
 }
 
+TEST(TracePut, PointerToAFunctionIsPutAsItsAddress) {
+  tLine line;
+  line.trace.put(reinterpret_cast<i32 (*)(char const*)>(u64{0x10}));
+  EXPECT_STREQ(line.end(), "0x10\n");
+}
+
 TEST(TracePut, WideTextIsPutAsTheLowBytesOfItsUnitsUpToItsTerminator) {
   tLine line;
   wchar_t changeable[] = L"Slot \x0141\x20AC\x00E9\0behind";

@@ -203,3 +203,30 @@ TEST(TraceSharedDestination, FileThatASecondStreamCannotMoveStaysWhereItIs) {
   EXPECT_TRUE(file.read());
   EXPECT_STREQ(file.getText(), "still here\r\n");
 }
+
+// Sends another stream to a destination from its put, once.
+class tPassingDestination : public tRecordingDestination {
+ public:
+  using tRecordingDestination::put;
+  using tRecordingDestination::tRecordingDestination;
+  tPassingDestination& put(char const*, unsigned int) override {
+    if (other != nullptr)
+      __atomic_exchange_n(&other, nullptr, __ATOMIC_RELAXED)->setDestination(*to);
+    return *this;
+  }
+
+  tTrace* other = nullptr;
+  iTraceDestination* to = nullptr;
+};
+
+TEST(TraceSharedDestination, IsOpenedOnceThoughAPutSendsAnotherStreamThereMeanwhile) {
+  tTwoStreams two;
+  tPassingDestination passing{1};
+  two.first.setDestination(passing);
+  passing.other = &two.second;
+  passing.to = &two.shared;
+  two.first.enable();
+  two.first.setDestination(two.shared);
+  EXPECT_STREQ(two.shared.events(), "open ");
+  two.first.setDestination(*debuggerPrint());
+}

@@ -283,3 +283,39 @@ TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
   EXPECT_EQ(end.wait_for(kLongEnough), std::future_status::ready);
   writer.join();
 }
+
+TEST_F(StuckPut, ALockedLineThatIsStuckHoldsUpNoPop) {
+  tKeptLines kept;
+  tOwnTrace trace(sticky);
+  tOwnTrace other(kept);
+  trace.configure("--mutex on");
+  trace.pushConfiguration();
+  tStuckThread stuck(sticky, [&trace] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine).put("stuck").endl();
+  });
+  std::future<void> const pop =
+      std::async(std::launch::async, [&trace] { trace.popConfiguration(); });
+  bool const isOver = pop.wait_for(std::chrono::seconds(5)) == std::future_status::ready;
+  std::string const inquired = isOver ? inquiredText(other) : "";
+  stuck.letGo();
+  EXPECT_TRUE(isOver);
+  EXPECT_NE(inquired, "");
+  EXPECT_NE(events.read().find("the line mutex is not switched: " + nameOf(sticky.thread)),
+            std::string::npos)
+      << events.read();
+}
+
+TEST_F(StuckPut, AListOfOptionsWaitsOnce) {
+  tOwnTrace trace(sticky);
+  trace.configure("--mutex on");
+  tStuckThread stuck(sticky, [&trace] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine).put("stuck").endl();
+  });
+  std::string filters;
+  for (int count = 0; count < 40; ++count) filters += "--filter verbosity>=1 ";
+  std::future<void> const configuration =
+      std::async(std::launch::async, [&] { trace.configure(filters.c_str()); });
+  bool const isOver = configuration.wait_for(std::chrono::seconds(2)) == std::future_status::ready;
+  stuck.letGo();
+  EXPECT_TRUE(isOver);
+}
