@@ -41,7 +41,8 @@ class tParentDevice final : public iChildBus, public LIST_ENTRY {
   // is linked to it. IRQL <= DISPATCH_LEVEL.
   void askForRelations();
 
-  // The request with that report has ended. PASSIVE_LEVEL.
+  // The request with that report has ended below the bus. A driver above that fails it afterwards
+  // is not seen: its children count as known to the system. PASSIVE_LEVEL.
   void settle(tChildReport& report, bool isSuccess);
 
   // The bus goes: no child is made any more, and all are let go. In order, those that are not

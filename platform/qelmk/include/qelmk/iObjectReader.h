@@ -44,7 +44,9 @@ class iObjectReader {
   //
   // A count that passes may still be a lie. Room is made item by item as they are read, never for
   // the whole count: an element may take more memory than the least that it takes of the stream,
-  // and objects that lie in one another can all claim the same bytes.
+  // and objects that lie in one another can all claim the same bytes. What lists take in memory is
+  // bounded by the sizes of the numbers that are read: of a stream that packs them into fewer bytes
+  // than they have, it is that many times more.
   virtual u64 getMostItems() const = 0;
 
   // After a readObject that failed: whether the reader is behind the object all the same, so that

@@ -45,8 +45,9 @@ class iDeviceHandler {
   // STATUS_UNSUCCESSFUL for every other.
   virtual void start(i32& status) = 0;
 
-  // The device goes: told once, by surprise or in order, before its memory does. Of a child it is
-  // the last call ("vexk/iChildBus.h").
+  // The device goes: called once, by surprise or in order, before its memory does. Of a child it is
+  // the last call ("vexk/iChildBus.h"); `isSurprise` is then true only if the last that the child
+  // saw was a surprise removal of its own, whatever has become of its bus.
   virtual void stop(bool isSurprise) = 0;
 
   // Whether the device is a child that a bus has made; otherwise it is one of the platform's own.
