@@ -53,6 +53,7 @@ class OXDIAG_API tWideTextList : public _STL::failure_state {
   tWideTextList() = default;
 
   // hasFailed tells whether the copy could be made; a failed copy is empty.
+  // NOLINTNEXTLINE(bugprone-copy-constructor-init): the other's failure is not this one's.
   tWideTextList(tWideTextList const& other) noexcept : failure_state() { copy(other); }
   tWideTextList& operator=(tWideTextList const& other) noexcept {
     if (this != &other) copy(other);

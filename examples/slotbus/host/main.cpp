@@ -113,7 +113,7 @@ std::optional<std::string> connectPort(tDemoOptions const& options, tOptionWordL
 std::optional<std::string> connectDevices(tDemoOptions const& options, tSerialPort& serialPort,
                                           tEndWatch* watch) {
   tOptionWordList const words(options.trace);
-  if (auto const problem = connectDrive(options, words)) return problem;
+  if (auto problem = connectDrive(options, words)) return problem;
   return connectPort(options, words, serialPort, watch);
 }
 

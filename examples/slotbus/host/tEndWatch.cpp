@@ -46,6 +46,7 @@ tEndWatch::~tEndWatch() {
     isOver = true;
   }
   changed.notify_all();
+  // NOLINTNEXTLINE(bugprone-bad-signal-to-kill-thread): the thread waits for it.
   pthread_kill(thread.native_handle(), SIGTERM);
   thread.join();
 }

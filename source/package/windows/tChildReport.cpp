@@ -10,8 +10,9 @@ tChildReport::~tChildReport() {
 
 bool tChildReport::reserve(u32 capacity) {
   if (capacity == 0) return true;
-  children = static_cast<tChildDevice**>(
-      ExAllocatePoolWithTag(PagedPool, capacity * sizeof(tChildDevice*), kWrapperTag));
+  // NOLINTNEXTLINE(bugprone-sizeof-expression): pointers are what it keeps.
+  size_t const size = capacity * sizeof(tChildDevice*);
+  children = static_cast<tChildDevice**>(ExAllocatePoolWithTag(PagedPool, size, kWrapperTag));
   return children != nullptr;
 }
 

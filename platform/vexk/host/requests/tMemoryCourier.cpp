@@ -44,7 +44,7 @@ tMemoryCourier* tMemoryCourier::hire(pid_t process, uid_t user) {
   if (memory == nullptr) return nullptr;
   auto* const courier = new (memory) tMemoryCourier(process, user);
   if (pthread_create(&courier->thread, nullptr, run, courier) != 0) {
-    courier->release();
+    courier->references = 1;  // there is no thread that has the other one
     courier->release();
     return nullptr;
   }
