@@ -1,7 +1,7 @@
 #include "oxdiagk/assertion.h"
 
 #include "assert/assertSwitches.h"
-#include "config/optionWord.h"
+#include "config/options/optionWord.h"
 #include "oxdiagk/tTrace.h"
 #include "vexk/debug.h"
 

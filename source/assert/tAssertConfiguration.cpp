@@ -2,8 +2,8 @@
 
 #include "assert/assertSwitches.h"
 #include "assert/tAssertOptionReader.h"
-#include "config/savedSettings.h"
-#include "config/tInquiryText.h"
+#include "config/options/savedSettings.h"
+#include "config/options/tInquiryText.h"
 #include "config/tInstancePlace.h"
 #include "vexk/timerTimebase.h"
 

@@ -1,7 +1,7 @@
 #include "assert/tAssertOptionReader.h"
 
 #include "assert/assertSwitches.h"
-#include "config/optionWord.h"
+#include "config/options/optionWord.h"
 
 namespace nOXDIAG100 {
 

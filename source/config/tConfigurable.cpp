@@ -1,6 +1,6 @@
 #include "oxdiagk/tConfigurable.h"
 
-#include "config/tOptionWords.h"
+#include "config/options/tOptionWords.h"
 
 namespace nOXDIAG100 {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/tInquiryText.h"
+#include "config/options/tInquiryText.h"
 #include "oxdiagk/tConfigurationLock.h"
 #include "vexk/placementNew.h"
 
@@ -33,7 +33,7 @@ class tInstancePlace {
 
   T& get() {
     if (!__atomic_load_n(&isFilled, __ATOMIC_ACQUIRE)) fill();
-    return *reinterpret_cast<T*>(words);
+    return *__builtin_launder(static_cast<T*>(static_cast<void*>(words)));
   }
 
   // Where the object is to be built.

@@ -1,6 +1,6 @@
 #include "oxdiagk/iTraceDestination.h"
 
-#include "config/tInquiryText.h"
+#include "config/options/tInquiryText.h"
 
 namespace nOXDIAG100 {
 

@@ -1,7 +1,7 @@
 #include "oxdiagk/tFileTraceDestination.h"
 
-#include "config/optionWord.h"
-#include "config/tInquiryText.h"
+#include "config/options/optionWord.h"
+#include "config/options/tInquiryText.h"
 #include "ntos/file.h"
 #include "ntos/irql.h"
 #include "trace/findOrMake.h"

@@ -1,6 +1,6 @@
 #include "trace/tFormerSettings.h"
 
-#include "config/tOptionWords.h"
+#include "config/options/tOptionWords.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "vexk/memory.h"
 

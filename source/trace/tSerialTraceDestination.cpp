@@ -1,6 +1,6 @@
 #include "oxdiagk/tSerialTraceDestination.h"
 
-#include "config/tInquiryText.h"
+#include "config/options/tInquiryText.h"
 #include "trace/findOrMake.h"
 #include "trace/serialRates.h"
 #include "trace/tPollLimit.h"

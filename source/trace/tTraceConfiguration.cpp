@@ -1,5 +1,5 @@
-#include "config/savedSettings.h"
-#include "config/tInquiryText.h"
+#include "config/options/savedSettings.h"
+#include "config/options/tInquiryText.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"

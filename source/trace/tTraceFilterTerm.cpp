@@ -1,6 +1,6 @@
 #include "trace/tTraceFilterTerm.h"
 
-#include "config/numberText.h"
+#include "config/options/numberText.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "trace/tTraceFilterLine.h"
 #include "trace/traceFilterWords.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/tInquiryText.h"
+#include "config/options/tInquiryText.h"
 
 namespace nOXDIAG100 {
 

@@ -1,7 +1,7 @@
 #include "trace/tTraceOptionReader.h"
 
-#include "config/numberText.h"
-#include "config/optionWord.h"
+#include "config/options/numberText.h"
+#include "config/options/optionWord.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTraceFilter.h"

@@ -1,6 +1,6 @@
 // Wide text into buffers of a given size, at the sizes where something changes.
 
-#include "package/windows/boundedWideText.h"
+#include "package/windows/wdm/boundedWideText.h"
 
 #include "conformance/harness.h"
 #include "support/tWideBuffer.h"

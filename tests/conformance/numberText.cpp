@@ -1,4 +1,4 @@
-#include "config/numberText.h"
+#include "config/options/numberText.h"
 
 #include "conformance/harness.h"
 

@@ -3,7 +3,7 @@
 
 #include <cstring>
 
-#include "config/numberText.h"
+#include "config/options/numberText.h"
 #include "filter/filterModel.h"
 #include "support/fuzzing.h"
 #include "support/tExactText.h"

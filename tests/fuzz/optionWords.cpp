@@ -1,7 +1,7 @@
 // The option splitter: against a model, against the bytes of the text, and against its own words
 // quoted and split again.
 
-#include "config/tOptionWords.h"
+#include "config/options/tOptionWords.h"
 #include "ntoshost/faults.h"
 #include "support/fuzzing.h"
 #include "support/tExactText.h"

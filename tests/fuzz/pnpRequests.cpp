@@ -27,7 +27,7 @@
 
 #include "ntos/pnp.h"
 #include "ntos/wait.h"
-#include "package/windows/tChildDevice.h"
+#include "package/windows/wdm/tChildDevice.h"
 #include "support/fuzzing.h"
 #include "support/tPnpModel.h"
 #include "support/tScript.h"

@@ -2,7 +2,7 @@
 
 #include "package/windows/lifeEvents.h"
 #include "package/windows/moduleRecord.h"
-#include "package/windows/wdmWrapperState.h"
+#include "package/windows/wdm/wdmWrapperState.h"
 
 using namespace nOXDIAG100;
 

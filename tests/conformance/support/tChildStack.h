@@ -2,7 +2,7 @@
 
 // A started bus with one child, for tests of what the child answers.
 
-#include "package/windows/tChildDevice.h"
+#include "package/windows/wdm/tChildDevice.h"
 #include "support/tBusStack.h"
 
 class tChildStack : public tBusStack {

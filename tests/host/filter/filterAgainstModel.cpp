@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "config/numberText.h"
+#include "config/options/numberText.h"
 #include "filterModel.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "randomFilters.h"

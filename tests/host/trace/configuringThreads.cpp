@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "config/savedSettings.h"
+#include "config/options/savedSettings.h"
 #include "keptLines.h"
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tCTFTraceDestination.h"

@@ -9,7 +9,7 @@
 
 #include "ntos/wait.h"
 #include "ntoshost/time.h"
-#include "package/windows/tChildDevice.h"
+#include "package/windows/wdm/tChildDevice.h"
 #include "trace/startedModules.h"
 #include "wdm/tPnpBus.h"
 
