@@ -26,6 +26,11 @@ char const* const kTexts[] = {
     "a text of such a length that a conversion of it is wider than most of the widths are"};
 wchar_t const* const kWideTexts[] = {L"", L"wide", L"rack \x0141\x20AC", L"two\nwide lines"};
 
+constexpr char kLongName[] =
+    "a name of a component that is longer than the prefix is wide, and longer than two of them, "
+    "so that it alone fills a line when it is not cut: it has more than two hundred and fifty "
+    "five characters, as this one has, which goes on and on until there are enough of them";
+
 // An object that writes itself.
 class tDevice : public nOXDIAG100::iTraceable {
  public:
@@ -84,16 +89,8 @@ std::string tRandomUser::makeText() {
 }
 
 char const* tRandomUser::name() {
-  static char const* const names[] = {
-      "slotbus",
-      "rack",
-      "",
-      nullptr,
-      "a-name--with] dashes",
-      "two\nlines",
-      "a name of a component that is longer than the prefix is wide, and longer than two of them, "
-      "so that it alone fills a line when it is not cut: it has more than two hundred and fifty "
-      "five characters, as this one has, which goes on and on until there are enough of them"};
+  static char const* const names[] = {"slotbus",    "rack",   "", nullptr, "a-name--with] dashes",
+                                      "two\nlines", kLongName};
   return random.of(names);
 }
 
