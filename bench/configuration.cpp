@@ -4,22 +4,11 @@
 #include <benchmark/benchmark.h>
 
 #include "ntoshost/executive.h"
+#include "optionTexts.h"
 #include "tBenchStream.h"
 #include "tFloorConfiguration.h"
 
 namespace {
-
-constexpr char kSettings[] =
-    "--off --on --compname on --compver off --linenumber on --filename on --filepath off "
-    "--threadid off --timestamp off --timedelta off --verbosity off --indent on --truncation on "
-    "--mutex off --prefixwidth 50 --filter verbosity>=100";
-constexpr int kSettingCount = 16;
-
-constexpr char kEveryOption[] =
-    "--off --on --compname on --compver off --linenumber on --filename on --filepath off "
-    "--threadid off --timestamp off --timedelta off --verbosity off --indent on --truncation on "
-    "--mutex off --prefixwidth 50 --filter verbosity>=100 --destination vex --calibrate "
-    "--mutex-kernel-token 5:0";
 
 void dropPrint(void*, char const*, size_t) {
 }

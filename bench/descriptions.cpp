@@ -14,66 +14,18 @@
 
 #define OXDIAG_COMPONENT "slotbus"
 
-#include "oxdiagk/iReportableTranslator.h"
 #include "oxdiagk/statusMacros.h"
-#include "oxdiagk/tIntrinsicTypeReportable.h"
 #include "oxdiagk/tStatus2Description.h"
+#include "reportItems.h"
+#include "tPlainTranslator.h"
 #include "vexk/memory.h"
 
-using nOXDIAG100::tIntrinsicTypeReportable;
 using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
 
 namespace {
 
 constexpr i32 kCode = -61007;
-
-_STL::wstring decimal(i64 value) {
-  wchar_t digits[24];
-  u32 first = 24;
-  do {
-    digits[--first] = static_cast<wchar_t>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  return _STL::wstring(digits + first, 24 - first);
-}
-
-// "item 0: 17; item 1: 17 ..."
-class tPlainTranslator final : public nOXDIAG100::iReportableTranslator {
- public:
-  nQELM100::tObject const* getFrameworkObject(tStatus2&) const override { return nullptr; }
-  _STL::wstring translateU32(u32 value, tStatus2&) const override { return decimal(value); }
-  _STL::wstring translateU64(u64 const&, tStatus2&) const override { return {}; }
-  _STL::wstring translateWideString(_STL::wstring const& value, tStatus2&) const override {
-    return value;
-  }
-  _STL::wstring translateI32(i32 value, tStatus2&) const override { return decimal(value); }
-  _STL::wstring translateReserved(i32, tStatus2&) const override { return {}; }
-  _STL::wstring getValueSeparator(tStatus2&) const override { return _STL::wstring(L", "); }
-  _STL::wstring translateUsageType(i32 usageType, tStatus2&) const override {
-    _STL::wstring text(L"item ");
-    text.append(decimal(usageType));
-    return text;
-  }
-  _STL::wstring getItemSeparator(tStatus2&) const override { return _STL::wstring(L"; "); }
-  _STL::wstring getListPrefix(tStatus2&) const override { return _STL::wstring(L": "); }
-  _STL::wstring getRangeSeparator(tStatus2&) const override { return {}; }
-  void applyTitle(_STL::wstring&, tStatus2&) const override {}
-  _STL::wstring translateGUID(nQELM100::tGUID const&, tStatus2&) const override { return {}; }
-  _STL::wstring translatePropertyID(i32, tStatus2&) const override { return {}; }
-  _STL::wstring translateEnumValue(i32, i32, tStatus2&) const override { return {}; }
-  void reserved1() const override {}
-  void reserved2() const override {}
-  void reserved3() const override {}
-  void reserved4() const override {}
-};
-
-void addItems(tStatus2Description& description, u32 count, tStatus2& status) {
-  for (u32 index = 0; index < count; ++index) {
-    description.addReportItem(static_cast<i32>(index), tIntrinsicTypeReportable<u32>(17u, status),
-                              status);
-  }
-}
 
 void describeOurs(benchmark::State& state, u32 count) {
   for ([[maybe_unused]] auto run : state) {

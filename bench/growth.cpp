@@ -8,11 +8,11 @@
 
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tAssertConfiguration.h"
-#include "oxdiagk/tIntrinsicTypeReportable.h"
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/tStatus2Description.h"
 #include "oxdiagk/tStatus2Heap.h"
 #include "oxdiagk/tTraceFilter.h"
+#include "reportItems.h"
 
 using namespace nOXDIAG100;
 
@@ -95,13 +95,6 @@ void giveHandleBack(benchmark::State& state) {
     if (middle == kNoHandle) state.SkipWithError("no handle");
   }
   for (u32 const handle : handles) releaseInstance(handle);
-}
-
-void addItems(tStatus2Description& description, u32 count, tStatus2& status) {
-  for (u32 index = 0; index < count; ++index) {
-    description.addReportItem(static_cast<i32>(index), tIntrinsicTypeReportable<u32>(17u, status),
-                              status);
-  }
 }
 
 void describe(benchmark::State& state) {

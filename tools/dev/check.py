@@ -7,6 +7,7 @@ import workshop
 
 sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
+import budget  # noqa: E402
 import compileChecks  # noqa: E402
 import control  # noqa: E402
 import demos  # noqa: E402
@@ -39,6 +40,7 @@ STEPS = {
                    lambda: programs.check("host-clang", "host_tests")),
     "host-tsan": ("thread tests, g++, thread sanitizer",
                   lambda: programs.check("host-tsan", "thread_tests", "thread")),
+    "budget": ("the instructions of the library's paths", budget.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, sections, PDB, version", images.check),

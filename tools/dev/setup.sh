@@ -13,6 +13,7 @@ windows=(clang lld llvm)                             # the modules and their ins
 wine=(wine wine64)                                   # the kernel interface they run in
 bare=(clang lld llvm qemu-system-x86)                # the emulated PC and its images
 peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)
+counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
 
@@ -20,11 +21,12 @@ packages_for() {
   case "$1" in
     demo) echo "${host[@]}" ;;
     bench) echo "${host[@]}" "${peers[@]}" ;;
+    budget) echo "${host[@]}" "${counting[@]}" ;;
     kernel) echo "${host[@]}" "${windows[@]}" "${wine[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
-      "${bare[@]}" "${peers[@]}" "${mingw[@]}" "${lint[@]}" ;;
+      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" ;;
     *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
   esac
 }
