@@ -51,7 +51,6 @@ class OXDIAG_API tBlockTracer {
  private:
   void writeEntry(void const* object);
   void writeExit();
-  void putStatus(char const* end);
 
   char* component;
   tSSVersion version;

@@ -14,12 +14,12 @@ class iTraceDestination;
 // then; what the thread that shut it writes goes to whatever is current.
 //
 // Any thread may send at any IRQL that the destination allows. Everything else but get() is called
-// by the holder of the lock that all streams configure under. No constructor runs for a slot of
-// zeros: it has no destination and drops every text.
+// by the holder of the lock that all streams configure under.
 class OXDIAG_API tDestinationSlot {
  public:
-  tDestinationSlot() = default;
-  explicit tDestinationSlot(iTraceDestination& first) : current(&first) {}
+  // `current` is a member of the stream: the destination, or null in a stream at rest, which drops
+  // every text.
+  explicit tDestinationSlot(iTraceDestination*& current) : current(current) {}
   tDestinationSlot(tDestinationSlot const&) = delete;
   tDestinationSlot& operator=(tDestinationSlot const&) = delete;
 
@@ -27,7 +27,6 @@ class OXDIAG_API tDestinationSlot {
   // the thread is within too many puts already.
   void send(char const* text, u32 length);
 
-  // Null only in a slot of zeros.
   iTraceDestination* get() const { return __atomic_load_n(&current, __ATOMIC_SEQ_CST); }
 
   // From here on texts go there. Does not wait for those that are on the way elsewhere.
@@ -46,9 +45,8 @@ class OXDIAG_API tDestinationSlot {
 
  private:
   bool isOpenTo(u32 thread) const;
-  iTraceDestination* direct(u32 place, u32 thread) const;
 
-  iTraceDestination* current = nullptr;
+  iTraceDestination*& current;
   u32 shutter = 0;  // the thread that has shut the slot, 0 while it is open
   u32 holders = 0;  // a bit for each of its switches within each other that did
 };

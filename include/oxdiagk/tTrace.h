@@ -1,14 +1,11 @@
 #pragma once
 
 #include "oxdiagk/tConfigurable.h"
-#include "oxdiagk/tConfigurationLock.h"
-#include "oxdiagk/tDestinationSlot.h"
+#include "oxdiagk/tTraceParts.h"
+#include "oxdiagk/tTraceSite.h"
 #include "stl/string.h"
-#include "stl/vector.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
 #include "vexk/tSSVersion.h"
-
-class iSync;
 
 namespace nOXDIAG100 {
 
@@ -16,7 +13,6 @@ class iTraceable;
 class iTraceDestination;
 class tInquiryText;
 class tStatus2;
-class tTraceFilter;
 
 // The processor's time stamp counter, in ticks; the clock of every line time. Any IRQL.
 OXDIAG_API u64 readTimeStampCounter();
@@ -127,29 +123,35 @@ class OXDIAG_API tTrace : public tConfigurable {
 
   // Whether text put now is written: the stream is enabled and the filter passed the current line.
   // Lets an author skip work for a line that nobody sees; the line still needs its endl.
-  bool isLineShown() const { return isWriting(); }
+  bool isLineShown() const { return parts.isWriting(); }
 
-// clang-format off
-#define OXDIAG_TRACE_SWITCH(Name, name)             \
-  void enable##Name() { change(name, 1); }          \
-  void disable##Name() { change(name, 0); }         \
-  u32 name##IsEnabled() const { return load(name); }
+#define OXDIAG_TRACE_SWITCH(Name, name, place, atStart, word, field) \
+  void enable##Name() {                                              \
+    parts.turn(tLineShape::k##Name, true);                           \
+  }                                                                  \
+  void disable##Name() {                                             \
+    parts.turn(tLineShape::k##Name, false);                          \
+  }                                                                  \
+  u32 name##IsEnabled() const {                                      \
+    return parts.getShape().isOn(tLineShape::k##Name) ? 1 : 0;       \
+  }
 
-  // The switches of the prefix, and its shape. Each line stands for three operations, as in
+  // The switches of the prefix, and its shape. Each stands for three operations, as in
   // enableTimeStamp(), disableTimeStamp(), timeStampIsEnabled(); a query returns 1 or 0.
-  OXDIAG_TRACE_SWITCH(ComponentName, componentName)        // on: the component's name
-  OXDIAG_TRACE_SWITCH(ComponentVersion, componentVersion)  // off: its version
-  OXDIAG_TRACE_SWITCH(LineNumber, lineNumber)              // on: the source line
-  OXDIAG_TRACE_SWITCH(FileName, fileName)                  // on: the source file
-  OXDIAG_TRACE_SWITCH(FilePath, filePath)                  // off: the file with its path
-  OXDIAG_TRACE_SWITCH(TimeStamp, timeStamp)                // off: counter ticks at the prefix
-  OXDIAG_TRACE_SWITCH(TimeDelta, timeDelta)                // off: ticks since the line before
-  OXDIAG_TRACE_SWITCH(Verbosity, verbosity)                // off: the level of the line
-  OXDIAG_TRACE_SWITCH(ThreadId, threadId)                  // off: the current thread
-  OXDIAG_TRACE_SWITCH(Indenting, indenting)                // on: two blanks a nesting level
-  OXDIAG_TRACE_SWITCH(Truncation, truncation)              // on: cut fields to the prefix width
+  //
+  //   ComponentName     on   the component's name
+  //   ComponentVersion  off  its version
+  //   LineNumber        on   the source line
+  //   FileName          on   the source file
+  //   FilePath          off  the file with its path
+  //   ThreadId          off  the current thread
+  //   TimeStamp         off  counter ticks at the prefix
+  //   TimeDelta         off  ticks since the line before
+  //   Verbosity         off  the level of the line
+  //   Indenting         on   two blanks a nesting level
+  //   Truncation        on   cut fields to the prefix width
+  OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_NO_SWITCH)
 #undef OXDIAG_TRACE_SWITCH
-  // clang-format on
 
   // The line mutex; off at the start. The first enableMutex opens the platform's lock
   // "nOXDIAG100::tTrace::_mutex", which is kept until the stream is destroyed; when it cannot be
@@ -211,6 +213,23 @@ class OXDIAG_API tTrace : public tConfigurable {
                     unsigned int verbosity, tTraceType type);
   tTrace& putPrefix(char* component, tSSVersion version, unsigned int line, char* file,
                     unsigned int verbosity, tTraceType type);
+
+  // Opens a line of a place in the source, as putPrefix does, if it is shown: then it is the
+  // stream, and the caller puts the line's text and ends it with endl. For a line that is not shown
+  // null: it is ended already, and nothing is to be put. The counter is not read at the line's
+  // beginning unless a field shows a time. `type` is no block for the macros of single lines; a
+  // block is nested whether it is shown or not.
+  //
+  // The prefix of a site costs a copy while the stream shows the fields that it shows at the start.
+  tTrace* openLine(tTraceSite const& site, u32 verbosity) {
+    if (!parts.isSurelyHidden(verbosity)) return openSite(site, verbosity, kTraceLine);
+    parts.clock.end();
+    return nullptr;
+  }
+  tTrace* openLine(tTraceSite const& site, u32 verbosity, tTraceType type) {
+    return openSite(site, verbosity, type);
+  }
+  tTrace* openLine(tLineOrigin const& origin, u32 verbosity, tTraceType type = kTraceLine);
 
   // Writes the names of the enabled fields in the order of the prefix, as a legend:
   // "tTrace::putPrefixPrototype=[compname--linenumber--filename]". Opens and ends no line.
@@ -410,127 +429,32 @@ class OXDIAG_API tTrace : public tConfigurable {
   explicit tTrace(iTraceDestination& first);
 
   // The module's stream before and after its life.
-  explicit tTrace(tAtRest) : filter(nullptr), enabled(0) {
+  explicit tTrace(tAtRest) : parts(tAtRest()) {
+  }
+
+  // The times of this stream's lines, and the ticks that hidden lines carry into the next delta.
+  tLineClock& getClock() {
+    return parts.clock;
+  }
+  u64& getCarriedDelta() {
+    return parts.carriedDelta;
   }
 
  private:
-  friend class iTraceDestination;   // takes the streams off a destination that goes
-  friend class tDestinationSwitch;  // moves the stream from one destination to another
-  friend class tLiveStreams;        // keeps the list of streams
-  friend class tStreamGuard;        // looks whether the stream is built
-  friend class tStreamHold;         // holds the stream's lines while destinations change
-  friend class tTraceCalibration;   // reads the times of lines
-  friend class tTraceOptionReader;  // applies option words
-  friend class tTracePrefix;        // writes prefixes and keeps the times
-  friend class tTraceSwitchTable;   // knows the option word of every switch
-
-  static constexpr u32 kLineBufferSize = 256;
-  static constexpr u32 kTraceTypeCount = 3;
-
-  // A word that one thread reads while another stores it. There is no order among such words.
-  template <class T>
-  static T load(T const& word) {
-    return __atomic_load_n(&word, __ATOMIC_RELAXED);
-  }
-  template <class T, class V>
-  static void store(T& word, V value) {
-    __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_RELAXED);
-  }
-
-  // A stream that is built has a destination.
-  bool isBuilt() const {
-    return slot.get() != nullptr;
-  }
-  void change(u32& word, u32 value) {
-    if (isBuilt()) store(word, value);
-  }
-  bool isWriting() const {
-    return load(enabled) != 0 && load(lineSuppressed) == 0;
-  }
+  tTrace* openSite(tTraceSite const& site, u32 verbosity, tTraceType type);
   void append(char const* text);
-  void append(char const* text, u64 length);
-  char* appendCharacter(char character, char* position);
-  char* flush(char const* end);
+  void append(char const* text, u64 length) {
+    parts.append(text, length);
+  }
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendSigned(i64 value, u32 radix);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
-
+  bool isWriting() const {
+    return parts.isWriting();
+  }
   void end();
-  void writeSettings(tInquiryText& text);
 
-  // Switches of destinations. With `isChanged`, the settings of `next` have changed, so that it is
-  // opened anew though other streams use it. configureDestination is false when it was given up.
-  iTraceDestination* switchTo(iTraceDestination& next, bool isChanged);
-  static bool configureDestination(iTraceDestination& chosen, int argc, char** argv);
-  void announce(char const* text, char const* rest = "");
-
-  // Waits for the threads that are handing a text over; false when that was given up.
-  bool awaitTexts();
-  void leaveDestination();
-
-  // Sends all streams that use a destination back to the debugger. False when a thread may still be
-  // within it, and it was not closed.
-  static bool takeOffStreams(iTraceDestination& leaving);
-  bool isTakenOff(iTraceDestination& leaving);
-
-  enum tLineStart { kLineIsLocked, kLineIsNotLocked, kLineTimedOut };
-
-  // Between them `isPassed` says whether text is written; behind them the verdict of the thread's
-  // line around this one does, if there is one. Remembers 32 lines within each other.
-  void beginVerdict(bool isPassed);
-  void endVerdict();
-
-  // Between them a line belongs to the calling thread, if the mutex switch is on and there is a
-  // mutex. `timeout` in milliseconds, or kSyncWaitForever. endLine gives back what this thread's
-  // beginLine took, whatever the switch is by then.
-  tLineStart beginLine(u32 timeout);
-  void endLine();
-  u32 getLineOwner() const;  // the thread that has the mutex for its line; 0 when there is none
-  iSync* getMutex() const;
-  void openMutex();
-  void closeMutex();
-
-  // The end of the last line is stored after its mutex is given back, so other threads may read it
-  // at that moment.
-  u64 getLastLineTime() const {
-    return load(lastLineTime);
-  }
-  void setLastLineTime(u64 time) {
-    store(lastLineTime, time);
-  }
-
-  tDestinationSlot slot;
-  tTraceFilter* filter;
-  _STL::vector<char*> savedConfigurations;
-  u32 enabled = 1;
-  u32 componentName = 1;
-  u32 componentVersion = 0;
-  u32 lineNumber = 1;
-  u32 fileName = 1;
-  u32 filePath = 0;
-  u32 timeStamp = 0;
-  u32 timeDelta = 0;
-  u32 verbosity = 0;
-  u32 threadId = 0;
-  u32 mutex = 0;
-  u32 indenting = 1;
-  u32 truncation = 1;
-  u32 lineSuppressed = 0;
-  u32 minPrefixWidth = 50;
-  i32 nestingLevel = 0;
-  u64 lastLineTime = 0;
-  u64 calibrationOffsets[kTraceTypeCount] = {};  // of block entries, block exits, plain lines
-  u64 lineStartTime = 0;                         // stored once the line mutex is held
-  iSync* mutexObject = nullptr;
-  u32 mutexKernelToken[2] = {};
-  char lineBuffer[kLineBufferSize] = {};
-  char* writePosition = lineBuffer;
-  u64 carriedDelta = 0;
-  u64 hiddenLines = 0;  // a thread's open lines, see beginVerdict
-  u32 mutexOwner = 0;   // thread whose lines hold the mutex, while mutexDepth is not 0
-  u32 mutexDepth = 0;
-  u32 lineHolders = 0;           // a bit for each tStreamHold that has the mutex
-  tTrace* nextStream = nullptr;  // in the list of all streams
+  tTraceParts parts;
 };
 
 }  // namespace nOXDIAG100

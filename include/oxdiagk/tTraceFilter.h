@@ -110,6 +110,13 @@ class OXDIAG_API tTraceFilter {
   // stream: a component has no such line.
   bool evaluate(tTraceFilterLine const& line) const;
 
+  // Whether the verbosity alone hides a line; when false, evaluate() tells. Most filters are one
+  // term on the verbosity, and then this is one comparison.
+  bool isSurelyHidden(u32 verbosity) const {
+    u64 const range = __atomic_load_n(&shownRange, __ATOMIC_RELAXED);
+    return verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32);
+  }
+
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {
     u32 const fields = __atomic_load_n(&usedFields, __ATOMIC_RELAXED);
@@ -149,6 +156,7 @@ class OXDIAG_API tTraceFilter {
   tTraceFilterTerm* last = nullptr;
   tTraceFilterTerm* removed = nullptr;  // out of the list, perhaps still looked at
   u64 shortForm = 0;                    // what needs no list, see tTraceFilterShortForm
+  u64 shownRange = ~0ull;               // of a verbosity: the first that is shown, how many follow
   mutable u32 evaluations = 0;          // that walk the list at this moment
   u32 usedFields = 0;                   // a bit for each field that a term looks at
   bool failed = false;

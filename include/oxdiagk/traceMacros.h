@@ -35,7 +35,9 @@
 // IRQL and threads: as for tTrace.
 
 #include "oxdiagk/tBlockTracer.h"
+#include "oxdiagk/tSiteBlockTracer.h"
 #include "oxdiagk/tTrace.h"
+#include "vexk/compileTime.h"
 
 #ifndef OXDIAG_TRACE_STREAM
 #define OXDIAG_TRACE_STREAM ::nOXDIAG100::tTrace::getInstance()
@@ -78,19 +80,39 @@
 // clang-format off
 #define OXDIAG_TRACE(verbosity, ...)                                                             \
   do {                                                                                           \
-    ::nOXDIAG100::tTrace& oxdiagTrace_ = (OXDIAG_TRACE_STREAM).putPrefix(                        \
-        static_cast<char const*>(OXDIAG_COMPONENT), OXDIAG_COMPONENT_VERSION, __LINE__,          \
-        static_cast<char const*>(OXDIAG_TRACE_FILE), verbosity, ::nOXDIAG100::tTrace::kTraceLine); \
-    if (oxdiagTrace_.isLineShown()) oxdiagTrace_.__VA_ARGS__;                                    \
-    oxdiagTrace_.endl();                                                                         \
+    OXDIAG_TRACE_SITE(oxdiagSite_);                                                              \
+    ::nOXDIAG100::tTrace* const oxdiagTrace_ =                                                   \
+        oxdiagSite_.isSomewhere()                                                                \
+            ? (OXDIAG_TRACE_STREAM).openLine(oxdiagSite_, verbosity)                             \
+            : (OXDIAG_TRACE_STREAM).openLine(OXDIAG_TRACE_ORIGIN, verbosity);                    \
+    if (oxdiagTrace_ != nullptr) {                                                               \
+      oxdiagTrace_->__VA_ARGS__;                                                                 \
+      oxdiagTrace_->endl();                                                                      \
+    }                                                                                            \
   } while (false)
 
 #define OXDIAG_BLOCK_STATUS(verbosity, object, status)                                           \
-  ::nOXDIAG100::tBlockTracer const OXDIAG_TRACE_JOIN(oxdiagBlock_, __LINE__)(                    \
-      const_cast<char*>(static_cast<char const*>(OXDIAG_COMPONENT)), OXDIAG_COMPONENT_VERSION,   \
-      __LINE__, const_cast<char*>(static_cast<char const*>(OXDIAG_TRACE_FILE)), verbosity,       \
-      const_cast<char*>(__func__),                                                               \
-      const_cast<void*>(static_cast<void const volatile*>(object)), status, OXDIAG_TRACE_STREAM)
+  OXDIAG_BLOCK_AT(OXDIAG_TRACE_JOIN(oxdiagSite_, __LINE__),                                      \
+                  OXDIAG_TRACE_JOIN(oxdiagBlock_, __LINE__), verbosity, object, status)
+#define OXDIAG_BLOCK_AT(site, block, verbosity, object, status)                                  \
+  OXDIAG_TRACE_SITE(site);                                                                       \
+  ::nOXDIAG100::tSiteBlockTracer const block(                                                    \
+      site, site.isSomewhere() ? site.getOrigin() : OXDIAG_TRACE_ORIGIN, verbosity, __func__,    \
+      static_cast<void const volatile*>(object), status, OXDIAG_TRACE_STREAM)
+
+// What the compiler knows of this place, or the record of nowhere when it does not know all.
+#define OXDIAG_TRACE_SITE(name)                                                                  \
+  static constexpr ::nOXDIAG100::tTraceSite name =                                               \
+      VEX_IS_CONSTANT(static_cast<char const*>(OXDIAG_COMPONENT)[0]) &&                          \
+              VEX_IS_CONSTANT((OXDIAG_COMPONENT_VERSION).getPacked()) &&                         \
+              VEX_IS_CONSTANT(static_cast<char const*>(OXDIAG_TRACE_FILE)[0])                    \
+          ? ::nOXDIAG100::tTraceSite(OXDIAG_TRACE_ORIGIN)                                        \
+          : ::nOXDIAG100::tTraceSite()
+
+#define OXDIAG_TRACE_ORIGIN                                                                      \
+  ::nOXDIAG100::tLineOrigin{static_cast<char const*>(OXDIAG_COMPONENT),                          \
+                            static_cast<char const*>(OXDIAG_TRACE_FILE),                         \
+                            OXDIAG_COMPONENT_VERSION, __LINE__}
 // clang-format on
 
 #define OXDIAG_BLOCK_OBJECT(verbosity, object) \

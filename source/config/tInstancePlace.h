@@ -57,9 +57,15 @@ class tInstancePlace {
     alignas(T) u64 resting[kWordCount];
     new (resting) R;
     for (u32 index = 0; index < kWordCount; ++index) {
-      __atomic_store_n(&words[index], resting[index], __ATOMIC_RELAXED);
+      __atomic_store_n(&words[index], moved(resting[index], resting), __ATOMIC_RELAXED);
     }
     __atomic_store_n(&isFilled, true, __ATOMIC_RELEASE);
+  }
+
+  // An address within the object moves with it.
+  u64 moved(u64 word, u64 const* from) const {
+    u64 const offset = word - reinterpret_cast<u64>(from);
+    return offset < sizeof(T) ? reinterpret_cast<u64>(words) + offset : word;
   }
 
   u64 words[kWordCount] = {};

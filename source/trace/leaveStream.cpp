@@ -1,7 +1,7 @@
 // Apart from the other bodies of the interface: only this one needs the trace streams.
 
 #include "oxdiagk/iTraceDestination.h"
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "trace/mayEnd.h"
 #include "trace/switchEvents.h"
@@ -9,6 +9,7 @@
 #include "trace/tLiveStreams.h"
 #include "trace/tStreamLock.h"
 #include "trace/tTextsOnTheWay.h"
+#include "trace/tTraceOptionReader.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
@@ -18,6 +19,31 @@ u32 findOther(iTraceDestination const& destination) {
   return tTextsOnTheWay::findOther(tThreadUtility::getCurrentThreadId(), destination, nullptr);
 }
 
+// False when a thread may still be within the destination, and it was not closed.
+bool isTakenOff(tTraceParts& stream, iTraceDestination& leaving) {
+  // As words, because splitting a text takes memory, and there may be none.
+  char option[] = "--destination";
+  char name[] = "vex";
+  char* words[] = {option, name};
+  tTraceOptionReader(stream, 2, words).read();
+  if (stream.slot.get() != &leaving) return true;
+  stream.slot.install(tVEXTraceDestination::getInstance());
+  logForcedLeave(findOther(leaving));
+  tPatience::setExhausted(true);
+  return false;
+}
+
+// Sends all streams that use a destination back to the debugger. False as isTakenOff.
+bool takeOffStreams(iTraceDestination& leaving) {
+  tPatienceScope const patienceOfAll;
+  bool isClosed = true;
+  tDestinationSwitch::forget(leaving);
+  while (tTraceParts* const user = tLiveStreams::findUser(leaving)) {
+    if (!isTakenOff(*user, leaving)) isClosed = false;
+  }
+  return isClosed;
+}
+
 }  // namespace
 
 // The memory of a destination must stay as long as a thread is within its put, however long that
@@ -25,33 +51,10 @@ u32 findOther(iTraceDestination const& destination) {
 void iTraceDestination::leaveStream() {
   while (!tStreamLock::acquire()) {
   }
-  bool const isClosed = tTrace::takeOffStreams(*this);
+  bool const isClosed = takeOffStreams(*this);
   tStreamLock::release();
   while (findOther(*this) != 0) tPatience::pause();
   if (!isClosed) close();
-}
-
-bool tTrace::takeOffStreams(iTraceDestination& leaving) {
-  tPatienceScope const patienceOfAll;
-  bool isClosed = true;
-  tDestinationSwitch::forget(leaving);
-  while (tTrace* const user = tLiveStreams::findUser(leaving)) {
-    if (!user->isTakenOff(leaving)) isClosed = false;
-  }
-  return isClosed;
-}
-
-bool tTrace::isTakenOff(iTraceDestination& leaving) {
-  // As words, because splitting a text takes memory, and there may be none.
-  char option[] = "--destination";
-  char name[] = "vex";
-  char* words[] = {option, name};
-  configure(2, words);
-  if (getDestination() != &leaving) return true;
-  slot.install(tVEXTraceDestination::getInstance());
-  logForcedLeave(findOther(leaving));
-  tPatience::setExhausted(true);
-  return false;
 }
 
 bool mayEnd(iTraceDestination const& destination) {

@@ -1,13 +1,8 @@
 #include "oxdiagk/tBlockTracer.h"
 
-#include "oxdiagk/tStatus2.h"
+#include "trace/tBlockText.h"
 
 namespace nOXDIAG100 {
-namespace {
-
-constexpr u32 kDecimal = 10;
-
-}  // namespace
 
 tBlockTracer::tBlockTracer(char* component, tSSVersion version, unsigned int line, char* file,
                            unsigned int verbosity, char* blockName, void* const object, i32* status,
@@ -48,25 +43,17 @@ u32 tBlockTracer::getNestingLevel() {
 }
 
 void tBlockTracer::writeEntry(void const* object) {
-  trace->putPrefix(component, version, line, file, verbosity, tTrace::kBlockEntry);
-  if (blockName != nullptr) trace->put(blockName).put("; ");
-  if (object != nullptr) trace->put("this=").put(object).put("; ");
-  putStatus(" ");
-  trace->put("{").endl();
+  tTrace* const shown =
+      trace->openLine(tLineOrigin{component, file, version, line}, verbosity, tTrace::kBlockEntry);
+  if (shown != nullptr) {
+    tBlockText(blockName, legacyStatus, statusObject).endEntry(*shown, object);
+  }
 }
 
 void tBlockTracer::writeExit() {
-  trace->putPrefix(component, version, line, file, verbosity, tTrace::kBlockExit).put("} ");
-  putStatus("; ");
-  if (blockName != nullptr) trace->put(blockName);
-  trace->endl();
-}
-
-void tBlockTracer::putStatus(char const* end) {
-  if (legacyStatus != nullptr) trace->put("tStatus=").put(*legacyStatus, kDecimal).put(end);
-  if (statusObject != nullptr) {
-    trace->put("tStatus2 code=").put(statusObject->getCode(), kDecimal).put(end);
-  }
+  tTrace* const shown =
+      trace->openLine(tLineOrigin{component, file, version, line}, verbosity, tTrace::kBlockExit);
+  if (shown != nullptr) tBlockText(blockName, legacyStatus, statusObject).endExit(*shown);
 }
 
 }  // namespace nOXDIAG100

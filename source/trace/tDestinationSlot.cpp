@@ -7,26 +7,19 @@
 
 namespace nOXDIAG100 {
 
+// The text is entered before it looks at the slot, and counts as one for any destination until it
+// says for which. So whoever shuts the slot, or installs another destination, and then finds
+// nobody, has nobody there.
 void tDestinationSlot::send(char const* text, u32 length) {
   u32 const thread = tThreadUtility::getCurrentThreadId();
   u32 const place = tTextsOnTheWay::enter(thread, *this);
   if (place == tTextsOnTheWay::kNoPlace) return;
-  iTraceDestination* const destination = direct(place, thread);
-  if (destination != nullptr) destination->put(text, length);
-  tTextsOnTheWay::leave(place);
-}
-
-// The text is entered with its destination before the slot is looked at once more. So whoever shuts
-// the slot, or installs another destination, and then finds nobody, has nobody there.
-iTraceDestination* tDestinationSlot::direct(u32 place, u32 thread) const {
-  iTraceDestination* destination = get();
-  for (;;) {
-    tTextsOnTheWay::direct(place, destination);
-    if (!isOpenTo(thread)) return nullptr;
-    iTraceDestination* const now = get();
-    if (now == destination) return destination;
-    destination = now;
+  iTraceDestination* const destination = isOpenTo(thread) ? get() : nullptr;
+  if (destination != nullptr) {
+    tTextsOnTheWay::direct(place, *destination);
+    destination->put(text, length);
   }
+  tTextsOnTheWay::leave(place);
 }
 
 // An interrupt that comes upon the thread of the switch is not part of the switch.

@@ -1,6 +1,6 @@
 #include "trace/tDestinationSwitch.h"
 
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "trace/switchEvents.h"
 #include "trace/tLiveStreams.h"
@@ -18,9 +18,9 @@ iTraceDestination& getDebugger() {
 
 }  // namespace
 
-tDestinationSwitch::tDestinationSwitch(tTrace& stream, iTraceDestination& next, bool isChanged)
+tDestinationSwitch::tDestinationSwitch(tTraceParts& stream, iTraceDestination& next, bool isChanged)
     : stream(stream),
-      former(stream.getDestination()),
+      former(stream.slot.get()),
       next(&next),
       sharing(getSharing(isChanged)),
       outer(innermost) {
@@ -128,7 +128,7 @@ void tDestinationSwitch::moveTo(iTraceDestination& place) {
   for (u32 count = 0; count < tStreamHold::kMostWithinEachOther; ++count) {
     if (!stream.slot.isOpenedWithin) break;
     stream.slot.isOpenedWithin = false;
-    iTraceDestination* const left = stream.getDestination();
+    iTraceDestination* const left = stream.slot.get();
     if (tLiveStreams::findUser(*left, &stream) == nullptr) left->close();
   }
   stream.slot.isOpenedWithin = false;
@@ -161,14 +161,14 @@ iTraceDestination* tDestinationSwitch::announceUnchanged() {
   return former;
 }
 
-void tDestinationSwitch::announceDebugger(tTrace& stream) {
+void tDestinationSwitch::announceDebugger(tTraceParts& stream) {
   stream.announce(
       "Trace destination couldn't be opened and previous destination couldn't be restored!");
   stream.announce("The trace destination has been changed to VEX print to debugger by default");
 }
 
 void tDestinationSwitch::sendToDebugger(iTraceDestination const& closed) {
-  while (tTrace* const user = tLiveStreams::findUser(closed, &stream)) {
+  while (tTraceParts* const user = tLiveStreams::findUser(closed, &stream)) {
     user->slot.install(getDebugger());
     announceDebugger(*user);
   }

@@ -7,7 +7,7 @@
 namespace nOXDIAG100 {
 
 class iTraceDestination;
-class tTrace;
+class tTraceParts;
 
 // One switch of one stream from its destination to another. Under the streams' lock.
 //
@@ -18,7 +18,7 @@ class tDestinationSwitch {
  public:
   // With `isChanged`, the settings of `next` have changed, so it is opened anew though other
   // streams use it.
-  tDestinationSwitch(tTrace& stream, iTraceDestination& next, bool isChanged);
+  tDestinationSwitch(tTraceParts& stream, iTraceDestination& next, bool isChanged);
   ~tDestinationSwitch();
   tDestinationSwitch(tDestinationSwitch const&) = delete;
   tDestinationSwitch& operator=(tDestinationSwitch const&) = delete;
@@ -52,10 +52,10 @@ class tDestinationSwitch {
   iTraceDestination* fallBack(tFormerSettings& settings);
   bool isFormerBack(tFormerSettings& settings);
   iTraceDestination* announceUnchanged();
-  static void announceDebugger(tTrace& stream);
+  static void announceDebugger(tTraceParts& stream);
   void sendToDebugger(iTraceDestination const& closed);
 
-  tTrace& stream;
+  tTraceParts& stream;
   iTraceDestination* former;  // null once it has been destroyed, as next
   iTraceDestination* next;
   tSharing const sharing;

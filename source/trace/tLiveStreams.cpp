@@ -1,44 +1,45 @@
 #include "trace/tLiveStreams.h"
 
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
 
 namespace nOXDIAG100 {
 namespace {
 
-constinit tTrace* first = nullptr;
+constinit tTraceParts* first = nullptr;
 
 }  // namespace
 
-void tLiveStreams::add(tTrace& stream) {
+void tLiveStreams::add(tTraceParts& stream) {
   stream.nextStream = first;
   first = &stream;
 }
 
-void tLiveStreams::remove(tTrace& stream) {
-  tTrace** place = &first;
+void tLiveStreams::remove(tTraceParts& stream) {
+  tTraceParts** place = &first;
   while (*place != nullptr && *place != &stream) place = &(*place)->nextStream;
   if (*place != nullptr) *place = stream.nextStream;
 }
 
-tTrace* tLiveStreams::getFirst() {
+tTraceParts* tLiveStreams::getFirst() {
   return first;
 }
 
-tTrace* tLiveStreams::getNext(tTrace const& stream) {
+tTraceParts* tLiveStreams::getNext(tTraceParts const& stream) {
   return stream.nextStream;
 }
 
-tTrace* tLiveStreams::findUser(iTraceDestination const& destination, tTrace const* besides) {
-  for (tTrace* stream = first; stream != nullptr; stream = stream->nextStream) {
-    if (stream != besides && stream->getDestination() == &destination) return stream;
+tTraceParts* tLiveStreams::findUser(iTraceDestination const& destination,
+                                    tTraceParts const* besides) {
+  for (tTraceParts* stream = first; stream != nullptr; stream = stream->nextStream) {
+    if (stream != besides && stream->slot.get() == &destination) return stream;
   }
   return nullptr;
 }
 
 u32 tLiveStreams::findLineOwner() {
   u32 owner = 0;
-  for (tTrace* stream = first; stream != nullptr && owner == 0; stream = stream->nextStream) {
-    owner = stream->getLineOwner();
+  for (tTraceParts* stream = first; stream != nullptr && owner == 0; stream = stream->nextStream) {
+    owner = stream->lock.getOwner();
   }
   return owner;
 }

@@ -1,6 +1,6 @@
 #include "trace/tStreamHold.h"
 
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
 #include "trace/tLiveStreams.h"
 #include "trace/tTextsOnTheWay.h"
 #include "vexk/threadUtility.h"
@@ -14,7 +14,7 @@ constinit u32 holds = 0;
 // Calls `work` for one stream after the other while it returns true. Returns its last answer.
 template <class Work>
 bool forEachStream(Work work) {
-  tTrace* stream = tLiveStreams::getFirst();
+  tTraceParts* stream = tLiveStreams::getFirst();
   while (stream != nullptr && work(*stream)) stream = tLiveStreams::getNext(*stream);
   return stream == nullptr;
 }
@@ -27,35 +27,36 @@ tStreamHold::tStreamHold() : bit(holds + 1) {
 
 tStreamHold::~tStreamHold() {
   open();
-  forEachStream([this](tTrace& stream) {
-    if ((stream.lineHolders & bit) != 0) stream.endLine();
-    stream.lineHolders &= ~bit;
+  forEachStream([this](tTraceParts& stream) {
+    if ((stream.lock.holders & bit) != 0) stream.lock.end();
+    stream.lock.holders &= ~bit;
     return true;
   });
   holds &= ~bit;
 }
 
-bool tStreamHold::holdLines(tTrace& stream, tPatience const& patience) {
-  if ((stream.lineHolders & bit) != 0) return true;
-  tTrace::tLineStart const start = stream.beginLine(patience.getRest());
-  if (start == tTrace::kLineIsLocked) stream.lineHolders |= bit;
-  return start != tTrace::kLineTimedOut;
+bool tStreamHold::holdLines(tTraceParts& stream, tPatience const& patience) {
+  if ((stream.lock.holders & bit) != 0) return true;
+  if (!stream.getShape().isOn(tLineShape::kMutex)) return true;
+  tLineLock::tStart const start = stream.lock.begin(patience.getRest());
+  if (start == tLineLock::kLocked) stream.lock.holders |= bit;
+  return start != tLineLock::kTimedOut;
 }
 
 bool tStreamHold::holdLinesOfUsers(iTraceDestination const& destination,
                                    tPatience const& patience) {
-  return forEachStream([&](tTrace& stream) {
-    return stream.getDestination() != &destination || holdLines(stream, patience);
+  return forEachStream([&](tTraceParts& stream) {
+    return stream.slot.get() != &destination || holdLines(stream, patience);
   });
 }
 
-void tStreamHold::shut(tTrace& stream) {
+void tStreamHold::shut(tTraceParts& stream) {
   stream.slot.shut(bit);
 }
 
 void tStreamHold::shutUsers(iTraceDestination const& destination) {
-  forEachStream([&](tTrace& stream) {
-    if (stream.getDestination() == &destination) shut(stream);
+  forEachStream([&](tTraceParts& stream) {
+    if (stream.slot.get() == &destination) shut(stream);
     return true;
   });
 }
@@ -72,7 +73,7 @@ u32 tStreamHold::awaitNobodyWithin(iTraceDestination const& destination,
 }
 
 void tStreamHold::open() {
-  forEachStream([this](tTrace& stream) {
+  forEachStream([this](tTraceParts& stream) {
     stream.slot.open(bit);
     return true;
   });

@@ -6,7 +6,7 @@ namespace nOXDIAG100 {
 
 class iTraceDestination;
 class tDestinationSlot;
-class tTrace;
+class tTraceParts;
 
 // What a thread holds while it changes destinations: lines of streams, so that those of other
 // threads wait, and slots, so that text without a line stays out. Everything is let go at the end
@@ -25,13 +25,13 @@ class tStreamHold {
   bool isTooDeep() const { return bit > 1u << (kMostWithinEachOther - 1); }
 
   // Holds the stream's lines, if its line mutex is on. False when the patience is over first.
-  bool holdLines(tTrace& stream, tPatience const& patience);
+  bool holdLines(tTraceParts& stream, tPatience const& patience);
 
   // The same of all streams that use the destination.
   bool holdLinesOfUsers(iTraceDestination const& destination, tPatience const& patience);
 
   // Keeps the text of all other threads out of the stream, which is dropped.
-  void shut(tTrace& stream);
+  void shut(tTraceParts& stream);
 
   // The same of all streams that use the destination.
   void shutUsers(iTraceDestination const& destination);

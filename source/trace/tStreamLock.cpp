@@ -3,7 +3,7 @@
 #include "ntos/mutex.h"
 #include "ntos/status.h"
 #include "ntos/wait.h"
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
 #include "trace/switchEvents.h"
 #include "trace/tPatience.h"
 #include "trace/tTextsOnTheWay.h"
@@ -73,8 +73,8 @@ void tStreamLock::release() {
   KeReleaseMutex(&mutex, 0);
 }
 
-tStreamGuard::tStreamGuard(tTrace const& trace)
-    : isOwner(tStreamLock::acquire()), isHeldOnStream(isOwner && trace.isBuilt()) {
+tStreamGuard::tStreamGuard(tTraceParts const& stream)
+    : isOwner(tStreamLock::acquire()), isHeldOnStream(isOwner && stream.isBuilt()) {
 }
 
 }  // namespace nOXDIAG100

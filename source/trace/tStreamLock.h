@@ -4,7 +4,7 @@
 
 namespace nOXDIAG100 {
 
-class tTrace;
+class tTraceParts;
 
 // The lock under which trace streams are configured: one for all of them, because streams share
 // destinations. It is recursive and lies in static storage. Lines never wait for it.
@@ -22,7 +22,7 @@ class tStreamLock {
 // Holds the lock for a scope of an operation of a stream.
 class tStreamGuard {
  public:
-  explicit tStreamGuard(tTrace const& trace);
+  explicit tStreamGuard(tTraceParts const& stream);
   ~tStreamGuard() {
     if (isOwner) tStreamLock::release();
   }

@@ -1,11 +1,14 @@
 #include "trace/tTextsOnTheWay.h"
 
+#include "vexk/sharedWord.h"
+
 namespace nOXDIAG100 {
 namespace {
 
 struct tDirection {
+  // Both are null until the text says them.
   tDestinationSlot const* slot;
-  iTraceDestination const* destination;  // null while the text goes nowhere
+  iTraceDestination const* destination;
 };
 
 // The threads are apart from the rest, because every text looks through them.
@@ -20,29 +23,35 @@ u32 getUsedPlaces() {
 }
 
 u32 getThread(u32 place) {
-  return __atomic_load_n(&threads[place], __ATOMIC_RELAXED);
+  return __atomic_load_n(&threads[place], __ATOMIC_SEQ_CST);
 }
 
-iTraceDestination const* getDestination(u32 place) {
-  return __atomic_load_n(&directions[place].destination, __ATOMIC_SEQ_CST);
+// A text that has not said yet where it goes may go anywhere.
+bool mayBeWithin(u32 place, iTraceDestination const& destination) {
+  iTraceDestination const* const known =
+      __atomic_load_n(&directions[place].destination, __ATOMIC_SEQ_CST);
+  return known == nullptr || known == &destination;
 }
 
-tDestinationSlot const* getSlot(u32 place) {
-  return __atomic_load_n(&directions[place].slot, __ATOMIC_RELAXED);
+bool mayComeThrough(u32 place, tDestinationSlot const* slot) {
+  tDestinationSlot const* const known = loadWord(directions[place].slot);
+  return slot == nullptr || known == nullptr || known == slot;
 }
 
 u32 countOwn(u32 thread) {
   u32 count = 0;
   for (u32 place = 0, end = getUsedPlaces(); place < end; ++place) {
-    if (getThread(place) == thread) ++count;
+    if (loadWord(threads[place]) == thread) ++count;
   }
   return count;
 }
 
+// Whoever looks through the table behind a change of a slot finds the text, or the text finds the
+// change.
 bool take(u32 place, u32 thread) {
   u32 nobody = 0;
-  return getThread(place) == 0 &&
-         __atomic_compare_exchange_n(&threads[place], &nobody, thread, false, __ATOMIC_ACQUIRE,
+  return loadWord(threads[place]) == 0 &&
+         __atomic_compare_exchange_n(&threads[place], &nobody, thread, false, __ATOMIC_SEQ_CST,
                                      __ATOMIC_RELAXED);
 }
 
@@ -61,15 +70,16 @@ u32 tTextsOnTheWay::enter(u32 thread, tDestinationSlot const& slot) {
   while (place < kCapacity && !take(place, thread)) ++place;
   if (place == kCapacity) return kNoPlace;
   use(place);
-  __atomic_store_n(&directions[place].slot, &slot, __ATOMIC_RELAXED);
+  storeWord(directions[place].slot, &slot);
   return place;
 }
 
-void tTextsOnTheWay::direct(u32 place, iTraceDestination* destination) {
-  __atomic_store_n(&directions[place].destination, destination, __ATOMIC_SEQ_CST);
+void tTextsOnTheWay::direct(u32 place, iTraceDestination const& destination) {
+  __atomic_store_n(&directions[place].destination, &destination, __ATOMIC_RELEASE);
 }
 
 void tTextsOnTheWay::leave(u32 place) {
+  __atomic_store_n(&directions[place].slot, nullptr, __ATOMIC_RELEASE);
   __atomic_store_n(&directions[place].destination, nullptr, __ATOMIC_RELEASE);
   __atomic_store_n(&threads[place], 0, __ATOMIC_RELEASE);
 }
@@ -77,10 +87,9 @@ void tTextsOnTheWay::leave(u32 place) {
 u32 tTextsOnTheWay::findOther(u32 thread, iTraceDestination const& destination,
                               tDestinationSlot const* slot) {
   for (u32 place = 0, end = getUsedPlaces(); place < end; ++place) {
-    if (getDestination(place) != &destination) continue;
     u32 const other = getThread(place);
-    bool const isMeant = slot == nullptr || getSlot(place) == slot;
-    if (other != 0 && other != thread && isMeant) return other;
+    if (other == 0 || other == thread) continue;
+    if (mayBeWithin(place, destination) && mayComeThrough(place, slot)) return other;
   }
   return 0;
 }
@@ -88,7 +97,7 @@ u32 tTextsOnTheWay::findOther(u32 thread, iTraceDestination const& destination,
 bool tTextsOnTheWay::isWithin(u32 thread, iTraceDestination const* destination) {
   for (u32 place = 0, end = getUsedPlaces(); place < end; ++place) {
     if (getThread(place) != thread) continue;
-    if (destination == nullptr || getDestination(place) == destination) return true;
+    if (destination == nullptr || mayBeWithin(place, *destination)) return true;
   }
   return false;
 }

@@ -11,7 +11,8 @@ class tDestinationSlot;
 // static storage. Any IRQL, any thread; nothing here waits or allocates.
 //
 // A text is entered before it looks whether its stream lets texts through, and whoever looks into
-// the table has shut the stream before. So each text either sees the shut stream, or is seen.
+// the table has shut the stream before. So each text either sees the shut stream, or is seen. Where
+// a text goes is known a moment later; until then it counts everywhere.
 class tTextsOnTheWay {
  public:
   // Texts that can be on the way at once, of all threads; a text beyond them is dropped.
@@ -23,20 +24,21 @@ class tTextsOnTheWay {
 
   static constexpr u32 kNoPlace = kCapacity;
 
-  // Takes a place for a text of this thread; kNoPlace when the text is to be dropped.
+  // Takes a place for a text of this thread; kNoPlace when the text is to be dropped. From here on
+  // the text may be within any destination.
   static u32 enter(u32 thread, tDestinationSlot const& slot);
 
-  // Says where the text at this place goes; null while it goes nowhere.
-  static void direct(u32 place, iTraceDestination* destination);
+  // Says where the text at this place goes.
+  static void direct(u32 place, iTraceDestination const& destination);
 
   static void leave(u32 place);
 
-  // A thread other than `thread` within this destination; 0 when there is none. With a slot, only
-  // those that have come through it.
+  // A thread other than `thread` that may be within this destination; 0 when there is none. With a
+  // slot, only those that may have come through it.
   static u32 findOther(u32 thread, iTraceDestination const& destination,
                        tDestinationSlot const* slot);
 
-  // Whether this thread is within this destination, or within any when it is null.
+  // Whether this thread may be within this destination, or within any when it is null.
   static bool isWithin(u32 thread, iTraceDestination const* destination);
 };
 

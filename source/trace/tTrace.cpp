@@ -1,25 +1,18 @@
 #include "oxdiagk/tTrace.h"
 
 #include "config/tInstancePlace.h"
-#include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/destinationSwitches.h"
+#include "trace/tLineOpening.h"
 #include "trace/tLiveStreams.h"
 #include "trace/tPatience.h"
 #include "trace/tStreamLock.h"
-#include "vexk/cpu.h"
-#include "vexk/threadUtility.h"
+#include "trace/turnMutex.h"
 
 namespace nOXDIAG100 {
 namespace {
 
 constinit tInstancePlace<tTrace> instance;
-
-// Of the word about hidden lines: the thread is in the upper half, its lines are in the lower one.
-constexpr u32 kThreadShift = 32;
-
-u64 withThread(u64 thread, u32 lines) {
-  return lines == 0 ? 0 : thread << kThreadShift | lines;
-}
 
 }  // namespace
 
@@ -38,99 +31,118 @@ void tTrace::constructInstance() {
 
 void tTrace::destroyInstance() {
   tTrace& stream = getInstance();
-  tStreamGuard const guard(stream);
+  tStreamGuard const guard(stream.parts);
   if (!guard.isHeld()) return;
   stream.end();
   instance.destroy();
 }
 
-tTrace::tTrace(iTraceDestination& first) : slot(first), filter(tTraceFilter::create()) {
+tTrace::tTrace(iTraceDestination& first) : parts(first) {
   while (!tStreamLock::acquire()) {
   }
-  tLiveStreams::add(*this);
+  tLiveStreams::add(parts);
   tStreamLock::release();
 }
 
 tTrace::~tTrace() {
-  if (!isBuilt()) return;
+  if (!parts.isBuilt()) return;
   while (!tStreamLock::acquire()) {
   }
   tPatienceScope const patienceOfAll;
   end();
-  tLiveStreams::remove(*this);
+  tLiveStreams::remove(parts);
   tStreamLock::release();
 }
 
 // Whoever does not come out of a put is waited for once, and not by every pop again; at the end of
 // the module not by its destinations either.
 void tTrace::end() {
-  awaitTexts();
-  closeMutex();
-  delete filter;
-  filter = nullptr;
-  while (!savedConfigurations.empty()) popConfiguration();
-  leaveDestination();
+  awaitTexts(parts);
+  parts.lock.close();
+  delete parts.filter;
+  parts.filter = nullptr;
+  while (!parts.savedConfigurations.empty()) popConfiguration();
+  leaveDestination(parts, this != &getInstance());
   // A saved configuration may have switched the mutex on again.
-  closeMutex();
+  parts.lock.close();
 }
 
 void tTrace::setMinPrefixWidth(u32 width) {
-  change(minPrefixWidth, width);
+  parts.setWidth(width);
 }
 
 u32 tTrace::getMinPrefixWidth() const {
-  return load(minPrefixWidth);
+  return parts.getShape().getWidth();
 }
 
 i32 tTrace::getNestingLevel() const {
-  return load(nestingLevel);
+  return loadWord(parts.nestingLevel);
 }
 
 iTraceDestination* tTrace::getDestination() {
-  return slot.get();
+  return parts.slot.get();
+}
+
+iTraceDestination* tTrace::setDestination(iTraceDestination& next) {
+  return switchTo(parts, next, false);
 }
 
 tTraceFilter* tTrace::getFilter() {
-  return filter;
+  return parts.filter;
 }
 
 void tTrace::enable() {
-  change(enabled, 1);
+  parts.turn(tLineShape::kEnabled, true);
 }
 
 void tTrace::disable() {
-  change(enabled, 0);
+  parts.turn(tLineShape::kEnabled, false);
 }
 
 u32 tTrace::isEnabled() const {
-  return load(enabled);
+  return parts.getShape().isOn(tLineShape::kEnabled) ? 1 : 0;
 }
 
-// What another thread left is no line around this one. So whatever lines of threads without a
-// common lock do to each other, no hidden line stays behind for good.
-void tTrace::beginVerdict(bool isPassed) {
-  store(lineSuppressed, isPassed ? 0 : 1);
-  u64 const before = load(hiddenLines);
-  if (isPassed && before == 0) return;
-  u64 const thread = tThreadUtility::getCurrentThreadId();
-  u32 const around = before >> kThreadShift == thread ? static_cast<u32>(before) : 0;
-  store(hiddenLines, withThread(thread, around << 1 | (isPassed ? 0u : 1u)));
+void tTrace::enableMutex() {
+  turnMutex(parts, true);
 }
 
-void tTrace::endVerdict() {
-  u64 const before = load(hiddenLines);
-  u64 const thread = before >> kThreadShift;
-  u32 around = static_cast<u32>(before) >> 1;
-  if (around != 0 && thread != tThreadUtility::getCurrentThreadId()) around = 0;
-  store(lineSuppressed, around & 1);
-  if (before != 0) store(hiddenLines, withThread(thread, around));
+void tTrace::disableMutex() {
+  turnMutex(parts, false);
+}
+
+u32 tTrace::mutexIsEnabled() const {
+  return parts.getShape().isOn(tLineShape::kMutex) ? 1 : 0;
+}
+
+tTrace& tTrace::putPrefix(char const* component, tSSVersion version, unsigned int line,
+                          char const* file, unsigned int verbosity, tTraceType type) {
+  if (!parts.isBuilt()) return *this;
+  tLineOpening(parts, tLineOrigin{component, file, version, line}, verbosity, type).open();
+  return *this;
+}
+
+tTrace& tTrace::putPrefix(char* component, tSSVersion version, unsigned int line, char* file,
+                          unsigned int verbosity, tTraceType type) {
+  return putPrefix(static_cast<char const*>(component), version, line,
+                   static_cast<char const*>(file), verbosity, type);
+}
+
+tTrace* tTrace::openLine(tLineOrigin const& origin, u32 verbosity, tTraceType type) {
+  if (!parts.isBuilt()) return nullptr;
+  return tLineOpening(parts, origin, verbosity, type).openIfShown(nullptr) ? this : nullptr;
+}
+
+tTrace* tTrace::openSite(tTraceSite const& site, u32 verbosity, tTraceType type) {
+  if (!parts.isBuilt()) return nullptr;
+  return tLineOpening(parts, site, verbosity, type).openIfShown(&site) ? this : nullptr;
 }
 
 tTrace& tTrace::endl() {
-  append("\n");
-  endVerdict();
-  endLine();
-  setLastLineTime(readTimeStampCounter());
+  if (parts.isWriting()) parts.buffer.endPiece(parts.slot);
+  parts.endVerdict();
+  parts.lock.end();
+  parts.clock.end();
   return *this;
 }
 

@@ -19,7 +19,11 @@ constexpr tSSVersion kVersion;
 }  // namespace
 
 void tTrace::calibrate() {
-  tStreamGuard const guard(*this);
+  tTraceCalibration::calibrate(parts);
+}
+
+void tTraceCalibration::calibrate(tTraceParts& stream) {
+  tStreamGuard const guard(stream);
   if (!guard.isHeld()) return;
   i32 status = 0;
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
@@ -27,10 +31,8 @@ void tTrace::calibrate() {
   if (lock->acquire(kSyncWaitForever) >= 0) {
     tTraceCalibration calibration;
     calibration.run();
-    store(calibrationOffsets[0], calibration.getBlockEntryCost());
-    store(calibrationOffsets[1], calibration.getBlockExitCost());
-    store(calibrationOffsets[2], calibration.getLineCost());
-    if (timeDeltaIsEnabled() == 0) setLastLineTime(readTimeStampCounter());
+    calibration.store(stream.clock);
+    if (!stream.getShape().isOn(tLineShape::kTimeDelta)) stream.clock.end();
     lock->release();
   }
   syncClose(lock);
@@ -59,12 +61,18 @@ void tTraceCalibration::measure() {
 // The end of the line before, and at once the next one.
 u64 tTraceCalibration::traceBehindEnd(char const* text, u32 verbosity, tTraceType type) {
   endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type).put(text);
-  return load(lineStartTime) - getLastLineTime();
+  return getClock().getStart() - getClock().getEnd();
 }
 
 void tTraceCalibration::endSamples() {
   tTickAverage* const averages[] = {&baseline, &blockEntry, &blockExit, &line};
   for (tTickAverage* const average : averages) average->endSample();
+}
+
+void tTraceCalibration::store(tLineClock& clock) const {
+  clock.setOffset(tLineClock::kBlockEntryOffset, getCost(blockEntry));
+  clock.setOffset(tLineClock::kBlockExitOffset, getCost(blockExit));
+  clock.setOffset(tLineClock::kLineOffset, getCost(line));
 }
 
 // A busy neighbour or a slow clock may lengthen every try of a calibration, and lines that follow

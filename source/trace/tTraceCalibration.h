@@ -14,18 +14,19 @@ namespace nOXDIAG100 {
 // nor filter nor lock.
 class tTraceCalibration : public tTrace {
  public:
+  // As tTrace::calibrate.
+  static void calibrate(tTraceParts& stream);
+
+ private:
+  static constexpr u32 kTryCount = 4;  // for each measurement
+
   tTraceCalibration();
 
   // Traces a block and a line in each try. To be called once.
   void run();
 
-  // Each less what one reading of the counter costs, and no more than that again.
-  u64 getBlockEntryCost() const { return getCost(blockEntry); }
-  u64 getBlockExitCost() const { return getCost(blockExit); }
-  u64 getLineCost() const { return getCost(line); }
-
- private:
-  static constexpr u32 kTryCount = 4;  // for each measurement
+  // Each cost less what one reading of the counter costs, and no more than that again.
+  void store(tLineClock& clock) const;
 
   void measure();
   u64 traceBehindEnd(char const* text, u32 verbosity, tTraceType type);

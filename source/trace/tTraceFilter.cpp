@@ -87,6 +87,9 @@ bool tTraceFilter::evaluate(char const* component, char const* versionText, u32 
 }
 
 bool tTraceFilter::evaluate(tTraceFilterLine const& line) const {
+  if (__atomic_load_n(&shownRange, __ATOMIC_ACQUIRE) != tTraceFilterShortForm::kNoRange) {
+    return !isSurelyHidden(line.verbosity);
+  }
   tTraceFilterShortForm const form(__atomic_load_n(&shortForm, __ATOMIC_RELAXED));
   return form.isWhole() ? form.evaluate(line) : evaluateTerms(line);
 }
@@ -128,9 +131,12 @@ void tTraceFilter::setUsedFields(u32 fields) {
   __atomic_store_n(&usedFields, fields, __ATOMIC_RELAXED);
 }
 
+// A line that is judged meanwhile goes by the form of before or by this one.
 void tTraceFilter::publishShortForm() {
   tTraceFilterShortForm const form(first, first == last);
-  __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELAXED);
+  __atomic_store_n(&shownRange, tTraceFilterShortForm::kNoRange, __ATOMIC_RELAXED);
+  __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELEASE);
+  __atomic_store_n(&shownRange, form.getShownRange(), __ATOMIC_RELEASE);
 }
 
 // Whoever begins to evaluate from here on does not come upon a removed term.

@@ -24,6 +24,12 @@ class tTraceFilterShortForm {
   // False when the terms of the list must be asked.
   bool isWhole() const { return word != kNone; }
 
+  // The range of verbosities that are shown, of a form that is one term on the verbosity: the first
+  // in the lower half, and how many follow it in the upper one, beyond the greatest number from 0
+  // on. kNoRange when the form is not that, or shows nothing or everything.
+  static constexpr u64 kNoRange = ~0ull;
+  u64 getShownRange() const;
+
   // Whether the line is shown; only of a form that is whole.
   bool evaluate(tTraceFilterLine const& line) const;
 

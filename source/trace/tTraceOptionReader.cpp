@@ -4,10 +4,13 @@
 #include "config/options/optionWord.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tSerialTraceDestination.h"
-#include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/destinationSwitches.h"
 #include "trace/tPatience.h"
 #include "trace/tStreamHold.h"
+#include "trace/tTraceCalibration.h"
+#include "trace/tTraceSwitch.h"
+#include "trace/turnMutex.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -43,8 +46,8 @@ iTraceDestination* findSink(char const* name) {
 
 }  // namespace
 
-tTraceOptionReader::tTraceOptionReader(tTrace& trace, int argc, char** argv)
-    : trace(trace), filter(trace.getFilter()), next(argv), end(argv + countWords(argc, argv)) {
+tTraceOptionReader::tTraceOptionReader(tTraceParts& stream, int argc, char** argv)
+    : stream(stream), filter(stream.filter), next(argv), end(argv + countWords(argc, argv)) {
 }
 
 // Who does not come out of a put, or does not end a line, is waited for once, and not by every
@@ -87,20 +90,19 @@ void tTraceOptionReader::readOption(char const* word) {
 }
 
 bool tTraceOptionReader::readSwitch(char const* word) {
-  for (u32 index = 0; index < tTraceSwitchTable::kCount; ++index) {
-    if (!isEqual(word, tTraceSwitchTable::entries[index].option)) continue;
-    readSwitchValue(index);
+  for (tTraceSwitch const& entry : kTraceSwitches) {
+    if (!isEqual(word, entry.option)) continue;
+    readSwitchValue(entry.which, entry.filterField);
     return true;
   }
   return false;
 }
 
-void tTraceOptionReader::readSwitchValue(u32 index) {
-  i32 const field = tTraceSwitchTable::entries[index].filterField;
-  bool const isFiltered = filter != nullptr && field != tTraceSwitchTable::kNoField;
+void tTraceOptionReader::readSwitchValue(tLineShape::tSwitch which, i32 field) {
+  bool const isFiltered = filter != nullptr && field != tTraceFilter::kNoField;
   char const* const value = takeValue();
   tOnOff const said = value == nullptr ? tOnOff::kNeither : readOnOff(value);
-  switches[index] = said == tOnOff::kOff ? kOff : kOn;
+  switches[which] = said == tOnOff::kOff ? kOff : kOn;
   if (!isFiltered || said != tOnOff::kNeither) return;
   tStreamHold hold;
   holdLines(hold);
@@ -112,7 +114,7 @@ void tTraceOptionReader::readSwitchValue(u32 index) {
 }
 
 void tTraceOptionReader::holdLines(tStreamHold& hold) {
-  if (!hold.holdLines(trace, tPatience())) tPatience::setExhausted(true);
+  if (!hold.holdLines(stream, tPatience())) tPatience::setExhausted(true);
 }
 
 void tTraceOptionReader::readWidth() {
@@ -148,8 +150,7 @@ void tTraceOptionReader::readDestination() {
   while (hasValue()) takeWord();
   if (chosen == nullptr) return;
   int const wordCount = static_cast<int>(next - words);
-  bool const isConfigured =
-      wordCount != 0 && tTrace::configureDestination(*chosen, wordCount, words);
+  bool const isConfigured = wordCount != 0 && configureDestination(*chosen, wordCount, words);
   if (wordCount != 0 && !isConfigured) {
     tPatience::setExhausted(true);
     return;
@@ -160,26 +161,26 @@ void tTraceOptionReader::readDestination() {
 
 void tTraceOptionReader::readTokens() {
   // The second half is read from the colon itself on, which is no digit.
-  for (; !isAtEnd(); trace.mutexKernelToken[1] = 0) {
-    trace.mutexKernelToken[0] = readNumber(takeWord());
+  for (; !isAtEnd(); stream.mutexKernelToken[1] = 0) {
+    stream.mutexKernelToken[0] = readNumber(takeWord());
   }
 }
 
 void tTraceOptionReader::apply() {
-  if (master != kUnchanged) tTrace::store(trace.enabled, master == kOn ? 1 : 0);
-  for (u32 index = 0; index < tTraceSwitchTable::kMutex; ++index) {
-    if (switches[index] == kUnchanged) continue;
-    tTrace::store(trace.*tTraceSwitchTable::entries[index].value, switches[index] == kOn ? 1 : 0);
-  }
-  applyMutex();
-  if (hasWidth) trace.setMinPrefixWidth(width);
-  if (destination != nullptr) trace.switchTo(*destination, destinationIsChanged);
-  if (calibrates) trace.calibrate();
+  turn(tLineShape::kEnabled, master);
+  for (tTraceSwitch const& entry : kTraceSwitches) turn(entry.which, switches[entry.which]);
+  if (hasWidth) stream.setWidth(width);
+  if (destination != nullptr) switchTo(stream, *destination, destinationIsChanged);
+  if (calibrates) tTraceCalibration::calibrate(stream);
 }
 
-void tTraceOptionReader::applyMutex() {
-  if (switches[tTraceSwitchTable::kMutex] == kOn) trace.enableMutex();
-  if (switches[tTraceSwitchTable::kMutex] == kOff) trace.disableMutex();
+void tTraceOptionReader::turn(tLineShape::tSwitch which, tPending pending) {
+  if (pending == kUnchanged) return;
+  if (which == tLineShape::kMutex) {
+    turnMutex(stream, pending == kOn);
+  } else {
+    stream.turn(which, pending == kOn);
+  }
 }
 
 }  // namespace nOXDIAG100

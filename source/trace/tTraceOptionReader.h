@@ -1,7 +1,6 @@
 #pragma once
 
-#include "oxdiagk/tTrace.h"
-#include "trace/tTraceSwitchTable.h"
+#include "oxdiagk/tTraceParts.h"
 
 namespace nOXDIAG100 {
 
@@ -11,7 +10,7 @@ class tStreamHold;
 // of a destination take effect as they are read, everything else after the last word.
 class tTraceOptionReader {
  public:
-  tTraceOptionReader(tTrace& trace, int argc, char** argv);
+  tTraceOptionReader(tTraceParts& stream, int argc, char** argv);
 
   void read();
 
@@ -25,7 +24,7 @@ class tTraceOptionReader {
 
   void readOption(char const* word);
   bool readSwitch(char const* word);
-  void readSwitchValue(u32 index);
+  void readSwitchValue(tLineShape::tSwitch which, i32 field);
   void readWidth();
   void readFilter();
   void readDestination();
@@ -33,15 +32,15 @@ class tTraceOptionReader {
   void holdLines(tStreamHold& hold);
 
   void apply();
-  void applyMutex();
+  void turn(tLineShape::tSwitch which, tPending pending);
 
-  tTrace& trace;
+  tTraceParts& stream;
   tTraceFilter* const filter;
   char** next;
   char** const end;
 
   tPending master = kUnchanged;
-  tPending switches[tTraceSwitchTable::kCount] = {};
+  tPending switches[tLineShape::kSwitchCount] = {};
   bool hasWidth = false;
   bool calibrates = false;
   u32 width = 0;

@@ -1,9 +1,7 @@
 #include "trace/tTracePrefix.h"
 
-#include "oxdiagk/tTraceFilter.h"
-#include "trace/tTraceFilterLine.h"
+#include "trace/copyText.h"
 #include "vexk/number.h"
-#include "vexk/sync.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
@@ -12,181 +10,151 @@ namespace {
 constexpr u32 kDecimal = 10;
 constexpr u32 kHexadecimal = 16;
 constexpr u64 kUnlimited = ~0ull;
-constexpr u64 kBlanksPerLevel = 2;
+constexpr u64 kLowBits = 0x0101010101010101;
 
-// Padding and indentation are written in runs of this length.
-constexpr char kDashes[] = "----------------------------------------------------------------";
-constexpr char kBlanks[] = "                                                                ";
-constexpr u64 kRunLength = sizeof(kDashes) - 1;
-static_assert(sizeof(kBlanks) == sizeof(kDashes));
+u64 smaller(u64 left, u64 right) {
+  return left < right ? left : right;
+}
 
 u64 getPadTarget(u32 minPrefixWidth) {
   return minPrefixWidth == 0 ? 0 : minPrefixWidth - 1;
 }
 
-u32 getOffsetIndex(tTrace::tTraceType type) {
-  if (type == tTrace::kBlockEntry) return 0;
-  return type == tTrace::kBlockExit ? 1 : 2;
-}
-
 // From the end: a name is shorter than the path before it.
-char const* getLastPart(char const* path) {
-  char const* part = path + __builtin_strlen(path);
+char const* getLastPart(char const* path, char const* end) {
+  char const* part = end;
   while (part != path && part[-1] != '/' && part[-1] != '\\') --part;
   return part;
 }
 
-char const* orEmpty(char const* text) {
-  return text == nullptr ? "" : text;
-}
-
 }  // namespace
 
-tTrace& tTrace::putPrefix(char const* component, tSSVersion version, unsigned int line,
-                          char const* file, unsigned int verbosity, tTraceType type) {
-  if (!isBuilt()) return *this;
-  u64 const startTime = readTimeStampCounter();
-  beginLine(kSyncWaitForever);
-  store(lineStartTime, startTime);
-  tTracePrefix::tOrigin const origin{orEmpty(component), version,   line,
-                                     orEmpty(file),      verbosity, type};
-  tTracePrefix(*this, origin, startTime).open();
-  return *this;
+tTracePrefix::tTracePrefix(tTraceParts& parts, tLineShape shape, tLineFacts const& facts)
+    : tTracePrefix(parts, shape, facts, shape.getWidth(), shape.isOn(tLineShape::kTruncation)) {
 }
 
-tTrace& tTrace::putPrefix(char* component, tSSVersion version, unsigned int line, char* file,
-                          unsigned int verbosity, tTraceType type) {
-  return putPrefix(static_cast<char const*>(component), version, line,
-                   static_cast<char const*>(file), verbosity, type);
-}
-
-tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime)
-    : tTracePrefix(trace, origin, startTime, trace.getMinPrefixWidth(),
-                   trace.truncationIsEnabled() != 0) {
-}
-
-tTracePrefix::tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, u32 width,
+tTracePrefix::tTracePrefix(tTraceParts& parts, tLineShape shape, tLineFacts const& facts, u32 width,
                            bool isTruncated)
-    : trace(trace),
-      origin(origin),
-      startTime(startTime),
+    : parts(parts),
+      shape(shape),
+      facts(facts),
       padTarget(getPadTarget(width)),
       fieldLimit(isTruncated ? padTarget : kUnlimited),
       isWithoutEnd(isTruncated && width == 0) {
 }
 
-void tTracePrefix::open() {
-  trace.beginVerdict(isPassed());
-  bool const isShown = trace.isWriting();
-  u64 const timeDelta = takeTimeDelta(isShown);
-  if (isShown) write(timeDelta);
-  if (origin.type == tTrace::kBlockExit) leaveBlock();
-  if (isShown && trace.indentingIsEnabled() != 0) indent();
-  if (origin.type == tTrace::kBlockEntry) enterBlock();
+void tTracePrefix::write() {
+#define OXDIAG_TRACE_FIELD(Name, name, place, atStart, word, field) \
+  if (beginField(tLineShape::k##Name)) put##Name();
+  OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_FIELD, OXDIAG_TRACE_NO_SWITCH, OXDIAG_TRACE_NO_SWITCH)
+#undef OXDIAG_TRACE_FIELD
+  bool const hasFields = shape.hasFields();
+  cut();
+  pad(hasFields ? '-' : ' ');
+  if (!isWithoutEnd) close(hasFields ? ']' : ' ');
+  flush();
 }
 
-u32 tTracePrefix::getEnabledFields(tTrace const& trace) {
-  u32 const* const switches[kFieldCount] = {
-      &trace.componentName, &trace.componentVersion, &trace.lineNumber, &trace.fileName,
-      &trace.threadId,      &trace.timeStamp,        &trace.timeDelta,  &trace.verbosity};
-  u32 fields = 0;
-  for (u32 field = 0; field < kFieldCount; ++field) {
-    if (tTrace::load(*switches[field]) != 0) fields |= 1u << field;
-  }
-  return fields;
+// The room behind the text takes a separator, however full the text is.
+bool tTracePrefix::beginField(tLineShape::tSwitch field) {
+  if (!shape.isOn(field)) return false;
+  char* const to = text + used;
+  to[0] = isFirst ? '[' : '-';
+  to[1] = '-';
+  used += isFirst ? 1 : 2;
+  isFirst = false;
+  return flushed + used < fieldLimit;
 }
 
-bool tTracePrefix::isPassed() const {
-  tTraceFilter const* const filter = trace.filter;
-  if (filter == nullptr) return true;
-  return filter->evaluate(tTraceFilterLine(origin.component, origin.version, origin.line,
-                                           origin.file, origin.verbosity));
+void tTracePrefix::putComponentName() {
+  put(facts.origin.component);
 }
 
-u64 tTracePrefix::takeTimeDelta(bool isShown) {
-  if (trace.timeDeltaIsEnabled() == 0) return 0;
-  u64 const offset = tTrace::load(trace.calibrationOffsets[getOffsetIndex(origin.type)]);
-  u64 const carried = tTrace::load(trace.carriedDelta);
-  u64 const delta = startTime - (offset + trace.getLastLineTime()) + carried;
-  tTrace::store(trace.carriedDelta, isShown ? 0 : delta);
-  return delta;
+void tTracePrefix::putComponentVersion() {
+  char text[tSSVersion::kMaxTextSize];
+  put(facts.origin.version.toString(text));
 }
 
-void tTracePrefix::write(u64 timeDelta) {
-  u32 const fields = getEnabledFields(trace);
-  char const* separator = "[";
-  for (u32 field = 0; field < kFieldCount && count < fieldLimit; ++field) {
-    if (((fields >> field) & 1) == 0) continue;
-    put(separator);
-    putField(field, timeDelta);
-    separator = "--";
-  }
-  if (count < padTarget) putRun(fields != 0 ? kDashes : kBlanks, padTarget - count);
-  if (isWithoutEnd) return;
-  trace.append(fields != 0 ? "] " : "  ");
+void tTracePrefix::putLineNumber() {
+  putNumber(facts.origin.line, kDecimal);
 }
 
-void tTracePrefix::putField(u32 field, u64 timeDelta) {
-  char version[tSSVersion::kMaxTextSize];
-  switch (field) {
-    case kComponentName:
-      return put(origin.component);
-    case kComponentVersion:
-      return put(origin.version.toString(version));
-    case kLineNumber:
-      return putNumber(origin.line, kDecimal);
-    case kFileName:
-      return put(trace.filePathIsEnabled() != 0 ? origin.file : getLastPart(origin.file));
-    case kThreadId:
-      put("0x");
-      return putNumber(tThreadUtility::getCurrentThreadId(), kHexadecimal);
-    case kTimeStamp:
-      return putNumber(startTime, kDecimal);
-    case kTimeDelta:
-      return putNumber(timeDelta, kDecimal);
-    default:
-      return putNumber(origin.verbosity, kDecimal);
-  }
+void tTracePrefix::putFileName() {
+  char const* const file = facts.origin.file;
+  char const* const end = file + __builtin_strlen(file);
+  char const* const part = shape.isOn(tLineShape::kFilePath) ? file : getLastPart(file, end);
+  put(part, static_cast<u64>(end - part));
 }
 
-void tTracePrefix::put(char const* text) {
-  u64 const whole = __builtin_strlen(text);
-  u64 const room = fieldLimit - count;
-  u64 const length = whole < room ? whole : room;
-  trace.append(text, length);
-  count += length;
+void tTracePrefix::putThreadId() {
+  put("0x", 2);
+  putNumber(tThreadUtility::getCurrentThreadId(), kHexadecimal);
+}
+
+void tTracePrefix::putTimeStamp() {
+  putNumber(facts.startTime, kDecimal);
+}
+
+void tTracePrefix::putTimeDelta() {
+  putNumber(facts.timeDelta, kDecimal);
+}
+
+void tTracePrefix::putVerbosity() {
+  putNumber(facts.verbosity, kDecimal);
+}
+
+void tTracePrefix::put(char const* piece) {
+  put(piece, __builtin_strlen(piece));
+}
+
+inline void tTracePrefix::put(char const* piece, u64 length) {
+  if (used + length > kTextSize) return putLong(piece, length);
+  copyText(text + used, piece, length);
+  used += length;
+}
+
+void tTracePrefix::putLong(char const* piece, u64 length) {
+  cut();
+  flush();
+  u64 const taken = smaller(length, fieldLimit - flushed);
+  parts.buffer.append(piece, taken, parts.slot);
+  flushed += taken;
 }
 
 void tTracePrefix::putNumber(u64 number, u32 radix) {
-  if (count == fieldLimit) return;
-  char text[kNumberTextSize];
-  vexNumberToText(number, radix, text);
-  put(text);
+  char digits[kNumberTextSize];
+  u32 const length = vexNumberToText(number, radix, digits);
+  put(digits, length);
 }
 
-void tTracePrefix::putRun(char const* run, u64 length) {
-  for (; length > kRunLength; length -= kRunLength) trace.append(run, kRunLength);
-  trace.append(run, length);
+// Fields are written whole, and lose what is beyond the limit before they go into the line.
+void tTracePrefix::cut() {
+  u64 const room = fieldLimit - flushed;
+  if (used > room) used = room;
 }
 
-void tTracePrefix::indent() {
-  i32 const level = trace.getNestingLevel();
-  if (level > 0) putRun(kBlanks, kBlanksPerLevel * static_cast<u64>(level));
+void tTracePrefix::pad(char character) {
+  u64 const word = kLowBits * static_cast<u8>(character);
+  while (flushed + used < padTarget) {
+    if (used >= kTextSize) flush();
+    u64 const length = smaller(padTarget - flushed - used, kTextSize - used);
+    char* const to = text + used;
+    for (u64 done = 0; done < length; done += sizeof(word)) {
+      __builtin_memcpy(to + done, &word, sizeof(word));
+    }
+    used += length;
+  }
 }
 
-// All threads share the level without a lock; an update must at least not be lost, for a lost one
-// would shift the indentation for good.
-void tTracePrefix::enterBlock() {
-  __atomic_fetch_add(&trace.nestingLevel, 1, __ATOMIC_RELAXED);
+void tTracePrefix::close(char first) {
+  text[used++] = first;
+  text[used++] = ' ';
 }
 
-void tTracePrefix::leaveBlock() {
-  i32 level = __atomic_load_n(&trace.nestingLevel, __ATOMIC_RELAXED);
-  i32 lowered;
-  do {
-    lowered = level > 0 ? level - 1 : 0;
-  } while (!__atomic_compare_exchange_n(&trace.nestingLevel, &level, lowered, true,
-                                        __ATOMIC_RELAXED, __ATOMIC_RELAXED));
+void tTracePrefix::flush() {
+  parts.buffer.append(text, used, parts.slot);
+  flushed += used;
+  used = 0;
 }
 
 }  // namespace nOXDIAG100

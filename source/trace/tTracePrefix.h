@@ -1,66 +1,59 @@
 #pragma once
 
-#include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceParts.h"
+#include "oxdiagk/tTraceSite.h"
 
 namespace nOXDIAG100 {
 
-// Opens one line of a stream: judges it, writes its prefix, keeps the nesting and the carried time.
-// A line that is not shown costs its filter and no formatting. Allocates nothing.
+// What a line says in front of its text.
+struct tLineFacts {
+  tLineOrigin origin;  // with texts that are not null
+  u32 verbosity;
+  u64 startTime;
+  u64 timeDelta;
+};
+
+// Writes the prefix of one line into a stream: the fields that are switched on, cut and padded to
+// the width, and its closing. Allocates nothing.
 class tTracePrefix {
  public:
-  // What the author of the line says about it. The texts are not null.
-  struct tOrigin {
-    char const* component;
-    tSSVersion version;
-    u32 line;
-    char const* file;
-    u32 verbosity;
-    tTrace::tTraceType type;
-  };
+  tTracePrefix(tTraceParts& parts, tLineShape shape, tLineFacts const& facts);
 
-  // The fields in the order of the prefix.
-  enum tField : u32 {
-    kComponentName,
-    kComponentVersion,
-    kLineNumber,
-    kFileName,
-    kThreadId,
-    kTimeStamp,
-    kTimeDelta,
-    kVerbosity,
-    kFieldCount
-  };
-
-  tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime);
-
-  // Everything that putPrefix does once the line is the caller's. To be called once.
-  void open();
-
-  // The fields that are switched on, a bit for each.
-  static u32 getEnabledFields(tTrace const& trace);
+  // To be called once.
+  void write();
 
  private:
-  // With the width and the truncation read once, as others may change them meanwhile.
-  tTracePrefix(tTrace& trace, tOrigin const& origin, u64 startTime, u32 width, bool isTruncated);
+  tTracePrefix(tTraceParts& parts, tLineShape shape, tLineFacts const& facts, u32 width,
+               bool isTruncated);
 
-  bool isPassed() const;
-  u64 takeTimeDelta(bool isShown);
-  void write(u64 timeDelta);
-  void putField(u32 field, u64 timeDelta);
-  void put(char const* text);
+#define OXDIAG_TRACE_FIELD(Name, name, place, atStart, word, field) void put##Name();
+  OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_FIELD, OXDIAG_TRACE_NO_SWITCH, OXDIAG_TRACE_NO_SWITCH)
+#undef OXDIAG_TRACE_FIELD
+
+  bool beginField(tLineShape::tSwitch field);
+  void put(char const* piece);
+  void put(char const* piece, u64 length);
+  void putLong(char const* piece, u64 length);
   void putNumber(u64 number, u32 radix);
-  void putRun(char const* run, u64 length);
-  void indent();
-  void enterBlock();
-  void leaveBlock();
+  void cut();
+  void pad(char character);
+  void close(char first);
+  void flush();
 
-  tTrace& trace;
-  tOrigin const& origin;
-  u64 const startTime;
+  tTraceParts& parts;
+  tLineShape const shape;
+  tLineFacts const& facts;
   u64 const padTarget;
   u64 const fieldLimit;
   bool const isWithoutEnd;
-  u64 count = 0;  // characters written of the prefix, fields and separators
+  bool isFirst = true;  // no field has been written
+
+  // What is written goes into the line in pieces of about this size. Behind them is room for a
+  // separator, for what closes the prefix, and for words that pad beyond the end.
+  static constexpr u64 kTextSize = 120;
+  u64 flushed = 0;  // characters that are in the line
+  u64 used = 0;     // those that are in the text
+  char text[kTextSize + 2 * sizeof(u64)];
 };
 
 }  // namespace nOXDIAG100

@@ -11,13 +11,17 @@ constexpr u64 kNarrowedAtOnce = 64;  // units of a wide text
 
 }  // namespace
 
+void tTrace::append(char const* text) {
+  if (isWriting() && text != nullptr) parts.buffer.append(text, __builtin_strlen(text), parts.slot);
+}
+
 tTrace& tTrace::put(char const* text) {
   append(text);
   return *this;
 }
 
 tTrace& tTrace::put(char const* text, unsigned int length) {
-  append(text, length);
+  if (text != nullptr) append(text, length);
   return *this;
 }
 

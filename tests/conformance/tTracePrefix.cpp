@@ -2,7 +2,6 @@
 
 #include "conformance/harness.h"
 #include "support/prefixedStream.h"
-#include "support/traceMembers.h"
 #include "vexk/number.h"
 #include "vexk/threadUtility.h"
 
@@ -70,10 +69,10 @@ TEST(TracePrefix, FieldsStandInTheirOrder) {
   stream.trace.enableTimeStamp();
   stream.trace.enableTimeDelta();
   stream.trace.enableVerbosity();
-  traceMembers::get<traceMembers::tLastLineTime>(stream.trace) = 0;
-  traceMembers::get<traceMembers::tCarriedDelta>(stream.trace) = 1;
+  stream.trace.getClock().setEnd(0);
+  stream.trace.getCarriedDelta() = 1;
   stream.write();
-  u64 const time = traceMembers::get<traceMembers::tLineStartTime>(stream.trace);
+  u64 const time = stream.trace.getClock().getStart();
   tExpected expected;
   expected.add("[rack--1.2.3f45--42--port.cpp--0x")
       .addNumber(tThreadUtility::getCurrentThreadId(), 16)
@@ -131,9 +130,7 @@ TEST(TracePrefix, TheTimeStampIsTheLineStartTimeInDecimal) {
   stream.trace.enableTimeStamp();
   stream.write();
   tExpected expected;
-  expected.add("[")
-      .addNumber(traceMembers::get<traceMembers::tLineStartTime>(stream.trace), 10)
-      .add("] \n");
+  expected.add("[").addNumber(stream.trace.getClock().getStart(), 10).add("] \n");
   EXPECT_STREQ(expected.text, stream.record.text());
 }
 

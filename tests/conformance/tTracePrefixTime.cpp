@@ -2,15 +2,9 @@
 
 #include "conformance/harness.h"
 #include "support/prefixedStream.h"
-#include "support/traceMembers.h"
 #include "vexk/number.h"
 
 using nOXDIAG100::tTrace;
-using traceMembers::get;
-using traceMembers::tCalibrationOffsets;
-using traceMembers::tCarriedDelta;
-using traceMembers::tLastLineTime;
-using traceMembers::tLineStartTime;
 
 namespace {
 
@@ -31,17 +25,17 @@ struct tTimedStream : tPrefixedStream {
   }
 
   void reset() {
-    get<tLastLineTime>(trace) = kLastLineTime;
-    get<tCarriedDelta>(trace) = kCarried;
-    get<tCalibrationOffsets>(trace)[0] = kEntryOffset;
-    get<tCalibrationOffsets>(trace)[1] = kExitOffset;
-    get<tCalibrationOffsets>(trace)[2] = kLineOffset;
+    trace.getClock().setEnd(kLastLineTime);
+    trace.getCarriedDelta() = kCarried;
+    trace.getClock().setOffset(0, kEntryOffset);
+    trace.getClock().setOffset(1, kExitOffset);
+    trace.getClock().setOffset(2, kLineOffset);
   }
 
   // Writes a line of `type` and tells whether it shows the delta reckoned with `offset`.
   bool showsDelta(tTrace::tTraceType type, u64 offset) {
     write(withType(type));
-    u64 const delta = get<tLineStartTime>(trace) - (offset + kLastLineTime) + kCarried;
+    u64 const delta = trace.getClock().getStart() - (offset + kLastLineTime) + kCarried;
     char expected[kNumberTextSize + 4] = "[";
     u32 const length = vexNumberToText(delta, 10, expected + 1);
     __builtin_memcpy(expected + 1 + length, "] \n", 4);
@@ -75,7 +69,7 @@ TEST(TracePrefixTime, AnUnknownTypeUsesTheThirdOffset) {
 TEST(TracePrefixTime, ADeltaBelowZeroIsShownWrapped) {
   tTimedStream stream;
   u64 const beyond = nOXDIAG100::readTimeStampCounter() + (1ull << 50);
-  get<tCalibrationOffsets>(stream.trace)[2] = beyond;
+  stream.trace.getClock().setOffset(2, beyond);
   EXPECT_TRUE(stream.showsDelta(tTrace::kTraceLine, beyond));
   EXPECT_EQ(u32{20 + 4}, stream.record.length());
 }
@@ -83,22 +77,22 @@ TEST(TracePrefixTime, ADeltaBelowZeroIsShownWrapped) {
 TEST(TracePrefixTime, AShownLineUsesTheCarriedDeltaUp) {
   tTimedStream stream;
   stream.write();
-  EXPECT_EQ(u64{0}, get<tCarriedDelta>(stream.trace));
+  EXPECT_EQ(u64{0}, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, AHiddenLineCarriesItsDelta) {
   tTimedStream stream;
   stream.write(stream.withVerbosity(99));
-  u64 const delta = get<tLineStartTime>(stream.trace) - (kLineOffset + kLastLineTime) + kCarried;
-  EXPECT_EQ(delta, get<tCarriedDelta>(stream.trace));
+  u64 const delta = stream.trace.getClock().getStart() - (kLineOffset + kLastLineTime) + kCarried;
+  EXPECT_EQ(delta, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, ALineOfADisabledStreamCarriesItsDelta) {
   tTimedStream stream;
   stream.trace.disable();
   stream.write(stream.withType(tTrace::kBlockExit));
-  u64 const delta = get<tLineStartTime>(stream.trace) - (kExitOffset + kLastLineTime) + kCarried;
-  EXPECT_EQ(delta, get<tCarriedDelta>(stream.trace));
+  u64 const delta = stream.trace.getClock().getStart() - (kExitOffset + kLastLineTime) + kCarried;
+  EXPECT_EQ(delta, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, HiddenLinesAddUp) {
@@ -106,11 +100,11 @@ TEST(TracePrefixTime, HiddenLinesAddUp) {
   u64 carried = kCarried;
   for (u32 count = 0; count < 3; ++count) {
     stream.withVerbosity(99).openOn(stream.trace);
-    carried += get<tLineStartTime>(stream.trace) - (kLineOffset + kLastLineTime);
+    carried += stream.trace.getClock().getStart() - (kLineOffset + kLastLineTime);
     stream.trace.endl();
-    get<tLastLineTime>(stream.trace) = kLastLineTime;
+    stream.trace.getClock().setEnd(kLastLineTime);
   }
-  EXPECT_EQ(carried, get<tCarriedDelta>(stream.trace));
+  EXPECT_EQ(carried, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, WithoutTheSwitchTheCarriedDeltaStays) {
@@ -118,27 +112,27 @@ TEST(TracePrefixTime, WithoutTheSwitchTheCarriedDeltaStays) {
   stream.trace.disableTimeDelta();
   stream.write();
   stream.write(stream.withVerbosity(99));
-  EXPECT_EQ(kCarried, get<tCarriedDelta>(stream.trace));
+  EXPECT_EQ(kCarried, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, ADeltaThatTheWidthCutsAwayIsUsedUpAllTheSame) {
   tTimedStream stream;
   stream.trace.enableTruncation();
   EXPECT_STREQ("\n", stream.write());
-  EXPECT_EQ(u64{0}, get<tCarriedDelta>(stream.trace));
+  EXPECT_EQ(u64{0}, stream.trace.getCarriedDelta());
 }
 
 TEST(TracePrefixTime, TheLineStartTimeIsKeptForHiddenLinesToo) {
   tTimedStream stream;
-  get<tLineStartTime>(stream.trace) = 0;
+  stream.trace.getClock().start(0);
   stream.write(stream.withVerbosity(99));
-  EXPECT_NE(u64{0}, get<tLineStartTime>(stream.trace));
+  EXPECT_NE(u64{0}, stream.trace.getClock().getStart());
 }
 
 TEST(TracePrefixTime, ThePrefixLeavesTheLastLineTimeAlone) {
   tTimedStream stream;
   tTestLine{}.openOn(stream.trace);
-  EXPECT_EQ(kLastLineTime, get<tLastLineTime>(stream.trace));
+  EXPECT_EQ(kLastLineTime, stream.trace.getClock().getEnd());
 }
 
 // Calibration.
@@ -176,22 +170,22 @@ TEST(TracePrefixCalibration, TheNestingLevelIsAsBefore) {
 TEST(TracePrefixCalibration, AllThreeOffsetsAreMeasured) {
   constexpr u64 kNeverMeasured = ~0ull / 2;
   tPrefixedStream stream;
-  for (u64& offset : get<tCalibrationOffsets>(stream.trace)) offset = kNeverMeasured;
+  for (u32 index = 0; index < 3; ++index) stream.trace.getClock().setOffset(index, kNeverMeasured);
   stream.trace.calibrate();
-  for (u64 const offset : get<tCalibrationOffsets>(stream.trace)) {
-    EXPECT_NE(kNeverMeasured, offset);
+  for (u32 index = 0; index < 3; ++index) {
+    EXPECT_NE(kNeverMeasured, stream.trace.getClock().getOffset(index));
   }
 }
 
 TEST(TracePrefixCalibration, TheStreamsOwnLinesAreLeftAlone) {
   tTimedStream stream;
   stream.withVerbosity(99).openOn(stream.trace);
-  u64 const begin = get<tLineStartTime>(stream.trace);
-  u64 const carried = get<tCarriedDelta>(stream.trace);
+  u64 const begin = stream.trace.getClock().getStart();
+  u64 const carried = stream.trace.getCarriedDelta();
   stream.trace.calibrate();
-  EXPECT_EQ(begin, get<tLineStartTime>(stream.trace));
-  EXPECT_EQ(carried, get<tCarriedDelta>(stream.trace));
-  EXPECT_EQ(kLastLineTime, get<tLastLineTime>(stream.trace));
+  EXPECT_EQ(begin, stream.trace.getClock().getStart());
+  EXPECT_EQ(carried, stream.trace.getCarriedDelta());
+  EXPECT_EQ(kLastLineTime, stream.trace.getClock().getEnd());
   EXPECT_FALSE(stream.trace.isLineShown());
 }
 
@@ -200,7 +194,7 @@ TEST(TracePrefixCalibration, WhileDeltasAreOffTheyCountFromItsEnd) {
   stream.trace.disableTimeDelta();
   u64 const before = nOXDIAG100::readTimeStampCounter();
   stream.trace.calibrate();
-  EXPECT_LT(before, get<tLastLineTime>(stream.trace));
+  EXPECT_LT(before, stream.trace.getClock().getEnd());
 }
 
 TEST(TracePrefixCalibration, ALineBehindItIsWrittenAsEver) {
@@ -294,13 +288,13 @@ TEST(TracePrefixCalibration, LinesAtOnceShowSmallDeltasAndNoneBelowZero) {
 
 TEST(TracePrefixCalibration, NoOffsetIsMoreThanTheShortestGapBetweenLines) {
   tDeltaStream stream;
-  for (u64& offset : get<tCalibrationOffsets>(stream.trace)) offset = 0;
+  for (u32 index = 0; index < 3; ++index) stream.trace.getClock().setOffset(index, 0);
   tDeltas gaps[3];
   for (u32 index = 0; index < 3; ++index) stream.run(kTypes[index], gaps[index]);
   for (u32 round = 0; round < 20; ++round) {
     stream.trace.calibrate();
     for (u32 index = 0; index < 3; ++index) {
-      EXPECT_LE(get<tCalibrationOffsets>(stream.trace)[index], gaps[index].least);
+      EXPECT_LE(stream.trace.getClock().getOffset(index), gaps[index].least);
     }
   }
 }

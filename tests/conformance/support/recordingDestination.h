@@ -124,4 +124,6 @@ class tRecordingDestination : public nOXDIAG100::iTraceDestination {
 class tPrivateTrace : public nOXDIAG100::tTrace {
  public:
   explicit tPrivateTrace(nOXDIAG100::iTraceDestination& destination) : tTrace(destination) {}
+  using tTrace::getCarriedDelta;
+  using tTrace::getClock;
 };

@@ -4,13 +4,13 @@
 #include <random>
 
 #include "oxdiagk/tTraceFilter.h"
-#include "support/traceMembers.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
 #include "vexk/sync.h"
 
 namespace {
 
+using nOXDIAG100::tLineClock;
 using nOXDIAG100::tTrace;
 
 constexpr u32 kRounds = 100'000;
@@ -163,11 +163,13 @@ TEST(PrefixOnHost, CalibrationWithoutALockMeasuresNothing) {
     syncClose(lock);
   });
   tHostStream stream;
-  auto& offsets = traceMembers::get<traceMembers::tCalibrationOffsets>(stream.trace);
+  tLineClock& clock = stream.trace.getClock();
   u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64 call) {
-    for (u64& offset : offsets) offset = kNeverMeasured;
+    for (u32 index = 0; index < 3; ++index) clock.setOffset(index, kNeverMeasured);
     stream.trace.calibrate();
-    for (u64 const offset : offsets) EXPECT_EQ(offset != kNeverMeasured, call > failuresOfALock);
+    for (u32 index = 0; index < 3; ++index) {
+      EXPECT_EQ(clock.getOffset(index) != kNeverMeasured, call > failuresOfALock);
+    }
     EXPECT_EQ(stream.trace.isEnabled(), 1u);
     EXPECT_EQ(stream.trace.getNestingLevel(), 0);
   });
@@ -194,12 +196,12 @@ TEST(PrefixOnHost, RandomPrefixesAgreeWithTheModel) {
     stream.kept.pieces.clear();
     u64 const lastTime = random();
     u64 const carried = random();
-    traceMembers::get<traceMembers::tLastLineTime>(stream.trace) = lastTime;
-    traceMembers::get<traceMembers::tCarriedDelta>(stream.trace) = carried;
+    stream.trace.getClock().setEnd(lastTime);
+    stream.trace.getCarriedDelta() = carried;
     stream.trace.putPrefix(wanted.component.c_str(), kVersion, wanted.line,
                            (wanted.path + wanted.name).c_str(), wanted.verbosity,
                            tTrace::kTraceLine);
-    u64 const time = traceMembers::get<traceMembers::tLineStartTime>(stream.trace);
+    u64 const time = stream.trace.getClock().getStart();
     stream.trace.endl();
     ASSERT_EQ(stream.kept.text(), wanted.expected(time, time - lastTime + carried) + "\n")
         << "round " << round;

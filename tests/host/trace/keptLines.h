@@ -56,6 +56,8 @@ class tKeptLines : public nOXDIAG100::iTraceDestination {
 class tOwnTrace : public nOXDIAG100::tTrace {
  public:
   explicit tOwnTrace(nOXDIAG100::iTraceDestination& destination) : tTrace(destination) {}
+  using tTrace::getCarriedDelta;
+  using tTrace::getClock;
 };
 
 // The whole inquired text.

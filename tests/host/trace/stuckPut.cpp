@@ -248,9 +248,10 @@ TEST_F(StuckPut, ALineThatDoesNotEndHoldsUpNoSwitchForEver) {
 TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
   constexpr u32 kSomebody = 0xFFFFFFF1;
   tFileTraceDestination& file = *tFileTraceDestination::getInstance();
-  tDestinationSlot slot(file);
+  iTraceDestination* current = &file;
+  tDestinationSlot slot(current);
   u32 const place = tTextsOnTheWay::enter(kSomebody, slot);
-  tTextsOnTheWay::direct(place, &file);
+  tTextsOnTheWay::direct(place, file);
   tOwnTrace trace(sticky);
   trace.configure("--destination file C:/other.out --timestamp on");
   EXPECT_STREQ(file.getDescription(), "File = C:/DebugTrace.out");

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "ntos/types.h"
+
+namespace nOXDIAG100 {
+
+// Copies a short text: a word at a time, the last one in part upon the one before.
+inline void copyText(char* to, char const* from, u64 length) {
+  constexpr u64 kWord = sizeof(u64);
+  constexpr u64 kHalf = sizeof(u32);
+  if (length >= kWord) {
+    u64 const last = length - kWord;
+    for (u64 done = 0; done < last; done += kWord) __builtin_memcpy(to + done, from + done, kWord);
+    __builtin_memcpy(to + last, from + last, kWord);
+  } else if (length >= kHalf) {
+    u64 const last = length - kHalf;
+    __builtin_memcpy(to, from, kHalf);
+    __builtin_memcpy(to + last, from + last, kHalf);
+  } else {
+    for (u64 done = 0; done < length; ++done) to[done] = from[done];
+  }
+}
+
+}  // namespace nOXDIAG100

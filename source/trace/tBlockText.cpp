@@ -1,0 +1,34 @@
+#include "trace/tBlockText.h"
+
+#include "oxdiagk/tStatus2.h"
+#include "oxdiagk/tTrace.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constexpr u32 kDecimal = 10;
+
+}  // namespace
+
+void tBlockText::endEntry(tTrace& line, void const* object) const {
+  if (blockName != nullptr) line.put(blockName).put("; ");
+  if (object != nullptr) line.put("this=").put(object).put("; ");
+  putStatus(line, " ");
+  line.put("{").endl();
+}
+
+void tBlockText::endExit(tTrace& line) const {
+  line.put("} ");
+  putStatus(line, "; ");
+  if (blockName != nullptr) line.put(blockName);
+  line.endl();
+}
+
+void tBlockText::putStatus(tTrace& line, char const* end) const {
+  if (legacyStatus != nullptr) line.put("tStatus=").put(*legacyStatus, kDecimal).put(end);
+  if (statusObject != nullptr) {
+    line.put("tStatus2 code=").put(statusObject->getCode(), kDecimal).put(end);
+  }
+}
+
+}  // namespace nOXDIAG100

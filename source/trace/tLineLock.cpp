@@ -1,0 +1,47 @@
+#include "oxdiagk/tLineLock.h"
+
+#include "vexk/sharedWord.h"
+#include "vexk/statusCodes.h"
+#include "vexk/sync.h"
+#include "vexk/threadUtility.h"
+
+namespace nOXDIAG100 {
+
+void tLineLock::open() {
+  if (sync != nullptr) return;
+  tSyncDescriptor descriptor;
+  if (token[0] != 0 || token[1] != 0) {
+    descriptor.kind = kSyncKindTokenMutex;
+    descriptor.token[0] = token[0];
+    descriptor.token[1] = token[1];
+  }
+  i32 status = 0;
+  iSync* const opened = syncOpen("nOXDIAG100::tTrace::_mutex", descriptor, status);
+  __atomic_store_n(&sync, opened, __ATOMIC_RELEASE);
+}
+
+void tLineLock::close() {
+  while (getOwner() == tThreadUtility::getCurrentThreadId()) giveBack();
+  syncClose(sync);
+}
+
+tLineLock::tStart tLineLock::begin(u32 timeout) {
+  iSync* const lock = get();
+  i32 const status = lock == nullptr ? kStatusSyncFailed : lock->acquire(timeout);
+  if (status < 0) return status == kStatusSyncTimeout ? kTimedOut : kNotLocked;
+  storeWord(owner, tThreadUtility::getCurrentThreadId());
+  __atomic_store_n(&depth, depth + 1, __ATOMIC_RELEASE);
+  return kLocked;
+}
+
+u32 tLineLock::getOwner() const {
+  return __atomic_load_n(&depth, __ATOMIC_ACQUIRE) == 0 ? 0 : loadWord(owner);
+}
+
+void tLineLock::giveBack() {
+  if (getOwner() != tThreadUtility::getCurrentThreadId()) return;
+  storeWord(depth, depth - 1);
+  get()->release();
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,123 @@
+#include "trace/tLineOpening.h"
+
+#include "trace/tTraceFilterLine.h"
+#include "trace/tTracePrefix.h"
+#include "vexk/sync.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constexpr u64 kBlanksPerLevel = 2;
+constexpr char kBlanks[] = "                                                                ";
+constexpr u64 kMostBlanks = sizeof(kBlanks) - 1;
+
+char const* orEmpty(char const* text) {
+  return text == nullptr ? "" : text;
+}
+
+tLineClock::tOffset getOffset(tTrace::tTraceType type) {
+  if (type == tTrace::kBlockEntry) return tLineClock::kBlockEntryOffset;
+  return type == tTrace::kBlockExit ? tLineClock::kBlockExitOffset : tLineClock::kLineOffset;
+}
+
+}  // namespace
+
+tLineOpening::tLineOpening(tTraceParts& parts, tLineOrigin const& origin, u32 verbosity,
+                           tTrace::tTraceType type)
+    : parts(parts),
+      origin{orEmpty(origin.component), orEmpty(origin.file), origin.version, origin.line},
+      verbosity(verbosity),
+      type(type),
+      shape(parts.getShape()) {
+}
+
+void tLineOpening::open() {
+  startTime = vexReadTimeStampCounter();
+  lock();
+  parts.clock.start(startTime);
+  parts.beginVerdict(isPassed());
+  begin(nullptr, parts.isWriting());
+}
+
+bool tLineOpening::openIfShown(tTraceSite const* site) {
+  readTime();
+  lock();
+  readTime();
+  bool const isShown = shape.isOn(tLineShape::kEnabled) && isPassed();
+  if (isShown) parts.beginVerdict(true);
+  begin(site, isShown);
+  if (isShown) return true;
+  parts.lock.end();
+  parts.clock.end();
+  return false;
+}
+
+void tLineOpening::begin(tTraceSite const* site, bool isShown) {
+  u64 const timeDelta = takeTimeDelta(isShown);
+  if (isShown && !isCopied(site)) {
+    tTracePrefix(parts, shape, tLineFacts{origin, verbosity, startTime, timeDelta}).write();
+  }
+  if (type == tTrace::kBlockExit) leaveBlock();
+  if (isShown && shape.isOn(tLineShape::kIndenting)) indent();
+  if (type == tTrace::kBlockEntry) enterBlock();
+}
+
+// Once in front of the wait for the lock, as every line, and behind it if a time was switched on
+// meanwhile.
+void tLineOpening::readTime() {
+  if (startTime != 0 || !shape.showsTime()) return;
+  startTime = vexReadTimeStampCounter();
+  parts.clock.start(startTime);
+}
+
+// The line is shaped by what is set once it is the thread's.
+void tLineOpening::lock() {
+  if (!shape.isOn(tLineShape::kMutex)) return;
+  parts.lock.begin(kSyncWaitForever);
+  shape = parts.getShape();
+}
+
+bool tLineOpening::isPassed() const {
+  tTraceFilter const* const filter = parts.filter;
+  return filter == nullptr ||
+         filter->evaluate(tTraceFilterLine(origin.component, origin.version, origin.line,
+                                           origin.file, verbosity));
+}
+
+u64 tLineOpening::takeTimeDelta(bool isShown) {
+  if (!shape.isOn(tLineShape::kTimeDelta)) return 0;
+  return parts.clock.takeDelta(startTime, getOffset(type), isShown, parts.carriedDelta);
+}
+
+bool tLineOpening::isCopied(tTraceSite const* site) const {
+  u32 const length = shape.getWidth() - 1;
+  if (site == nullptr || !shape.isStandard() || length > tTraceSite::kTextSize) return false;
+  return site->isCopied() && parts.buffer.appendPrefix(site->getText(), length);
+}
+
+void tLineOpening::indent() {
+  i32 const level = loadWord(parts.nestingLevel);
+  if (level <= 0) return;
+  u64 blanks = kBlanksPerLevel * static_cast<u64>(level);
+  for (; blanks > kMostBlanks; blanks -= kMostBlanks) {
+    parts.buffer.append(kBlanks, kMostBlanks, parts.slot);
+  }
+  parts.buffer.append(kBlanks, blanks, parts.slot);
+}
+
+// All threads share the level without a lock; an update must at least not be lost, for a lost one
+// would shift the indentation for good.
+void tLineOpening::enterBlock() {
+  __atomic_fetch_add(&parts.nestingLevel, 1, __ATOMIC_RELAXED);
+}
+
+void tLineOpening::leaveBlock() {
+  i32 level = loadWord(parts.nestingLevel);
+  i32 lowered;
+  do {
+    lowered = level > 0 ? level - 1 : 0;
+  } while (!__atomic_compare_exchange_n(&parts.nestingLevel, &level, lowered, true,
+                                        __ATOMIC_RELAXED, __ATOMIC_RELAXED));
+}
+
+}  // namespace nOXDIAG100

@@ -1,0 +1,48 @@
+#include "trace/turnMutex.h"
+
+#include "oxdiagk/tTraceParts.h"
+#include "trace/switchEvents.h"
+#include "trace/tLiveStreams.h"
+#include "trace/tPatience.h"
+#include "trace/tStreamLock.h"
+#include "trace/tTextsOnTheWay.h"
+#include "vexk/statusCodes.h"
+#include "vexk/sync.h"
+
+namespace nOXDIAG100 {
+namespace {
+
+constexpr u32 kBetweenLooks = 100;  // milliseconds
+
+// A line whose put does not come out does not end.
+bool isLineStuck() {
+  u32 const owner = tLiveStreams::findLineOwner();
+  return owner != 0 && tTextsOnTheWay::isWithin(owner, nullptr);
+}
+
+// Waits for the lock. Who turns the switch does it under the streams' lock: others wait for that
+// one, the end of the module among them, so the wait for a stuck line is given up.
+i32 await(iSync& lock) {
+  tPatience const patience;
+  for (;;) {
+    i32 const status = lock.acquire(kBetweenLooks);
+    if (status != kStatusSyncTimeout) return status;
+    if (!patience.isOver() || !isLineStuck()) continue;
+    logGivenUpMutex(tLiveStreams::findLineOwner());
+    return status;
+  }
+}
+
+}  // namespace
+
+void turnMutex(tTraceParts& stream, bool isOn) {
+  tStreamGuard const guard(stream);
+  if (!guard.isHeld()) return;
+  if (isOn) stream.lock.open();
+  iSync* const lock = stream.lock.get();
+  i32 const status = lock == nullptr ? 0 : await(*lock);
+  if (status != kStatusSyncTimeout) stream.turn(tLineShape::kMutex, isOn);
+  if (lock != nullptr && status >= 0) lock->release();
+}
+
+}  // namespace nOXDIAG100
