@@ -135,6 +135,9 @@ void tOptionCheck::readFileWords() {
 // A text that the library gives as its settings has the measured values here.
 void tOptionCheck::readCalibration(tOption const& option) {
   for (int count = 0; count < kCalibrationNumbers && hasValue() && isNumberWord(*next); ++count) {
+    if (!isNumberAtMost(*next, kLargestMeasured)) {
+      return refuse(*next, "has a number of more than 64 bits");
+    }
     ++next;
   }
   refuseMore(option.word);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -10,7 +11,6 @@ constexpr size_t kRootLength = 3;
 constexpr size_t kMaxFileNameLength = 127;
 constexpr std::string_view kDigits = "0123456789";
 constexpr std::string_view kHexadecimalDigits = "0123456789abcdefABCDEF";
-constexpr uint64_t kTooLarge = uint64_t{1} << 32;
 
 bool consistsOf(std::string_view text, std::string_view characters) {
   return !text.empty() && text.find_first_not_of(characters) == std::string_view::npos;
@@ -21,12 +21,12 @@ uint64_t digitOf(char character) {
   return place < kDigits.size() + 6 ? place : place - 6;
 }
 
-// The value of digits, or kTooLarge when it has more than 32 bits.
-uint64_t valueOf(std::string_view digits, uint64_t radix) {
+// The value of digits; nothing when it has more than 64 bits.
+std::optional<uint64_t> valueOf(std::string_view digits, uint64_t radix) {
   uint64_t value = 0;
   for (char const digit : digits) {
-    value = value * radix + digitOf(digit);
-    if (value > kLargestNumber) return kTooLarge;
+    if (__builtin_mul_overflow(value, radix, &value)) return std::nullopt;
+    if (__builtin_add_overflow(value, digitOf(digit), &value)) return std::nullopt;
   }
   return value;
 }
@@ -46,7 +46,7 @@ struct tNumberParts {
     }
   }
 
-  uint64_t radix = 10;
+  std::optional<uint64_t> radix = 10;
   std::string_view digits;
 };
 
@@ -69,12 +69,15 @@ bool isNumberWord(std::string_view word) {
   if (word.starts_with("0x")) return consistsOf(parts.digits, kHexadecimalDigits);
   size_t const mark = word.find('#');
   if (mark == std::string_view::npos) return consistsOf(word, kDigits);
-  return consistsOf(word.substr(0, mark), kDigits) && areDigitsOf(parts.radix, parts.digits);
+  return consistsOf(word.substr(0, mark), kDigits) &&
+         areDigitsOf(parts.radix.value_or(kLargestMeasured), parts.digits);
 }
 
-bool isNumberAtMost(std::string_view word, uint32_t limit) {
+bool isNumberAtMost(std::string_view word, uint64_t limit) {
   tNumberParts const parts(word);
-  return parts.radix <= kLargestNumber && valueOf(parts.digits, parts.radix) <= limit;
+  if (!parts.radix || *parts.radix > std::max<uint64_t>(limit, kLargestNumber)) return false;
+  auto const value = valueOf(parts.digits, *parts.radix);
+  return value && *value <= limit;
 }
 
 bool isTokenWord(std::string_view word) {

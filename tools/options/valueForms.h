@@ -9,13 +9,16 @@
 // The largest number of an option word: the library keeps 32 bits.
 constexpr uint32_t kLargestNumber = 0xFFFFFFFF;
 
+// The largest number that the library writes as measured: it counts ticks in 64 bits.
+constexpr uint64_t kLargestMeasured = ~uint64_t{0};
+
 // Decimal digits, 0x and hexadecimal digits, or radix#digits with digits below the radix. The
 // library drops the bits above 32 of a number or radix; see isNumberAtMost.
 bool isNumberWord(std::string_view word);
 
-// Whether a number word has a value and a radix that the library reads as they are, and is at most
-// `limit`.
-bool isNumberAtMost(std::string_view word, uint32_t limit);
+// Whether the value of a number word is at most `limit`. Its radix may have 32 bits, or be as large
+// as `limit` where that is larger.
+bool isNumberAtMost(std::string_view word, uint64_t limit);
 
 // Two numbers with a colon between them, as in 5:0; and whether the library reads both as they are.
 bool isTokenWord(std::string_view word);

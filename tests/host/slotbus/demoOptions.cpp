@@ -186,6 +186,18 @@ TEST_F(SlotbusDemoOptions, ANumberThatWouldWrapIsPointedOut) {
        {"--prefixwidth 4294967346", "'4294967346' is above 4096, the widest prefix."}});
 }
 
+TEST_F(SlotbusDemoOptions, AMeasuredNumberHas64BitsAtMost) {
+  std::string const largest = "18446744073709551615";
+  expectUnderstood("--trace", {"--calibrate " + largest + " 0xFFFFFFFFFFFFFFFF 0",
+                               "--calibrate 0 0 000000000" + largest});
+  std::string const wraps = " has a number of more than 64 bits.";
+  expectRefused("--trace",
+                {{"--calibrate 18446744073709551616 0 0", "'18446744073709551616'" + wraps},
+                 {"--calibrate 0 0x10000000000000000 0", "'0x10000000000000000'" + wraps},
+                 {"--calibrate 0 0 99999999999999999999999", "'99999999999999999999999'" + wraps},
+                 {"--calibrate 36893488147419103233#1", "'36893488147419103233#1'" + wraps}});
+}
+
 TEST_F(SlotbusDemoOptions, AWidthAboveTheWidestIsPointedOut) {
   expectUnderstood("--trace", {"--prefixwidth 0", "--prefixwidth 4096", "--prefixwidth 0x1000"});
   expectRefused("--trace",
