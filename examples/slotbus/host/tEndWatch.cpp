@@ -14,11 +14,18 @@ namespace {
 constexpr std::string_view kAbandoned =
     "slotbus_demo: ended in the middle of its output, which nobody takes.\n";
 
+// Whoever starts a program that is to survive its terminal has SIGHUP ignored.
+bool survivesTerminal() {
+  struct sigaction atHangup = {};
+  return sigaction(SIGHUP, nullptr, &atHangup) == 0 && atHangup.sa_handler == SIG_IGN;
+}
+
 sigset_t endSignals() {
   sigset_t set;
   sigemptyset(&set);
   sigaddset(&set, SIGINT);
   sigaddset(&set, SIGTERM);
+  if (!survivesTerminal()) sigaddset(&set, SIGHUP);
   return set;
 }
 

@@ -5,10 +5,10 @@
 #include <mutex>
 #include <thread>
 
-// Ends a program that serves: SIGINT and SIGTERM belong to this object while it lives. The first of
-// them asks the program to end in order. A program that has not destroyed the object within
-// kPatience then, because nobody takes what it writes, is ended with kExitNoOutput and a sentence
-// on standard error.
+// Ends a program that serves: SIGINT, SIGTERM and, unless the program was started to ignore it,
+// SIGHUP belong to this object while it lives. The first of them asks the program to end in order.
+// A program that has not destroyed the object within kPatience then, because nobody takes what it
+// writes, is ended with kExitNoOutput and a sentence on standard error.
 class tEndWatch {
  public:
   static constexpr std::chrono::milliseconds kPatience{800};

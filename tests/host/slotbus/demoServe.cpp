@@ -67,11 +67,13 @@ class SlotbusServe : public tDemoTest {
   // Ends the demo and gives its exit code.
   int end(int signal) {
     int state = 0;
-    kill(child, signal);
+    sendSignal(signal);
     EXPECT_EQ(waitpid(child, &state, 0), child);
     child = 0;
     return WIFEXITED(state) ? WEXITSTATUS(state) : -1;
   }
+
+  void sendSignal(int signal) const { kill(child, signal); }
 
   tRun control(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {kControl, "--at", socket()});
@@ -107,10 +109,13 @@ class SlotbusServe : public tDemoTest {
     EXPECT_TRUE(contains(readFile(file), text)) << file << ": " << readFile(file);
   }
 
+  sighandler_t hangup = SIG_DFL;  // what SIGHUP does to the demo at its start
+
  private:
   // In the folder of the test, as a user starts it.
   [[noreturn]] void becomeServer(std::vector<std::string> arguments, int output) const {
     signal(SIGXFSZ, SIG_IGN);
+    signal(SIGHUP, hangup);
     bool const isDirected = freopen(pathOf("server.out").c_str(), "w", stdout) != nullptr &&
                             freopen(pathOf("server.err").c_str(), "w", stderr) != nullptr &&
                             (output < 0 || dup2(output, STDOUT_FILENO) >= 0) &&
@@ -188,11 +193,22 @@ TEST_F(SlotbusServe, AnotherUserIsRefused) {
 }
 
 TEST_F(SlotbusServe, TheSocketGoesWithTheProgram) {
+  for (int const signal : {SIGINT, SIGTERM, SIGHUP}) {
+    start();
+    EXPECT_TRUE(std::filesystem::exists(socket()));
+    EXPECT_EQ(end(signal), 0) << signal;
+    EXPECT_FALSE(std::filesystem::exists(socket())) << signal;
+    EXPECT_EQ(control({"list"}).exitCode, 2);
+  }
+}
+
+TEST_F(SlotbusServe, SurvivesTheEndOfItsTerminalWhenItWasStartedForThat) {
+  hangup = SIG_IGN;
   start();
-  EXPECT_TRUE(std::filesystem::exists(socket()));
-  EXPECT_EQ(end(SIGTERM), 0);
-  EXPECT_FALSE(std::filesystem::exists(socket()));
-  EXPECT_EQ(control({"list"}).exitCode, 2);
+  sendSignal(SIGHUP);
+  usleep(100'000);
+  expectServing();
+  EXPECT_EQ(end(SIGINT), 0);
 }
 
 TEST_F(SlotbusServe, APlaceThatIsTakenIsNamed) {
