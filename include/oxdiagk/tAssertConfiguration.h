@@ -80,8 +80,8 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
   static void constructInstance();
   static void destroyInstance();
 
-  // Frees the categories that options made and restores every saved configuration, down to the
-  // first.
+  // Frees the categories that options made and the saved configurations, and restores the oldest of
+  // these, which is the one that pops would restore last.
   ~tAssertConfiguration() override;
 
   tAssertConfiguration(tAssertConfiguration const&) = delete;

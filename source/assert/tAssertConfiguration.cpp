@@ -5,6 +5,7 @@
 #include "config/options/savedSettings.h"
 #include "config/options/tInquiryText.h"
 #include "config/tInstancePlace.h"
+#include "vexk/memory.h"
 #include "vexk/timerTimebase.h"
 
 namespace nOXDIAG100 {
@@ -60,9 +61,13 @@ tAssertConfiguration::tAssertConfiguration()
 
 tAssertConfiguration::~tAssertConfiguration() {
   removeMadeCategories();
-  // The names that they were about are gone.
-  for (tSavedConfiguration& saved : savedConfigurations) saved.category = kDefaultCategory;
-  while (!savedConfigurations.empty()) popConfiguration();
+  // Nobody sees the younger ones between here and the oldest.
+  for (; savedConfigurations.size() > 1; savedConfigurations.pop_back()) {
+    _memDelete(savedConfigurations.back().text);
+  }
+  // The name that it was about is gone.
+  if (!savedConfigurations.empty()) savedConfigurations.back().category = kDefaultCategory;
+  popConfiguration();
   // A saved configuration makes the categories that it names again.
   removeMadeCategories();
 }
