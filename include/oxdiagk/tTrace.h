@@ -110,7 +110,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   static void constructInstance();
   static void destroyInstance();
 
-  // Closes the mutex, frees the filter, and restores every saved configuration, down to the first.
+  // Closes the mutex, frees the filter, and restores every saved configuration, down to the first,
+  // with its switch of the destination but without its calibration.
   ~tTrace() override;
 
   tTrace(tTrace const&) = delete;

@@ -88,6 +88,7 @@ class OXDIAG_API tTraceParts : public tTraceMembers {
   tLineLock lock{mutexObject, mutexKernelToken};
   tDestinationSlot slot{destination};
   tTraceParts* nextStream = nullptr;  // in the list of all streams
+  bool isEnding = false;              // from the beginning of its end
 
  private:
   explicit tTraceParts(tLineShape first);

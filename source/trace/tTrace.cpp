@@ -57,6 +57,7 @@ tTrace::~tTrace() {
 // Whoever does not come out of a put is waited for once, and not by every pop again; at the end of
 // the module not by its destinations either.
 void tTrace::end() {
+  parts.isEnding = true;
   awaitTexts(parts);
   parts.lock.close();
   delete parts.filter;

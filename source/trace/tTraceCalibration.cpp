@@ -24,7 +24,7 @@ void tTrace::calibrate() {
 
 void tTraceCalibration::calibrate(tTraceParts& stream) {
   tStreamGuard const guard(stream);
-  if (!guard.isHeld()) return;
+  if (!guard.isHeld() || stream.isEnding) return;
   i32 status = 0;
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
   if (lock == nullptr) return;
