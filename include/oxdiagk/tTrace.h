@@ -111,7 +111,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   static void destroyInstance();
 
   // Closes the mutex, frees the filter, and restores every saved configuration, down to the first,
-  // with its switch of the destination but without its calibration.
+  // with its switch of the destination, but without its calibration and its switch of the mutex.
   ~tTrace() override;
 
   tTrace(tTrace const&) = delete;

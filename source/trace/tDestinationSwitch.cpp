@@ -73,8 +73,11 @@ bool tDestinationSwitch::isQuiet(tPatience const& patience) {
   return within == 0;
 }
 
+// A stream that ends says once whom it leaves behind, and not by every configuration that it
+// restores: the event log has room for few.
 iTraceDestination* tDestinationSwitch::giveUp() const {
-  logGivenUpSwitch(within);
+  bool const isLogged = stream.isEnding && tPatience::isExhausted();
+  if (!isLogged) logGivenUpSwitch(within);
   return former;
 }
 

@@ -64,8 +64,6 @@ void tTrace::end() {
   parts.filter = nullptr;
   while (!parts.savedConfigurations.empty()) popConfiguration();
   leaveDestination(parts, this != &getInstance());
-  // A saved configuration may have switched the mutex on again.
-  parts.lock.close();
 }
 
 void tTrace::setMinPrefixWidth(u32 width) {

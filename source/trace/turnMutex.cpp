@@ -35,9 +35,11 @@ i32 await(iSync& lock) {
 
 }  // namespace
 
+// At its end a stream has closed the lock. A saved configuration that is restored then neither
+// opens it again nor waits for whoever still has it.
 void turnMutex(tTraceParts& stream, bool isOn) {
   tStreamGuard const guard(stream);
-  if (!guard.isHeld()) return;
+  if (!guard.isHeld() || stream.isEnding) return;
   if (isOn) stream.lock.open();
   iSync* const lock = stream.lock.get();
   i32 const status = lock == nullptr ? 0 : await(*lock);
