@@ -4,7 +4,6 @@
 #include "oxdiagk/tTraceParts.h"
 #include "trace/switchEvents.h"
 #include "trace/tDestinationSwitch.h"
-#include "trace/tLiveStreams.h"
 #include "trace/tStreamLock.h"
 
 namespace nOXDIAG100 {
@@ -41,10 +40,10 @@ bool awaitTexts(tTraceParts& stream) {
 
 // What the stream of the module has taken is destroyed by the module, or has gone with its driver.
 void leaveDestination(tTraceParts& stream, bool mayClose) {
-  iTraceDestination& destination = *stream.slot.get();
-  bool const isLast = tLiveStreams::findUser(destination, &stream) == nullptr;
-  bool const closes = stream.slot.hasTaken && isLast && mayClose;
-  if (awaitTexts(stream) && closes) destination.close();
+  bool const closes = stream.slot.hasTaken && mayClose;
+  if (!awaitTexts(stream) || !closes) return;
+  stream.slot.isOpenedWithin = true;
+  tDestinationSwitch::closeOpened(stream);
 }
 
 }  // namespace nOXDIAG100

@@ -126,16 +126,21 @@ bool tDestinationSwitch::open(iTraceDestination* const& place) {
 }
 
 // The stream may be elsewhere than this switch has left it, through one within. What was opened
-// there is closed first, which may switch once more, but not without end.
+// there is closed first.
 void tDestinationSwitch::moveTo(iTraceDestination& place) {
+  closeOpened(stream);
+  stream.slot.isOpenedWithin = false;
+  stream.slot.install(place);
+}
+
+// A close may switch the stream once more, but not without end.
+void tDestinationSwitch::closeOpened(tTraceParts& stream) {
   for (u32 count = 0; count < tStreamHold::kMostWithinEachOther; ++count) {
-    if (!stream.slot.isOpenedWithin) break;
+    if (!stream.slot.isOpenedWithin) return;
     stream.slot.isOpenedWithin = false;
     iTraceDestination* const left = stream.slot.get();
     if (tLiveStreams::findUser(*left, &stream) == nullptr) left->close();
   }
-  stream.slot.isOpenedWithin = false;
-  stream.slot.install(place);
 }
 
 iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {

@@ -26,6 +26,10 @@ class tDestinationSwitch {
   // To be called once. Returns what tTrace::setDestination does.
   iTraceDestination* run();
 
+  // Closes the stream's destination, if a switch within the one under way has opened it and no
+  // other stream uses it; then what that close switches to, and so on, for four closes at most.
+  static void closeOpened(tTraceParts& stream);
+
   // Makes a destination null in all switches under way, because it is being destroyed.
   static void forget(iTraceDestination const& leaving);
 

@@ -63,6 +63,23 @@ struct tThree {
   }
 };
 
+// A private stream that was switched to the second one, and what is open when it has ended.
+struct tEndOfThree {
+  tSwitchingDestination first{0};
+  tSwitchingDestination second{1};
+  tSwitchingDestination third{2};
+
+  void run() {
+    tPrivateTrace trace(first);
+    first.trace = second.trace = third.trace = &trace;
+    third.isOpen = false;
+    trace.disable();
+    trace.setDestination(second);
+  }
+
+  bool isNoneOpen() const { return !first.isOpen && !second.isOpen && !third.isOpen; }
+};
+
 // Traces a line from each put, as often as `lines` says.
 class tTracingDestination : public tRecordingDestination {
  public:
@@ -157,6 +174,47 @@ TEST(TraceSwitchWithin, SwitchesThatNeverEndAreEnded) {
   three.trace.setDestination(three.second);
   EXPECT_EQ(three.second.switches + three.third.switches, u32{2000 - 4});
   EXPECT_TRUE(three.isOnlyOpen(static_cast<tSwitchingDestination*>(three.trace.getDestination())));
+}
+
+TEST(TraceSwitchWithin, EndOfAStreamClosesWhatACloseSwitchesTo) {
+  tEndOfThree three;
+  three.second.atClose = &three.third;
+  three.run();
+  EXPECT_STREQ(three.third.events(), "open close ");
+  EXPECT_TRUE(three.isNoneOpen());
+}
+
+TEST(TraceSwitchWithin, EndOfAStreamClosesWhatOneCloseAfterTheOtherSwitchesTo) {
+  tEndOfThree three;
+  three.second.atClose = &three.third;
+  three.third.atClose = &three.second;
+  three.run();
+  EXPECT_TRUE(three.isNoneOpen());
+}
+
+TEST(TraceSwitchWithin, EndOfAStreamClosesADestinationThatReturnsToItself) {
+  tEndOfThree three;
+  three.second.atClose = &three.second;
+  three.run();
+  EXPECT_TRUE(three.isNoneOpen());
+}
+
+TEST(TraceSwitchWithin, EndOfAStreamLeavesAloneWhatAnotherOneUses) {
+  tEndOfThree three;
+  tPrivateTrace other(three.third);
+  three.second.atClose = &three.third;
+  three.run();
+  EXPECT_STREQ(three.third.events(), "");
+  EXPECT_FALSE(three.second.isOpen);
+}
+
+TEST(TraceSwitchWithin, EndOfAStreamIsReachedThoughEachCloseSwitches) {
+  tEndOfThree three;
+  three.second.switches = three.third.switches = 1'000'000;
+  three.second.atClose = &three.third;
+  three.third.atClose = &three.second;
+  three.run();
+  EXPECT_GT(three.second.switches + three.third.switches, u32{2'000'000 - 2'000});
 }
 
 TEST(TraceSwitchWithin, PutThatSwitchesItsOwnDestinationChangesNothing) {
