@@ -293,6 +293,10 @@ class OXDIAG_API tTrace : public tConfigurable {
     return put(reinterpret_cast<void const*>(function));
   }
 
+  // A pointer to a member has no address to show; it would be taken for "true".
+  template <class tMember, class tClass>
+  tTrace& put(tMember tClass::*) = delete;
+
   // Appends the address that the memory block reference points to, in radix 16.
   tTrace& put(tMemBlockReferenceTemplate<char>& block);
 
@@ -424,8 +428,9 @@ class OXDIAG_API tTrace : public tConfigurable {
   // A private stream, with the settings of a fresh one: for components that want one of their own,
   // by deriving from this class. `first` must outlive the stream or its use by it, and is open. The
   // destination that the stream has at its end must be alive then. It is closed if the stream was
-  // switched to it and no other stream uses it; `first` is not. What a close then switches the stream
-  // to is closed in turn, for four closes at most.
+  // switched to it and no other stream uses it; `first` is not. What a close then switches the
+  // stream to is closed in turn, for four closes at most.
+  //
   // All streams lock their lines by the one named lock. A stream that is destroyed by a thread
   // within a line of another cannot close its handle of it, which then stays until unload.
   explicit tTrace(iTraceDestination& first);

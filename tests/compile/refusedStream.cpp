@@ -1,4 +1,5 @@
-// There is one stream; a second one needs a class of its own that says so.
+// There is one stream; a second one needs a class of its own that says so. A pointer to a member is
+// neither text nor number nor address.
 
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tVEXTraceDestination.h"
@@ -13,4 +14,16 @@ void streams(nOXDIAG100::iTraceDestination& destination) {
   nOXDIAG100::tTrace second(destination);  // expect-error: protected
   tPrivateTrace own(destination);
   own.put("text");
+}
+
+struct tSlot {
+  u32 getNumber() const noexcept;
+
+  u32 number;
+};
+
+void membersOf(tSlot& slot, nOXDIAG100::tTrace& trace) {
+  trace.put(&tSlot::number);     // expect-error: deleted
+  trace.put(&tSlot::getNumber);  // expect-error: deleted
+  trace.put(&slot.number).put(slot.number != 0);
 }
