@@ -40,6 +40,9 @@ class OXDIAG_API tDestinationSlot {
   // Whether installing a destination has opened it, so that leaving it closes it.
   bool hasTaken = false;
 
+  // Whether the current destination has been closed, because the stream goes to another one.
+  bool isLeft = false;
+
   // Whether the current destination was opened by a switch within the one that is under way.
   bool isOpenedWithin = false;
 

@@ -188,6 +188,11 @@ class OXDIAG_API tTrace : public tConfigurable {
   // all of them; so it is when an option brings new settings for it. If it cannot be opened then,
   // neither with its former settings, all of them go to the debugger print.
   //
+  // Switches within each other, by destinations that switch while they are opened or closed, leave
+  // open what a stream is at in the end, and nothing else, unless four closes in a row switch once
+  // more. In which order destinations are opened and closed on the way is not promised, nor that
+  // one is closed before it is opened again; what is written from within a close may be lost.
+  //
   // Returns the destination that was current before the call, or the debugger-print destination
   // when the stream fell back to it. The call changes nothing, and returns the current destination,
   //   - when it is given up after ten seconds, as said above;

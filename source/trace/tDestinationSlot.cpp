@@ -29,6 +29,7 @@ bool tDestinationSlot::isOpenTo(u32 thread) const {
 }
 
 void tDestinationSlot::install(iTraceDestination& next) {
+  isLeft = false;
   __atomic_store_n(&current, &next, __ATOMIC_SEQ_CST);
 }
 

@@ -32,7 +32,7 @@ tDestinationSwitch::~tDestinationSwitch() {
 }
 
 tDestinationSwitch::tSharing tDestinationSwitch::getSharing(bool isChanged) const {
-  if (tLiveStreams::findUser(*next, &stream) == nullptr) return kNotShared;
+  if (tLiveStreams::findKeeper(*next, &stream) == nullptr) return kNotShared;
   return isChanged || next == former ? kSharedAndMoved : kSharedAsItIs;
 }
 
@@ -93,14 +93,16 @@ iTraceDestination* tDestinationSwitch::change(tFormerSettings& settings) {
 }
 
 void tDestinationSwitch::closeFormer() {
-  bool const isLast = tLiveStreams::findUser(*former, &stream) == nullptr;
-  if (isLast || next == former) former->close();
+  bool const isLast = tLiveStreams::findKeeper(*former, &stream) == nullptr;
+  if (!isLast && next != former) return;
+  stream.slot.isLeft = true;
+  former->close();
 }
 
 // Other streams may have taken the destination, or left it, from a put or a close since it was
 // looked who uses it.
 bool tDestinationSwitch::isNextOpen() {
-  bool const isUsed = tLiveStreams::findUser(*next, &stream) != nullptr;
+  bool const isUsed = tLiveStreams::findKeeper(*next, &stream) != nullptr;
   if (sharing != kSharedAndMoved) return isUsed || open(next);
   return next == former || !isUsed ? open(next) : isNextOpenAnew();
 }
@@ -121,7 +123,7 @@ bool tDestinationSwitch::isNextOpenAnew() {
 // A switch within open() may have left the destination for another one, or destroyed it.
 bool tDestinationSwitch::open(iTraceDestination* const& place) {
   bool const isOpen = place->open() != 0 && place != nullptr;
-  if (isOpen && tLiveStreams::findUser(*place) == nullptr) place->close();
+  if (isOpen && tLiveStreams::findKeeper(*place) == nullptr) place->close();
   return isOpen;
 }
 
@@ -139,7 +141,9 @@ void tDestinationSwitch::closeOpened(tTraceParts& stream) {
     if (!stream.slot.isOpenedWithin) return;
     stream.slot.isOpenedWithin = false;
     iTraceDestination* const left = stream.slot.get();
-    if (tLiveStreams::findUser(*left, &stream) == nullptr) left->close();
+    if (tLiveStreams::findKeeper(*left, &stream) != nullptr) return;
+    stream.slot.isLeft = true;
+    left->close();
   }
 }
 
@@ -155,7 +159,7 @@ iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {
 
 bool tDestinationSwitch::isFormerBack(tFormerSettings& settings) {
   moveTo(*former);
-  if (next != former && tLiveStreams::findUser(*former, &stream) != nullptr) return true;
+  if (next != former && tLiveStreams::findKeeper(*former, &stream) != nullptr) return true;
   settings.restore(*former);
   bool const isBack = former != nullptr && open(former);
   stream.slot.isOpenedWithin |= isBack;

@@ -36,6 +36,14 @@ tTraceParts* tLiveStreams::findUser(iTraceDestination const& destination,
   return nullptr;
 }
 
+tTraceParts* tLiveStreams::findKeeper(iTraceDestination const& destination, tTraceParts const* besides) {
+  for (tTraceParts* stream = first; stream != nullptr; stream = stream->nextStream) {
+    bool const isKept = stream->slot.get() == &destination && !stream->slot.isLeft;
+    if (stream != besides && isKept) return stream;
+  }
+  return nullptr;
+}
+
 u32 tLiveStreams::findLineOwner() {
   u32 owner = 0;
   for (tTraceParts* stream = first; stream != nullptr && owner == 0; stream = stream->nextStream) {

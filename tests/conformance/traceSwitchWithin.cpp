@@ -157,6 +157,20 @@ TEST(TraceSwitchWithin, CloseThatSwitchesLeavesOnlyTheNextOneOpen) {
   EXPECT_TRUE(three.isOnlyOpen(&three.second));
 }
 
+TEST(TraceSwitchWithin, FormerOneThatAnotherStreamTakesFromItsCloseIsOpen) {
+  tThree three;
+  tPrivateTrace other(three.third);
+  other.disable();
+  three.third.isOpen = true;
+  three.first.trace = &other;
+  three.first.atClose = &three.first;
+  three.trace.setDestination(three.second);
+  EXPECT_TRUE(other.getDestination() == &three.first);
+  EXPECT_TRUE(three.first.isOpen);
+  EXPECT_TRUE(three.second.isOpen);
+  EXPECT_FALSE(three.third.isOpen);
+}
+
 TEST(TraceSwitchWithin, FormerOneThatMovesOnWhenItComesBackIsNotLeftOpen) {
   tThree three;
   three.second.failingOpens = 1;
