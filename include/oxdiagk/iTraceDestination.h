@@ -66,6 +66,7 @@ class OXDIAG_API iTraceDestination {
   virtual char* inquire(char* buffer, unsigned int size, unsigned int* required) = 0;
 
   // Prepares for output. Returns 1 on success and 0 on failure; after a failure nothing is held.
+  // May be called when it is open already, by switches within each other.
   virtual u32 open() = 0;
 
   // Releases what open() acquired. May be called when nothing is open.
