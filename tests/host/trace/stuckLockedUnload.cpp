@@ -15,7 +15,8 @@ namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr int kPushes = 200;
+constexpr int kPushes = 2000;
+constexpr u64 kMostSeconds = 100;  // on a loaded machine; each push that waits adds a tenth of one
 
 void writeLine(tTrace& trace) {
   trace.putPrefix("unload", tSSVersion(), 1, "stuck.cpp", 100, tTrace::kTraceLine).put("x").endl();
@@ -55,7 +56,7 @@ TEST(StuckLockedUnload, WaitsOnceHoweverManyConfigurationsSwitchTheMutex) {
   u64 const start = getSeconds();
   EXPECT_EQ(oxdiagkUnload(), STATUS_SUCCESS);
   EXPECT_GE(getSeconds() - start, 10u);
-  EXPECT_LT(getSeconds() - start, 12u);
+  EXPECT_LT(getSeconds() - start, kMostSeconds);
   EXPECT_TRUE(isLogged("a trace destination is left open at the end: "));
   EXPECT_FALSE(isLogged("the line mutex is not switched"));
   sticky.mayGo = true;
