@@ -5,7 +5,7 @@
 
 void measureValues() {
   constexpr u32 kDumpLength = 256;
-  constexpr u32 kBytesPerRow = 16;
+  constexpr u64 kRows = kDumpLength / 16;
   constexpr u32 kUnit = 4;
   tNullDestination destination;
   tBenchStream trace(destination);
@@ -20,6 +20,5 @@ void measureValues() {
   u64 const before = destination.getPieces();
   measurePath("hex dump of 256 bytes",
               [&] { trace.put(static_cast<void const*>(bytes), kDumpLength, kUnit); });
-  demand(destination.getPieces() - before >= kOperations * (kDumpLength / kBytesPerRow),
-         "hex dump of 256 bytes");
+  demand(destination.getPieces() - before >= kOperations * kRows, "hex dump of 256 bytes");
 }
