@@ -1,5 +1,6 @@
 #include "oxdiagk/tTrace.h"
 #include "vexk/number.h"
+#include "vexk/numberDigits.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -7,44 +8,55 @@ namespace {
 constexpr u32 kDecimal = 10;
 constexpr u32 kHexadecimal = 16;
 
-// A sign, the ten digits that a radix may have, "#".
-constexpr u32 kDecorationSize = 1 + 10 + 1;
+// A sign, the ten digits that a radix may have, "#", and 64 digits of radix 2.
+constexpr u32 kTextSize = 1 + 10 + 1 + 64;
 
 // The digits of a radix above 36 go on behind Z, character by character.
 char digitOf(u64 value) {
   return static_cast<char>(value < kDecimal ? '0' + value : 'A' + value - kDecimal);
 }
 
-u32 writeDigits(u64 value, u32 radix, char* text) {
-  if (radix <= kNumberRadixMost) return vexNumberToText(value, radix, text);
-  u32 length = 1;
-  for (u64 rest = value / radix; rest != 0; rest /= radix) ++length;
-  for (u32 index = length; index != 0; value /= radix) text[--index] = digitOf(value % radix);
-  return length;
+char* writePowerOfTwo(u64 value, u32 bits, char* end) {
+  u64 const mask = (u64{1} << bits) - 1;
+  do {
+    *--end = digitOf(value & mask);
+    value >>= bits;
+  } while (value != 0);
+  return end;
 }
 
-u32 writeRadix(u32 radix, char* text) {
-  if (radix == kDecimal) return 0;
-  if (radix == kHexadecimal) {
-    text[0] = '0';
-    text[1] = 'x';
-    return 2;
+// In any radix, with the radix in front. The text grows from its end, as the digits come.
+char* writeAny(u64 value, u32 radix, char* end) {
+  if ((radix & (radix - 1)) == 0) {
+    end = writePowerOfTwo(value, static_cast<u32>(__builtin_ctz(radix)), end);
+  } else {
+    do {
+      *--end = digitOf(value % radix);
+      value /= radix;
+    } while (value != 0);
   }
-  u32 const length = vexNumberToText(radix, kDecimal, text);
-  text[length] = '#';
-  return length + 1;
+  *--end = '#';
+  return vexWriteDecimal(radix, end);
+}
+
+char* writeNumber(u64 value, u32 radix, char* end) {
+  if (radix == kDecimal || radix < kNumberRadixLeast) return vexWriteDecimal(value, end);
+  if (radix != kHexadecimal) return writeAny(value, radix, end);
+  end = vexWriteHexadecimal(value, end);
+  *--end = 'x';
+  *--end = '0';
+  return end;
 }
 
 }  // namespace
 
 void tTrace::appendNumber(u64 magnitude, u32 radix, bool isNegative) {
   if (!isWriting()) return;
-  if (radix < kNumberRadixLeast) radix = kDecimal;
-  char text[kDecorationSize + kNumberTextSize] = {'-'};
-  u32 length = isNegative ? 1 : 0;
-  length += writeRadix(radix, text + length);
-  length += writeDigits(magnitude, radix, text + length);
-  append(text, length);
+  char text[kTextSize];
+  char* const end = text + sizeof(text);
+  char* begin = writeNumber(magnitude, radix, end);
+  if (isNegative) *--begin = '-';
+  append(begin, static_cast<u64>(end - begin));
 }
 
 void tTrace::appendSigned(i64 value, u32 radix) {

@@ -1,24 +1,14 @@
 #include "vexk/number.h"
 
+#include "vexk/numberDigits.h"
+
 namespace {
 
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 static_assert(sizeof kDigits == kNumberRadixMost + 1);
 
 constexpr u32 kDecimal = 10;
-
-// "00" to "99": two decimal digits for one division.
-struct tDigitPairs {
-  char text[200] = {};
-
-  constexpr tDigitPairs() {
-    for (size_t i = 0; i < 100; ++i) {
-      text[2 * i] = kDigits[i / 10];
-      text[2 * i + 1] = kDigits[i % 10];
-    }
-  }
-};
-constexpr tDigitPairs kPairs;
+constexpr u32 kHexadecimal = 16;
 
 // 1, 10, 100, ... as far as 64 bits go.
 struct tPowersOfTen {
@@ -47,18 +37,13 @@ u32 countDecimalDigits(u64 value) {
 
 u32 writeDecimal(u64 value, char* buffer) {
   u32 const length = countDecimalDigits(value);
-  char* at = buffer + length;
-  while (value >= 100) {
-    u64 const rest = value / 100;
-    at -= 2;
-    __builtin_memcpy(at, kPairs.text + 2 * (value - rest * 100), 2);
-    value = rest;
-  }
-  if (value < 10) {
-    buffer[0] = kDigits[value];
-  } else {
-    __builtin_memcpy(buffer, kPairs.text + 2 * value, 2);
-  }
+  vexWriteDecimal(value, buffer + length);
+  return length;
+}
+
+u32 writeHexadecimal(u64 value, char* buffer) {
+  u32 const length = (countBits(value) + 3) / 4;
+  vexWriteHexadecimal(value, buffer + length);
   return length;
 }
 
@@ -88,6 +73,7 @@ u32 writeDigits(u64 value, u32 radix, char* buffer) {
   if (radix == kDecimal || radix < kNumberRadixLeast || radix > kNumberRadixMost) {
     return writeDecimal(value, buffer);
   }
+  if (radix == kHexadecimal) return writeHexadecimal(value, buffer);
   if ((radix & (radix - 1)) == 0) return writePowerOfTwo(value, radix, buffer);
   return writeAnyRadix(value, radix, buffer);
 }

@@ -19,6 +19,7 @@
 #include "vexk/module.h"
 #include "vexk/moduleInfo.h"
 #include "vexk/number.h"
+#include "vexk/numberDigits.h"
 #include "vexk/printFormat.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
