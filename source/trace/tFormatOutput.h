@@ -35,14 +35,34 @@ class tFormatOutput {
     next += length;
   }
 
-  // Puts the low byte of every unit.
-  void put(wchar_t const* text, u64 length) {
-    u64 const taken = admit(length);
-    for (u64 index = 0; index < taken; ++index) next[index] = static_cast<char>(text[index]);
+  // Puts the low bytes of units, `most` of them or up to a terminator. Reads none that it need not
+  // put. Returns how many it put.
+  template <class tUnit>
+  u64 putText(tUnit const* text, u64 most) {
+    u64 const room = static_cast<u64>(last - next);
+    u64 const limit = most < room ? most : room;
+    u64 taken = 0;
+    for (; taken != limit && text[taken] != 0; ++taken)
+      next[taken] = static_cast<char>(text[taken]);
+    if (taken == room && taken != most && text[taken] != 0) cut = true;
     next += taken;
+    return taken;
+  }
+
+  // Puts the plain text at the beginning of a format; returns where it ends.
+  char const* putPlain(char const* format) {
+    char const* const begin = format;
+    while (isPlain(*format)) ++format;
+    if (format == begin + 1) {
+      put(*begin);
+    } else if (format != begin) {
+      put(begin, static_cast<u64>(format - begin));
+    }
+    return format;
   }
 
   void fill(char character, u64 count) {
+    if (count == 0) return;
     if (count <= kShortSize && hasRoomForShort()) {
       __builtin_memset(next, character, kShortSize);
       next += count;
@@ -63,6 +83,12 @@ class tFormatOutput {
   }
 
  private:
+  // Nearly all characters of a text stand behind the percent sign.
+  static bool isPlain(char character) {
+    u8 const code = static_cast<u8>(character);
+    return code > '%' || (code != '%' && code != 0);
+  }
+
   bool hasRoomForShort() const { return static_cast<u64>(last - next) >= kShortSize; }
 
   // How many of `wanted` characters there is room for.

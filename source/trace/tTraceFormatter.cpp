@@ -7,6 +7,10 @@
 namespace nOXDIAG100 {
 namespace {
 
+u32 smaller(u32 left, u32 right) {
+  return left < right ? left : right;
+}
+
 // The length of a terminated text, or `most` if it is longer.
 template <class tUnit>
 u32 measure(tUnit const* text, u32 most) {
@@ -15,34 +19,56 @@ u32 measure(tUnit const* text, u32 most) {
   return length;
 }
 
-}  // namespace
-
-i32 tTraceFormatter::format(char* buffer, u32 size, char const* format, va_list arguments) {
-  if (buffer == nullptr || size == 0) return -1;
-  u32 const used = size < tTrace::kMaxTraceLine ? size : tTrace::kMaxTraceLine;
-  return tTraceFormatter(buffer, used, arguments).run(format == nullptr ? "" : format);
+template <class tUnit>
+void putText(tFormatOutput& output, tFormatConversion const& conversion, void const* argument) {
+  if (argument == nullptr) argument = L"";
+  tUnit const* const text = static_cast<tUnit const*>(argument);
+  u32 const most = smaller(conversion.precision, tTrace::kMaxTraceLine);
+  u32 const width = conversion.width;
+  bool const isLeft = conversion.has(tFormatConversion::kLeft);
+  if (!isLeft && width != 0) output.fill(' ', width - measure(text, smaller(most, width)));
+  u64 const length = output.putText(text, most);
+  if (isLeft && length < width) output.fill(' ', width - length);
 }
 
-i32 tTraceFormatter::run(char const* format) {
-  format = putPlainText(format);
-  while (*format != 0 && !output.isCut()) {
-    ++format;
-    if (!convert(tFormatConversion(format, arguments))) break;
-    format = putPlainText(format);
+void putUnsupported(tFormatOutput& output, char letter) {
+  constexpr char kBegin[] = "<<'";
+  constexpr char kEnd[] = "' not supported>>";
+  output.put(kBegin, sizeof(kBegin) - 1);
+  output.put(letter);
+  output.put(kEnd, sizeof(kEnd) - 1);
+}
+
+void putInvalid(tFormatOutput& output, char letter) {
+  constexpr char kBegin[] = "<<invalid conversion specifier '";
+  constexpr char kEnd[] = "'>>";
+  output.put(kBegin, sizeof(kBegin) - 1);
+  output.put(letter);
+  output.put(kEnd, sizeof(kEnd) - 1);
+}
+
+// Conversions of a letter alone, the ones that are written most; false for all others.
+bool convertLetter(tFormatOutput& output, char letter, tFormatArguments& arguments) {
+  switch (letter) {
+    case 'd':
+      tFormatNumber::writeSigned(output, arguments.takeNumber());
+      return true;
+    case 'u':
+      tFormatNumber::writeUnsigned(output, static_cast<u32>(arguments.takeNumber()));
+      return true;
+    case 's': {
+      void const* const text = arguments.takePointer();
+      if (text != nullptr) output.putText(static_cast<char const*>(text), tTrace::kMaxTraceLine);
+      return true;
+    }
+    default:
+      return false;
   }
-  return output.finish();
-}
-
-// Returns where the next conversion or the format's end is.
-char const* tTraceFormatter::putPlainText(char const* format) {
-  char const* const begin = format;
-  while (*format != '%' && *format != 0) ++format;
-  output.put(begin, static_cast<u64>(format - begin));
-  return format;
 }
 
 // False when the rest of the format is not to be looked at.
-bool tTraceFormatter::convert(tFormatConversion const& conversion) {
+bool convert(tFormatOutput& output, tFormatConversion const& conversion,
+             tFormatArguments& arguments) {
   switch (conversion.letter) {
     case '%':
       output.put('%');
@@ -53,13 +79,13 @@ bool tTraceFormatter::convert(tFormatConversion const& conversion) {
     case 'o':
     case 'x':
     case 'X':
-      tFormatNumber(conversion, arguments.takeNumber()).write(output);
+      tFormatNumber::write(output, conversion, arguments.takeNumber());
       return true;
     case 's':
       if (conversion.length == 'l') {
-        putText(static_cast<wchar_t const*>(arguments.takePointer()), conversion);
+        putText<wchar_t>(output, conversion, arguments.takePointer());
       } else {
-        putText(static_cast<char const*>(arguments.takePointer()), conversion);
+        putText<char>(output, conversion, arguments.takePointer());
       }
       return true;
     case 'c':
@@ -74,43 +100,33 @@ bool tTraceFormatter::convert(tFormatConversion const& conversion) {
     case 'F':
     case 'g':
     case 'G':
-      putUnsupported(conversion.letter);
+      putUnsupported(output, conversion.letter);
       return true;
     case 0:
       return false;
     default:
-      putInvalid(conversion.letter);
+      putInvalid(output, conversion.letter);
       return false;
   }
 }
 
-template <class tUnit>
-void tTraceFormatter::putText(tUnit const* text, tFormatConversion const& conversion) {
-  u32 const most =
-      conversion.precision < tTrace::kMaxTraceLine ? conversion.precision : tTrace::kMaxTraceLine;
-  constexpr tUnit kEmpty[] = {0};
-  if (text == nullptr) text = kEmpty;
-  u32 const length = measure(text, most);
-  u32 const blanks = conversion.width > length ? conversion.width - length : 0;
-  if (!conversion.isLeft) output.fill(' ', blanks);
-  output.put(text, length);
-  if (conversion.isLeft) output.fill(' ', blanks);
-}
+}  // namespace
 
-void tTraceFormatter::putUnsupported(char letter) {
-  constexpr char kBegin[] = "<<'";
-  constexpr char kEnd[] = "' not supported>>";
-  output.put(kBegin, sizeof(kBegin) - 1);
-  output.put(letter);
-  output.put(kEnd, sizeof(kEnd) - 1);
-}
-
-void tTraceFormatter::putInvalid(char letter) {
-  constexpr char kBegin[] = "<<invalid conversion specifier '";
-  constexpr char kEnd[] = "'>>";
-  output.put(kBegin, sizeof(kBegin) - 1);
-  output.put(letter);
-  output.put(kEnd, sizeof(kEnd) - 1);
+i32 tTraceFormatter::format(char* buffer, u32 size, char const* format, va_list list) {
+  if (buffer == nullptr || size == 0) return -1;
+  if (format == nullptr) format = "";
+  tFormatOutput output(buffer, smaller(size, tTrace::kMaxTraceLine));
+  tFormatArguments arguments(list);
+  for (;;) {
+    format = output.putPlain(format);
+    if (*format == 0 || output.isCut()) break;
+    if (convertLetter(output, *++format, arguments)) {
+      ++format;
+      continue;
+    }
+    if (!convert(output, tFormatConversion(format, arguments), arguments)) break;
+  }
+  return output.finish();
 }
 
 }  // namespace nOXDIAG100

@@ -1,12 +1,11 @@
 #pragma once
 
+#include <stdarg.h>
+
+#include "ntos/types.h"
 #include "oxdiagk/api.h"
-#include "trace/tFormatArguments.h"
-#include "trace/tFormatOutput.h"
 
 namespace nOXDIAG100 {
-
-class tFormatConversion;
 
 // The formatter behind tTrace::putf, whose comment in "oxdiagk/tTrace.h" describes the formats.
 //
@@ -19,21 +18,6 @@ class OXDIAG_API tTraceFormatter {
   // did not fit: the buffer then holds as much as does fit, terminated. With a null buffer or a
   // size of 0 nothing fits, so the outcome is always -1. A null format counts as an empty one.
   static i32 format(char* buffer, u32 size, char const* format, va_list arguments);
-
- private:
-  tTraceFormatter(char* buffer, u32 size, va_list arguments)
-      : output(buffer, size), arguments(arguments) {}
-
-  i32 run(char const* format);
-  char const* putPlainText(char const* format);
-  bool convert(tFormatConversion const& conversion);
-  template <class tUnit>
-  void putText(tUnit const* text, tFormatConversion const& conversion);
-  void putUnsupported(char letter);
-  void putInvalid(char letter);
-
-  tFormatOutput output;
-  tFormatArguments arguments;
 };
 
 }  // namespace nOXDIAG100

@@ -15,9 +15,10 @@ tTrace& tTrace::putf(char const* format, ...) {
   va_start(arguments, format);
   i32 const length = tTraceFormatter::format(text, sizeof(text), format, arguments);
   va_end(arguments);
-  if (length < 0) put(kTooLong);
+  if (length < 0) append(kTooLong, sizeof(kTooLong) - 1);
   // Not by its length: a wide text may have brought NUL characters, and the text ends at the first.
-  return put(text);
+  append(text, __builtin_strlen(text));
+  return *this;
 }
 
 }  // namespace nOXDIAG100

@@ -12,15 +12,15 @@ struct tDigitPairs {
   static constexpr u32 kCount = radix * radix;
   char text[kCount][2] = {};
 
-  constexpr tDigitPairs() {
+  explicit constexpr tDigitPairs(char const* digits) {
     for (u32 index = 0; index < kCount; ++index) {
-      text[index][0] = "0123456789ABCDEF"[index / radix];
-      text[index][1] = "0123456789ABCDEF"[index % radix];
+      text[index][0] = digits[index / radix];
+      text[index][1] = digits[index % radix];
     }
   }
 };
-inline constexpr tDigitPairs<10> kDecimalPairs;
-inline constexpr tDigitPairs<16> kHexadecimalPairs;
+inline constexpr tDigitPairs<10> kDecimalPairs("0123456789");
+inline constexpr tDigitPairs<16> kHexadecimalPairs("0123456789ABCDEF");
 
 // Writes the two hexadecimal digits of `byte` to `to`.
 inline void vexWriteHexByte(u8 byte, char* to) {
@@ -44,17 +44,18 @@ inline char* vexWriteDecimal(u64 value, char* end) {
   return end;
 }
 
-// At most 16 digits; those above 9 are capital letters.
-inline char* vexWriteHexadecimal(u64 value, char* end) {
+// At most 16 digits; those above 9 are capital letters, or as in the caller's `pairs`.
+inline char* vexWriteHexadecimal(u64 value, char* end,
+                                 tDigitPairs<16> const& pairs = kHexadecimalPairs) {
   for (; value > 0xFF; value >>= 8) {
     end -= 2;
-    vexWriteHexByte(static_cast<u8>(value), end);
+    __builtin_memcpy(end, pairs.text[value & 0xFF], 2);
   }
   if (value <= 0xF) {
-    *--end = kHexadecimalPairs.text[value][1];
+    *--end = pairs.text[value][1];
     return end;
   }
   end -= 2;
-  vexWriteHexByte(static_cast<u8>(value), end);
+  __builtin_memcpy(end, pairs.text[value], 2);
   return end;
 }
