@@ -2,21 +2,25 @@
 
 #include "ntos/irql.h"
 #include "ntos/status.h"
+#include "ntos/thread.h"
 #include "vexk/statusCodes.h"
 #include "vexk/threadUtility.h"
 
 namespace {
 
+constexpr i32 kBoost =
+    1;  // of the priority of the thread that is woken, as the kernel's mutex does
+
+// Between two looks of a thread whose time has passed and for whom the event is about to be set.
+constexpr u32 kLastWait = 1;  // milliseconds
+
 constexpr i64 kKernelTimePerMillisecond = 10000;  // units of 100 ns
 
-i32 waitFor(KMUTEX& mutex, u32 timeoutMilliseconds) {
+NTSTATUS waitFor(KEVENT& event, u32 timeoutMilliseconds) {
   LARGE_INTEGER span;
   span.QuadPart = -kKernelTimePerMillisecond * timeoutMilliseconds;
   bool const forever = timeoutMilliseconds == kSyncWaitForever;
-  NTSTATUS const result =
-      KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, forever ? nullptr : &span);
-  if (result == STATUS_TIMEOUT) return kStatusSyncTimeout;
-  return NT_SUCCESS(result) ? 0 : kStatusSyncFailed;
+  return KeWaitForSingleObject(&event, Executive, KernelMode, 0, forever ? nullptr : &span);
 }
 
 bool isSameText(char const* left, char const* right) {
@@ -36,20 +40,25 @@ void copyText(char* to, char const* from) {
 
 tSharedLock::tSharedLock(char const* lockName, tSyncDescriptor const& descriptor)
     : kind(descriptor.kind), token{descriptor.token[0], descriptor.token[1]} {
-  KeInitializeMutex(&mutex, 0);
+  KeInitializeEvent(&event, SynchronizationEvent, 0);
   copyText(name, lockName == nullptr ? "" : lockName);
 }
 
 i32 tSharedLock::acquire(u32 timeoutMilliseconds) {
   if (KeGetCurrentIrql() > APC_LEVEL) return kStatusSyncIrqlTooHigh;
-  if (isOwnedByCaller()) {
+  u32 const threadId = tThreadUtility::getCurrentThreadId();
+  if (getOwner() == threadId) {
     if (depth == kSyncMaximumDepth) return kStatusSyncTooDeep;
     ++depth;
     return 0;
   }
-  i32 const status = waitFor(mutex, timeoutMilliseconds);
-  if (status < 0) return status;
-  setOwner(tThreadUtility::getCurrentThreadId());
+  KeEnterCriticalRegion();
+  i32 const status = takeIfFree() ? 0 : await(timeoutMilliseconds);
+  if (status < 0) {
+    KeLeaveCriticalRegion();
+    return status;
+  }
+  setOwner(threadId);
   depth = 1;
   return 0;
 }
@@ -58,13 +67,49 @@ i32 tSharedLock::release() {
   if (!isOwnedByCaller()) return kStatusSyncNotOwner;
   if (--depth == 0) {
     setOwner(kNobody);
-    KeReleaseMutex(&mutex, 0);
+    giveUp();
+    KeLeaveCriticalRegion();
   }
   return 0;
 }
 
 bool tSharedLock::isOwnedByCaller() const {
   return getOwner() == tThreadUtility::getCurrentThreadId();
+}
+
+bool tSharedLock::takeIfFree() {
+  u32 none = 0;
+  return __atomic_compare_exchange_n(&contenders, &none, 1, false, __ATOMIC_ACQUIRE,
+                                     __ATOMIC_RELAXED);
+}
+
+i32 tSharedLock::await(u32 timeoutMilliseconds) {
+  if (timeoutMilliseconds == 0) return kStatusSyncTimeout;
+  if (__atomic_fetch_add(&contenders, 1, __ATOMIC_ACQUIRE) == 0) return 0;
+  NTSTATUS const result = waitFor(event, timeoutMilliseconds);
+  if (result == STATUS_SUCCESS) return 0;
+  do {
+    if (withdraw()) return result == STATUS_TIMEOUT ? kStatusSyncTimeout : kStatusSyncFailed;
+  } while (waitFor(event, kLastWait) != STATUS_SUCCESS);
+  return 0;
+}
+
+// Takes the calling thread out of the count. False when the lock is for nobody else.
+bool tSharedLock::withdraw() {
+  u32 seen = __atomic_load_n(&contenders, __ATOMIC_RELAXED);
+  while (seen > 1) {
+    if (__atomic_compare_exchange_n(&contenders, &seen, seen - 1, true, __ATOMIC_RELAXED,
+                                    __ATOMIC_RELAXED)) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// When nobody is left in the count, the lock may be gone the next moment.
+void tSharedLock::giveUp() {
+  bool const isAwaited = __atomic_sub_fetch(&contenders, 1, __ATOMIC_RELEASE) != 0;
+  if (isAwaited) KeSetEvent(&event, kBoost, 0);
 }
 
 bool tSharedLock::isNamed(char const* wantedName, tSyncDescriptor const& descriptor) const {

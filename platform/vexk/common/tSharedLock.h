@@ -6,6 +6,14 @@
 #include "vexk/memory.h"
 #include "vexk/sync.h"
 
+// A count of the threads that own the lock or wait for it, and an event. The event is touched only
+// when somebody waits:
+//   - Who makes the count 1 owns the lock; everybody else waits for the event.
+//   - Who releases the lock while others are counted sets the event once. It is set for one of
+//   them,
+//     and nobody else can own the lock before that one has released it.
+//   - A thread whose time has passed takes itself out of the count while another one is in it. When
+//     it is the only one, the event is set for it or about to be: it takes the lock.
 class tSharedLock {
  public:
   VEX_MODULE_MEMORY
@@ -19,7 +27,8 @@ class tSharedLock {
   i32 acquire(u32 timeoutMilliseconds);
   i32 release();
 
-  bool isOwned() const { return getOwner() != kNobody; }
+  // Whether any thread owns it or waits for it.
+  bool isInUse() const { return __atomic_load_n(&contenders, __ATOMIC_RELAXED) != 0; }
   bool isOwnedByCaller() const;
 
   // Whether an open with these arguments means this lock. Never true for a private one.
@@ -31,16 +40,21 @@ class tSharedLock {
  private:
   static constexpr u32 kNobody = 0;
 
+  // Only a thread itself writes its id, so a thread reads reliably whether it is the owner, and
+  // nothing else about the value.
   u32 getOwner() const { return __atomic_load_n(&owner, __ATOMIC_RELAXED); }
   void setOwner(u32 threadId) { __atomic_store_n(&owner, threadId, __ATOMIC_RELAXED); }
 
-  // The owner is kept here too, because the kernel stops the machine when a thread releases what it
-  // does not own. Only the thread itself writes its id, so a thread reads reliably whether it is
-  // the owner, and nothing else about the value.
+  bool takeIfFree();
+  i32 await(u32 timeoutMilliseconds);
+  bool withdraw();
+  void giveUp();
+
+  u32 contenders = 0;
   u32 owner = kNobody;
-  u32 depth = 0;
-  KMUTEX mutex;
+  u32 depth = 0;  // the owner's
   u32 kind;
   u32 token[2];
+  KEVENT event;
   char name[kSyncMaximumNameLength + 1];
 };

@@ -60,7 +60,7 @@ i32 tSyncTable::closeGuarded(iSync*& sync) {
     return kStatusBadArgument;
   }
   tSharedLock& lock = handle->getLock();
-  if (lock.isOwnedByCaller() || (lock.handleCount == 1 && lock.isOwned())) {
+  if (lock.isOwnedByCaller() || (lock.handleCount == 1 && lock.isInUse())) {
     return kStatusSyncInUse;
   }
   *link = handle->next;

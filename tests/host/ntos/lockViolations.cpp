@@ -5,6 +5,7 @@
 #include <thread>
 #include <vector>
 
+#include "ntos/thread.h"
 #include "waiting.h"
 
 namespace {
@@ -126,6 +127,36 @@ TEST_F(LockViolationsDeathTest, AThreadEndsWithoutLocks) {
                "ntos: A thread ended while it owned the mutex at 0x[0-9a-f]+\\.\n$");
   EXPECT_DEATH(std::thread([&] { ExAcquireFastMutex(&m_fastMutex); }).join(),
                "ntos: A thread ended while it owned the fast mutex at 0x[0-9a-f]+\\.\n$");
+}
+
+TEST_F(LockViolationsDeathTest, AThreadEndsOutsideCriticalRegions) {
+  EXPECT_DEATH(std::thread(KeEnterCriticalRegion).join(),
+               "ntos: A thread ended within a critical region\\.\n$");
+  EXPECT_DEATH(std::thread([] {
+                 KeEnterCriticalRegion();
+                 KeEnterCriticalRegion();
+                 KeLeaveCriticalRegion();
+               }).join(),
+               "A thread ended within a critical region");
+}
+
+TEST_F(LockViolationsDeathTest, ACriticalRegionIsLeftByTheThreadThatEnteredIt) {
+  EXPECT_DEATH(KeLeaveCriticalRegion(),
+               "ntos: KeLeaveCriticalRegion was called by a thread that is in no critical "
+               "region\\.\n$");
+  KeEnterCriticalRegion();
+  EXPECT_DEATH(std::thread(KeLeaveCriticalRegion).join(), "that is in no critical region");
+  KeLeaveCriticalRegion();
+  EXPECT_DEATH(KeLeaveCriticalRegion(), "that is in no critical region");
+}
+
+TEST_F(LockViolationsDeathTest, CriticalRegionsAreEnteredAndLeftUpToApcLevel) {
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), KeEnterCriticalRegion()),
+               "KeEnterCriticalRegion was called at IRQL 2");
+  KeEnterCriticalRegion();
+  EXPECT_DEATH((raise(DISPATCH_LEVEL), KeLeaveCriticalRegion()),
+               "KeLeaveCriticalRegion was called at IRQL 2");
+  KeLeaveCriticalRegion();
 }
 
 TEST_F(LockViolationsDeathTest, AThreadOwnsUpTo64Mutexes) {

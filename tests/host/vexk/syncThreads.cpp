@@ -214,7 +214,7 @@ TEST(VexkHostSyncThreadsDeathTest, AnOwnerThatEndsStopsTheProgram) {
         tOpenLock const lock(nullptr);
         std::thread([&] { lock->acquire(kSyncWaitForever); }).join();
       },
-      "A thread ended while it owned the mutex");
+      "A thread ended within a critical region");
 }
 
 TEST(VexkHostThread, LivingThreadsHaveDifferentIds) {

@@ -52,9 +52,11 @@ i32 readSignalState(DISPATCHER_HEADER const& header) {
   return __atomic_load_n(&header.SignalState, __ATOMIC_ACQUIRE);
 }
 
+// The object may be gone once its state has changed.
 i32 exchangeSignalState(DISPATCHER_HEADER& header, i32 state) {
+  bool const wakesAll = header.Type == EventNotificationObject;
   i32 const before = __atomic_exchange_n(&header.SignalState, state, __ATOMIC_SEQ_CST);
-  if (state > 0) wakeParked(&header.SignalState);
+  if (state > 0) (wakesAll ? wakeAllParked : wakeOneParked)(&header.SignalState);
   return before;
 }
 

@@ -22,7 +22,8 @@ bool tryTakeMutex(KMUTEX& mutex);
 
 i32 readSignalState(DISPATCHER_HEADER const& header);
 
-// Sets the state and wakes who waits for it; returns the state before.
+// Sets the state and wakes who waits for it: everybody for a notification event, else one thread.
+// Returns the state before.
 i32 exchangeSignalState(DISPATCHER_HEADER& header, i32 state);
 
 }  // namespace ntoshost

@@ -82,6 +82,6 @@ void ExReleaseFastMutex(FAST_MUTEX* mutex) {
   ntoshost::noteLockReleased(mutex);
   ntoshost::writeOwner(*mutex, nullptr);
   __atomic_store_n(&mutex->Count, ntoshost::kFree, __ATOMIC_SEQ_CST);
-  ntoshost::wakeParked(&mutex->Count);
+  ntoshost::wakeOneParked(&mutex->Count);
   KeLowerIrql(previous);
 }

@@ -13,6 +13,7 @@ constexpr u32 kCapacity = 64;
 struct HeldLocks {
   HeldLocks* next;
   bool isKnown;
+  u32 regions;
   u32 count;
   void const* locks[kCapacity];
   LockKind kinds[kCapacity];
@@ -42,6 +43,7 @@ void forgetThread(void* thread) {
     violation("A thread ended while it owned the %s at %p.", nameOf(held.kinds[held.count - 1]),
               lockAt(held, held.count - 1));
   }
+  if (held.regions != 0) violation("A thread ended within a critical region.");
   pthread_mutex_lock(&g_threadsLock);
   HeldLocks** link = &g_threads;
   while (*link != &held) link = &(*link)->next;
@@ -93,6 +95,17 @@ void noteLockReleased(void const* lock) {
     g_held.kinds[index] = g_held.kinds[index + 1];
   }
   setLock(g_held, last, nullptr);
+}
+
+void noteRegionEntered() {
+  if (!g_held.isKnown) rememberThread();
+  ++g_held.regions;
+}
+
+bool noteRegionLeft() {
+  if (g_held.regions == 0) return false;
+  --g_held.regions;
+  return true;
 }
 
 void const* ownedFastMutex() {

@@ -4,13 +4,19 @@
 
 namespace ntoshost {
 
-// Which fast mutexes and kernel mutexes each thread owns. A thread that ends while it owns one
-// stops the program, as does one that owns more than 64.
+// Which fast mutexes and kernel mutexes each thread owns, and how many critical regions it is in. A
+// thread that ends while it owns one or is within one stops the program, as does one that owns more
+// than 64.
 
 enum class LockKind : u8 { fastMutex, mutex };
 
 void noteLockTaken(void const* lock, LockKind kind);
 void noteLockReleased(void const* lock);
+
+void noteRegionEntered();
+
+// False when the thread is in none.
+bool noteRegionLeft();
 
 // A fast mutex that the calling thread owns, or null.
 void const* ownedFastMutex();

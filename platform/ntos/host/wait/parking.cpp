@@ -26,6 +26,11 @@ bool sleepWhile(i32* word, i32 seen, Deadline const& deadline) {
   return result == 0 || errno != ETIMEDOUT;
 }
 
+void wake(i32* word, int count) {
+  if (__atomic_load_n(&sleepersOn(word), __ATOMIC_SEQ_CST) == 0) return;
+  syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, count);
+}
+
 }  // namespace
 
 bool parkWhile(i32* word, i32 seen, Deadline const& deadline) {
@@ -36,9 +41,12 @@ bool parkWhile(i32* word, i32 seen, Deadline const& deadline) {
   return isInTime;
 }
 
-void wakeParked(i32* word) {
-  if (__atomic_load_n(&sleepersOn(word), __ATOMIC_SEQ_CST) == 0) return;
-  syscall(SYS_futex, word, FUTEX_WAKE_PRIVATE, INT_MAX);
+void wakeOneParked(i32* word) {
+  wake(word, 1);
+}
+
+void wakeAllParked(i32* word) {
+  wake(word, INT_MAX);
 }
 
 }  // namespace ntoshost

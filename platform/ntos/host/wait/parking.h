@@ -5,13 +5,14 @@
 namespace ntoshost {
 
 // Threads that wait for a word of memory to change. Whoever changes it does so with a sequentially
-// consistent atomic operation and then calls wakeParked.
+// consistent atomic operation and then wakes them.
 
 // Sleeps while *word is `seen`, until it is woken or the deadline has passed; false then. Also
 // returns true for no reason: look at the word again.
 bool parkWhile(i32* word, i32 seen, Deadline const& deadline);
 
-// Wakes every thread that sleeps on the word. Costs no system call when there is none.
-void wakeParked(i32* word);
+// Wakes one thread that sleeps on the word, or all. Costs no system call when there is none.
+void wakeOneParked(i32* word);
+void wakeAllParked(i32* word);
 
 }  // namespace ntoshost

@@ -2,7 +2,8 @@
 
 // Locks that modules share by name.
 //
-// A lock is a recursive kernel mutex in non-paged memory. It is private to the caller who opened
+// A lock is recursive and lies in non-paged memory. While it is free, taking it and giving it back
+// costs a handful of instructions and no wait of the kernel. It is private to the caller who opened
 // it without a name, and shared by everyone who opens the same name (kind 1) or the same name and
 // token (kind 3). Names of the two kinds do not meet, and case matters.
 //
@@ -43,9 +44,10 @@ class iSync {
  public:
   // Waits until the calling thread owns the lock, at most `timeoutMilliseconds`; 0 only tries,
   // kSyncWaitForever waits without limit. A thread that owns the lock already gets it once more and
-  // must release it as often. Between acquire and release the thread receives no normal kernel
-  // APCs, and it must not end: the kernel stops the system when a thread ends as the owner of a
-  // mutex, and the host's executive stops the program.
+  // must release it as often. Between acquire and release the thread is in a critical region: it
+  // receives no normal kernel APCs, and it must not end there, which the kernel answers by stopping
+  // the system and the host's executive by stopping the program. Threads that wait get the lock in
+  // the order in which the kernel wakes them.
   // Returns 0 when the thread owns the lock, else it does not:
   //   kStatusSyncTimeout      the time passed
   //   kStatusSyncTooDeep      the thread owns it kSyncMaximumDepth times
@@ -73,8 +75,9 @@ VEX_API iSync* syncOpen(char const* name, tSyncDescriptor const& descriptor, i32
 // Closes a handle and clears the pointer; null is fine and does nothing. Returns 0, or
 //   kStatusBadArgument  not an open handle (closed before through a copy of the pointer, for
 //                       instance): nothing is touched but the pointer, which is cleared
-//   kStatusSyncInUse    the calling thread owns the lock, or another one does and this is the last
-//                       handle: the handle stays open and the pointer stays
+//   kStatusSyncInUse    the calling thread owns the lock, or this is the last handle and another
+//   one
+//                       owns the lock or waits for it: the handle stays open and the pointer stays
 // IRQL <= APC_LEVEL; any thread.
 VEX_API i32 syncClose(iSync*& sync);
 
