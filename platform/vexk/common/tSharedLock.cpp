@@ -1,15 +1,11 @@
 #include "tSharedLock.h"
 
-#include "ntos/irql.h"
 #include "ntos/status.h"
-#include "ntos/thread.h"
-#include "vexk/statusCodes.h"
-#include "vexk/threadUtility.h"
 
 namespace {
 
-constexpr i32 kBoost =
-    1;  // of the priority of the thread that is woken, as the kernel's mutex does
+// Of the priority of the thread that is woken, as the kernel's mutex does.
+constexpr i32 kBoost = 1;
 
 // Between two looks of a thread whose time has passed and for whom the event is about to be set.
 constexpr u32 kLastWait = 1;  // milliseconds
@@ -44,43 +40,10 @@ tSharedLock::tSharedLock(char const* lockName, tSyncDescriptor const& descriptor
   copyText(name, lockName == nullptr ? "" : lockName);
 }
 
-i32 tSharedLock::acquire(u32 timeoutMilliseconds) {
-  if (KeGetCurrentIrql() > APC_LEVEL) return kStatusSyncIrqlTooHigh;
-  u32 const threadId = tThreadUtility::getCurrentThreadId();
-  if (getOwner() == threadId) {
-    if (depth == kSyncMaximumDepth) return kStatusSyncTooDeep;
-    ++depth;
-    return 0;
-  }
-  KeEnterCriticalRegion();
-  i32 const status = takeIfFree() ? 0 : await(timeoutMilliseconds);
-  if (status < 0) {
-    KeLeaveCriticalRegion();
-    return status;
-  }
-  setOwner(threadId);
-  depth = 1;
+i32 tSharedLock::acquireAgain() {
+  if (depth == kSyncMaximumDepth) return kStatusSyncTooDeep;
+  ++depth;
   return 0;
-}
-
-i32 tSharedLock::release() {
-  if (!isOwnedByCaller()) return kStatusSyncNotOwner;
-  if (--depth == 0) {
-    setOwner(kNobody);
-    giveUp();
-    KeLeaveCriticalRegion();
-  }
-  return 0;
-}
-
-bool tSharedLock::isOwnedByCaller() const {
-  return getOwner() == tThreadUtility::getCurrentThreadId();
-}
-
-bool tSharedLock::takeIfFree() {
-  u32 none = 0;
-  return __atomic_compare_exchange_n(&contenders, &none, 1, false, __ATOMIC_ACQUIRE,
-                                     __ATOMIC_RELAXED);
 }
 
 i32 tSharedLock::await(u32 timeoutMilliseconds) {
@@ -106,10 +69,8 @@ bool tSharedLock::withdraw() {
   return false;
 }
 
-// When nobody is left in the count, the lock may be gone the next moment.
-void tSharedLock::giveUp() {
-  bool const isAwaited = __atomic_sub_fetch(&contenders, 1, __ATOMIC_RELEASE) != 0;
-  if (isAwaited) KeSetEvent(&event, kBoost, 0);
+void tSharedLock::wakeOne() {
+  KeSetEvent(&event, kBoost, 0);
 }
 
 bool tSharedLock::isNamed(char const* wantedName, tSyncDescriptor const& descriptor) const {

@@ -2,8 +2,11 @@
 
 // The lock behind one or more handles.
 
+#include "ntos/irql.h"
 #include "ntos/sync.h"
+#include "ntos/thread.h"
 #include "vexk/memory.h"
+#include "vexk/statusCodes.h"
 #include "vexk/sync.h"
 
 // A count of the threads that own the lock or wait for it, and an event. The event is touched only
@@ -29,7 +32,7 @@ class tSharedLock {
 
   // Whether any thread owns it or waits for it.
   bool isInUse() const { return __atomic_load_n(&contenders, __ATOMIC_RELAXED) != 0; }
-  bool isOwnedByCaller() const;
+  bool isOwnedByCaller() const { return getOwner() == getThreadId(); }
 
   // Whether an open with these arguments means this lock. Never true for a private one.
   bool isNamed(char const* name, tSyncDescriptor const& descriptor) const;
@@ -45,10 +48,17 @@ class tSharedLock {
   u32 getOwner() const { return __atomic_load_n(&owner, __ATOMIC_RELAXED); }
   void setOwner(u32 threadId) { __atomic_store_n(&owner, threadId, __ATOMIC_RELAXED); }
 
+  // As tThreadUtility, with a call less: it is asked twice each time that a lock is used.
+  static u32 getThreadId() {
+    return static_cast<u32>(reinterpret_cast<uintptr_t>(PsGetCurrentThreadId()));
+  }
+
+  i32 acquireAgain();
   bool takeIfFree();
   i32 await(u32 timeoutMilliseconds);
   bool withdraw();
   void giveUp();
+  void wakeOne();
 
   u32 contenders = 0;
   u32 owner = kNobody;
@@ -58,3 +68,40 @@ class tSharedLock {
   KEVENT event;
   char name[kSyncMaximumNameLength + 1];
 };
+
+inline i32 tSharedLock::acquire(u32 timeoutMilliseconds) {
+  if (KeGetCurrentIrql() > APC_LEVEL) return kStatusSyncIrqlTooHigh;
+  u32 const threadId = getThreadId();
+  if (getOwner() == threadId) return acquireAgain();
+  KeEnterCriticalRegion();
+  if (!takeIfFree()) {
+    i32 const status = await(timeoutMilliseconds);
+    if (status < 0) {
+      KeLeaveCriticalRegion();
+      return status;
+    }
+  }
+  setOwner(threadId);
+  depth = 1;
+  return 0;
+}
+
+inline i32 tSharedLock::release() {
+  if (!isOwnedByCaller()) return kStatusSyncNotOwner;
+  if (--depth != 0) return 0;
+  setOwner(kNobody);
+  giveUp();
+  KeLeaveCriticalRegion();
+  return 0;
+}
+
+inline bool tSharedLock::takeIfFree() {
+  u32 none = 0;
+  return __atomic_compare_exchange_n(&contenders, &none, 1, false, __ATOMIC_ACQUIRE,
+                                     __ATOMIC_RELAXED);
+}
+
+// When nobody is left in the count, the lock may be gone the next moment.
+inline void tSharedLock::giveUp() {
+  if (__atomic_sub_fetch(&contenders, 1, __ATOMIC_RELEASE) != 0) wakeOne();
+}
