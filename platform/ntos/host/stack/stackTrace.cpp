@@ -14,16 +14,27 @@ u64 addressOf(void const* pointer) {
   return reinterpret_cast<u64>(pointer);
 }
 
-bool isFrame(u64 frame, ntoshost::StackBounds const& stack) {
-  return frame % sizeof(u64) == 0 && frame >= stack.low && frame < stack.high &&
-         stack.high - frame >= sizeof(Frame);
+constexpr u32 kMostFrames = 0xFFFF;  // what the result can say
+
+// The highest address that a frame of this stack can have; 0 when the stack is not known.
+u64 lastFrameOf(ntoshost::StackBounds const& stack) {
+  return stack.high < sizeof(Frame) ? 0 : stack.high - sizeof(Frame);
+}
+
+bool isFrame(u64 frame, u64 lastFrame) {
+  return frame % sizeof(u64) == 0 && frame <= lastFrame;
 }
 
 // Code without frame pointers leaves any number in the register: what it points to may be another
 // function's data, which the sanitizers would report.
-__attribute__((no_sanitize("address", "thread", "undefined"), noinline)) Frame readFrame(
-    u64 frame) {
+__attribute__((no_sanitize("address", "thread", "undefined"))) Frame readFrame(u64 frame) {
   return *reinterpret_cast<Frame const*>(frame);
+}
+
+u32 sumOf(void* const* addresses, u32 count) {
+  u64 sum = 0;
+  for (u32 i = 0; i < count; ++i) sum += addressOf(addresses[i]);
+  return static_cast<u32>(sum);
 }
 
 }  // namespace
@@ -31,21 +42,20 @@ __attribute__((no_sanitize("address", "thread", "undefined"), noinline)) Frame r
 __attribute__((noinline)) u16 RtlCaptureStackBackTrace(u32 skip, u32 count, void** addresses,
                                                        u32* hash) {
   u64 frame = addressOf(__builtin_frame_address(0));
-  ntoshost::StackBounds const stack = ntoshost::findStackBounds(frame);
-  u16 found = 0;
-  u32 sum = 0;
-  while (found < count && found < 0xFFFF && isFrame(frame, stack)) {
+  u64 const lastFrame = lastFrameOf(ntoshost::findStackBounds(frame));
+  u32 const wanted = count < kMostFrames ? count : kMostFrames;
+  u32 found = 0;
+  while (found < wanted && isFrame(frame, lastFrame)) {
     Frame const content = readFrame(frame);
     if (content.returnAddress == 0) break;
     if (skip > 0) {
       --skip;
     } else {
-      sum += static_cast<u32>(content.returnAddress);
       addresses[found++] = reinterpret_cast<void*>(content.returnAddress);
     }
     if (content.caller <= frame) break;
     frame = content.caller;
   }
-  if (hash != nullptr) *hash = sum;
-  return found;
+  if (hash != nullptr) *hash = sumOf(addresses, found);
+  return static_cast<u16>(found);
 }
