@@ -117,6 +117,9 @@ class OXDIAG_API tTraceFilter {
     return verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32);
   }
 
+  // Whether the verbosity alone decides: a line that is not surely hidden is shown then.
+  bool isAboutVerbosity() const { return __atomic_load_n(&shownRange, __ATOMIC_RELAXED) != ~0ull; }
+
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {
     u32 const fields = __atomic_load_n(&usedFields, __ATOMIC_RELAXED);

@@ -2,13 +2,12 @@
 
 #include "oxdiagk/tDestinationSlot.h"
 #include "trace/mixedText.h"
+#include "trace/textWords.h"
 #include "vexk/sharedWord.h"
 
 namespace nOXDIAG100 {
 namespace {
 
-constexpr u64 kLowBits = 0x0101010101010101;
-constexpr u64 kHighBits = 0x8080808080808080;
 constexpr u64 kClosingLength = 2;
 
 // Four or eight characters as one number.
@@ -24,48 +23,54 @@ OXDIAG_MIXES_TEXT void writeWord(char* to, tWord word) {
   __builtin_memcpy(to, &word, sizeof(word));
 }
 
-// Whether one of the characters is a newline.
-constexpr bool hasNewline(u64 word) {
-  u64 const zeroed = word ^ (kLowBits * '\n');
-  return ((zeroed - kLowBits) & ~zeroed & kHighBits) != 0;
+// What a word of text adds to the marks of newlines: bits of kHighBits if there is one in it. The
+// upper half of four characters has none.
+constexpr u64 markNewline(u64 word) {
+  u64 const zeroed = word ^ eightOf('\n');
+  return (zeroed - eightOf('\x01')) & ~zeroed;
 }
 
-// Of four; the upper half has none.
-constexpr bool hasNewline(u32 word) {
-  return hasNewline(static_cast<u64>(word));
-}
-
-// Copies one word; false when there is a newline in it.
+// Copies one word and returns its marks.
 template <class tWord>
-OXDIAG_MIXES_TEXT bool copyWord(char* to, char const* from) {
+OXDIAG_MIXES_TEXT u64 copyWord(char* to, char const* from) {
   tWord const word = readWord<tWord>(from);
   writeWord(to, word);
-  return !hasNewline(word);
+  return markNewline(word);
 }
 
-// Copies text of up to seven characters, as copyPlain.
+// Copies text of up to seven characters and returns the marks.
 OXDIAG_MIXES_TEXT inline u64 copyShort(char* to, char const* from, u64 length) {
   if (length >= sizeof(u32)) {
     u64 const last = length - sizeof(u32);
-    if (!copyWord<u32>(to, from)) return 0;
-    return copyWord<u32>(to + last, from + last) ? length : last;
+    return copyWord<u32>(to, from) | copyWord<u32>(to + last, from + last);
   }
-  for (u64 index = 0; index < length; ++index) {
-    if (from[index] == '\n') return index;
-    to[index] = from[index];
-  }
-  return length;
+  u64 marks = 0;
+  for (u64 index = 0; index < length; ++index) marks |= copyWord<u8>(to + index, from + index);
+  return marks;
 }
 
-// Copies text a word at a time, the last one in part upon the one before. Returns how many
-// characters were copied in front of the first word with a newline.
-OXDIAG_MIXES_TEXT inline u64 copyPlain(char* to, char const* from, u64 length) {
-  if (length < sizeof(u64)) return copyShort(to, from, length);
-  u64 const last = length - sizeof(u64);
-  for (u64 done = 0; done < last; done += sizeof(u64)) {
-    if (!copyWord<u64>(to + done, from + done)) return done;
+// Copies text a word at a time, the last one in part upon the one before. False when there is a
+// newline in it.
+OXDIAG_MIXES_TEXT inline bool copyPlain(char* to, char const* from, u64 length) {
+  u64 marks = 0;
+  if (length < sizeof(u64)) {
+    marks = copyShort(to, from, length);
+  } else {
+    u64 const last = length - sizeof(u64);
+    for (u64 done = 0; done < last; done += sizeof(u64)) {
+      marks |= copyWord<u64>(to + done, from + done);
+    }
+    marks |= copyWord<u64>(to + last, from + last);
   }
-  return copyWord<u64>(to + last, from + last) ? length : last;
+  return (marks & eightOf('\x80')) == 0;
+}
+
+// Of a text with a newline, that one included.
+u64 getLineLength(char const* text) {
+  u64 length = 0;
+  while (text[length++] != '\n') {
+  }
+  return length;
 }
 
 }  // namespace
@@ -73,25 +78,30 @@ OXDIAG_MIXES_TEXT inline u64 copyPlain(char* to, char const* from, u64 length) {
 // Nearly every text has no newline, and does not fill the piece.
 OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestinationSlot& slot) {
   char* const position = loadWord(writePosition);
-  u64 const room = getRoomFrom(position);
-  u64 const plain = copyPlain(position, from, length < room ? length : room - 1);
-  storeWord(writePosition, position + plain);
-  if (plain != length) appendPieces(from + plain, from + length, slot);
+  if (length < getRoomFrom(position) && copyPlain(position, from, length)) {
+    storeWord(writePosition, position + length);
+  } else {
+    appendPieces(from, from + length, slot);
+  }
 }
 
-// From a text whose next characters complete a piece.
+// One step a piece: up to a newline, to where the piece is full, or to the end of the text.
 OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* end,
                                                  tDestinationSlot& slot) {
-  char* position = loadWord(writePosition);
   while (from != end) {
-    char const character = *from++;
-    *position++ = character;
-    if (character != '\n' && getRoomFrom(position) != 0) continue;
-    flush(position, slot);
-    append(from, static_cast<u64>(end - from), slot);
-    return;
+    char* const position = loadWord(writePosition);
+    u64 const room = getRoomFrom(position);
+    u64 const left = static_cast<u64>(end - from);
+    u64 length = left < room ? left : room;
+    bool const isEnded = !copyPlain(position, from, length);
+    if (isEnded) length = getLineLength(from);
+    from += length;
+    if (isEnded || length == room) {
+      flush(position + length, slot);
+    } else {
+      storeWord(writePosition, position + length);
+    }
   }
-  storeWord(writePosition, position);
 }
 
 OXDIAG_MIXES_TEXT void tLineBuffer::endPiece(tDestinationSlot& slot) {

@@ -79,9 +79,10 @@ void tLineOpening::lock() {
 
 bool tLineOpening::isPassed() const {
   tTraceFilter const* const filter = parts.filter;
-  return filter == nullptr ||
-         filter->evaluate(tTraceFilterLine(origin.component, origin.version, origin.line,
-                                           origin.file, verbosity));
+  if (filter == nullptr) return true;
+  if (filter->isAboutVerbosity()) return !filter->isSurelyHidden(verbosity);
+  return filter->evaluate(
+      tTraceFilterLine(origin.component, origin.version, origin.line, origin.file, verbosity));
 }
 
 u64 tLineOpening::takeTimeDelta(bool isShown) {

@@ -36,7 +36,8 @@ tTraceParts* tLiveStreams::findUser(iTraceDestination const& destination,
   return nullptr;
 }
 
-tTraceParts* tLiveStreams::findKeeper(iTraceDestination const& destination, tTraceParts const* besides) {
+tTraceParts* tLiveStreams::findKeeper(iTraceDestination const& destination,
+                                      tTraceParts const* besides) {
   for (tTraceParts* stream = first; stream != nullptr; stream = stream->nextStream) {
     bool const isKept = stream->slot.get() == &destination && !stream->slot.isLeft;
     if (stream != besides && isKept) return stream;

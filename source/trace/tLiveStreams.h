@@ -23,7 +23,8 @@ class tLiveStreams {
                                tTraceParts const* besides = nullptr);
 
   // The same, of streams that have not closed it to go to another one: for them it is open.
-  static tTraceParts* findKeeper(iTraceDestination const& destination, tTraceParts const* besides = nullptr);
+  static tTraceParts* findKeeper(iTraceDestination const& destination,
+                                 tTraceParts const* besides = nullptr);
 
   // The thread that has locked a line; 0 when none of the streams knows one.
   static u32 findLineOwner();

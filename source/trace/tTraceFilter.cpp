@@ -87,9 +87,7 @@ bool tTraceFilter::evaluate(char const* component, char const* versionText, u32 
 }
 
 bool tTraceFilter::evaluate(tTraceFilterLine const& line) const {
-  if (__atomic_load_n(&shownRange, __ATOMIC_ACQUIRE) != tTraceFilterShortForm::kNoRange) {
-    return !isSurelyHidden(line.verbosity);
-  }
+  if (isAboutVerbosity()) return !isSurelyHidden(line.verbosity);
   tTraceFilterShortForm const form(__atomic_load_n(&shortForm, __ATOMIC_RELAXED));
   return form.isWhole() ? form.evaluate(line) : evaluateTerms(line);
 }

@@ -119,7 +119,6 @@ char* writeRow(char* to, u8 const* bytes, u32 length, u32 unit) {
     to = writeColon(writeGroups(to, bytes, length, unit));
     to = writeCharacters(to, bytes, length);
   }
-  *to++ = '\n';
   return to;
 }
 
@@ -134,7 +133,10 @@ tTrace& tTrace::put(void const* address, u32 length, u32 unitSize) {
     char text[kRowSize];
     u32 const count = smaller(length, bytesPerRow);
     char const* const end = writeRow(text, bytes, count, unit);
-    append(text, static_cast<u64>(end - text));
+    if (isWriting()) {
+      parts.buffer.append(text, static_cast<u64>(end - text), parts.slot);
+      parts.buffer.endPiece(parts.slot);
+    }
     bytes += count;
     length -= count;
   }

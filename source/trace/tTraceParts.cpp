@@ -110,7 +110,7 @@ void tTraceParts::recallVerdict() {
   u64 const before = loadWord(hiddenLines);
   u64 const thread = before >> kThreadShift;
   u32 around = static_cast<u32>(before) >> 1;
-  if (thread != tThreadUtility::getCurrentThreadId()) around = 0;
+  if (around != 0 && thread != tThreadUtility::getCurrentThreadId()) around = 0;
   storeWord(lineSuppressed, around & 1);
   storeWord(hiddenLines, withThread(thread, around));
 }

@@ -1,16 +1,14 @@
 #include "trace/tTracePrefix.h"
 
-#include "trace/copyText.h"
-#include "vexk/number.h"
+#include "trace/textWords.h"
+#include "vexk/numberDigits.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
 namespace {
 
-constexpr u32 kDecimal = 10;
-constexpr u32 kHexadecimal = 16;
+constexpr u32 kMostDigits = 20;  // of 64 bits in decimal
 constexpr u64 kUnlimited = ~0ull;
-constexpr u64 kLowBits = 0x0101010101010101;
 
 u64 smaller(u64 left, u64 right) {
   return left < right ? left : right;
@@ -20,9 +18,20 @@ u64 getPadTarget(u32 minPrefixWidth) {
   return minPrefixWidth == 0 ? 0 : minPrefixWidth - 1;
 }
 
+// The slashes and backslashes among eight characters.
+u64 markSlashes(char const* text) {
+  u64 word = 0;
+  __builtin_memcpy(&word, text, sizeof(word));
+  return markCharacter(word, '/') | markCharacter(word, '\\');
+}
+
 // From the end: a name is shorter than the path before it.
 char const* getLastPart(char const* path, char const* end) {
   char const* part = end;
+  for (; part - path >= static_cast<i64>(sizeof(u64)); part -= sizeof(u64)) {
+    u64 const marks = markSlashes(part - sizeof(u64));
+    if (marks != 0) return part - __builtin_clzll(marks) / 8;
+  }
   while (part != path && part[-1] != '/' && part[-1] != '\\') --part;
   return part;
 }
@@ -44,8 +53,9 @@ tTracePrefix::tTracePrefix(tTraceParts& parts, tLineShape shape, tLineFacts cons
 }
 
 void tTracePrefix::write() {
+  tLineShape const fields = shape;
 #define OXDIAG_TRACE_FIELD(Name, name, place, atStart, word, field) \
-  if (beginField(tLineShape::k##Name)) put##Name();
+  if (fields.isOn(tLineShape::k##Name) && beginField()) put##Name();
   OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_FIELD, OXDIAG_TRACE_NO_SWITCH, OXDIAG_TRACE_NO_SWITCH)
 #undef OXDIAG_TRACE_FIELD
   bool const hasFields = shape.hasFields();
@@ -56,8 +66,7 @@ void tTracePrefix::write() {
 }
 
 // The room behind the text takes a separator, however full the text is.
-bool tTracePrefix::beginField(tLineShape::tSwitch field) {
-  if (!shape.isOn(field)) return false;
+bool tTracePrefix::beginField() {
   char* const to = text + used;
   to[0] = isFirst ? '[' : '-';
   to[1] = '-';
@@ -76,7 +85,7 @@ void tTracePrefix::putComponentVersion() {
 }
 
 void tTracePrefix::putLineNumber() {
-  putNumber(facts.origin.line, kDecimal);
+  putDecimal(facts.origin.line);
 }
 
 void tTracePrefix::putFileName() {
@@ -87,20 +96,24 @@ void tTracePrefix::putFileName() {
 }
 
 void tTracePrefix::putThreadId() {
-  put("0x", 2);
-  putNumber(tThreadUtility::getCurrentThreadId(), kHexadecimal);
+  char text[kMostDigits];
+  char* const end = text + sizeof(text);
+  char* begin = vexWriteHexadecimal(tThreadUtility::getCurrentThreadId(), end);
+  *--begin = 'x';
+  *--begin = '0';
+  put(begin, static_cast<u64>(end - begin));
 }
 
 void tTracePrefix::putTimeStamp() {
-  putNumber(facts.startTime, kDecimal);
+  putDecimal(facts.startTime);
 }
 
 void tTracePrefix::putTimeDelta() {
-  putNumber(facts.timeDelta, kDecimal);
+  putDecimal(facts.timeDelta);
 }
 
 void tTracePrefix::putVerbosity() {
-  putNumber(facts.verbosity, kDecimal);
+  putDecimal(facts.verbosity);
 }
 
 void tTracePrefix::put(char const* piece) {
@@ -121,10 +134,11 @@ void tTracePrefix::putLong(char const* piece, u64 length) {
   flushed += taken;
 }
 
-void tTracePrefix::putNumber(u64 number, u32 radix) {
-  char digits[kNumberTextSize];
-  u32 const length = vexNumberToText(number, radix, digits);
-  put(digits, length);
+void tTracePrefix::putDecimal(u64 number) {
+  char digits[kMostDigits];
+  char* const end = digits + sizeof(digits);
+  char const* const begin = vexWriteDecimal(number, end);
+  put(begin, static_cast<u64>(end - begin));
 }
 
 // Fields are written whole, and lose what is beyond the limit before they go into the line.
@@ -134,7 +148,7 @@ void tTracePrefix::cut() {
 }
 
 void tTracePrefix::pad(char character) {
-  u64 const word = kLowBits * static_cast<u8>(character);
+  u64 const word = eightOf(character);
   while (flushed + used < padTarget) {
     if (used >= kTextSize) flush();
     u64 const length = smaller(padTarget - flushed - used, kTextSize - used);

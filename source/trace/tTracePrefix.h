@@ -7,7 +7,7 @@ namespace nOXDIAG100 {
 
 // What a line says in front of its text.
 struct tLineFacts {
-  tLineOrigin origin;  // with texts that are not null
+  tLineOrigin const& origin;  // with texts that are not null
   u32 verbosity;
   u64 startTime;
   u64 timeDelta;
@@ -30,11 +30,11 @@ class tTracePrefix {
   OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_FIELD, OXDIAG_TRACE_NO_SWITCH, OXDIAG_TRACE_NO_SWITCH)
 #undef OXDIAG_TRACE_FIELD
 
-  bool beginField(tLineShape::tSwitch field);
+  bool beginField();
   void put(char const* piece);
   void put(char const* piece, u64 length);
   void putLong(char const* piece, u64 length);
-  void putNumber(u64 number, u32 radix);
+  void putDecimal(u64 number);
   void cut();
   void pad(char character);
   void close(char first);

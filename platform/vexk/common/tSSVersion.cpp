@@ -5,6 +5,7 @@
 
 namespace {
 
+constexpr u32 kDecimal = 10;
 constexpr u32 kPhaseCount = 16;
 constexpr u32 kKnownPhases = 4;
 constexpr char kPhaseLetters[kKnownPhases] = {'d', 'f', 'b', 'a'};
@@ -30,12 +31,17 @@ u32 orderOf(tSSVersion version) {
   return (version.getPacked() & ~phaseMask) | (rankOfPhase(version.getPhase()) << phaseShift);
 }
 
+// Numbers of one digit are the rule.
+u32 writeDecimal(char* text, u32 value) {
+  if (value >= kDecimal) return vexNumberToText(value, kDecimal, text);
+  *text = static_cast<char>('0' + value);
+  return 1;
+}
+
 char* append(char* text, u32 value, char separator) {
-  char digits[kNumberTextSize];
-  u32 const length = vexNumberToText(value, 10, digits);
-  __builtin_memcpy(text, digits, length);
-  text[length] = separator;
-  return text + length + 1;
+  text += writeDecimal(text, value);
+  *text = separator;
+  return text + 1;
 }
 
 }  // namespace
@@ -55,11 +61,13 @@ i32 tSSVersion::check(tSSVersion newestWanted, tSSVersion oldestWanted, tSSVersi
 
 void tSSVersion::toStringInterface(char* buffer, u32 size) const {
   if (buffer == nullptr || size == 0) return;
-  char text[kMaxTextSize];
+  char shortText[kMaxTextSize];
+  char* const text = size < kMaxTextSize ? shortText : buffer;
   char* end = append(text, getMajor(), '.');
   end = append(end, getMinor(), '.');
   end = append(end, getUpdate(), letterOfPhase(getPhase()));
   append(end, getBuild(), '\0');
+  if (text == buffer) return;
   u32 i = 0;
   for (; i + 1 < size && text[i] != '\0'; ++i) buffer[i] = text[i];
   buffer[i] = '\0';

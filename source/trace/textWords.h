@@ -1,8 +1,22 @@
 #pragma once
 
+// Text, eight characters at a time.
+
 #include "ntos/types.h"
 
 namespace nOXDIAG100 {
+
+// Eight times the character, as one number.
+constexpr u64 eightOf(char character) {
+  return 0x0101010101010101 * static_cast<u8>(character);
+}
+
+// Marks the character among eight: the uppermost bit of each byte that is the character, no other.
+constexpr u64 markCharacter(u64 word, char character) {
+  constexpr u64 kLowerBits = eightOf('\x7F');
+  u64 const zeroed = word ^ eightOf(character);
+  return ~(((zeroed & kLowerBits) + kLowerBits) | zeroed | kLowerBits);
+}
 
 // Copies a short text: a word at a time, the last one in part upon the one before.
 inline void copyText(char* to, char const* from, u64 length) {
