@@ -1,6 +1,7 @@
 // What a contract costs that holds: with every switch of every category off, and with all on. The
-// floor looks its category up in a sorted array of the same four names and tests a flag. A contract
-// that does not hold costs a trace line, which is measured elsewhere.
+// floor looks its category up in a sorted array of the same four names and tests a flag. Beside it
+// is the test of one flag in memory, without any category. A contract that does not hold costs a
+// trace line, which is measured elsewhere.
 
 #include <benchmark/benchmark.h>
 
@@ -93,9 +94,20 @@ void runFloor(benchmark::State& state, bool isOn) {
   });
 }
 
+void runFlag(benchmark::State& state, bool isOn) {
+  static bool isChecked = false;
+  isChecked = isOn;
+  runChecks(state, isOn, [](u32 slot, u64& evaluations) {
+    benchmark::DoNotOptimize(isChecked);
+    if (isChecked && !(++evaluations, slot < 17)) failFloor();
+  });
+}
+
 BENCHMARK_CAPTURE(runOurs, off, false)->Name("contract check off/ours");
 BENCHMARK_CAPTURE(runFloor, off, false)->Name("contract check off/floor");
+BENCHMARK_CAPTURE(runFlag, off, false)->Name("contract check off/flag");
 BENCHMARK_CAPTURE(runOurs, on, true)->Name("contract check on/ours");
 BENCHMARK_CAPTURE(runFloor, on, true)->Name("contract check on/floor");
+BENCHMARK_CAPTURE(runFlag, on, true)->Name("contract check on/flag");
 
 }  // namespace

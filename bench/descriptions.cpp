@@ -41,6 +41,15 @@ void describeOurs(benchmark::State& state, u32 count) {
   }
 }
 
+void cloneOurs(benchmark::State& state, u32 count) {
+  tStatus2 status;
+  tStatus2Description description(status);
+  addItems(description, count, status);
+  i32 code = 0;
+  for ([[maybe_unused]] auto run : state) delete description.clone(code);
+  if (code < 0 || status.isError()) state.SkipWithError("no clone was made");
+}
+
 void renderOurs(benchmark::State& state, u32 count) {
   tStatus2 status;
   tStatus2Description description(status);
@@ -72,6 +81,22 @@ void describeFloor(benchmark::State& state, u32 count) {
       kept.push_back({item.usageType, std::make_unique<u32>(*item.value)});
     }
     benchmark::DoNotOptimize(kept);
+    benchmark::ClobberMemory();
+  }
+}
+
+void cloneFloor(benchmark::State& state, u32 count) {
+  std::vector<tFloorItem> made;
+  for (u32 index = 0; index < count; ++index) {
+    made.push_back({static_cast<i32>(index), std::make_unique<u32>(17u)});
+  }
+  for ([[maybe_unused]] auto run : state) {
+    std::vector<tFloorItem> cloned;
+    cloned.reserve(made.size());
+    for (tFloorItem const& item : made) {
+      cloned.push_back({item.usageType, std::make_unique<u32>(*item.value)});
+    }
+    benchmark::DoNotOptimize(cloned);
     benchmark::ClobberMemory();
   }
 }
@@ -116,6 +141,8 @@ BENCHMARK_CAPTURE(describeOurs, 100, 100u)->Name("describe an error with 100 ite
 BENCHMARK_CAPTURE(describeFloor, 1, 1u)->Name("describe an error with 1 item/floor");
 BENCHMARK_CAPTURE(describeFloor, 10, 10u)->Name("describe an error with 10 items/floor");
 BENCHMARK_CAPTURE(describeFloor, 100, 100u)->Name("describe an error with 100 items/floor");
+BENCHMARK_CAPTURE(cloneOurs, 10, 10u)->Name("clone 10 items/ours");
+BENCHMARK_CAPTURE(cloneFloor, 10, 10u)->Name("clone 10 items/floor");
 BENCHMARK_CAPTURE(renderOurs, 1, 1u)->Name("render 1 item/ours");
 BENCHMARK_CAPTURE(renderOurs, 10, 10u)->Name("render 10 items/ours");
 BENCHMARK_CAPTURE(renderOurs, 100, 100u)->Name("render 100 items/ours");

@@ -18,9 +18,11 @@ constexpr size_t kTextSize = nOXDIAG100::tTrace::kMaxTraceLine;
 // Keeps the last piece of text.
 class tLastPiece : public tNullDestination {
  public:
-  using tNullDestination::put;
   iTraceDestination& put(char const* piece) override {
-    std::snprintf(text, sizeof(text), "%s", piece);
+    return put(piece, static_cast<unsigned int>(std::strlen(piece)));
+  }
+  iTraceDestination& put(char const* piece, unsigned int length) override {
+    std::snprintf(text, sizeof(text), "%.*s", static_cast<int>(length), piece);
     return *this;
   }
 

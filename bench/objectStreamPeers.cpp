@@ -1,9 +1,13 @@
 // The way of a described status through bytes by MessagePack's C library: code, origin, call stack,
 // and of each value its usage, the name of its class and a list of one number. Reading gives the
-// library's own tree of objects, and looks at every value in it.
+// library's own tree of objects, and looks at every value in it. The values alone are also cloned,
+// by the C++ library, which copies such a tree into one block.
 
 #include <benchmark/benchmark.h>
 #include <msgpack.h>
+
+#define MSGPACK_NO_BOOST
+#include <msgpack.hpp>
 
 #include <cstdint>
 #include <string_view>
@@ -96,6 +100,19 @@ void runRead(benchmark::State& state, unsigned values) {
   if (sum != std::uint64_t{values} * (values - 1) / 2) state.SkipWithError("values went astray");
 }
 
+void runClone(benchmark::State& state, unsigned values) {
+  tBuffer buffer;
+  msgpack_pack_array(&buffer.packer, values);
+  for (unsigned id = 0; id < values; ++id) packValue(buffer.packer, id);
+  msgpack::object_handle const read = msgpack::unpack(buffer.bytes.data, buffer.bytes.size);
+  for ([[maybe_unused]] auto run : state) {
+    msgpack::object_handle const copy = msgpack::clone(read.get());
+    benchmark::DoNotOptimize(copy);
+    if (copy->via.array.size != values) return state.SkipWithError("values went astray");
+  }
+}
+
+BENCHMARK_CAPTURE(runClone, 10, 10)->Name("clone 10 items/msgpack");
 BENCHMARK_CAPTURE(runWrite, 1, 1)->Name("write a status with 1 value/msgpack");
 BENCHMARK_CAPTURE(runWrite, 10, 10)->Name("write a status with 10 values/msgpack");
 BENCHMARK_CAPTURE(runWrite, 100, 100)->Name("write a status with 100 values/msgpack");

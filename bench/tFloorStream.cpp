@@ -1,6 +1,7 @@
 #include "tFloorStream.h"
 
 #include "vexk/cpu.h"
+#include "vexk/threadUtility.h"
 
 namespace {
 
@@ -8,7 +9,7 @@ constexpr char kHexadecimalDigits[] = "0123456789ABCDEF";
 constexpr u32 kBytesPerRow = 16;
 
 // Writes the digits behind one another ending at `end`; returns the first.
-char* writeDecimal(u32 value, char* end) {
+char* writeDecimal(u64 value, char* end) {
   do {
     *--end = static_cast<char>('0' + value % 10);
     value /= 10;
@@ -37,6 +38,37 @@ char* copy(char* to, char const* from, size_t length) {
   return to + length;
 }
 
+// A field behind the first one.
+char* addField(char* to, char const* text, size_t length) {
+  return copy(copy(to, "--", 2), text, length);
+}
+
+char* addNumber(char* to, u64 value) {
+  char digits[20];
+  char* const end = digits + sizeof(digits);
+  char const* const first = writeDecimal(value, end);
+  return addField(to, first, static_cast<size_t>(end - first));
+}
+
+char* addThread(char* to, u32 thread) {
+  char digits[10];
+  char* const end = digits + sizeof(digits);
+  char* first = writeHexadecimal(thread, end);
+  *--first = 'x';
+  *--first = '0';
+  return addField(to, first, static_cast<size_t>(end - first));
+}
+
+// "slot ", the number, " answered".
+char* writeAnswer(char* to, u32 slot) {
+  char digits[10];
+  char* const end = digits + sizeof(digits);
+  to = copy(to, "slot ", 5);
+  char const* const first = writeDecimal(slot, end);
+  to = copy(to, first, static_cast<size_t>(end - first));
+  return copy(to, " answered\n", 10);
+}
+
 // A prefix of 51 characters with its "] ".
 char* writePrefix(char* to) {
   constexpr char kPrefix[] = "[slotbus--118--tRackReader.cpp";
@@ -51,16 +83,32 @@ char* writePrefix(char* to) {
 void tFloorStream::putLine(u32 verbosity, u32 slot) {
   lineStart = vexReadTimeStampCounter();
   if (enabled && verbosity >= level) {
-    char digits[10];
-    char* const digitsEnd = digits + sizeof(digits);
-    char* to = copy(writePrefix(buffer), "slot ", 5);
-    char* const first = writeDecimal(slot, digitsEnd);
-    to = copy(to, first, static_cast<size_t>(digitsEnd - first));
-    to = copy(to, " answered\n", 10);
+    char* const to = writeAnswer(writePrefix(buffer), slot);
     *to = '\0';
     destination->put(buffer);
   }
   lineEnd = vexReadTimeStampCounter();
+}
+
+void tFloorStream::putFullLine(u32 verbosity, u32 slot) {
+  lineStart = vexReadTimeStampCounter();
+  if (enabled && verbosity >= level) {
+    char* const to = writeAnswer(writeFullPrefix(verbosity), slot);
+    *to = '\0';
+    destination->put(buffer);
+  }
+  lineEnd = vexReadTimeStampCounter();
+}
+
+char* tFloorStream::writeFullPrefix(u32 verbosity) {
+  constexpr size_t kFullWidth = 109;
+  __builtin_memset(buffer, '-', kFullWidth);
+  char* to = copy(buffer, "[slotbus--1.0.0f1--118--tRackReader.cpp", 39);
+  to = addThread(to, tThreadUtility::getCurrentThreadId());
+  to = addNumber(to, lineStart);
+  to = addNumber(to, lineStart - lineEnd);
+  addNumber(to, verbosity);
+  return copy(buffer + kFullWidth, "] ", 2);
 }
 
 void tFloorStream::enterBlock(u32 verbosity, char const* name) {

@@ -17,6 +17,10 @@ class tFloorStream {
   // answered".
   void putLine(u32 verbosity, u32 slot);
 
+  // The same with every field in the prefix, which has 111 characters then: component, version,
+  // line, file, thread, counter, ticks since the line before, level.
+  void putFullLine(u32 verbosity, u32 slot);
+
   // The two lines of a block, with the same prefix; lines in between are indented.
   void enterBlock(u32 verbosity, char const* name);
   void leaveBlock(u32 verbosity, char const* name);
@@ -33,6 +37,7 @@ class tFloorStream {
  private:
   static constexpr u32 kBufferSize = 256;
 
+  char* writeFullPrefix(u32 verbosity);
   char* indent(char* to) const;
   void append(char const* text, size_t length);
   void flush();
