@@ -17,6 +17,7 @@ import kernel  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
 import programs  # noqa: E402
+import scripts  # noqa: E402
 import toolNames  # noqa: E402
 import windowsGuide  # noqa: E402
 
@@ -34,6 +35,7 @@ def windows_build():
 STEPS = {
     "format": ("clang-format", lint.check_format),
     "headers": ("every public header alone, on Linux and Windows", compileChecks.check_headers),
+    "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
     "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",

@@ -1,4 +1,4 @@
-"""./dev build, ./dev demo and ./dev bench."""
+"""./dev build and ./dev demo."""
 
 import os
 import sys
@@ -20,17 +20,5 @@ def demo(arguments):
     os.execv(program, ["slotbus_demo", *arguments])
 
 
-def bench(arguments):
-    """The benchmarks, and then the library beside its peers in the same run."""
-    workshop.step("build the benchmarks", workshop.build, "host-release", "oxdiag_bench")
-    folder = workshop.tree("host-release") / "bench"
-    report = folder / "report.json"
-    code = os.spawnv(os.P_WAIT, folder / "oxdiag_bench", [
-        "oxdiag_bench", f"--benchmark_out={report}", "--benchmark_out_format=json", *arguments])
-    if code == 0:
-        print(workshop.demand([sys.executable, workshop.TOP / "bench/ratios.py", report]), end="")
-    sys.exit(code)
-
-
 if __name__ == "__main__":
-    {"build": build, "demo": demo, "bench": bench}[sys.argv[1]](sys.argv[2:])
+    {"build": build, "demo": demo}[sys.argv[1]](sys.argv[2:])
