@@ -52,6 +52,9 @@ of them does is said in the sources in `bench`.
 
 {table}
 
+These are times of the library on Linux. `./dev kernel bench` puts lines of a driver under Wine beside
+their floors.
+
 ## Growth
 
 How the time grows with the number of something: 0 is the power of what does not grow, 1 of what

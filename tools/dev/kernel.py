@@ -1,4 +1,5 @@
-"""./dev kernel build, demo and test: the Windows modules, and drivers that use them under Wine."""
+"""./dev kernel build, demo, test and bench: the Windows modules, and drivers that use them under
+Wine."""
 
 import argparse
 import pathlib
@@ -12,6 +13,7 @@ MODULES = workshop.tree("windows") / "modules"
 LIBRARIES = ["vexk.dll", "qelmk.dll", "oxdiagk.dll"]
 MARK = "[oxt] "
 BOOT_MARK = "[boot] "
+BENCH_MARK = "[oxb] "
 UNLOADED = "[boot] unloaded"
 OWN_RACK = "own-rack.txt"
 WRONG_USAGE = 64
@@ -121,6 +123,29 @@ def test():
     return 1 if outcome.failed else 0
 
 
+def run_bench():
+    with wine.alone():
+        wine.create_prefix()
+        return wine.run_driver("oxdiagbench", module_files("oxdiagbench.sys"))
+
+
+def bench():
+    """Lines in a driver beside their floors, in ticks of the time stamp counter."""
+    workshop.step("build the modules and the driver", workshop.build, "windows",
+                  *(f"{pathlib.Path(name).stem}.module" for name in module_files("oxdiagbench.sys")))
+    run = workshop.step("measure under Wine", run_bench)
+    lines = [line.removeprefix(BENCH_MARK) for line in wine.lines_of_texts(run.texts)
+             if line.startswith(BENCH_MARK)]
+    rows = [line.split(maxsplit=3) for line in lines if line != "done"]
+    print(f"{'ticks':24}  {'ours':>8}  {'floor':>8}  ours / floor")
+    for _, ours, floor, name in rows:
+        print(f"{name:24}  {ours:>8}  {floor:>8}  {float(ours) / float(floor):12.2f}")
+    if run.stopped and lines[-1:] == ["done"] and all(row[0] == "ok" for row in rows):
+        return 0
+    print("\n".join([*run.texts[-30:], place_of_crash(run.texts)]), file=sys.stderr)
+    return 1
+
+
 def demo_parser():
     """What is not given is None, and so leaves its value in the service key unset."""
     parser = argparse.ArgumentParser(prog="./dev kernel demo", description="The slot bus as a driver.",
@@ -220,4 +245,4 @@ if __name__ == "__main__":
         workshop.step("build the Windows modules", build)
         print(MODULES)
     else:
-        sys.exit(demo(rest) if verb == "demo" else test())
+        sys.exit(demo(rest) if verb == "demo" else bench() if verb == "bench" else test())

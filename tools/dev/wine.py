@@ -19,7 +19,7 @@ DRIVERS = DRIVE_C / "windows/system32/drivers"
 DRIVERS_IN_WINDOWS = "C:\\windows\\system32\\drivers\\"
 SERVICES = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services"
 BOOT = "oxdiagboot"
-NAMES = [BOOT, "oxdiagtest", "oxdiagpnp", "slotbus", "slotbus2"]
+NAMES = [BOOT, "oxdiagtest", "oxdiagpnp", "oxdiagbench", "slotbus", "slotbus2"]
 CALL_LIMIT = 60  # seconds for one call of Wine
 RUN_LIMIT = 300  # seconds for everything that starting a driver does
 
