@@ -3,8 +3,8 @@
 // library's heap; descriptionPeers.cpp has a status of somebody else's.
 //
 // An item takes five blocks of the module's memory here: the list of the value that is added, and
-// twice a clone and its list. On the host that memory is the executive's pool, with guard bytes and
-// a list of what is out; its cost alone is shown too.
+// twice a clone and its list. On the host that memory is the executive's pool, in the plain one the
+// C library's heap; its cost alone is shown too.
 
 #include <benchmark/benchmark.h>
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <thread>
 
+#include "ntoshost/strength.h"
 #include "oxdiagk/module.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
@@ -27,6 +28,7 @@ int main(int argc, char** argv) {
     return 3;
   }
   becomeMultithreaded();
+  benchmark::AddCustomContext("executive", ntoshost::getStrength());
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
   oxdiagkUnload();

@@ -1,6 +1,6 @@
 // What an error costs: setting a status with its origin and stack trace, copying it and dropping
-// both, and the memory beneath. The lock under our pool is the platform's named lock, which on the
-// host stands on the executive's kernel mutex; its cost alone is shown too.
+// both, and the memory beneath. The lock under our pool is the platform's; its cost alone is shown
+// too.
 
 #include <benchmark/benchmark.h>
 

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
+#include "ntoshost/strength.h"
 #include "options/helpEnd.h"
 #include "options/toolVersion.h"
 #include "oxdiagreport/exitCodes.h"
@@ -35,7 +36,8 @@ std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) 
   CLI::App app(kDescription, "oxdiagreport");
   app.get_formatter()->column_width(18);
   app.footer(kFooter);
-  app.set_version_flag("--version", std::string("oxdiagreport ") + getToolVersion());
+  app.set_version_flag("--version", std::string("oxdiagreport ") + getToolVersion() +
+                                        "\nexecutive: " + ntoshost::getStrength());
   std::string format = "text";
   app.add_option("FILE", options.file, "The saved statuses; by default, or as -, standard input")
       ->type_name("");

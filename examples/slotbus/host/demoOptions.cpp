@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "ntoshost/strength.h"
 #include "options/helpEnd.h"
 #include "options/optionTable.h"
 #include "options/toolVersion.h"
@@ -89,7 +90,8 @@ std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
   CLI::App app(kDescription, "slotbus_demo");
   app.get_formatter()->column_width(18);
   app.footer(makeFooter());
-  app.set_version_flag("--version", std::string("slotbus_demo ") + getToolVersion());
+  app.set_version_flag("--version", std::string("slotbus_demo ") + getToolVersion() +
+                                        "\nexecutive: " + ntoshost::getStrength());
   addOptions(app, options);
   try {
     app.parse(argc, argv);

@@ -22,12 +22,6 @@ char const* irqlName(KIRQL level) {
   }
 }
 
-void requireIrqlAtMost(KIRQL highest, char const* call) {
-  if (g_level <= highest) return;
-  violation("%s was called at IRQL %u (%s); it may be called up to IRQL %u (%s).", call, g_level,
-            irqlName(g_level), highest, irqlName(highest));
-}
-
 }  // namespace ntoshost
 
 KIRQL KeGetCurrentIrql() {

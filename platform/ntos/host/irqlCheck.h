@@ -8,7 +8,7 @@ namespace ntoshost {
 char const* irqlName(KIRQL level);
 
 // Stops the program unless the calling thread is at `highest` or below. `call` names the caller's
-// kernel call.
+// kernel call. The plain executive does not look.
 void requireIrqlAtMost(KIRQL highest, char const* call);
 
 }  // namespace ntoshost

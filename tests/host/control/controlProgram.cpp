@@ -120,8 +120,10 @@ TEST_F(Control, SaysTheVersionsOfBothSides) {
 
 TEST_F(Control, EveryToolSaysItsVersion) {
   std::string const version = getToolVersion();
-  EXPECT_EQ(run({"--version"}).output, "slotbus_demo " + version + "\n");
-  EXPECT_EQ(runProgram({kReport, "--version"}).output, "oxdiagreport " + version + "\n");
+  std::string const executive = "executive: strict\n";
+  EXPECT_EQ(run({"--version"}).output, "slotbus_demo " + version + "\n" + executive);
+  EXPECT_EQ(runProgram({kReport, "--version"}).output,
+            "oxdiagreport " + version + "\n" + executive);
 }
 
 TEST_F(Control, HelpThatCannotBeWrittenFails) {

@@ -1,7 +1,7 @@
 #include "io/requestTable.h"
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
-#include "pool/objects.h"
+#include "pool/answers.h"
 #include "wait/heldLocks.h"
 
 // A request goes down: IofCallDriver, and what a dispatch routine may say when it returns.

@@ -1,7 +1,7 @@
 #include "ntoshost/violation.h"
 #include "pnp/lifecycle.h"
 #include "pnp/requests.h"
-#include "pool/objects.h"
+#include "pool/answers.h"
 
 // What a bus lists, compared with what the tree has below it.
 

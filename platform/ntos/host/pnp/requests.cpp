@@ -6,7 +6,7 @@
 #include "io/send.h"
 #include "ntoshost/pnp.h"
 #include "ntoshost/violation.h"
-#include "pool/objects.h"
+#include "pool/answers.h"
 
 // What the PnP manager asks drivers, and what it does with their answers.
 

@@ -2,9 +2,9 @@
 #include <string.h>
 
 #include "io/driverTable.h"
+#include "ntos/pool.h"
 #include "ntoshost/violation.h"
 #include "pnp/lifecycle.h"
-#include "pool/objects.h"
 
 // Physical devices of the executive's own, under a driver that exists as long as one of them does.
 

@@ -4,7 +4,7 @@
 #include "pnp/assignments.h"
 #include "pnp/lifecycle.h"
 #include "pnp/requests.h"
-#include "pool/objects.h"
+#include "pool/answers.h"
 
 // From a device that a bus has listed to one that runs.
 

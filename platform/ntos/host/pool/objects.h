@@ -17,14 +17,4 @@ void releaseObject(void* object, char const* call);
 enum class Presence { unknown, live, freed };
 Presence lookFor(BlockKind kind, void const* object);
 
-// Whether a block of PagedPool starts here.
-bool isPagedBlock(void const* data);
-
-// Stops the program unless the answer to a request is a caller's block of PagedPool. `what` is the
-// answer. Returns the size of the block.
-size_t requireAnswer(void const* answer, char const* what);
-
-// Frees such an answer.
-void freeAnswer(void* answer, char const* what);
-
 }  // namespace ntoshost

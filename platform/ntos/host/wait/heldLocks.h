@@ -6,16 +6,15 @@ namespace ntoshost {
 
 // Which fast mutexes and kernel mutexes each thread owns, and how many critical regions it is in. A
 // thread that ends while it owns one or is within one stops the program, as does one that owns more
-// than 64.
+// than 64. The plain executive keeps no account: there nobody owns anything.
 
 enum class LockKind : u8 { fastMutex, mutex };
 
 void noteLockTaken(void const* lock, LockKind kind);
 void noteLockReleased(void const* lock);
 
+// The strict executive alone has these two. The second is false when the thread is in no region.
 void noteRegionEntered();
-
-// False when the thread is in none.
 bool noteRegionLeft();
 
 // A fast mutex that the calling thread owns, or null.

@@ -7,6 +7,10 @@
 // second free, a write outside a block and a write after the free stop the program. Under the
 // address sanitizer guards and freed memory are poisoned as well. All blocks together have at most
 // 1 GiB; a request beyond that gets null.
+//
+// In the plain executive (ntoshost/strength.h) all this is so for the objects alone that the
+// executive makes itself: drivers, devices, requests. Callers' blocks are the C library's there and
+// are not counted.
 
 namespace ntoshost {
 

@@ -1,0 +1,9 @@
+#include "ntos/thread.h"
+
+// There are no APCs.
+
+void KeEnterCriticalRegion() {
+}
+
+void KeLeaveCriticalRegion() {
+}

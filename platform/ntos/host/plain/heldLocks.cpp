@@ -1,0 +1,22 @@
+#include "wait/heldLocks.h"
+
+namespace ntoshost {
+
+void noteLockTaken(void const*, LockKind) {
+}
+
+void noteLockReleased(void const*) {
+}
+
+void const* ownedFastMutex() {
+  return nullptr;
+}
+
+void const* ownedLockWithin(void const*, size_t) {
+  return nullptr;
+}
+
+void requireNoFastMutex(char const*) {
+}
+
+}  // namespace ntoshost

@@ -1,0 +1,8 @@
+#include "irqlCheck.h"
+
+namespace ntoshost {
+
+void requireIrqlAtMost(KIRQL, char const*) {
+}
+
+}  // namespace ntoshost

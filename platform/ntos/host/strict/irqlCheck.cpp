@@ -1,0 +1,14 @@
+#include "irqlCheck.h"
+
+#include "ntoshost/violation.h"
+
+namespace ntoshost {
+
+void requireIrqlAtMost(KIRQL highest, char const* call) {
+  KIRQL const level = KeGetCurrentIrql();
+  if (level <= highest) return;
+  violation("%s was called at IRQL %u (%s); it may be called up to IRQL %u (%s).", call, level,
+            irqlName(level), highest, irqlName(highest));
+}
+
+}  // namespace ntoshost
