@@ -1,5 +1,6 @@
 #include "conformance/harness.h"
 #include "vexk/number.h"
+#include "vexk/numberDigits.h"
 
 namespace {
 
@@ -30,6 +31,29 @@ bool survives(u64 value, u32 radix) {
   if (length > 1 && text[0] == '0') return false;
   u64 read = 0;
   return readBack(text, length, radix, read) && read == value;
+}
+
+// Whether digits that are written backwards are those of vexNumberToText, and nothing else changes.
+template <class tWrite>
+bool isSameBackwards(u64 value, u32 radix, tWrite write) {
+  constexpr char kUntouched = '#';
+  char text[kNumberTextSize + 1];
+  for (char& character : text) character = kUntouched;
+  char* const end = text + kNumberTextSize;
+  char* const begin = write(value, end);
+  char wanted[kNumberTextSize];
+  u32 const length = vexNumberToText(value, radix, wanted);
+  bool isSame = end - begin == static_cast<i64>(length) && *end == kUntouched;
+  for (u32 i = 0; isSame && i < length; ++i) isSame = begin[i] == wanted[i];
+  return isSame && (begin == text || begin[-1] == kUntouched);
+}
+
+bool isSameBackwards(u64 value) {
+  auto const writeHexadecimal = [](u64 number, char* end) {
+    return vexWriteHexadecimal(number, end);
+  };
+  return isSameBackwards(value, 10, vexWriteDecimal) &&
+         isSameBackwards(value, 16, writeHexadecimal);
 }
 
 }  // namespace
@@ -114,4 +138,29 @@ TEST(VexkNumber, WritesNothingBehindTheTerminator) {
   bool untouched = true;
   for (u32 i = 3; i < kNumberTextSize; ++i) untouched = untouched && text[i] == '?';
   EXPECT_TRUE(untouched);
+}
+
+TEST(VexkNumber, DigitsThatAreWrittenBackwardsAreTheSame) {
+  for (u64 value = 0; value < 70'000; ++value) EXPECT_TRUE(isSameBackwards(value));
+  for (u64 power = 1; power != 0; power *= 2) {
+    EXPECT_TRUE(isSameBackwards(power - 1));
+    EXPECT_TRUE(isSameBackwards(power));
+  }
+  u64 power = 1;
+  for (u32 digits = 1; digits < 20; ++digits) {
+    power *= 10;
+    EXPECT_TRUE(isSameBackwards(power - 1));
+    EXPECT_TRUE(isSameBackwards(power));
+  }
+  EXPECT_TRUE(isSameBackwards(UINT64_MAX));
+}
+
+TEST(VexkNumber, EveryByteHasTwoDigits) {
+  for (u32 byte = 0; byte <= 0xFF; ++byte) {
+    char text[] = "--";
+    vexWriteHexByte(static_cast<u8>(byte), text);
+    u64 value = 0;
+    EXPECT_TRUE(readBack(text, 2, 16, value));
+    EXPECT_EQ(u64{byte}, value);
+  }
 }
