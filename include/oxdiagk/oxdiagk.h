@@ -10,8 +10,8 @@
 //   oxdiagk/package.h           for a bus driver: its buses and their children
 //   oxdiagk/module.h            start and stop of the library on a host without the Windows kernel
 //
-// The others are included by these and nothing to begin with: api.h, tCategoryTable.h,
-// tConfigurationLock.h, tReportText.h.
+// The others are included by these and nothing to begin with: api.h, atomicWord.h,
+// tCategoryTable.h, tConfigurationLock.h, tContractSite.h, tReportText.h.
 
 // clang-format off
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxdiagk/atomicWord.h"
 #include "oxdiagk/tCategoryTable.h"
 #include "oxdiagk/tConfigurable.h"
 #include "oxdiagk/tConfigurationLock.h"
@@ -149,6 +150,7 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
 
  private:
   friend class tAssertOptionReader;  // applies option words
+  friend class tContractSite;        // keeps where a switch is
 
   struct tSavedConfiguration {
     char const* category;
@@ -157,12 +159,17 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
 
   // A switch is read while another thread may store it.
   static bool load(bool const& value) {
-    return __atomic_load_n(&value, __ATOMIC_RELAXED);
+    return loadRelaxed(value);
   }
   static void store(bool& value, bool isOn) {
-    __atomic_store_n(&value, isOn, __ATOMIC_RELAXED);
+    storeRelaxed(value, isOn);
   }
 
+  // The number of the module's object, never 0: another one for each that is built.
+  static u64 const& getLife();
+
+  // Null when there is no such category.
+  bool const* findSwitch(char const* category, bool tConfigElem::*value) const;
   bool isOn(char const* category, bool tConfigElem::*value) const;
   void set(char const* category, bool tConfigElem::*value, bool isOn);
 

@@ -30,6 +30,9 @@ constexpr tBuiltInCategory kBuiltInCategories[] = {
 
 constinit tInstancePlace<tAssertConfiguration> instance;
 
+// Counted up when the instance ends; at rest there is no category whose switch could be kept.
+constinit u64 instanceLife = 1;
+
 // Every program can read the counter, and knows to a few thousand counts when the module started;
 // it does not know where the stack of that thread lies.
 u64 chooseSecret() {
@@ -49,7 +52,12 @@ void tAssertConfiguration::constructInstance() {
 }
 
 void tAssertConfiguration::destroyInstance() {
+  storeRelease(instanceLife, instanceLife + 1);
   instance.destroy();
+}
+
+u64 const& tAssertConfiguration::getLife() {
+  return instanceLife;
 }
 
 tAssertConfiguration::tAssertConfiguration()
@@ -72,10 +80,15 @@ tAssertConfiguration::~tAssertConfiguration() {
   removeMadeCategories();
 }
 
-bool tAssertConfiguration::isOn(char const* category, bool tConfigElem::*value) const {
-  if (category == nullptr) return false;
+bool const* tAssertConfiguration::findSwitch(char const* category, bool tConfigElem::*value) const {
+  if (category == nullptr) return nullptr;
   auto const* const found = categories.find(category);
-  return found != nullptr && load(found->value.*value);
+  return found == nullptr ? nullptr : &(found->value.*value);
+}
+
+bool tAssertConfiguration::isOn(char const* category, bool tConfigElem::*value) const {
+  bool const* const found = findSwitch(category, value);
+  return found != nullptr && load(*found);
 }
 
 void tAssertConfiguration::set(char const* category, bool tConfigElem::*value, bool isOn) {

@@ -95,6 +95,44 @@ u32 checkShadowed(u32 category, u32 component, u32 version, u32 line, u32 file, 
   return category;
 }
 
+#define EVALUATED(MACRO)                            \
+  [](u32& uses) {                                   \
+    MACRO##_IN("statusFatal", ++uses != 0, "text"); \
+    MACRO##_MESSAGE(++uses != 0, "text");           \
+    MACRO(++uses != 0);                             \
+  }
+constexpr void (*kPlaces[])(u32& uses) = {
+    EVALUATED(OXDIAG_REQUIRE),        EVALUATED(OXDIAG_ENSURE), EVALUATED(OXDIAG_CLASS_INVARIANT),
+    EVALUATED(OXDIAG_LOOP_INVARIANT), EVALUATED(OXDIAG_CHECK),  EVALUATED(OXDIAG_EXCEPTION),
+};
+#undef EVALUATED
+
+u32 countEvaluations(u32 kind) {
+  u32 uses = 0;
+  kPlaces[kind](uses);
+  return uses;
+}
+
+// Whether the contract at this one place is evaluated in the category of that name.
+bool isEvaluatedIn(char const* category) {
+  bool isEvaluated = false;
+  OXDIAG_CHECK_IN(category, (isEvaluated = true), "text");
+  return isEvaluated;
+}
+
+bool isEvaluatedIn(char const (&category)[12], bool isFirst) {
+  bool isEvaluated = false;
+  OXDIAG_CHECK_IN(isFirst ? "statusFatal" : category, (isEvaluated = true), "text");
+  return isEvaluated;
+}
+
+constexpr bool isLiteral(char const* expression) {
+  return nOXDIAG100::isTextLiteral(expression);
+}
+static_assert(isLiteral("\"rack\"") && isLiteral("\"ra\" \"ck\"") && isLiteral("\"a\\\"b\""));
+static_assert(!isLiteral("rack") && !isLiteral("\"rack\" + 1") && !isLiteral("\"rack\"_name"));
+static_assert(!isLiteral("isFirst ? \"a\" : \"b\"") && !isLiteral("(\"a\")"));
+
 bool isRight(bool value) {
   OXDIAG_REQUIRE_MESSAGE(value, "inner");
   return value;
@@ -297,4 +335,44 @@ TEST(ContractMacros, AProgramDoesTheSameWithAllContractsOff) {
   stream.record.clear();
   EXPECT_EQ(checked, checkShadowed(7, 1, 1, 1, 1, 1));
   EXPECT_STREQ("", stream.text());
+}
+
+TEST(ContractMacros, ASwitchDecidesAtTheNextCheckOfAContractThatWasCheckedBefore) {
+  tContractStream stream;
+  for (u32 kind = 0; kind < sizeof(kKinds) / sizeof(kKinds[0]); ++kind) {
+    configureWords(stream.contracts, "--category", "statusFatal", kKinds[kind].option, "on");
+    EXPECT_EQ(u32{3}, countEvaluations(kind));
+    configureWords(stream.contracts, "--category", "default", kKinds[kind].option, "off");
+    EXPECT_EQ(u32{1}, countEvaluations(kind));
+    configureWords(stream.contracts, "--category", "statusFatal", kKinds[kind].option, "off");
+    EXPECT_EQ(u32{0}, countEvaluations(kind));
+    configureWords(stream.contracts, "--category", "default", kKinds[kind].option, "on");
+    EXPECT_EQ(u32{2}, countEvaluations(kind));
+  }
+}
+
+TEST(ContractMacros, APopDecidesAtTheNextCheck) {
+  tContractStream stream;
+  EXPECT_EQ(u32{3}, countEvaluations(0));
+  stream.contracts.pushConfiguration();
+  stream.contracts.configure("--category default --preconditions off");
+  EXPECT_EQ(u32{1}, countEvaluations(0));
+  stream.contracts.popConfiguration();
+  EXPECT_EQ(u32{3}, countEvaluations(0));
+}
+
+TEST(ContractMacros, ATextThatIsNoLiteralIsLookedUpAtEachCheck) {
+  tContractStream stream;
+  stream.contracts.disableChecks("warning");
+  EXPECT_TRUE(isEvaluatedIn("statusFatal"));
+  EXPECT_FALSE(isEvaluatedIn("warning"));
+  EXPECT_FALSE(isEvaluatedIn("no such category"));
+  EXPECT_TRUE(isEvaluatedIn("default"));
+  char name[] = "warning";
+  EXPECT_FALSE(isEvaluatedIn(name));
+  __builtin_memcpy(name, "default", sizeof(name));
+  EXPECT_TRUE(isEvaluatedIn(name));
+  constexpr char kOther[12] = "warning";
+  EXPECT_TRUE(isEvaluatedIn(kOther, true));
+  EXPECT_FALSE(isEvaluatedIn(kOther, false));
 }

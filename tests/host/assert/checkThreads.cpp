@@ -100,3 +100,26 @@ TEST(CheckThreads, CategoriesMayBeMadeAndRestoredWhileContractsAreChecked) {
     EXPECT_EQ(switchesOf(contracts, nameOf(index).c_str()), kSwitchesOfANewCategory);
   }
 }
+
+// Contracts at one place each, in a category that is made while they are checked.
+TEST(CheckThreads, AContractMayFindItsCategoryOnSeveralThreadsAtOnce) {
+  tAssertConfiguration& contracts = tAssertConfiguration::getInstance();
+  std::atomic<int> left = kCheckers;
+  std::vector<std::thread> checkers;
+  for (int index = 0; index < kCheckers; ++index) {
+    checkers.emplace_back([&] {
+      bool isEvaluated = false;
+      while (!isEvaluated) OXDIAG_CHECK_IN("threads.made", (isEvaluated = true), "text");
+      --left;
+      while (isEvaluated) {
+        isEvaluated = false;
+        OXDIAG_CHECK_IN("threads.made", (isEvaluated = true), "text");
+      }
+    });
+  }
+  configureWords(contracts, "--category", "threads.made", "--break", "off");
+  while (left != 0) std::this_thread::yield();
+  contracts.disableChecks("threads.made");
+  for (std::thread& checker : checkers) checker.join();
+  contracts.configure("--category default");
+}
