@@ -5,81 +5,90 @@
 namespace nOXDIAG100 {
 namespace {
 
-// Not isspace: the bytes above 0x7F are characters of words in every locale.
+// Not isspace: the bytes above 0x7F are characters of words in every locale. Most characters of a
+// text are above the space, which the first comparison tells.
 bool isBlank(char character) {
-  return character == ' ' || (character >= '\t' && character <= '\r');
+  return static_cast<u8>(character) <= ' ' &&
+         (character == ' ' || (character >= '\t' && character <= '\r'));
 }
 
-size_t countBlanks(char const* text) {
-  size_t count = 0;
-  while (isBlank(text[count])) ++count;
-  return count;
+bool endsWord(char character) {
+  return static_cast<u8>(character) <= ' ' && (character == 0 || isBlank(character));
 }
 
-// Offsets from the first character of a word, its opening quote included.
-struct tWord {
-  size_t begin;
-  size_t end;   // where the terminator belongs
-  size_t next;  // where the search for the next word begins
-};
-
-tWord findWord(char const* text) {
-  bool const isQuoted = *text == '"';
-  size_t const begin = isQuoted ? 1 : 0;
-  size_t end = begin;
-  while (text[end] != 0 && (isQuoted ? text[end] != '"' : !isBlank(text[end]))) ++end;
-  return {begin, end, text[end] == 0 ? end : end + 1};
+template <class tCharacter>
+tCharacter* skipBlanks(tCharacter* text) {
+  while (isBlank(*text)) ++text;
+  return text;
 }
 
-int countWords(char const* text) {
-  int count = 0;
-  for (text += countBlanks(text); *text != 0; text += countBlanks(text)) {
-    text += findWord(text).next;
-    ++count;
+// Where the word that begins with the quote at `text` ends: at the closing one, or at the end.
+template <class tCharacter>
+tCharacter* skipQuoted(tCharacter* text) {
+  do ++text;
+  while (*text != 0 && *text != '"');
+  return text;
+}
+
+// Gives the first character of each word, and the one where its terminator belongs, to `take`,
+// which may write that terminator.
+template <class tCharacter, class tTake>
+void takeWords(tCharacter* text, tTake take) {
+  for (text = skipBlanks(text); *text != 0; text = skipBlanks(text)) {
+    bool const isQuoted = *text == '"';
+    tCharacter* const begin = isQuoted ? text + 1 : text;
+    if (isQuoted) {
+      text = skipQuoted(text);
+    } else {
+      while (!endsWord(*text)) ++text;
+    }
+    bool const isLast = *text == 0;
+    take(begin, text);
+    if (isLast) return;
+    ++text;
   }
+}
+
+int cutWords(char* text, char** words) {
+  int count = 0;
+  takeWords(text, [&](char* begin, char* end) {
+    words[count++] = begin;
+    *end = 0;
+  });
   return count;
+}
+
+// A word takes two characters at least, but for the last one.
+u64 mostWords(u64 textLength) {
+  return textLength / 2 + 1;
 }
 
 }  // namespace
 
 int cutOptionWords(char* text, char** words, int capacity) {
-  int const wordCount = countWords(text);
-  if (wordCount > capacity) return -1;
-  for (int index = 0; index < wordCount; ++index) {
-    text += countBlanks(text);
-    tWord const word = findWord(text);
-    words[index] = text + word.begin;
-    text[word.end] = 0;
-    text += word.next;
-  }
-  return wordCount;
+  int wordCount = 0;
+  takeWords(text, [&](char const*, char const*) { ++wordCount; });
+  return wordCount > capacity ? -1 : cutWords(text, words);
 }
 
 tOptionWords::tOptionWords(char const* text) {
-  int const wordCount = text == nullptr ? 0 : countWords(text);
-  if (wordCount == 0) return;
+  if (text == nullptr) return;
+  text = skipBlanks(text);
+  if (*text == 0) return;
   u64 const length = __builtin_strlen(text);
-  allocate(wordCount, length);
+  u64 const wordsSize = mostWords(length) * sizeof(char*);
+  i32 status = 0;
+  words = static_cast<char**>(_memNewUsingCRT(wordsSize + length + 1, kMemScratch, status));
+  failed = words == nullptr;
   if (failed) return;
-  __builtin_memcpy(copy, text, length + 1);
-  count = cutOptionWords(copy, words, wordCount);
+  char* const copy = reinterpret_cast<char*>(words) + wordsSize;
+  __builtin_memcpy(copy, text, length);
+  copy[length] = 0;
+  count = cutWords(copy, words);
 }
 
 tOptionWords::~tOptionWords() {
   _memDelete(words);
-  _memDelete(copy);
-}
-
-void tOptionWords::allocate(int wordCount, u64 textLength) {
-  i32 status = 0;
-  u64 const vectorSize = static_cast<u64>(wordCount) * sizeof(char*);
-  words = static_cast<char**>(_memNewUsingCRT(vectorSize, kMemScratch, status));
-  copy = static_cast<char*>(_memNewUsingCRT(textLength + 1, kMemScratch, status));
-  failed = copy == nullptr;
-  if (failed) {
-    _memDelete(words);
-    words = nullptr;
-  }
 }
 
 }  // namespace nOXDIAG100

@@ -15,7 +15,8 @@ int cutOptionWords(char* text, char** words, int capacity);
 // those of tConfigurable::configure(options).
 //
 // The words are copies: the text may change or go while they are in use, and they live as long as
-// this object, in two scratch allocations (none when there are no words). PASSIVE_LEVEL.
+// this object, in one scratch allocation of five times the text (none when there are no words).
+// PASSIVE_LEVEL.
 class tOptionWords {
  public:
   // Null counts as an empty text.
@@ -35,10 +36,7 @@ class tOptionWords {
   bool hasFailed() const { return failed; }
 
  private:
-  void allocate(int wordCount, u64 textLength);
-
-  char** words = nullptr;
-  char* copy = nullptr;
+  char** words = nullptr;  // with the copy of the text behind them
   int count = 0;
   bool failed = false;
 };
