@@ -65,9 +65,13 @@ OXDIAG_MIXES_TEXT inline bool copyPlain(char* to, char const* from, u64 length) 
   return (marks & eightOf('\x80')) == 0;
 }
 
-// Of a text with a newline, that one included.
-u64 getLineLength(char const* text) {
+// Of a text with a newline among its `most` characters, that one included.
+u64 getLineLength(char const* text, u64 most) {
   u64 length = 0;
+  for (; most - length >= sizeof(u64); length += sizeof(u64)) {
+    u64 const marks = markCharacter(readWord<u64>(text + length), '\n');
+    if (marks != 0) return length + static_cast<u64>(__builtin_ctzll(marks)) / 8 + 1;
+  }
   while (text[length++] != '\n') {
   }
   return length;
@@ -94,7 +98,7 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
     u64 const left = static_cast<u64>(end - from);
     u64 length = left < room ? left : room;
     bool const isEnded = !copyPlain(position, from, length);
-    if (isEnded) length = getLineLength(from);
+    if (isEnded) length = getLineLength(from, length);
     from += length;
     if (isEnded || length == room) {
       flush(position + length, slot);

@@ -11,10 +11,6 @@ constexpr u64 kBlanksPerLevel = 2;
 constexpr char kBlanks[] = "                                                                ";
 constexpr u64 kMostBlanks = sizeof(kBlanks) - 1;
 
-char const* orEmpty(char const* text) {
-  return text == nullptr ? "" : text;
-}
-
 tLineClock::tOffset getOffset(tTrace::tTraceType type) {
   if (type == tTrace::kBlockEntry) return tLineClock::kBlockEntryOffset;
   return type == tTrace::kBlockExit ? tLineClock::kBlockExitOffset : tLineClock::kLineOffset;
@@ -22,13 +18,15 @@ tLineClock::tOffset getOffset(tTrace::tTraceType type) {
 
 }  // namespace
 
-tLineOpening::tLineOpening(tTraceParts& parts, tLineOrigin const& origin, u32 verbosity,
-                           tTrace::tTraceType type)
-    : parts(parts),
-      origin{orEmpty(origin.component), orEmpty(origin.file), origin.version, origin.line},
-      verbosity(verbosity),
-      type(type),
-      shape(parts.getShape()) {
+inline u64 tLineOpening::takeTimeDelta(bool isShown) {
+  if (!shape.isOn(tLineShape::kTimeDelta)) return 0;
+  return parts.clock.takeDelta(startTime, getOffset(type), isShown, parts.carriedDelta);
+}
+
+inline void tLineOpening::hide() {
+  takeTimeDelta(false);
+  if (type == tTrace::kBlockExit) leaveBlock();
+  if (type == tTrace::kBlockEntry) enterBlock();
 }
 
 void tLineOpening::open() {
@@ -36,7 +34,11 @@ void tLineOpening::open() {
   lock();
   parts.clock.start(startTime);
   parts.beginVerdict(isPassed());
-  begin(nullptr, parts.isWriting());
+  if (parts.isWriting()) {
+    show(nullptr);
+  } else {
+    hide();
+  }
 }
 
 bool tLineOpening::openIfShown(tTraceSite const* site) {
@@ -44,21 +46,24 @@ bool tLineOpening::openIfShown(tTraceSite const* site) {
   lock();
   readTime();
   bool const isShown = shape.isOn(tLineShape::kEnabled) && isPassed();
-  if (isShown) parts.beginVerdict(true);
-  begin(site, isShown);
-  if (isShown) return true;
+  if (isShown) {
+    parts.beginVerdict(true);
+    show(site);
+    return true;
+  }
+  hide();
   parts.lock.end();
   parts.clock.end();
   return false;
 }
 
-void tLineOpening::begin(tTraceSite const* site, bool isShown) {
-  u64 const timeDelta = takeTimeDelta(isShown);
-  if (isShown && !isCopied(site)) {
+void tLineOpening::show(tTraceSite const* site) {
+  u64 const timeDelta = takeTimeDelta(true);
+  if (!isCopied(site)) {
     tTracePrefix(parts, shape, tLineFacts{origin, verbosity, startTime, timeDelta}).write();
   }
   if (type == tTrace::kBlockExit) leaveBlock();
-  if (isShown && shape.isOn(tLineShape::kIndenting)) indent();
+  if (shape.isOn(tLineShape::kIndenting)) indent();
   if (type == tTrace::kBlockEntry) enterBlock();
 }
 
@@ -83,11 +88,6 @@ bool tLineOpening::isPassed() const {
   if (filter->isAboutVerbosity()) return !filter->isSurelyHidden(verbosity);
   return filter->evaluate(
       tTraceFilterLine(origin.component, origin.version, origin.line, origin.file, verbosity));
-}
-
-u64 tLineOpening::takeTimeDelta(bool isShown) {
-  if (!shape.isOn(tLineShape::kTimeDelta)) return 0;
-  return parts.clock.takeDelta(startTime, getOffset(type), isShown, parts.carriedDelta);
 }
 
 bool tLineOpening::isCopied(tTraceSite const* site) const {

@@ -13,7 +13,12 @@ class tLineOpening {
  public:
   // `origin`: with texts that may be null.
   tLineOpening(tTraceParts& parts, tLineOrigin const& origin, u32 verbosity,
-               tTrace::tTraceType type);
+               tTrace::tTraceType type)
+      : parts(parts),
+        origin{orEmpty(origin.component), orEmpty(origin.file), origin.version, origin.line},
+        verbosity(verbosity),
+        type(type),
+        shape(parts.getShape()) {}
 
   // Opens the line for its author, who puts text and ends it, shown or not. Reads the counter.
   void open();
@@ -28,7 +33,10 @@ class tLineOpening {
   void lock();
   bool isPassed() const;
   u64 takeTimeDelta(bool isShown);
-  void begin(tTraceSite const* site, bool isShown);
+  static char const* orEmpty(char const* text) { return text == nullptr ? "" : text; }
+
+  void show(tTraceSite const* site);
+  void hide();
   bool isCopied(tTraceSite const* site) const;
   void indent();
   void enterBlock();

@@ -51,16 +51,16 @@ void tTraceCalibration::run() {
 }
 
 void tTraceCalibration::measure() {
-  u64 const before = readTimeStampCounter();
-  baseline.addTry(readTimeStampCounter() - before);
-  blockEntry.addTry(traceBehindEnd("First block trace; {", kBlockVerbosity, kBlockEntry));
-  blockExit.addTry(traceBehindEnd("} First block trace", kBlockVerbosity, kBlockExit));
-  line.addTry(traceBehindEnd("First trace", kLineVerbosity, kTraceLine));
+  u64 const before = vexReadTimeStampCounter();
+  baseline.addTry(vexReadTimeStampCounter() - before);
+  blockEntry.addTry(openBehindEnd(kBlockVerbosity, kBlockEntry));
+  blockExit.addTry(openBehindEnd(kBlockVerbosity, kBlockExit));
+  line.addTry(openBehindEnd(kLineVerbosity, kTraceLine));
 }
 
-// The end of the line before, and at once the next one.
-u64 tTraceCalibration::traceBehindEnd(char const* text, u32 verbosity, tTraceType type) {
-  endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type).put(text);
+// The end of the line before, and at once the next one. Its text is behind the second reading.
+u64 tTraceCalibration::openBehindEnd(u32 verbosity, tTraceType type) {
+  endl().putPrefix(component, kVersion, __LINE__, file, verbosity, type);
   return getClock().getStart() - getClock().getEnd();
 }
 

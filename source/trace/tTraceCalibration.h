@@ -18,7 +18,7 @@ class tTraceCalibration : public tTrace {
   static void calibrate(tTraceParts& stream);
 
  private:
-  static constexpr u32 kTryCount = 4;  // for each measurement
+  static constexpr u32 kTryCount = 2;  // for each measurement
 
   tTraceCalibration();
 
@@ -29,7 +29,7 @@ class tTraceCalibration : public tTrace {
   void store(tLineClock& clock) const;
 
   void measure();
-  u64 traceBehindEnd(char const* text, u32 verbosity, tTraceType type);
+  u64 openBehindEnd(u32 verbosity, tTraceType type);
   void endSamples();
   u64 getCost(tTickAverage const& way) const;
 

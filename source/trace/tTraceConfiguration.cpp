@@ -25,7 +25,7 @@ void writeSettings(tTraceParts& stream, tInquiryText& text) {
   });
   for (tTraceSwitch const& entry : kTraceSwitches) {
     if (entry.which == tLineShape::kMutex) break;
-    text.append(" ").append(entry.option).appendOnOff(shape.isOn(entry.which));
+    text.append(" --").append(entry.name).appendOnOff(shape.isOn(entry.which));
   }
   text.append(" --prefixwidth ").appendNumber(shape.getWidth());
   if (stream.filter != nullptr) {

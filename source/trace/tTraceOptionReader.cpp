@@ -15,6 +15,8 @@
 namespace nOXDIAG100 {
 namespace {
 
+constexpr u32 kDashCount = 2;
+
 // A destination that options can name. `getInstance` returns null when it cannot be created.
 struct tSink {
   char const* name;
@@ -70,28 +72,31 @@ char const* tTraceOptionReader::takeValue() {
   return hasValue() ? takeWord() : nullptr;
 }
 
+// All options begin with the same two dashes: what follows them tells the words apart sooner.
 void tTraceOptionReader::readOption(char const* word) {
-  if (readSwitch(word)) return;
-  if (isEqual(word, "--on")) {
+  if (!isOption(word)) return;
+  char const* const name = word + kDashCount;
+  if (readSwitch(name)) return;
+  if (isEqual(name, "on")) {
     master = kOn;
-  } else if (isEqual(word, "--off")) {
+  } else if (isEqual(name, "off")) {
     master = kOff;
-  } else if (isEqual(word, "--prefixwidth")) {
+  } else if (isEqual(name, "prefixwidth")) {
     readWidth();
-  } else if (isEqual(word, "--filter")) {
+  } else if (isEqual(name, "filter")) {
     readFilter();
-  } else if (isEqual(word, "--destination")) {
+  } else if (isEqual(name, "destination")) {
     readDestination();
-  } else if (isEqual(word, "--calibrate")) {
+  } else if (isEqual(name, "calibrate")) {
     calibrates = true;
-  } else if (isEqual(word, "--mutex-kernel-token")) {
+  } else if (isEqual(name, "mutex-kernel-token")) {
     readTokens();
   }
 }
 
-bool tTraceOptionReader::readSwitch(char const* word) {
+bool tTraceOptionReader::readSwitch(char const* name) {
   for (tTraceSwitch const& entry : kTraceSwitches) {
-    if (!isEqual(word, entry.option)) continue;
+    if (!isEqual(name, entry.name)) continue;
     readSwitchValue(entry.which, entry.filterField);
     return true;
   }

@@ -23,7 +23,7 @@ class tTraceOptionReader {
   char const* takeValue();
 
   void readOption(char const* word);
-  bool readSwitch(char const* word);
+  bool readSwitch(char const* name);
   void readSwitchValue(tLineShape::tSwitch which, i32 field);
   void readWidth();
   void readFilter();

@@ -11,7 +11,7 @@ tTrace& tTrace::putPrefixPrototype() {
     if (!entry.isField || !shape.isOn(entry.which)) continue;
     bool const isPath = entry.which == tLineShape::kFileName && shape.isOn(tLineShape::kFilePath);
     append(separator);
-    append(isPath ? "filepath" : entry.getName());
+    append(isPath ? "filepath" : entry.name);
     separator = "--";
   }
   append("]");
