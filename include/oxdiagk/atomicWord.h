@@ -10,9 +10,9 @@ template <class T>
 T loadRelaxed(T const& word) {
   return __atomic_load_n(&word, __ATOMIC_RELAXED);
 }
-template <class T>
-void storeRelaxed(T& word, T value) {
-  __atomic_store_n(&word, value, __ATOMIC_RELAXED);
+template <class T, class V>
+void storeRelaxed(T& word, V value) {
+  __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_RELAXED);
 }
 
 // Who reads what a release stored also sees what was stored before it.
@@ -23,6 +23,16 @@ T loadAcquire(T const& word) {
 template <class T>
 void storeRelease(T& word, T value) {
   __atomic_store_n(&word, value, __ATOMIC_RELEASE);
+}
+
+// In one order with all others that are loaded and stored so.
+template <class T>
+T loadOrdered(T const& word) {
+  return __atomic_load_n(&word, __ATOMIC_SEQ_CST);
+}
+template <class T, class V>
+void storeOrdered(T& word, V value) {
+  __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_SEQ_CST);
 }
 
 }  // namespace nOXDIAG100

@@ -2,6 +2,7 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "oxdiagk/atomicWord.h"
 
 namespace nOXDIAG100 {
 
@@ -27,7 +28,7 @@ class OXDIAG_API tDestinationSlot {
   // the thread is within too many puts already.
   void send(char const* text, u32 length);
 
-  iTraceDestination* get() const { return __atomic_load_n(&current, __ATOMIC_SEQ_CST); }
+  iTraceDestination* get() const { return loadOrdered(current); }
 
   // From here on texts go there. Does not wait for those that are on the way elsewhere.
   void install(iTraceDestination& next);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ntos/types.h"
+#include "oxdiagk/atomicWord.h"
 #include "vexk/cpu.h"
-#include "vexk/sharedWord.h"
 
 namespace nOXDIAG100 {
 
@@ -17,22 +17,22 @@ class tLineClock {
   enum tOffset : u32 { kBlockEntryOffset, kBlockExitOffset, kLineOffset, kOffsetCount };
 
   // A line began then.
-  void start(u64 time) { storeWord(lineStartTime, time); }
-  u64 getStart() const { return loadWord(lineStartTime); }
+  void start(u64 time) { storeRelaxed(lineStartTime, time); }
+  u64 getStart() const { return loadRelaxed(lineStartTime); }
 
   // A line ends now.
-  void end() { storeWord(lastLineTime, vexReadTimeStampCounter()); }
-  u64 getEnd() const { return loadWord(lastLineTime); }
-  void setEnd(u64 time) { storeWord(lastLineTime, time); }
+  void end() { storeRelaxed(lastLineTime, vexReadTimeStampCounter()); }
+  u64 getEnd() const { return loadRelaxed(lastLineTime); }
+  void setEnd(u64 time) { storeRelaxed(lastLineTime, time); }
 
-  u64 getOffset(u32 index) const { return loadWord(offsets[index]); }
-  void setOffset(u32 index, u64 ticks) { storeWord(offsets[index], ticks); }
+  u64 getOffset(u32 index) const { return loadRelaxed(offsets[index]); }
+  void setOffset(u32 index, u64 ticks) { storeRelaxed(offsets[index], ticks); }
 
   // The delta of a line that began at `time`, with the ticks that lines which were not shown have
   // carried so far. A line that is shown uses them up, any other hands its delta on.
   u64 takeDelta(u64 time, tOffset offset, bool isShown, u64& carried) const {
-    u64 const delta = time - (getOffset(offset) + getEnd()) + loadWord(carried);
-    storeWord(carried, isShown ? 0 : delta);
+    u64 const delta = time - (getOffset(offset) + getEnd()) + loadRelaxed(carried);
+    storeRelaxed(carried, isShown ? 0 : delta);
     return delta;
   }
 

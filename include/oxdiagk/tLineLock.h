@@ -2,6 +2,7 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "oxdiagk/atomicWord.h"
 
 class iSync;
 
@@ -28,7 +29,7 @@ class OXDIAG_API tLineLock {
   // Gives back what this thread has, and closes the lock.
   void close();
 
-  iSync* get() const { return __atomic_load_n(&sync, __ATOMIC_ACQUIRE); }
+  iSync* get() const { return loadAcquire(sync); }
 
   // Between them a line belongs to the calling thread, if there is a lock. `timeout` in
   // milliseconds, or kSyncWaitForever. end gives back what this thread's begin took.

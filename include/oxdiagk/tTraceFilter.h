@@ -2,6 +2,7 @@
 
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
+#include "oxdiagk/atomicWord.h"
 #include "vexk/memory.h"
 
 namespace nOXDIAG100 {
@@ -113,16 +114,16 @@ class OXDIAG_API tTraceFilter {
   // Whether the verbosity alone hides a line; when false, evaluate() tells. Most filters are one
   // term on the verbosity, and then this is one comparison.
   bool isSurelyHidden(u32 verbosity) const {
-    u64 const range = __atomic_load_n(&shownRange, __ATOMIC_RELAXED);
+    u64 const range = loadRelaxed(shownRange);
     return verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32);
   }
 
   // Whether the verbosity alone decides: a line that is not surely hidden is shown then.
-  bool isAboutVerbosity() const { return __atomic_load_n(&shownRange, __ATOMIC_RELAXED) != ~0ull; }
+  bool isAboutVerbosity() const { return loadRelaxed(shownRange) != ~0ull; }
 
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {
-    u32 const fields = __atomic_load_n(&usedFields, __ATOMIC_RELAXED);
+    u32 const fields = loadRelaxed(usedFields);
     return field >= 0 && field < kFieldCount && ((fields >> field) & 1) != 0;
   }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "oxdiagk/atomicWord.h"
 #include "oxdiagk/tConfigurationLock.h"
 #include "oxdiagk/tDestinationSlot.h"
 #include "oxdiagk/tLineBuffer.h"
@@ -8,7 +9,6 @@
 #include "oxdiagk/tLineShape.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "stl/vector.h"
-#include "vexk/sharedWord.h"
 
 namespace nOXDIAG100 {
 
@@ -47,13 +47,13 @@ class OXDIAG_API tTraceParts : public tTraceMembers {
   bool isBuilt() const { return slot.get() != nullptr; }
 
   // The switches, the master switch among them, and the width of prefixes.
-  tLineShape getShape() const { return tLineShape(loadWord(shape)); }
+  tLineShape getShape() const { return tLineShape(loadRelaxed(shape)); }
   void turn(tLineShape::tSwitch which, bool isOn);
   void setWidth(u32 width);
 
   // Whether text that is put now is written.
   bool isWriting() const {
-    return getShape().isOn(tLineShape::kEnabled) && loadWord(lineSuppressed) == 0;
+    return getShape().isOn(tLineShape::kEnabled) && loadRelaxed(lineSuppressed) == 0;
   }
 
   // Whether a line of this verbosity needs no look at anything else to be hidden.
@@ -71,12 +71,12 @@ class OXDIAG_API tTraceParts : public tTraceMembers {
   // Between them `isPassed` says whether text is written; behind them the verdict of the thread's
   // line around this one does, if there is one. Remembers 32 lines within each other.
   void beginVerdict(bool isPassed) {
-    storeWord(lineSuppressed, isPassed ? 0 : 1);
-    if (!isPassed || loadWord(hiddenLines) != 0) rememberVerdict(isPassed);
+    storeRelaxed(lineSuppressed, isPassed ? 0 : 1);
+    if (!isPassed || loadRelaxed(hiddenLines) != 0) rememberVerdict(isPassed);
   }
   void endVerdict() {
-    if (loadWord(hiddenLines) == 0) {
-      storeWord(lineSuppressed, 0);
+    if (loadRelaxed(hiddenLines) == 0) {
+      storeRelaxed(lineSuppressed, 0);
     } else {
       recallVerdict();
     }

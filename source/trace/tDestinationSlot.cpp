@@ -24,23 +24,23 @@ void tDestinationSlot::send(char const* text, u32 length) {
 
 // An interrupt that comes upon the thread of the switch is not part of the switch.
 bool tDestinationSlot::isOpenTo(u32 thread) const {
-  u32 const shutBy = __atomic_load_n(&shutter, __ATOMIC_SEQ_CST);
+  u32 const shutBy = loadOrdered(shutter);
   return shutBy == 0 || (shutBy == thread && KeGetCurrentIrql() < DISPATCH_LEVEL);
 }
 
 void tDestinationSlot::install(iTraceDestination& next) {
   isLeft = false;
-  __atomic_store_n(&current, &next, __ATOMIC_SEQ_CST);
+  storeOrdered(current, &next);
 }
 
 void tDestinationSlot::shut(u32 holder) {
   holders |= holder;
-  __atomic_store_n(&shutter, tThreadUtility::getCurrentThreadId(), __ATOMIC_SEQ_CST);
+  storeOrdered(shutter, tThreadUtility::getCurrentThreadId());
 }
 
 void tDestinationSlot::open(u32 holder) {
   holders &= ~holder;
-  if (holders == 0) __atomic_store_n(&shutter, 0, __ATOMIC_SEQ_CST);
+  if (holders == 0) storeOrdered(shutter, 0);
 }
 
 }  // namespace nOXDIAG100

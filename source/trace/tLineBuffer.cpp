@@ -1,9 +1,9 @@
 #include "oxdiagk/tLineBuffer.h"
 
+#include "oxdiagk/atomicWord.h"
 #include "oxdiagk/tDestinationSlot.h"
 #include "trace/mixedText.h"
 #include "trace/textWords.h"
-#include "vexk/sharedWord.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -81,9 +81,9 @@ u64 getLineLength(char const* text, u64 most) {
 
 // Nearly every text has no newline, and does not fill the piece.
 OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestinationSlot& slot) {
-  char* const position = loadWord(writePosition);
+  char* const position = loadRelaxed(writePosition);
   if (length < getRoomFrom(position) && copyPlain(position, from, length)) {
-    storeWord(writePosition, position + length);
+    storeRelaxed(writePosition, position + length);
   } else {
     appendPieces(from, from + length, slot);
   }
@@ -93,7 +93,7 @@ OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestin
 OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* end,
                                                  tDestinationSlot& slot) {
   while (from != end) {
-    char* const position = loadWord(writePosition);
+    char* const position = loadRelaxed(writePosition);
     u64 const room = getRoomFrom(position);
     u64 const left = static_cast<u64>(end - from);
     u64 length = left < room ? left : room;
@@ -103,26 +103,26 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
     if (isEnded || length == room) {
       flush(position + length, slot);
     } else {
-      storeWord(writePosition, position + length);
+      storeRelaxed(writePosition, position + length);
     }
   }
 }
 
 OXDIAG_MIXES_TEXT void tLineBuffer::endPiece(tDestinationSlot& slot) {
-  char* const position = loadWord(writePosition);
+  char* const position = loadRelaxed(writePosition);
   *position = '\n';
   flush(position + 1, slot);
 }
 
 OXDIAG_MIXES_TEXT bool tLineBuffer::appendPrefix(char const* from, u32 length) {
-  char* const position = loadWord(writePosition);
+  char* const position = loadRelaxed(writePosition);
   if (kCopied + kClosingLength >= getRoomFrom(position)) return false;
   for (u32 done = 0; done < kCopied; done += sizeof(u64)) {
     writeWord(position + done, readWord<u64>(from + done));
   }
   position[length] = ']';
   position[length + 1] = ' ';
-  storeWord(writePosition, position + length + kClosingLength);
+  storeRelaxed(writePosition, position + length + kClosingLength);
   return true;
 }
 
@@ -132,7 +132,7 @@ void tLineBuffer::flush(char const* end, tDestinationSlot& slot) {
   u32 const length = static_cast<u32>(end - text);
   char copy[kSize];
   copyMixedText(copy, text, length);
-  storeWord(writePosition, &text[0]);
+  storeRelaxed(writePosition, &text[0]);
   slot.send(copy, length);
 }
 

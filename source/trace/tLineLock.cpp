@@ -1,6 +1,6 @@
 #include "oxdiagk/tLineLock.h"
 
-#include "vexk/sharedWord.h"
+#include "oxdiagk/atomicWord.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
 #include "vexk/threadUtility.h"
@@ -17,7 +17,7 @@ void tLineLock::open() {
   }
   i32 status = 0;
   iSync* const opened = syncOpen("nOXDIAG100::tTrace::_mutex", descriptor, status);
-  __atomic_store_n(&sync, opened, __ATOMIC_RELEASE);
+  storeRelease(sync, opened);
 }
 
 void tLineLock::close() {
@@ -29,18 +29,18 @@ tLineLock::tStart tLineLock::begin(u32 timeout) {
   iSync* const lock = get();
   i32 const status = lock == nullptr ? kStatusSyncFailed : lock->acquire(timeout);
   if (status < 0) return status == kStatusSyncTimeout ? kTimedOut : kNotLocked;
-  storeWord(owner, tThreadUtility::getCurrentThreadId());
-  __atomic_store_n(&depth, depth + 1, __ATOMIC_RELEASE);
+  storeRelaxed(owner, tThreadUtility::getCurrentThreadId());
+  storeRelease(depth, depth + 1);
   return kLocked;
 }
 
 u32 tLineLock::getOwner() const {
-  return __atomic_load_n(&depth, __ATOMIC_ACQUIRE) == 0 ? 0 : loadWord(owner);
+  return loadAcquire(depth) == 0 ? 0 : loadRelaxed(owner);
 }
 
 void tLineLock::giveBack() {
   if (getOwner() != tThreadUtility::getCurrentThreadId()) return;
-  storeWord(depth, depth - 1);
+  storeRelaxed(depth, depth - 1);
   get()->release();
 }
 

@@ -97,7 +97,7 @@ bool tLineOpening::isCopied(tTraceSite const* site) const {
 }
 
 void tLineOpening::indent() {
-  i32 const level = loadWord(parts.nestingLevel);
+  i32 const level = loadRelaxed(parts.nestingLevel);
   if (level <= 0) return;
   u64 blanks = kBlanksPerLevel * static_cast<u64>(level);
   for (; blanks > kMostBlanks; blanks -= kMostBlanks) {
@@ -113,7 +113,7 @@ void tLineOpening::enterBlock() {
 }
 
 void tLineOpening::leaveBlock() {
-  i32 level = loadWord(parts.nestingLevel);
+  i32 level = loadRelaxed(parts.nestingLevel);
   i32 lowered;
   do {
     lowered = level > 0 ? level - 1 : 0;

@@ -1,6 +1,6 @@
 #include "trace/tTextsOnTheWay.h"
 
-#include "vexk/sharedWord.h"
+#include "oxdiagk/atomicWord.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -19,29 +19,28 @@ constinit tDirection directions[tTextsOnTheWay::kCapacity] = {};
 constinit u32 usedPlaces = 0;
 
 u32 getUsedPlaces() {
-  return __atomic_load_n(&usedPlaces, __ATOMIC_SEQ_CST);
+  return loadOrdered(usedPlaces);
 }
 
 u32 getThread(u32 place) {
-  return __atomic_load_n(&threads[place], __ATOMIC_SEQ_CST);
+  return loadOrdered(threads[place]);
 }
 
 // A text that has not said yet where it goes may go anywhere.
 bool mayBeWithin(u32 place, iTraceDestination const& destination) {
-  iTraceDestination const* const known =
-      __atomic_load_n(&directions[place].destination, __ATOMIC_SEQ_CST);
+  iTraceDestination const* const known = loadOrdered(directions[place].destination);
   return known == nullptr || known == &destination;
 }
 
 bool mayComeThrough(u32 place, tDestinationSlot const* slot) {
-  tDestinationSlot const* const known = loadWord(directions[place].slot);
+  tDestinationSlot const* const known = loadRelaxed(directions[place].slot);
   return slot == nullptr || known == nullptr || known == slot;
 }
 
 u32 countOwn(u32 thread) {
   u32 count = 0;
   for (u32 place = 0, end = getUsedPlaces(); place < end; ++place) {
-    if (loadWord(threads[place]) == thread) ++count;
+    if (loadRelaxed(threads[place]) == thread) ++count;
   }
   return count;
 }
@@ -50,7 +49,7 @@ u32 countOwn(u32 thread) {
 // change.
 bool take(u32 place, u32 thread) {
   u32 nobody = 0;
-  return loadWord(threads[place]) == 0 &&
+  return loadRelaxed(threads[place]) == 0 &&
          __atomic_compare_exchange_n(&threads[place], &nobody, thread, false, __ATOMIC_SEQ_CST,
                                      __ATOMIC_RELAXED);
 }
@@ -70,7 +69,7 @@ u32 tTextsOnTheWay::enter(u32 thread, tDestinationSlot const& slot) {
   while (place < kCapacity && !take(place, thread)) ++place;
   if (place == kCapacity) return kNoPlace;
   use(place);
-  storeWord(directions[place].slot, &slot);
+  storeRelaxed(directions[place].slot, &slot);
   return place;
 }
 

@@ -75,7 +75,7 @@ u32 tTrace::getMinPrefixWidth() const {
 }
 
 i32 tTrace::getNestingLevel() const {
-  return loadWord(parts.nestingLevel);
+  return loadRelaxed(parts.nestingLevel);
 }
 
 iTraceDestination* tTrace::getDestination() {

@@ -81,7 +81,7 @@ void tTraceParts::setWidth(u32 width) {
 
 template <class Change>
 void tTraceParts::change(Change changed) {
-  u64 before = loadWord(shape);
+  u64 before = loadRelaxed(shape);
   while (!__atomic_compare_exchange_n(&shape, &before, changed(tLineShape(before)).getWord(), true,
                                       __ATOMIC_SEQ_CST, __ATOMIC_RELAXED)) {
   }
@@ -93,26 +93,26 @@ void tTraceParts::follow(u32& member, Read read) {
   u32 value;
   do {
     value = read(getShape());
-    __atomic_store_n(&member, value, __ATOMIC_SEQ_CST);
-  } while (value != read(tLineShape(__atomic_load_n(&shape, __ATOMIC_SEQ_CST))));
+    storeOrdered(member, value);
+  } while (value != read(tLineShape(loadOrdered(shape))));
 }
 
 // What another thread left is no line around this one. So whatever lines of threads without a
 // common lock do to each other, no hidden line stays behind for good.
 void tTraceParts::rememberVerdict(bool isPassed) {
-  u64 const before = loadWord(hiddenLines);
+  u64 const before = loadRelaxed(hiddenLines);
   u64 const thread = tThreadUtility::getCurrentThreadId();
   u32 const around = before >> kThreadShift == thread ? static_cast<u32>(before) : 0;
-  storeWord(hiddenLines, withThread(thread, around << 1 | (isPassed ? 0u : 1u)));
+  storeRelaxed(hiddenLines, withThread(thread, around << 1 | (isPassed ? 0u : 1u)));
 }
 
 void tTraceParts::recallVerdict() {
-  u64 const before = loadWord(hiddenLines);
+  u64 const before = loadRelaxed(hiddenLines);
   u64 const thread = before >> kThreadShift;
   u32 around = static_cast<u32>(before) >> 1;
   if (around != 0 && thread != tThreadUtility::getCurrentThreadId()) around = 0;
-  storeWord(lineSuppressed, around & 1);
-  storeWord(hiddenLines, withThread(thread, around));
+  storeRelaxed(lineSuppressed, around & 1);
+  storeRelaxed(hiddenLines, withThread(thread, around));
 }
 
 // Within a line that is not shown, the text goes past the line buffer: it is a line of its own, and
