@@ -26,13 +26,18 @@ PRESET = "host-release"
 GROWTH = "/[0-9]+$"  # the names that end with a number
 PAGE = workshop.TOP / "docs/performance.md"
 PICTURE = workshop.TOP / "docs/growth.svg"
+REPETITIONS = 25
 INTERLEAVED = ["--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.01"]
 
 TEXT = """# Performance
 
-This page is written by `./dev bench --write`, from one run on {processor}, compiled by {compiler}.
+This page is written by `./dev bench --write`, from one run on this machine:
+
+- processor: {processor}
+- compiler: {compiler}
+
 Times depend on the machine; the ratios in the table hardly do, since both sides of each were
-measured in the same run, their repetitions in random order, and the shortest of each counts.
+measured in the same run, {repetitions} times for 10 ms in random order, and the shortest of each counts.
 Instructions depend on neither: `./dev budget` counts them, see [testing.md](testing.md).
 
 A *floor* is the same work written by hand for this one case, without the library: the least that it
@@ -80,7 +85,7 @@ def read_report():
         raise workshop.Failure(f"bench: {failure}") from failure
 
 
-def measure(names, repetitions):
+def measure(names, repetitions=REPETITIONS):
     """The best of many short runs: they end between two turns of what else the machine does."""
     workshop.demand(program([*INTERLEAVED, f"--benchmark_repetitions={repetitions}",
                              f"--benchmark_filter={names}"]))
@@ -88,7 +93,7 @@ def measure(names, repetitions):
 
 
 def run_pairs():
-    times = workshop.step("run the benchmarks", measure, f"-{GROWTH}", 25)
+    times = workshop.step("run the benchmarks", measure, f"-{GROWTH}")
     print(ratios.tables(times))
     print()
     print(targets.tables(times))
@@ -121,7 +126,7 @@ def write(pairs, growth):
     if missing:
         sys.exit(f"bench: not measured: {', '.join(missing)}")
     compiler = workshop.demand(["g++", "--version"]).splitlines()[0]
-    PAGE.write_text(TEXT.format(processor=processor(), compiler=compiler,
+    PAGE.write_text(TEXT.format(processor=processor(), compiler=compiler, repetitions=REPETITIONS,
                                 summary=targets.summary(cells), table=targets.as_markdown(cells)))
     PICTURE.write_text(growthCurves.draw(growth))
     print(f"written: {PAGE.relative_to(workshop.TOP)}, {PICTURE.relative_to(workshop.TOP)}")
