@@ -79,8 +79,9 @@ tConfigurable* tInstanceRegistry::find(u32 handle, i32& status) {
   return found != nullptr ? found->instance : findNone(status, kStatusUnknownHandle);
 }
 
+// Until the last number was issued, the candidate and what follows it never was.
 bool tInstanceRegistry::isPassedOver(u32 handle) const {
-  return table.contains(handle) || (isReuseGuarded && released.contains(handle));
+  return isReuseGuarded && (table.contains(handle) || released.contains(handle));
 }
 
 u32 tInstanceRegistry::chooseHandle() {
@@ -103,13 +104,10 @@ u32 tInstanceRegistry::chooseHandle() {
 }
 
 bool tInstanceRegistry::record(u32 handle, tConfigurable& instance) {
-  if (!table.insert(handle, {&instance, {}})) return false;
-  if (!issued.push_back(handle)) {
-    table.erase(handle);
-    return false;
-  }
-  table.find(handle)->place = --issued.end();
-  return true;
+  if (!issued.push_back(handle)) return false;
+  if (table.insert(handle, {&instance, --issued.end()})) return true;
+  issued.pop_back();
+  return false;
 }
 
 }  // namespace nOXDIAG100
