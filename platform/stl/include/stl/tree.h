@@ -146,8 +146,8 @@ inline void tree::replace(tree_node const* node, tree_node* by) noexcept {
   }
 }
 
-// The next node in order has nothing before it, so it can leave its place and take the other's.
-// Returns the lowest node whose height may have changed.
+// The next node in order has nothing before it, so it can leave its place and take the other's,
+// with the height that this had. Returns the lowest node whose height may have changed.
 inline tree_node* tree::replaceByHeir(tree_node* node) noexcept {
   tree_node* const heir = outermost(node->child[kBehind], kBefore);
   tree_node* const changed = heir->parent == node ? heir : heir->parent;
@@ -155,6 +155,7 @@ inline tree_node* tree::replaceByHeir(tree_node* node) noexcept {
   hang(heir, kBefore, node->child[kBefore]);
   hang(heir, kBehind, node->child[kBehind]);
   replace(node, heir);
+  heir->height = node->height;
   return changed;
 }
 
@@ -177,16 +178,20 @@ inline void tree::level(tree_node* node, u32 side) noexcept {
   rotate(node, side);
 }
 
+// Up to the first node that is as high as before: nothing above it has changed.
 inline void tree::balanceFrom(tree_node* node) noexcept {
   for (; node != nullptr; node = node->parent) {
+    u32 const former = node->height;
     u32 const before = heightOf(node->child[kBefore]);
     u32 const behind = heightOf(node->child[kBehind]);
-    if (before > behind + 1) {
-      level(node, kBefore);
-    } else if (behind > before + 1) {
-      level(node, kBehind);
+    if (before > behind + 1 || behind > before + 1) {
+      level(node, before > behind ? kBefore : kBehind);
+      node = node->parent;
     } else {
       measure(node);
+    }
+    if (node->height == former) {
+      return;
     }
   }
 }
