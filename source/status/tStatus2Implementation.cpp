@@ -27,15 +27,9 @@ void copyTail(char* field, u32 size, char const* text) {
   __builtin_memcpy(field, text + (length - kept), kept);
 }
 
-void writeField(nQELM100::iObjectWriter& writer, char const* field, u32 size, i32& status) {
-  for (u32 i = 0; i < size; ++i) writer.writeCharacter(field[i], status);
-}
-
 void readField(nQELM100::iObjectReader& reader, char* field, u32 size, i32& status) {
-  for (u32 i = 0; i < size; ++i) {
-    field[i] = '\0';
-    reader.readCharacter(field[i], status);
-  }
+  __builtin_memset(field, 0, size);
+  reader.readCharacters(field, size, status);
   field[size - 1] = '\0';
 }
 
@@ -132,8 +126,8 @@ i32 tStatus2Implementation::getCode() const {
 void tStatus2Implementation::writeExternal(nQELM100::iObjectWriter& writer, i32& status) const {
   if (status < 0) return;
   writer.writeU32(kFixedLength, status);
-  writeField(writer, componentName, kComponentSize, status);
-  writeField(writer, fileName, kFileNameSize, status);
+  writer.writeCharacters(componentName, kComponentSize, status);
+  writer.writeCharacters(fileName, kFileNameSize, status);
   writer.writeU32(line, status);
   for (u64 address : stackTrace) writer.writeU32(static_cast<u32>(address), status);
   writer.writeI32(code, status);

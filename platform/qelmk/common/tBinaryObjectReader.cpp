@@ -57,6 +57,14 @@ void tBinaryObjectReader::readWideString(_STL::wstring& value, i32& status) {
   readText(value, status);
 }
 
+void tBinaryObjectReader::readCharacters(char* values, u32 count, i32& status) {
+  if (status < 0) return;
+  size_t const left = end - position;
+  size_t const taken = count < left ? count : left;
+  if (taken != 0) __builtin_memcpy(values, take(taken), taken);
+  if (taken < count) fail(position, kStatusStreamEnded, status);
+}
+
 tObject* tBinaryObjectReader::readObject(i32& status) {
   if (status < 0) return nullptr;
   isPastObject = false;
@@ -109,7 +117,7 @@ tObject* tBinaryObjectReader::readContent(tHead const& head, size_t start, i32& 
 }
 
 tObject* tBinaryObjectReader::makeObject(tHead const& head, size_t start, i32& status) {
-  tClassImplementation const* const record = qelmkClasses.find(head.name, head.nameLength);
+  tClassImplementation const* const record = findClass(head);
   if (record == nullptr) {
     fail(start, kStatusClassUnknown, status);
     return nullptr;
@@ -117,6 +125,17 @@ tObject* tBinaryObjectReader::makeObject(tHead const& head, size_t start, i32& s
   tObject* const object = tClass(*record).newInstance(status);
   if (object == nullptr) fail(start, status, status);
   return object;
+}
+
+tClassImplementation const* tBinaryObjectReader::findClass(tHead const& head) {
+  u64 const removals = qelmkClasses.getRemovals();
+  bool const isLatest = latestClass != nullptr && latestRemovals == removals &&
+                        latestClass->getNameLength() == head.nameLength &&
+                        __builtin_memcmp(latestClass->getName(), head.name, head.nameLength) == 0;
+  if (isLatest) return latestClass;
+  latestClass = qelmkClasses.find(head.name, head.nameLength);
+  latestRemovals = removals;
+  return latestClass;
 }
 
 template <class tNumber>

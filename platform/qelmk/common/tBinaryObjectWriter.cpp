@@ -5,7 +5,6 @@
 #include "qelmk/iExternalizable.h"
 #include "qelmk/statusCodes.h"
 #include "qelmk/tClass.h"
-#include "tClassRegistry.h"
 
 namespace nQELM100 {
 namespace {
@@ -55,34 +54,41 @@ void tBinaryObjectWriter::writeWideString(_STL::wstring const& value, i32& statu
 void tBinaryObjectWriter::writeObject(tObject const* object, i32& status) {
   if (object == nullptr) return writeNumber(u16{0}, status);
   if (status < 0) return;
-  tClass const itsClass = object->getClass(status);
+  tClassImplementation const* const record = object->getClass(status).getRecord();
   auto const* const content = dynamicCast<iExternalizable>(object);
-  i32 const refusal = checkObject(itsClass, content);
+  i32 const refusal = checkObject(record, content);
   if (refusal < 0) {
     status = refusal;
     return;
   }
   size_t const start = position;
-  writeName(itsClass.getName());
+  writeName(*record);
   writeContent(*content, status);
   if (status < 0) position = start;
 }
 
+// Characters are items of their own, so those that fit are stored.
+void tBinaryObjectWriter::writeCharacters(char const* values, u32 count, i32& status) {
+  if (status < 0) return;
+  size_t const room = position < capacity ? capacity - position : 0;
+  storeAt(position, values, count < room ? count : room);
+  position += count;
+}
+
 // A reader must find the class, and make an object of it.
-i32 tBinaryObjectWriter::checkObject(tClass const& itsClass, iExternalizable const* content) const {
+i32 tBinaryObjectWriter::checkObject(tClassImplementation const* record,
+                                     iExternalizable const* content) const {
   if (content == nullptr) return kStatusClassMismatch;
-  char const* const name = itsClass.getName();
-  tClassImplementation const* const record = qelmkClasses.find(name, __builtin_strlen(name));
-  if (record == nullptr || tClass(*record) != itsClass) return kStatusClassUnknown;
+  if (record == nullptr || !record->isRegistered()) return kStatusClassUnknown;
   if (record->getFactory() == nullptr) return kStatusClassAbstract;
   return depth == kMostObjectDepth ? kStatusStreamTooDeep : 0;
 }
 
-void tBinaryObjectWriter::writeName(char const* name) {
+void tBinaryObjectWriter::writeName(tClassImplementation const& record) {
   static_assert(kMostClassNameLength <= 0xFFFF);
-  auto const length = static_cast<u16>(__builtin_strlen(name));
+  auto const length = static_cast<u16>(record.getNameLength());
   store(&length, sizeof(length));
-  store(name, length);
+  store(record.getName(), length);
 }
 
 // The length is known, and put in front, when the content is written.

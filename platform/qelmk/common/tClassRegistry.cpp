@@ -9,21 +9,39 @@
 namespace nQELM100 {
 namespace {
 
+constexpr u64 kHashFactor = 0x9E3779B97F4A7C15;
+
+u64 readWord(char const* bytes) {
+  u64 word = 0;
+  __builtin_memcpy(&word, bytes, sizeof(word));
+  return word;
+}
+
+// Eight bytes at a time; the last eight may be taken twice in part.
 u64 hashOf(char const* name, size_t length) {
-  u64 hash = 0xCBF29CE484222325;  // FNV-1a
-  for (size_t index = 0; index < length; ++index) {
-    hash = (hash ^ static_cast<u8>(name[index])) * 0x100000001B3;
+  u64 hash = length;
+  auto const take = [&hash](u64 word) {
+    hash = (hash ^ word) * kHashFactor;
+    hash ^= hash >> 32;
+  };
+  if (length < sizeof(u64)) {
+    for (size_t index = 0; index < length; ++index) take(static_cast<u8>(name[index]));
+  } else {
+    for (size_t index = 0; index + sizeof(u64) < length; index += sizeof(u64)) {
+      take(readWord(name + index));
+    }
+    take(readWord(name + length - sizeof(u64)));
   }
+  take(0);  // so that the highest bits of the last word reach the lowest of the hash
   return hash;
 }
 
 bool isNamed(tClassImplementation const& record, char const* name, size_t length) {
-  return __builtin_strlen(record.getName()) == length &&
-         __builtin_memcmp(record.getName(), name, length) == 0;
+  return record.getNameLength() == length && __builtin_memcmp(record.getName(), name, length) == 0;
 }
 
-size_t lengthOf(char const* name) {
-  return name == nullptr ? 0 : __builtin_strlen(name);
+void setCount(u32& count, u32 value) {
+  __atomic_store_n(&count, value, __ATOMIC_RELEASE);
 }
 
 }  // namespace
@@ -37,7 +55,7 @@ void tClassRegistry::initialise() {
 
 void tClassRegistry::add(tClassImplementation& record, i32& status) {
   if (status < 0) return;
-  size_t const length = lengthOf(record.name);
+  size_t const length = record.nameLength;
   if (length == 0 || length > kMostClassNameLength) {
     status = kStatusBadArgument;
   } else if (pkgIsQelmkInitialized() == 0) {
@@ -53,15 +71,17 @@ void tClassRegistry::add(tClassImplementation& record, i32& status) {
   }
   place = &record;
   record.nameHash = hash;
-  ++record.registrationCount;
+  setCount(record.registrationCount, record.registrationCount + 1);
 }
 
 void tClassRegistry::remove(tClassImplementation& record) {
   if (!isReady) return;
   tFastMutexGuard const held(guard);
-  if (record.registrationCount == 0 || --record.registrationCount != 0) return;
-  size_t const length = lengthOf(record.name);
-  tClassImplementation*& place = *findPlace(record.name, length, record.nameHash);
+  if (record.registrationCount == 0) return;
+  setCount(record.registrationCount, record.registrationCount - 1);
+  if (record.registrationCount != 0) return;
+  __atomic_store_n(&removals, removals + 1, __ATOMIC_RELEASE);
+  tClassImplementation*& place = *findPlace(record.name, record.nameLength, record.nameHash);
   tClassImplementation& successor = takeLeaf(record);
   if (&successor == &record) {
     place = nullptr;

@@ -27,6 +27,10 @@ class tClassRegistry {
   // The class of this name, or null. The name may hold any bytes.
   tClassImplementation const* find(char const* name, size_t length);
 
+  // How many classes have been taken out so far: as long as this stays, a class that was found is
+  // there. Any IRQL.
+  u64 getRemovals() const { return __atomic_load_n(&removals, __ATOMIC_ACQUIRE); }
+
  private:
   tClassImplementation** findPlace(char const* name, size_t length, u64 hash);
   static tClassImplementation& takeLeaf(tClassImplementation& record);
@@ -34,6 +38,7 @@ class tClassRegistry {
   FAST_MUTEX guard{};
   bool isReady = false;
   tClassImplementation* root = nullptr;
+  u64 removals = 0;
 };
 
 extern tClassRegistry qelmkClasses;

@@ -57,6 +57,12 @@ class iObjectReader {
   //     if (status < 0 && !reader.isPastFailedObject()) return;
   virtual bool isPastFailedObject() const { return false; }
 
+  // Reads `count` characters, each an item: a failure leaves alone those of `values` that could not
+  // be read. Without this operation of its own a reader is asked for one after the other.
+  virtual void readCharacters(char* values, u32 count, i32& status) {
+    for (u32 index = 0; index < count; ++index) readCharacter(values[index], status);
+  }
+
  protected:
   ~iObjectReader() = default;
 };

@@ -28,6 +28,12 @@ class iObjectWriter {
   // content. Null is an object too. The writer does not keep the object.
   virtual void writeObject(tObject const* object, i32& status) = 0;
 
+  // Writes `count` characters, each an item. Without this operation of its own a writer is given
+  // one after the other.
+  virtual void writeCharacters(char const* values, u32 count, i32& status) {
+    for (u32 index = 0; index < count; ++index) writeCharacter(values[index], status);
+  }
+
  protected:
   ~iObjectWriter() = default;
 };

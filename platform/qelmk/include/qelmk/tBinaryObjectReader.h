@@ -73,6 +73,8 @@ class QELM_API tBinaryObjectReader final : public iObjectReader {
   // True when all bytes of the object are there.
   bool isPastFailedObject() const override { return isPastObject; }
 
+  void readCharacters(char* values, u32 count, i32& status) override;
+
  private:
   // What stands in front of the content of an object.
   struct tHead {
@@ -85,6 +87,7 @@ class QELM_API tBinaryObjectReader final : public iObjectReader {
   i32 readHead(tHead& head);
   tObject* readContent(tHead const& head, size_t start, i32& status);
   tObject* makeObject(tHead const& head, size_t start, i32& status);
+  tClassImplementation const* findClass(tHead const& head);
   template <class tNumber>
   bool takeNumber(tNumber& value);
   template <class tNumber>
@@ -100,6 +103,11 @@ class QELM_API tBinaryObjectReader final : public iObjectReader {
   size_t end;  // of the content of the innermost object that is being read, or of the stream
   size_t position = 0;
   size_t failurePosition = 0;
+  // The class of the latest object, for the next one is often of the same class, and the classes
+  // that had been taken out of the registry when it was found.
+  tClassImplementation const* latestClass = nullptr;
+  u64 latestRemovals = 0;
+
   u32 depth = 0;
   bool hasFailed = false;
   bool isPastObject = false;

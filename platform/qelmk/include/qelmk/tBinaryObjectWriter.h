@@ -9,7 +9,7 @@
 namespace nQELM100 {
 
 class iExternalizable;
-class tClass;
+class tClassImplementation;
 
 // The form is that of "qelmk/binaryStream.h". What does not fit the buffer is counted and not
 // stored, so one pass tells whether it was large enough, and if not, how large it has to be:
@@ -56,14 +56,15 @@ class QELM_API tBinaryObjectWriter final : public iObjectWriter {
   void writeString(_STL::string const& value, i32& status) override;
   void writeWideString(_STL::wstring const& value, i32& status) override;
   void writeObject(tObject const* object, i32& status) override;
+  void writeCharacters(char const* values, u32 count, i32& status) override;
 
  private:
   template <class tNumber>
   void writeNumber(tNumber value, i32& status);
   template <class tText>
   void writeText(tText const& value, i32& status);
-  i32 checkObject(tClass const& itsClass, iExternalizable const* content) const;
-  void writeName(char const* name);
+  i32 checkObject(tClassImplementation const* record, iExternalizable const* content) const;
+  void writeName(tClassImplementation const& record);
   void writeContent(iExternalizable const& content, i32& status);
   void store(void const* data, size_t size);
   void storeAt(size_t place, void const* data, size_t size);

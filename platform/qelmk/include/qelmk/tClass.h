@@ -33,6 +33,9 @@ class QELM_API tClass {
 
   constexpr bool isValid() const { return implementation != nullptr; }
 
+  // Null when this stands for no class.
+  constexpr tClassImplementation const* getRecord() const { return implementation; }
+
   // The registered name with its namespaces, such as "nOXDIAG100::tGUIDReportable"; empty when this
   // stands for no class.
   char const* getName() const;

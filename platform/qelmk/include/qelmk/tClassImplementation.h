@@ -23,26 +23,44 @@ class QELM_API tClassImplementation {
   // without instances of its own has null for both functions.
   constexpr tClassImplementation(char const* className, tFactory factoryFunction,
                                  tDeleter deleterFunction)
-      : name(className), factory(factoryFunction), deleter(deleterFunction) {}
+      : name(className),
+        factory(factoryFunction),
+        deleter(deleterFunction),
+        nameLength(lengthOf(className)) {}
 
   tClassImplementation(tClassImplementation const&) = delete;
   tClassImplementation& operator=(tClassImplementation const&) = delete;
 
   constexpr char const* getName() const { return name; }
+
+  // Bytes of the name without its terminator; 0 for a null name.
+  constexpr u32 getNameLength() const { return nameLength; }
+
+  // Whether tClass::forName finds this class. Any IRQL; any thread.
+  bool isRegistered() const { return __atomic_load_n(&registrationCount, __ATOMIC_ACQUIRE) != 0; }
+
   constexpr tFactory getFactory() const { return factory; }
   constexpr tDeleter getDeleter() const { return deleter; }
 
  private:
   friend class tClassRegistry;
 
+  static constexpr u32 lengthOf(char const* text) {
+    u32 length = 0;
+    while (text != nullptr && text[length] != 0) ++length;
+    return length;
+  }
+
   char const* name;
   tFactory factory;
   tDeleter deleter;
 
-  // Kept by the registry under its lock.
+  // Kept by the registry under its lock; the count is read without it.
   tClassImplementation* children[2] = {};
   u64 nameHash = 0;
   u32 registrationCount = 0;
+
+  u32 nameLength;
 };
 
 // Factory and deleter of an ordinary class.
