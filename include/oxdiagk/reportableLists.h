@@ -13,15 +13,27 @@
 #include "oxdiagk/tReportableValue.h"
 #include "oxdiagk/tWideTextList.h"
 #include "stl/memory.h"
+#include "stl/single_vector.h"
 #include "stl/utility.h"
 #include "stl/vector.h"
 
 namespace nOXDIAG100 {
 
-// What a reportable keeps its values of type T in.
+// What a reportable keeps its values of type T in: most reportables have one value, and a small one
+// then takes no block of its own.
 template <class T>
 struct tReportableListOf {
-  using type = _STL::vector<T>;
+  static constexpr size_t kLargestInPlace = 16;
+  static constexpr bool kIsSmall = __is_trivially_copyable(T) && sizeof(T) <= kLargestInPlace;
+  template <bool isSmall, class tValue>
+  struct tChoice {
+    using type = _STL::vector<tValue>;
+  };
+  template <class tValue>
+  struct tChoice<true, tValue> {
+    using type = _STL::single_vector<tValue>;
+  };
+  using type = typename tChoice<kIsSmall, T>::type;
 };
 template <>
 struct tReportableListOf<_STL::wstring> {

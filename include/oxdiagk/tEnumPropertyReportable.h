@@ -5,7 +5,7 @@
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
-#include "stl/vector.h"
+#include "stl/single_vector.h"
 
 namespace nOXDIAG100 {
 
@@ -60,7 +60,7 @@ class OXDIAG_API tEnumPropertyReportable : public iVariantReportable {
 
  private:
   i32 propertyID = 0;
-  _STL::vector<i32> values;
+  _STL::single_vector<i32> values;
 };
 
 }  // namespace nOXDIAG100

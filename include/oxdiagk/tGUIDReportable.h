@@ -6,7 +6,7 @@
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "qelmk/tGUID.h"
-#include "stl/vector.h"
+#include "stl/single_vector.h"
 
 namespace nOXDIAG100 {
 
@@ -55,7 +55,7 @@ class OXDIAG_API tGUIDReportable : public iVariantReportable {
   void readExternal(nQELM100::iObjectReader& reader, i32& status) override;
 
  private:
-  _STL::vector<nQELM100::tGUID> guids;
+  _STL::single_vector<nQELM100::tGUID> guids;
 };
 
 }  // namespace nOXDIAG100

@@ -5,7 +5,7 @@
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
-#include "stl/vector.h"
+#include "stl/single_vector.h"
 
 namespace nOXDIAG100 {
 
@@ -55,7 +55,7 @@ class OXDIAG_API tPropertyIDReportable : public iVariantReportable {
   void readExternal(nQELM100::iObjectReader& reader, i32& status) override;
 
  private:
-  _STL::vector<i32> ids;
+  _STL::single_vector<i32> ids;
 };
 
 }  // namespace nOXDIAG100

@@ -5,7 +5,7 @@
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
-#include "stl/vector.h"
+#include "stl/single_vector.h"
 #include "vexk/tSSTimeAbsolute.h"
 
 namespace nOXDIAG100 {
@@ -56,7 +56,7 @@ class OXDIAG_API tSSTimeAbsoluteReportable : public iVariantReportable {
   void readExternal(nQELM100::iObjectReader& reader, i32& status) override;
 
  private:
-  _STL::vector<tSSTimeAbsolute> times;
+  _STL::single_vector<tSSTimeAbsolute> times;
 };
 
 }  // namespace nOXDIAG100

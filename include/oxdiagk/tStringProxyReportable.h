@@ -5,8 +5,8 @@
 #include "ntos/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
+#include "stl/single_vector.h"
 #include "stl/string.h"
-#include "stl/vector.h"
 
 namespace nOXDIAG100 {
 
@@ -72,7 +72,7 @@ class OXDIAG_API tStringProxyReportable : public iVariantReportable {
            tReportableSource const& source);
   bool copy(i32 const* ids, size_t count, _STL::string const& className);
 
-  _STL::vector<i32> stringIDs;
+  _STL::single_vector<i32> stringIDs;
   _STL::string lookupClassName;
 };
 

@@ -40,7 +40,7 @@ i32 const& tEnumPropertyReportable::getPropertyID(tStatus2&) const {
 }
 
 _STL::vector<i32> const& tEnumPropertyReportable::getPropertyValues(tStatus2&) const {
-  return values;
+  return values.get();
 }
 
 void tEnumPropertyReportable::generateReport(iReportableTranslator const& translator,

@@ -23,7 +23,7 @@ tGUIDReportable::tGUIDReportable(_STL::vector<nQELM100::tGUID> const& values, tS
 }
 
 _STL::vector<nQELM100::tGUID> const& tGUIDReportable::getGUIDs(tStatus2&) const {
-  return guids;
+  return guids.get();
 }
 
 void tGUIDReportable::generateReport(iReportableTranslator const& translator, _STL::wstring& output,

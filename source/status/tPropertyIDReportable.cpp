@@ -24,7 +24,7 @@ tPropertyIDReportable::tPropertyIDReportable(_STL::vector<i32> const& propertyID
 }
 
 _STL::vector<i32> const& tPropertyIDReportable::getData(tStatus2&) const {
-  return ids;
+  return ids.get();
 }
 
 void tPropertyIDReportable::generateReport(iReportableTranslator const& translator,

@@ -76,14 +76,19 @@ void tReportItemContent::writeExternal(nQELM100::iObjectWriter& writer, i32& sta
 
 void tReportItemContent::readExternal(nQELM100::iObjectReader& reader, i32& status) {
   if (status < 0) return;
-  tReportItemContent fresh;
+  i32 readUsageType = 0;
   u32 hasReportable = 0;
-  reader.readI32(fresh.usageType, status);
+  iVariantReportable* readReportable = nullptr;
+  reader.readI32(readUsageType, status);
   reader.readU32(hasReportable, status);
   if (hasReportable != 0) {
-    fresh.reportable = nQELM100::adoptObject<iVariantReportable>(reader.readObject(status), status);
+    readReportable = nQELM100::adoptObject<iVariantReportable>(reader.readObject(status), status);
   }
-  if (status >= 0) exchange(fresh);
+  if (status < 0) return nQELM100::destroyThroughClass(readReportable);
+  nQELM100::destroyThroughClass(reportable);
+  usageType = readUsageType;
+  reportable = readReportable;
+  failed = false;
 }
 
 void tReportItemContent::exchange(tReportItemContent& other) noexcept {

@@ -26,7 +26,7 @@ tSSTimeAbsoluteReportable::tSSTimeAbsoluteReportable(_STL::vector<tSSTimeAbsolut
 }
 
 _STL::vector<tSSTimeAbsolute> const& tSSTimeAbsoluteReportable::getAbsoluteTimes(tStatus2&) const {
-  return times;
+  return times.get();
 }
 
 void tSSTimeAbsoluteReportable::generateReport(iReportableTranslator const& translator,

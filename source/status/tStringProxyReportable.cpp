@@ -81,7 +81,7 @@ tStringProxyReportable& tStringProxyReportable::operator=(tStringProxyReportable
 }
 
 _STL::vector<i32> const& tStringProxyReportable::getStringIDs(tStatus2&) const {
-  return stringIDs;
+  return stringIDs.get();
 }
 
 _STL::string const& tStringProxyReportable::getLookupClassName(tStatus2&) const {

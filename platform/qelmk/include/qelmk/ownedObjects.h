@@ -7,6 +7,7 @@
 #include "qelmk/mergeStatus.h"
 #include "qelmk/statusCodes.h"
 #include "qelmk/tClass.h"
+#include "qelmk/tClassImplementation.h"
 
 namespace nQELM100 {
 
@@ -14,7 +15,8 @@ namespace nQELM100 {
 inline void destroyThroughClass(tObject* object) {
   if (object == nullptr) return;
   i32 status = 0;
-  object->getClass(status).deleteInstance(object, status);
+  tClassImplementation const* const record = object->getClass(status).getRecord();
+  if (record != nullptr && record->getDeleter() != nullptr) record->getDeleter()(object);
 }
 
 // Takes `object` over: the T that it is, or null when it is none or null itself; it is then
@@ -28,13 +30,14 @@ T* adoptObject(tObject* object, i32& status) {
   return nullptr;
 }
 
-// The beginning of every clone: an object of the class of T. Whatever goes wrong, exhausted memory
-// included, is kStatusClassMismatch; null at once when `status` is negative on entry.
+// The beginning of every clone: a T as its class makes it. Exhausted memory is
+// kStatusClassMismatch; null at once when `status` is negative on entry.
 template <class T>
 T* makeObject(i32& status) {
   if (status < 0) return nullptr;
-  i32 reason = 0;
-  return adoptObject<T>(T::staticGetClass(reason).newInstance(reason), status);
+  T* const object = new T;
+  if (object == nullptr) status = kStatusClassMismatch;
+  return object;
 }
 
 }  // namespace nQELM100

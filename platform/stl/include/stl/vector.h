@@ -30,6 +30,9 @@ namespace _STL {
 // elements allow. Threads that share a vector, one of them writing, must lock.
 template <class T, u32 Flags = kMemoryLongLived>
 class vector : public failure_state {
+  template <class, u32>
+  friend class single_vector;
+
  public:
   using value_type = T;
 
@@ -232,7 +235,9 @@ bool vector<T, Flags>::resize(size_t size) noexcept {
       return fail();
     }
   }
-  erase(size, size_ - size);
+  if (size < size_) {
+    erase(size, size_ - size);
+  }
   return true;
 }
 
