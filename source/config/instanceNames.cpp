@@ -1,8 +1,5 @@
 #include "config/instanceNames.h"
 
-#include "oxdiagk/tAssertConfiguration.h"
-#include "oxdiagk/tTrace.h"
-
 namespace nOXDIAG100 {
 namespace {
 
@@ -17,11 +14,12 @@ bool takeWord(char const*& text, char const* word) {
 
 }  // namespace
 
-tConfigurable* findNamedInstance(char const* name) {
-  if (name == nullptr) return &tTrace::getInstance();
-  if (takeWord(name, "kernel")) takeWord(name, "/");
-  if (takeWord(name, "trace")) return &tTrace::getInstance();
-  if (takeWord(name, "assert")) return &tAssertConfiguration::getInstance();
+tConfigurable* findNamedInstance(tNamedInstances const& instances, char const* name) {
+  if (name != nullptr && takeWord(name, "kernel")) takeWord(name, "/");
+  for (u32 index = 0; index < instances.count; ++index) {
+    tNamedInstance const& instance = instances.first[index];
+    if (name == nullptr || takeWord(name, instance.name)) return &instance.getInstance();
+  }
   return nullptr;
 }
 

@@ -1,6 +1,5 @@
 #include "oxdiagk/instanceRegistry.h"
 
-#include "config/instanceNames.h"
 #include "config/tInstanceRegistry.h"
 
 namespace nOXDIAG100 {
@@ -16,10 +15,11 @@ void callInstance(u32 handle, Operation operation) {
 }  // namespace
 
 u32 acquireInstance(char* name) {
-  tConfigurable* const instance = findNamedInstance(name);
+  tInstanceRegistry& registry = tInstanceRegistry::getInstance();
+  tConfigurable* const instance = registry.findNamed(name);
   if (instance == nullptr) return kNoHandle;
   i32 status = 0;
-  return tInstanceRegistry::getInstance().acquire(*instance, status);
+  return registry.acquire(*instance, status);
 }
 
 void releaseInstance(u32 handle) {

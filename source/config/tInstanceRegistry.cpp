@@ -28,8 +28,8 @@ tInstanceRegistry& tInstanceRegistry::getInstance() {
   return *reinterpret_cast<tInstanceRegistry*>(instanceStorage);
 }
 
-void tInstanceRegistry::constructInstance() {
-  new (instanceStorage) tInstanceRegistry;
+void tInstanceRegistry::constructInstance(tNamedInstances const& instances) {
+  new (instanceStorage) tInstanceRegistry({}, instances);
 }
 
 void tInstanceRegistry::destroyInstance() {
@@ -37,8 +37,8 @@ void tInstanceRegistry::destroyInstance() {
   __builtin_memset(instanceStorage, 0, sizeof(instanceStorage));
 }
 
-tInstanceRegistry::tInstanceRegistry(tHandleRange const& handles)
-    : range(handles), lock(syncOpen(nullptr, kLock, constructionStatus)) {
+tInstanceRegistry::tInstanceRegistry(tHandleRange const& handles, tNamedInstances const& instances)
+    : named(instances), range(handles), lock(syncOpen(nullptr, kLock, constructionStatus)) {
   if (!released.hasSlots() && constructionStatus >= 0) constructionStatus = kStatusOutOfMemory;
 }
 
@@ -48,6 +48,10 @@ tInstanceRegistry::~tInstanceRegistry() {
 
 i32 tInstanceRegistry::getConstructionStatus() const {
   return lock == nullptr && constructionStatus >= 0 ? kStatusNotInitialized : constructionStatus;
+}
+
+tConfigurable* tInstanceRegistry::findNamed(char const* name) const {
+  return findNamedInstance(named, name);
 }
 
 u32 tInstanceRegistry::acquire(tConfigurable& instance, i32& status) {

@@ -1,7 +1,9 @@
 #pragma once
 
-// Which handle stands for which object, behind the functions of "oxdiagk/instanceRegistry.h".
+// Which name and which handle stand for which object, behind the functions of
+// "oxdiagk/instanceRegistry.h".
 
+#include "config/instanceNames.h"
 #include "config/tReleasedHandles.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tConfigurable.h"
@@ -28,11 +30,11 @@ class OXDIAG_API tInstanceRegistry {
   static tInstanceRegistry& getInstance();
 
   // Build and destroy it: for the tables of the module's entry, and nobody else. Before and after,
-  // the construction status is kStatusNotInitialized.
-  static void constructInstance();
+  // the construction status is kStatusNotInitialized, and no name is known.
+  static void constructInstance(tNamedInstances const& instances);
   static void destroyInstance();
 
-  explicit tInstanceRegistry(tHandleRange const& range = {});
+  explicit tInstanceRegistry(tHandleRange const& range = {}, tNamedInstances const& named = {});
   ~tInstanceRegistry();
 
   tInstanceRegistry(tInstanceRegistry const&) = delete;
@@ -41,6 +43,10 @@ class OXDIAG_API tInstanceRegistry {
   // 0, or why the lock or, with the lock open, the ring of released handles could not be had. While
   // it is negative the functions below have no effect but to give it as their status.
   i32 getConstructionStatus() const;
+
+  // The object of this name, null when there is none. Takes no lock, whatever the construction
+  // status. Any IRQL.
+  tConfigurable* findNamed(char const* name) const;
 
   // Issues a handle for `instance`, which must outlive it. kNoHandle on failure, with the reason in
   // `status`, which is left alone on success:
@@ -72,6 +78,7 @@ class OXDIAG_API tInstanceRegistry {
   _STL::map<u32, tIssue> table;
   tIssuedHandles issued;  // in the order of issue
   tReleasedHandles released;
+  tNamedInstances named;
   tHandleRange range;  // candidate: where the next search begins
   bool isReuseGuarded = false;
   i32 constructionStatus = 0;

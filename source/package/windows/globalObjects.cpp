@@ -105,6 +105,25 @@ i32 registerClass() {
   return pushed;
 }
 
+template <class T>
+tConfigurable& getConfigurable() {
+  return T::getInstance();
+}
+
+// The objects that the registry issues handles for.
+constexpr tNamedInstance kNamedInstances[] = {
+    {"trace", &getConfigurable<tTrace>},
+    {"assert", &getConfigurable<tAssertConfiguration>},
+};
+constexpr u32 kNamedInstanceCount = sizeof(kNamedInstances) / sizeof(kNamedInstances[0]);
+
+struct tModuleRegistry {
+  static void constructInstance() {
+    tInstanceRegistry::constructInstance({kNamedInstances, kNamedInstanceCount});
+  }
+  static void destroyInstance() { tInstanceRegistry::destroyInstance(); }
+};
+
 // What user-mode programs reach the module by.
 struct tDispatchers {
   static void constructInstance() {
@@ -122,7 +141,7 @@ struct tInitialiserTable {
 
   constexpr tInitialiserTable() {
     entries[kCountEntry] = &countInitialisation;
-    entries[kRegistryEntry] = &initialiseInstance<tInstanceRegistry>;
+    entries[kRegistryEntry] = &initialiseInstance<tModuleRegistry>;
     entries[kTunnelEntry] = &initialiseInstance<tDispatchers>;
     entries[kAssertEntry] = &initialiseInstance<tAssertConfiguration>;
     entries[kForEmptyContainersEntry] = &registerClass<iReportableTranslatorForEmptyContainers>;
