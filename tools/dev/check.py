@@ -14,6 +14,7 @@ import demos  # noqa: E402
 import fuzz  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
+import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
 import programs  # noqa: E402
@@ -34,6 +35,7 @@ def windows_build():
 
 STEPS = {
     "format": ("clang-format", lint.check_format),
+    "layers": ("every include goes down the layers", layers.check),
     "headers": ("every public header alone, on Linux and Windows", compileChecks.check_headers),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
