@@ -43,7 +43,7 @@ STEPS = {
     "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-clang", "host_tests")),
     "host-tsan": ("thread tests, g++, thread sanitizer",
-                  lambda: programs.check("host-tsan", "thread_tests", "thread")),
+                  lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),

@@ -1,33 +1,21 @@
-"""Builds the host test programs of a preset, runs them, and counts their tests."""
+"""Builds the host test programs of a preset, has CTest run them, and counts their tests."""
 
 import json
 import os
-import pathlib
 import re
+import xml.etree.ElementTree
 
 import workshop
 
-TIME_LIMIT = 600  # seconds for one program; the slowest takes a small part of it
+MOST_OUTPUT = 1 << 24  # bytes of one program that CTest keeps
+ENDED_BADLY = re.compile(r"^\t *\d+ - (\S+) \((.+)\)$", re.MULTILINE)
 SKIP = re.compile(r"^\S+: Skipped\n(.*?)\n\[  SKIPPED \] (\S+)", re.MULTILINE | re.DOTALL)
 HELD = "held"
 FAILED = "failed"
 
 
-class Program:
-    """A line of the list that the build writes: name, kind and path of one test program."""
-
-    def __init__(self, line):
-        self.name, self.kind, path = line.split(";")
-        self.path = pathlib.Path(path)
-
-
-def programs(preset, kind=None):
-    listing = workshop.tree(preset) / "tests/host/programs.txt"
-    found = [Program(line) for line in listing.read_text().splitlines()]
-    return [program for program in found if kind in (None, program.kind)]
-
-
 def environment():
+    """For the programs that CTest does not run; its own have the same from tests/host."""
     return dict(os.environ, UBSAN_OPTIONS="print_stacktrace=1",
                 ASAN_OPTIONS="strict_string_checks=1:detect_stack_use_after_return=1")
 
@@ -38,29 +26,48 @@ def without_random_layout(preset):
     return ["setarch", "x86_64", "-R"] if has_thread_sanitizer else []
 
 
-def run_program(preset, program):
-    folder = workshop.tree(preset) / "runs" / program.name
-    folder.mkdir(parents=True, exist_ok=True)
-    report = folder / "report.json"
-    report.unlink(missing_ok=True)
-    command = [*without_random_layout(preset), program.path, f"--gtest_output=json:{report}"]
-    code, output = workshop.run(["timeout", "-k", "5", TIME_LIMIT, *command], cwd=folder,
-                                env=environment())
-    return outcome_of(f"{preset} {program.name}", code, output, report)
+class Run:
+    """What CTest says of one program."""
+
+    def __init__(self, case, causes):
+        self.name = case.get("name")
+        self.ended_well = case.get("status") == "run"
+        self.cause = causes.get(self.name, case.get("status"))
+        self.output = case.findtext("system-out") or ""
 
 
-def outcome_of(name, code, output, report):
+def run_programs(preset):
+    """The runs of all programs, whose reports are those of now."""
+    runs = workshop.tree(preset) / "runs"
+    for report in runs.glob("*/report.json"):
+        report.unlink()
+    summary = runs / "summary.xml"
+    summary.unlink(missing_ok=True)
+    _, output = workshop.run(["ctest", "--preset", preset, "-j", workshop.CORES,
+                              "--output-junit", summary,
+                              "--test-output-size-passed", MOST_OUTPUT,
+                              "--test-output-size-failed", MOST_OUTPUT], cwd=workshop.TOP)
+    if not summary.exists():
+        raise workshop.Failure(output)
+    causes = dict(ENDED_BADLY.findall(output))
+    cases = xml.etree.ElementTree.parse(summary).iter("testcase")
+    return [Run(case, causes) for case in cases]
+
+
+def outcome_of(preset, run):
     """A program counts its tests; one that ends badly on top of that is a failure of its own."""
-    tests = read_report(report, reasons_of_skips(output))
+    name = f"{preset} {run.name}"
+    report = workshop.tree(preset) / "runs" / run.name / "report.json"
+    tests = read_report(report, reasons_of_skips(run.output))
     failed = [f"{name} {test}" for test, result in tests.items() if result == FAILED]
     skipped = [f"{name} {test}: {result}" for test, result in tests.items()
                if result not in (HELD, FAILED)]
     if not tests:
-        failed.append(f"{name}: ran no test to its end, exit code {code}")
-    elif code != 0 and not failed:
-        failed.append(f"{name}: exit code {code} after its tests")
+        failed.append(f"{name}: ran no test to its end, {run.cause}")
+    elif not run.ended_well and not failed:
+        failed.append(f"{name}: {run.cause} after its tests")
     passed = sum(result == HELD for result in tests.values())
-    return workshop.Outcome(passed, failed, output if failed else "", skipped)
+    return workshop.Outcome(passed, failed, run.output if failed else "", skipped)
 
 
 def reasons_of_skips(output):
@@ -86,10 +93,9 @@ def read_report(report, reasons):
     return {name: result_of(test, reasons.get(name)) for name, test in tests.items()}
 
 
-def check(preset, target, kind=None):
+def check(preset, target):
     workshop.build(preset, target)
-    outcomes = workshop.in_parallel(lambda program: run_program(preset, program),
-                                    programs(preset, kind))
+    outcomes = [outcome_of(preset, run) for run in run_programs(preset)]
     failed = [name for outcome in outcomes for name in outcome.failed]
     skipped = [name for outcome in outcomes for name in outcome.skipped]
     if not outcomes:
