@@ -12,9 +12,8 @@
 // A count of the threads that own the lock or wait for it, and an event. The event is touched only
 // when somebody waits:
 //   - Who makes the count 1 owns the lock; everybody else waits for the event.
-//   - Who releases the lock while others are counted sets the event once. It is set for one of
-//   them,
-//     and nobody else can own the lock before that one has released it.
+//   - Who releases the lock while others are counted sets the event once, for one of them, and
+//     nobody else can own the lock before that one has released it.
 //   - A thread whose time has passed takes itself out of the count while another one is in it. When
 //     it is the only one, the event is set for it or about to be: it takes the lock.
 class tSharedLock {

@@ -76,8 +76,7 @@ VEX_API iSync* syncOpen(char const* name, tSyncDescriptor const& descriptor, i32
 //   kStatusBadArgument  not an open handle (closed before through a copy of the pointer, for
 //                       instance): nothing is touched but the pointer, which is cleared
 //   kStatusSyncInUse    the calling thread owns the lock, or this is the last handle and another
-//   one
-//                       owns the lock or waits for it: the handle stays open and the pointer stays
+//                       thread owns the lock or waits for it: handle and pointer stay as they are
 // IRQL <= APC_LEVEL; any thread.
 VEX_API i32 syncClose(iSync*& sync);
 
