@@ -34,6 +34,15 @@ def best_times(report):
     return best
 
 
+def best_of(runs):
+    """The shorter ones of several runs of the same benchmarks."""
+    best = {}
+    for times in runs:
+        for name, time in times.items():
+            best[name] = min(time, best.get(name, time))
+    return best
+
+
 def growths(times):
     """Name -> the numbers that it was measured with, for names with more than one."""
     found = {}

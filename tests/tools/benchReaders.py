@@ -40,6 +40,9 @@ class BestTimes(unittest.TestCase):
         times = best(entry("b", 1, family_index=1), entry("a", 1, family_index=0))
         self.assertEqual(list(times), ["a", "b"])
 
+    def test_the_shorter_one_of_several_runs_counts(self):
+        self.assertEqual(results.best_of([{"a": 3, "b": 1}, {"a": 2, "b": 5}]), {"a": 2, "b": 1})
+
     def test_a_failed_benchmark_is_named(self):
         with self.assertRaisesRegex(results.Failed, "'a' failed: lines went astray"):
             best(entry("a", 1, error_occurred=True, error_message="lines went astray"))

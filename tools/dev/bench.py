@@ -1,6 +1,6 @@
 """./dev bench: the library beside its floors and peers, and held against its targets.
 
-usage: ./dev bench              the tables, and last the targets: two minutes
+usage: ./dev bench              the tables, and last the targets: a few minutes
        ./dev bench --growth     what grows with the number of something, and a picture of it
        ./dev bench --write      both, and writes docs/performance.md and docs/growth.svg
        ./dev bench OPTIONS      a run with options of Google Benchmark, and its tables
@@ -26,18 +26,20 @@ PRESET = "host-release"
 GROWTH = "/[0-9]+$"  # the names that end with a number
 PAGE = workshop.TOP / "docs/performance.md"
 PICTURE = workshop.TOP / "docs/growth.svg"
-REPETITIONS = 150
+RUNS = 9
+REPETITIONS = 25  # in each run
 INTERLEAVED = ["--benchmark_enable_random_interleaving=true", "--benchmark_min_time=0.001"]
 
 TEXT = """# Performance
 
-This page is written by `./dev bench --write`, from one run on this machine:
+This page is written by `./dev bench --write`, on this machine:
 
 - processor: {processor}
 - compiler: {compiler}
 
 Times depend on the machine; the ratios in the table hardly do, since both sides of each were
-measured in the same run, {repetitions} times for about 1 ms in random order, and the shortest of each counts.
+measured in the same minutes, {repetitions} times for about 1 ms in random order, and the shortest
+of each counts.
 Instructions depend on neither: `./dev budget` counts them, see [testing.md](testing.md).
 
 A *floor* is the same work written by hand for this one case, without the library: the least that it
@@ -85,15 +87,21 @@ def read_report():
         raise workshop.Failure(f"bench: {failure}") from failure
 
 
-def measure(names, repetitions=REPETITIONS):
-    """The best of many short runs: they end between two turns of what else the machine does."""
+def measure(names, runs, repetitions):
+    """The best of many short repetitions: they end between two turns of what else the machine does.
+    Several runs, since one chooses once how often a benchmark's work is done in a repetition, and
+    chooses badly when it is disturbed then."""
+    return results.best_of(measure_once(names, repetitions) for _ in range(runs))
+
+
+def measure_once(names, repetitions):
     workshop.demand(program([*INTERLEAVED, f"--benchmark_repetitions={repetitions}",
                              f"--benchmark_filter={names}"]))
     return read_report()
 
 
 def run_pairs():
-    times = workshop.step("run the benchmarks", measure, f"-{GROWTH}")
+    times = workshop.step("run the benchmarks", measure, f"-{GROWTH}", RUNS, REPETITIONS)
     print(ratios.tables(times))
     print()
     print(targets.tables(times))
@@ -101,7 +109,7 @@ def run_pairs():
 
 
 def run_growth():
-    times = workshop.step("run the growing ones", measure, GROWTH, 12)
+    times = workshop.step("run the growing ones", measure, GROWTH, 2, 5)
     print(ratios.tables(times))
     return times
 
@@ -126,7 +134,7 @@ def write(pairs, growth):
     if missing:
         sys.exit(f"bench: not measured: {', '.join(missing)}")
     compiler = workshop.demand(["g++", "--version"]).splitlines()[0]
-    PAGE.write_text(TEXT.format(processor=processor(), compiler=compiler, repetitions=REPETITIONS,
+    PAGE.write_text(TEXT.format(processor=processor(), compiler=compiler, repetitions=RUNS * REPETITIONS,
                                 summary=targets.summary(cells), table=targets.as_markdown(cells)))
     PICTURE.write_text(growthCurves.draw(growth))
     print(f"written: {PAGE.relative_to(workshop.TOP)}, {PICTURE.relative_to(workshop.TOP)}")
