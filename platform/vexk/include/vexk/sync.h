@@ -2,10 +2,10 @@
 
 // Locks that modules share by name.
 //
-// A lock is recursive and lies in non-paged memory. While it is free, taking it and giving it back
-// costs a handful of instructions and no wait of the kernel. It is private to the caller who opened
-// it without a name, and shared by everyone who opens the same name (kind 1) or the same name and
-// token (kind 3). Names of the two kinds do not meet, and case matters.
+// A lock is recursive and lies in non-paged memory. Taking and giving back one that nobody else
+// wants is two atomic operations, without a wait of the kernel. It is private to the caller who
+// opened it without a name, and shared by everyone who opens the same name (kind 1) or the same
+// name and token (kind 3). Names of the two kinds do not meet, and case matters.
 //
 //     i32 status = 0;
 //     iSync* lock = syncOpen("nCOMPONENT::tThing::_mutex", tSyncDescriptor{}, status);
