@@ -79,11 +79,14 @@ u64 getLineLength(char const* text, u64 most) {
 
 }  // namespace
 
-// Nearly every text has no newline, and does not fill the piece.
+// Nearly every text does not fill the piece, and has no newline but as its last character.
 OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestinationSlot& slot) {
   char* const position = loadRelaxed(writePosition);
-  if (length < getRoomFrom(position) && copyPlain(position, from, length)) {
+  bool const fits = length < getRoomFrom(position);
+  if (fits && copyPlain(position, from, length)) {
     storeRelaxed(writePosition, position + length);
+  } else if (fits && getLineLength(from, length) == length) {
+    flush(position + length, slot);
   } else {
     appendPieces(from, from + length, slot);
   }
