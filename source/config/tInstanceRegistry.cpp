@@ -1,7 +1,7 @@
 #include "config/tInstanceRegistry.h"
 
+#include "config/tObjectRoom.h"
 #include "oxdiagk/statusCodes.h"
-#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -10,7 +10,7 @@ constexpr tSyncDescriptor kLock = {
     kSyncKindMutex, kSyncFlagLongLived, kSyncAccessSynchronize, {0, 0}};
 
 // Zeros, before and after the object's life, are a registry without lock.
-alignas(tInstanceRegistry) constinit u8 instanceStorage[sizeof(tInstanceRegistry)] = {};
+constinit tObjectRoom<tInstanceRegistry> instance;
 
 u32 fail(i32& status, i32 code) {
   status = code;
@@ -25,16 +25,16 @@ tConfigurable* findNone(i32& status, i32 code) {
 }  // namespace
 
 tInstanceRegistry& tInstanceRegistry::getInstance() {
-  return *reinterpret_cast<tInstanceRegistry*>(instanceStorage);
+  return instance.get();
 }
 
 void tInstanceRegistry::constructInstance(tNamedInstances const& instances) {
-  new (instanceStorage) tInstanceRegistry({}, instances);
+  new (instance.take()) tInstanceRegistry({}, instances);
 }
 
 void tInstanceRegistry::destroyInstance() {
   getInstance().~tInstanceRegistry();
-  __builtin_memset(instanceStorage, 0, sizeof(instanceStorage));
+  instance.clear();
 }
 
 tInstanceRegistry::tInstanceRegistry(tHandleRange const& handles, tNamedInstances const& instances)

@@ -1,5 +1,7 @@
 #include "oxdiagk/tVEXTraceDestination.h"
 
+#include "config/tObjectRoom.h"
+#include "oxdiagk/atomicWord.h"
 #include "vexk/debug.h"
 
 namespace nOXDIAG100 {
@@ -8,17 +10,17 @@ namespace {
 // A global of this class would have its virtual destructor registered for the end of the program,
 // and would be gone before its last user. The object is nothing but its class, so whoever asks
 // first builds it; two who ask first at once store the same.
-alignas(tVEXTraceDestination) constinit u8 instanceStorage[sizeof(tVEXTraceDestination)] = {};
+constinit tObjectRoom<tVEXTraceDestination> instance;
 constinit bool instanceIsBuilt = false;
 
 }  // namespace
 
 tVEXTraceDestination& tVEXTraceDestination::getInstance() {
-  if (!__atomic_load_n(&instanceIsBuilt, __ATOMIC_ACQUIRE)) {
-    new (instanceStorage) tVEXTraceDestination;
-    __atomic_store_n(&instanceIsBuilt, true, __ATOMIC_RELEASE);
+  if (!loadAcquire(instanceIsBuilt)) {
+    new (instance.take()) tVEXTraceDestination;
+    storeRelease(instanceIsBuilt, true);
   }
-  return *reinterpret_cast<tVEXTraceDestination*>(instanceStorage);
+  return instance.get();
 }
 
 iTraceDestination& tVEXTraceDestination::put(char const* text) {

@@ -1,6 +1,7 @@
 #include "package/windows/tStateDispatcher.h"
 
 #include "build/version.h"
+#include "config/tObjectRoom.h"
 #include "oxdiagk/stateRequest.h"
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tTrace.h"
@@ -10,7 +11,7 @@
 namespace nOXDIAG100 {
 namespace {
 
-alignas(tStateDispatcher) constinit u8 instanceStorage[sizeof(tStateDispatcher)] = {};
+constinit tObjectRoom<tStateDispatcher> instance;
 
 void copyBuild(char (&to)[tStateAnswer::kBuildSize], char const* from) {
   for (u32 index = 0; index + 1 < tStateAnswer::kBuildSize && from[index] != '\0'; ++index) {
@@ -31,11 +32,11 @@ tStateAnswer makeAnswer() {
 }  // namespace
 
 tStateDispatcher& tStateDispatcher::getInstance() {
-  return *reinterpret_cast<tStateDispatcher*>(instanceStorage);
+  return instance.get();
 }
 
 void tStateDispatcher::constructInstance() {
-  new (instanceStorage) tStateDispatcher;
+  new (instance.take()) tStateDispatcher;
 }
 
 void tStateDispatcher::destroyInstance() {
