@@ -2,9 +2,9 @@
 // it, and dropping both; rendering one. The floor does the same with a vector of numbers on the C
 // library's heap; descriptionPeers.cpp has a status of somebody else's.
 //
-// An item takes five blocks of the module's memory here: the list of the value that is added, and
-// twice a clone and its list. On the host that memory is the executive's pool, in the plain one the
-// C library's heap; its cost alone is shown too.
+// An item takes two blocks of the module's memory here: the clone in the description, and its clone
+// in the status. On the host that memory is the executive's pool, in the plain one the C library's
+// heap; its cost alone is shown too.
 
 #include <benchmark/benchmark.h>
 

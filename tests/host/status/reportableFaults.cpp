@@ -98,14 +98,28 @@ TEST(ReportableFaults, AnObjectIsMadeWholeOrEmptyWithItsTagInTheStatus) {
   });
 }
 
-TEST(ReportableFaults, OneValueIsTakenOrNot) {
+TEST(ReportableFaults, OneValueNeedsNoMemory) {
   tBlockCount const blocks;
   u64 const failures = failEachAllocation([](u64) {
     tStatus2 status;
     tEnumPropertyReportable const property(7, 3, status);
+    tEnumPropertyReportable const copy(property);
+    EXPECT_EQ(status.getCode(), 0);
+    EXPECT_EQ(copy.getPropertyID(status), 7);
+    EXPECT_EQ(copy.getPropertyValues(status).size(), 1u);
+  });
+  EXPECT_EQ(failures, 0u);
+}
+
+TEST(ReportableFaults, TwoValuesAreTakenOrNot) {
+  tBlockCount const blocks;
+  _STL::vector<i32> const values = listOf<i32>(3, 4);
+  u64 const failures = failEachAllocation([&](u64) {
+    tStatus2 status;
+    tEnumPropertyReportable const property(7, values, status);
     EXPECT_EQ(status.getCode(), hasFault() ? kStatusOutOfMemory : 0);
     EXPECT_EQ(property.getPropertyID(status), hasFault() ? 0 : 7);
-    EXPECT_EQ(property.getPropertyValues(status).size(), hasFault() ? 0u : 1u);
+    EXPECT_EQ(property.getPropertyValues(status).size(), hasFault() ? 0u : 2u);
   });
   EXPECT_EQ(failures, 1u);
 }
@@ -119,7 +133,7 @@ TEST(ReportableFaults, AProxyIsTakenWholeOrNotAtAll) {
     EXPECT_EQ(proxy.getStringIDs(status).size(), hasFault() ? 0u : 1u);
     EXPECT_EQ(proxy.getLookupClassName(status).empty(), hasFault());
   });
-  EXPECT_EQ(failures, 3u);  // the name for the constructor, the name, the list
+  EXPECT_EQ(failures, 2u);  // the name for the constructor, the name
 }
 
 TEST(ReportableFaults, ACopyThatCannotBeMadeIsEmptyAndSaysSo) {
@@ -247,6 +261,7 @@ TEST(ReportableFaults, AReportThroughAConverterSaysWhatFailedAndLeavesNone) {
 TEST(ReportableFaults, AFullStatusHeapKeepsTheCodeOfAFailure) {
   tStatus2 ignored;
   tStringProxyReportable const proxy(1, "nTESTS::tNobody", ignored);
+  _STL::vector<i32> const ids = listOf<i32>(5, 6);
   tFullHeap const full;
   tTestTranslator const translator;
   _STL::wstring output;
@@ -256,7 +271,7 @@ TEST(ReportableFaults, AFullStatusHeapKeepsTheCodeOfAFailure) {
   EXPECT_FALSE(unknown.hasDetail());
   ntoshost::failNth(ntoshost::kFaultMemory, 1);
   tStatus2 status;
-  tPropertyIDReportable const properties(5, status);
+  tPropertyIDReportable const properties(ids, status);
   ntoshost::clearFaults();
   EXPECT_EQ(status.getCode(), kStatusOutOfMemory);
   EXPECT_FALSE(status.hasDetail());

@@ -93,7 +93,11 @@ template <class T, u32 Flags>
 bool single_vector<T, Flags>::assign(T const* values, size_t count) noexcept {
   size_t const wanted = values == nullptr ? 0 : count;
   if (wanted > list_.capacity_ && !makeRoom(wanted)) return false;
-  if (wanted != 0) __builtin_memmove(static_cast<void*>(list_.items_), values, wanted * sizeof(T));
+  if (wanted == 1) {
+    _STL::construct(list_.items_, T(*values));
+  } else if (wanted != 0) {
+    __builtin_memmove(static_cast<void*>(list_.items_), values, wanted * sizeof(T));
+  }
   list_.size_ = wanted;
   return true;
 }
