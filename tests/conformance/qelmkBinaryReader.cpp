@@ -190,3 +190,47 @@ TEST(QelmkBinaryReader, StreamsFollowEachOther) {
   EXPECT_EQ('y', character);
   EXPECT_TRUE(second.isAtEnd());
 }
+
+TEST(QelmkBinaryReader, CharactersAtOnceAreReadAsFarAsTheyGo) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 'a', 'b', 'c'};
+  i32 status = 0;
+  tBinaryObjectReader reader(kBytes, sizeof(kBytes), status);
+  char values[] = "......";
+  reader.readCharacters(values, 2, status);
+  EXPECT_EQ(0, status);
+  EXPECT_STREQ("ab....", values);
+  reader.readCharacters(values + 2, 3, status);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_STREQ("abc...", values);
+  EXPECT_EQ(sizeof(kBytes), reader.getFailurePosition());
+  reader.readCharacters(values, 1, status);
+  EXPECT_STREQ("abc...", values);
+}
+
+TEST(QelmkBinaryReader, AClassIsLookedUpAgainWhenItHasGone) {
+  u8 bytes[256];
+  i32 status = 0;
+  size_t size = 0;
+  {
+    tRegistration<tParcel> const registration;
+    tParcel const parcel;
+    nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+    for (u32 count = 0; count < 3; ++count) writer.writeObject(&parcel, status);
+    size = writer.getSize();
+  }
+  ASSERT_EQ(0, status);
+  tBinaryObjectReader reader(bytes, size, status);
+  {
+    tRegistration<tParcel> const registration;
+    nQELM100::destroyThroughClass(reader.readObject(status));
+    EXPECT_EQ(0, status);
+  }
+  EXPECT_TRUE(reader.readObject(status) == nullptr);
+  EXPECT_EQ(nQELM100::kStatusClassUnknown, status);
+  status = 0;
+  tRegistration<tParcel> const registration;
+  tObject* const last = reader.readObject(status);
+  EXPECT_TRUE(dynamicCast<tParcel>(last) != nullptr);
+  nQELM100::destroyThroughClass(last);
+  EXPECT_TRUE(reader.isAtEnd());
+}

@@ -195,6 +195,26 @@ TEST(QelmkBinaryWriter, AnItemThatDoesNotFitIsLeftOutWhole) {
   EXPECT_EQ(kHeaderSize + 5, writer.getSize());
 }
 
+TEST(QelmkBinaryWriter, CharactersAtOnceAreItemsOfTheirOwn) {
+  for (size_t capacity = kHeaderSize - 1; capacity < kHeaderSize + 7; ++capacity) {
+    tBuffer once;
+    tBuffer each;
+    tBinaryObjectWriter atOnce(once.bytes, capacity);
+    tBinaryObjectWriter oneByOne(each.bytes, capacity);
+    i32 status = 0;
+    atOnce.writeCharacters("a\0cde", 5, status);
+    for (char const character : {'a', '\0', 'c', 'd', 'e'}) {
+      oneByOne.writeCharacter(character, status);
+    }
+    EXPECT_EQ(0, status);
+    EXPECT_EQ(oneByOne.getSize(), atOnce.getSize());
+    EXPECT_EQ(0, __builtin_memcmp(each.bytes, once.bytes, sizeof(once.bytes)));
+    status = kSomeError;
+    atOnce.writeCharacters("x", 1, status);
+    EXPECT_EQ(oneByOne.getSize(), atOnce.getSize());
+  }
+}
+
 TEST(QelmkBinaryWriter, AFullBufferKeepsAnEarlierError) {
   tBuffer buffer;
   tBinaryObjectWriter const writer(buffer.bytes, 0);
