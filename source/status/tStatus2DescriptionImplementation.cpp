@@ -30,15 +30,25 @@ void append(_STL::wstring& output, _STL::wstring const& text, tStatus2& status) 
   if (text.hasFailed() || !output.append(text)) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
 }
 
-// Begins with an empty text, so that a title is one of this item only. What there is of it when
-// something fails is shown all the same: it is the end of the report.
+// Begins with an empty text, so that a title is one of this item only; `text` keeps its memory from
+// item to item. What there is of it when something fails is shown all the same: it is the end of
+// the report.
 void reportItem(tReportItemContent const& item, iReportableTranslator const& translator,
-                _STL::wstring& output, tStatus2& status) {
+                _STL::wstring& text, _STL::wstring& output, tStatus2& status) {
   if (item.getReportable() == nullptr) return;
-  _STL::wstring text;
+  text.clear();
   append(text, translator.translateUsageType(item.getUsageType(), status), status);
   item.getReportable()->generateReport(translator, text, status);
   if (!output.append(text) || text.hasFailed()) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
+}
+
+// Most items are about as long as the first one: then the report grows once for all of them.
+void makeRoomForItems(_STL::wstring& output, size_t lengthOfFirst, u32 count, tStatus2& status) {
+  constexpr u64 kMostCharacters = 4096;
+  if (status.isError() || lengthOfFirst > kMostCharacters) return;
+  u64 const expected = u64{lengthOfFirst} * count;
+  u64 const room = expected < kMostCharacters ? expected : kMostCharacters;
+  if (!output.reserve(output.size() + room)) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
 }
 
 bool areEquivalent(tReportItemContent const& left, tReportItemContent const& right,
@@ -118,10 +128,13 @@ u32 tStatus2DescriptionImplementation::findClassName(_STL::string const& classNa
 void tStatus2DescriptionImplementation::generateReport(iReportableTranslator const& translator,
                                                        _STL::wstring& output,
                                                        tStatus2& status) const {
+  size_t const before = output.size();
+  _STL::wstring text;
   for (u32 index = 0; index < getCount() && !status.isError(); ++index) {
-    reportItem(items[index], translator, output, status);
+    reportItem(items[index], translator, text, output, status);
     if (status.isError() || index + 1 == getCount()) return;
     append(output, translator.getItemSeparator(status), status);
+    if (index == 0) makeRoomForItems(output, output.size() - before, getCount() - 1, status);
   }
 }
 

@@ -89,13 +89,15 @@ class basic_string : public failure_state {
 
   // Adds behind the last character.
   bool append(C const* text) noexcept { return append(text, lengthOf(text)); }
-  bool append(C const* text, size_t length) noexcept { return splice(size_, 0, text, length); }
+  bool append(C const* text, size_t length) noexcept;
   bool append(basic_string const& other) noexcept { return append(other.text_, other.size_); }
   bool push_back(C character) noexcept { return append(&character, 1); }
 
   // Replaces the whole text.
   bool assign(C const* text) noexcept { return assign(text, lengthOf(text)); }
-  bool assign(C const* text, size_t length) noexcept { return splice(0, size_, text, length); }
+  bool assign(C const* text, size_t length) noexcept {
+    return size_ == 0 ? append(text, length) : splice(0, size_, text, length);
+  }
   bool assign(basic_string const& other) noexcept { return assign(other.text_, other.size_); }
 
   // Puts the text before the character at `position`.
@@ -110,7 +112,9 @@ class basic_string : public failure_state {
   void erase(size_t position, size_t count) noexcept { splice(position, count, nullptr, 0); }
 
   // Takes all characters out and keeps the storage; cannot fail.
-  void clear() noexcept { erase(0, size_); }
+  void clear() noexcept {
+    if (text_ != nullptr) setSize(0);
+  }
 
   // Makes room for `capacity` characters in all, so that growth up to there cannot fail.
   bool reserve(size_t capacity) noexcept;
@@ -149,6 +153,7 @@ class basic_string : public failure_state {
   static u32 codeUnit(char character) noexcept { return static_cast<u8>(character); }
   static u32 codeUnit(wchar_t character) noexcept { return character; }
 
+  bool extend(C const* text, size_t length) noexcept;
   bool splice(size_t position, size_t removed, C const* text, size_t length) noexcept;
   bool rebuild(size_t capacity, size_t position, size_t removed, C const* text,
                size_t length) noexcept;
@@ -229,7 +234,41 @@ void basic_string<C, Flags>::copyCharacters(C* target, C const* source, size_t c
   }
 }
 
-// Every change of the text: `removed` characters at `position` give way to the new ones.
+// Most texts are made piece by piece, and most pieces fit.
+template <class C, u32 Flags>
+bool basic_string<C, Flags>::append(C const* text, size_t length) noexcept {
+  if (text == nullptr || length == 0) {
+    return true;
+  }
+  if (length > capacity_ - size_) {
+    return extend(text, length);
+  }
+  copyCharacters(text_ + size_, text, length);
+  setSize(size_ + length);
+  return true;
+}
+
+// Apart, so that a piece that fits does not pay for it.
+template <class C, u32 Flags>
+[[gnu::noinline]] bool basic_string<C, Flags>::extend(C const* text, size_t length) noexcept {
+  if (length > max_size() - size_) {
+    return fail();
+  }
+  size_t const capacity = grownCapacity(size_ + length);
+  C* const fresh = allocateFor<C>(capacity + 1, Flags);
+  if (fresh == nullptr) {
+    return fail();
+  }
+  copyCharacters(fresh, text_, size_);
+  copyCharacters(fresh + size_, text, length);
+  _memDelete(text_);
+  text_ = fresh;
+  capacity_ = capacity;
+  setSize(size_ + length);
+  return true;
+}
+
+// Every other change of the text: `removed` characters at `position` give way to the new ones.
 template <class C, u32 Flags>
 bool basic_string<C, Flags>::splice(size_t position, size_t removed, C const* text,
                                     size_t length) noexcept {
