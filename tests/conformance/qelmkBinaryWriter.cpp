@@ -203,9 +203,8 @@ TEST(QelmkBinaryWriter, CharactersAtOnceAreItemsOfTheirOwn) {
     tBinaryObjectWriter oneByOne(each.bytes, capacity);
     i32 status = 0;
     atOnce.writeCharacters("a\0cde", 5, status);
-    for (char const character : {'a', '\0', 'c', 'd', 'e'}) {
-      oneByOne.writeCharacter(character, status);
-    }
+    char const characters[] = {'a', '\0', 'c', 'd', 'e'};
+    for (char const character : characters) oneByOne.writeCharacter(character, status);
     EXPECT_EQ(0, status);
     EXPECT_EQ(oneByOne.getSize(), atOnce.getSize());
     EXPECT_EQ(0, __builtin_memcmp(each.bytes, once.bytes, sizeof(once.bytes)));
