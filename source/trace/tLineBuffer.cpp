@@ -65,14 +65,15 @@ OXDIAG_MIXES_TEXT inline bool copyPlain(char* to, char const* from, u64 length) 
   return (marks & eightOf('\x80')) == 0;
 }
 
-// Of a text with a newline among its `most` characters, that one included.
-u64 getLineLength(char const* text, u64 most) {
+// Of a text with a newline among its `most` characters, that one included. Never more than `most`:
+// another thread may write over the newline.
+OXDIAG_MIXES_TEXT u64 getLineLength(char const* text, u64 most) {
   u64 length = 0;
   for (; most - length >= sizeof(u64); length += sizeof(u64)) {
     u64 const marks = markCharacter(readWord<u64>(text + length), '\n');
     if (marks != 0) return length + static_cast<u64>(__builtin_ctzll(marks)) / 8 + 1;
   }
-  while (text[length++] != '\n') {
+  while (length < most && text[length++] != '\n') {
   }
   return length;
 }
@@ -92,7 +93,8 @@ OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestin
   }
 }
 
-// One step a piece: up to a newline, to where the piece is full, or to the end of the text.
+// One step a piece: up to a newline, to where the piece is full, or to the end of the text. The
+// newline is looked for in the copy: the author's text may change meanwhile.
 OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* end,
                                                  tDestinationSlot& slot) {
   while (from != end) {
@@ -101,7 +103,7 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
     u64 const left = static_cast<u64>(end - from);
     u64 length = left < room ? left : room;
     bool const isEnded = !copyPlain(position, from, length);
-    if (isEnded) length = getLineLength(from, length);
+    if (isEnded) length = getLineLength(position, length);
     from += length;
     if (isEnded || length == room) {
       flush(position + length, slot);
