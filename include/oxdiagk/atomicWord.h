@@ -20,9 +20,9 @@ template <class T>
 T loadAcquire(T const& word) {
   return __atomic_load_n(&word, __ATOMIC_ACQUIRE);
 }
-template <class T>
-void storeRelease(T& word, T value) {
-  __atomic_store_n(&word, value, __ATOMIC_RELEASE);
+template <class T, class V>
+void storeRelease(T& word, V value) {
+  __atomic_store_n(&word, static_cast<T>(value), __ATOMIC_RELEASE);
 }
 
 // In one order with all others that are loaded and stored so.

@@ -32,8 +32,9 @@ bool mayBeWithin(u32 place, iTraceDestination const& destination) {
   return known == nullptr || known == &destination;
 }
 
+// Whoever finds the slot of a later text in the place also sees what the one before it has done.
 bool mayComeThrough(u32 place, tDestinationSlot const* slot) {
-  tDestinationSlot const* const known = loadRelaxed(directions[place].slot);
+  tDestinationSlot const* const known = loadAcquire(directions[place].slot);
   return slot == nullptr || known == nullptr || known == slot;
 }
 
@@ -69,7 +70,7 @@ u32 tTextsOnTheWay::enter(u32 thread, tDestinationSlot const& slot) {
   while (place < kCapacity && !take(place, thread)) ++place;
   if (place == kCapacity) return kNoPlace;
   use(place);
-  storeRelaxed(directions[place].slot, &slot);
+  storeRelease(directions[place].slot, &slot);
   return place;
 }
 
