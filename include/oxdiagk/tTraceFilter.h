@@ -111,15 +111,17 @@ class OXDIAG_API tTraceFilter {
   // stream: a component has no such line.
   bool evaluate(tTraceFilterLine const& line) const;
 
-  // Whether the verbosity alone hides a line; when false, evaluate() tells. Most filters are one
-  // term on the verbosity, and then this is one comparison.
+  // Whether the verbosity alone hides a line, or shows it; when both are false, evaluate() tells.
+  // Most filters are one term on the verbosity, and then one comparison decides. Each answer is
+  // that of one moment: while the filter is changed, a line may be neither at first and then one.
   bool isSurelyHidden(u32 verbosity) const {
     u64 const range = loadRelaxed(shownRange);
-    return verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32);
+    return !isWithin(range, verbosity);
   }
-
-  // Whether the verbosity alone decides: a line that is not surely hidden is shown then.
-  bool isAboutVerbosity() const { return loadRelaxed(shownRange) != ~0ull; }
+  bool isSurelyShown(u32 verbosity) const {
+    u64 const range = loadRelaxed(shownRange);
+    return range != ~0ull && isWithin(range, verbosity);
+  }
 
   // Whether a term looks at `field`; false for what is no field.
   bool usesField(i32 field) const {
@@ -149,6 +151,10 @@ class OXDIAG_API tTraceFilter {
   bool isEmpty() const { return first == nullptr; }
 
  private:
+  static bool isWithin(u64 range, u32 verbosity) {
+    return verbosity - static_cast<u32>(range) <= static_cast<u32>(range >> 32);
+  }
+
   bool evaluateTerms(tTraceFilterLine const& line) const;
   void append(tTraceFilterTerm* term);
   void remove(tTraceFilterTerm* term);

@@ -85,7 +85,8 @@ void tLineOpening::lock() {
 bool tLineOpening::isPassed() const {
   tTraceFilter const* const filter = parts.filter;
   if (filter == nullptr) return true;
-  if (filter->isAboutVerbosity()) return !filter->isSurelyHidden(verbosity);
+  if (filter->isSurelyShown(verbosity)) return true;
+  if (filter->isSurelyHidden(verbosity)) return false;
   return filter->evaluate(
       tTraceFilterLine(origin.component, origin.version, origin.line, origin.file, verbosity));
 }
