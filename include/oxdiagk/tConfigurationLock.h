@@ -1,7 +1,6 @@
 #pragma once
 
-#include "ntos/mutex.h"
-#include "ntos/wait.h"
+#include "vexk/tKernelMutexGuard.h"
 
 namespace nOXDIAG100 {
 
@@ -22,25 +21,19 @@ class tConfigurationLock {
   tConfigurationLock(tConfigurationLock const&) = delete;
   tConfigurationLock& operator=(tConfigurationLock const&) = delete;
 
-  void acquire() { KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, nullptr); }
-  void release() { KeReleaseMutex(&mutex, 0); }
-
  private:
+  friend class tConfigurationGuard;
+
   KMUTEX mutex;
 };
 
 // Holds the lock for a scope.
 class tConfigurationGuard {
  public:
-  explicit tConfigurationGuard(tConfigurationLock& configurationLock) : lock(configurationLock) {
-    lock.acquire();
-  }
-  ~tConfigurationGuard() { lock.release(); }
-  tConfigurationGuard(tConfigurationGuard const&) = delete;
-  tConfigurationGuard& operator=(tConfigurationGuard const&) = delete;
+  explicit tConfigurationGuard(tConfigurationLock& lock) : guard(lock.mutex) {}
 
  private:
-  tConfigurationLock& lock;
+  tKernelMutexGuard const guard;
 };
 
 }  // namespace nOXDIAG100

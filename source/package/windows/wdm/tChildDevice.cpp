@@ -2,10 +2,10 @@
 
 #include "ntos/wait.h"
 #include "package/windows/wdm/handlerSlot.h"
-#include "package/windows/wdm/tKernelMutexGuard.h"
 #include "package/windows/wdm/wrapperMemory.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
+#include "vexk/tKernelMutexGuard.h"
 
 namespace nOXDIAG100 {
 namespace {

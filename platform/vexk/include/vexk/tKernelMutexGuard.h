@@ -1,11 +1,10 @@
 #pragma once
 
-// Holds a kernel mutex for a scope. IRQL <= APC_LEVEL.
+// Holds a kernel mutex for a scope. A thread that holds it may take it again; the IRQL stays as it
+// is, so that files may be opened meanwhile. IRQL <= APC_LEVEL.
 
 #include "ntos/mutex.h"
 #include "ntos/wait.h"
-
-namespace nOXDIAG100 {
 
 class tKernelMutexGuard {
  public:
@@ -19,5 +18,3 @@ class tKernelMutexGuard {
  private:
   KMUTEX& mutex;
 };
-
-}  // namespace nOXDIAG100
