@@ -18,14 +18,14 @@ tStatusText& tStatusText::append(char const* text) {
 tStatusText& tStatusText::appendDecimal(i64 value) {
   char digits[kNumberTextSize];
   u64 const magnitude = value < 0 ? u64{0} - static_cast<u64>(value) : static_cast<u64>(value);
-  vexNumberToText(magnitude, 10, digits);
+  vexNumberToText(magnitude, kRadixDecimal, digits);
   if (value < 0) append("-");
   return append(digits);
 }
 
 tStatusText& tStatusText::appendAddress(u64 address) {
   char digits[kNumberTextSize];
-  vexNumberToText(address, 16, digits);
+  vexNumberToText(address, kRadixHexadecimal, digits);
   return append("0x").append(digits);
 }
 

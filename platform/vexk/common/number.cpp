@@ -7,8 +7,6 @@ namespace {
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 static_assert(sizeof kDigits == kNumberRadixMost + 1);
 
-constexpr u32 kDecimal = 10;
-constexpr u32 kHexadecimal = 16;
 
 // 1, 10, 100, ... as far as 64 bits go.
 struct tPowersOfTen {
@@ -19,7 +17,7 @@ struct tPowersOfTen {
     u64 power = 1;
     for (u64& entry : powers) {
       entry = power;
-      power *= kDecimal;
+      power *= kRadixDecimal;
     }
   }
 };
@@ -70,10 +68,10 @@ u32 writeAnyRadix(u64 value, u32 radix, char* buffer) {
 }
 
 u32 writeDigits(u64 value, u32 radix, char* buffer) {
-  if (radix == kDecimal || radix < kNumberRadixLeast || radix > kNumberRadixMost) {
+  if (radix == kRadixDecimal || radix < kNumberRadixLeast || radix > kNumberRadixMost) {
     return writeDecimal(value, buffer);
   }
-  if (radix == kHexadecimal) return writeHexadecimal(value, buffer);
+  if (radix == kRadixHexadecimal) return writeHexadecimal(value, buffer);
   if ((radix & (radix - 1)) == 0) return writePowerOfTwo(value, radix, buffer);
   return writeAnyRadix(value, radix, buffer);
 }

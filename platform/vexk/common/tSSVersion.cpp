@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr u32 kDecimal = 10;
 constexpr u32 kPhaseCount = 16;
 constexpr u32 kKnownPhases = 4;
 constexpr char kPhaseLetters[kKnownPhases] = {'d', 'f', 'b', 'a'};
@@ -33,7 +32,7 @@ u32 orderOf(tSSVersion version) {
 
 // Numbers of one digit are the rule.
 u32 writeDecimal(char* text, u32 value) {
-  if (value >= kDecimal) return vexNumberToText(value, kDecimal, text);
+  if (value >= kRadixDecimal) return vexNumberToText(value, kRadixDecimal, text);
   *text = static_cast<char>('0' + value);
   return 1;
 }

@@ -4,10 +4,6 @@
 
 namespace nOXDIAG100 {
 
-namespace {
-constexpr u32 kDecimal = 10;
-}
-
 tInquiryText::tInquiryText(char* buffer, u32 size)
     : buffer(buffer), size(buffer == nullptr ? 0 : size), position(buffer), room(this->size) {
 }
@@ -23,7 +19,7 @@ tInquiryText& tInquiryText::append(char const* text) {
 
 tInquiryText& tInquiryText::appendNumber(u64 value) {
   char text[kNumberTextSize];
-  vexNumberToText(value, kDecimal, text);
+  vexNumberToText(value, kRadixDecimal, text);
   return append(text);
 }
 

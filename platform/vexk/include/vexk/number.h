@@ -8,6 +8,10 @@
 // Room for any number in any radix, with its terminator: 64 binary digits.
 constexpr u32 kNumberTextSize = 65;
 
+constexpr u32 kRadixOctal = 8;
+constexpr u32 kRadixDecimal = 10;
+constexpr u32 kRadixHexadecimal = 16;
+
 constexpr u32 kNumberRadixLeast = 2;
 constexpr u32 kNumberRadixMost = 36;
 
@@ -18,5 +22,5 @@ constexpr u32 kNumberRadixMost = 36;
 // Does not allocate; any IRQL, any thread.
 //
 //     char text[kNumberTextSize];
-//     u32 const length = vexNumberToText(255, 16, text);   // "FF", 2
+//     u32 const length = vexNumberToText(255, kRadixHexadecimal, text);   // "FF", 2
 VEX_API u32 vexNumberToText(u64 value, u32 radix, char* buffer);
