@@ -7,6 +7,8 @@
 #define OXDIAG_STATUS_FILE "source/status/reportableClass"
 #include "status/libraryStatus.h"
 
+QELM_DEFINE_INTERFACE(nOXDIAG100::iVariantReportable, "nOXDIAG100::iVariantReportable")
+
 namespace nOXDIAG100 {
 
 void recordReportableFailure(tStatus2& status, i32 code, tReportableSource const& source) {

@@ -4,6 +4,8 @@
 #include "oxdiagk/reportableLists.h"
 #include "oxdiagk/tStatus2.h"
 
+QELM_DEFINE_INTERFACE(nOXDIAG100::iStringIDToWideStringConverter,
+                      "nOXDIAG100::iStringIDToWideStringConverter")
 QELM_DEFINE_CLASS(nOXDIAG100::tStringProxyReportable, "nOXDIAG100::tStringProxyReportable")
 
 namespace nOXDIAG100 {

@@ -2,6 +2,7 @@
 
 // The text of saved settings, for the stacks of pushConfiguration and popConfiguration.
 
+#include "config/options/tOptionWords.h"
 #include "oxdiagk/tConfigurable.h"
 #include "stl/vector.h"
 #include "vexk/memory.h"
@@ -38,6 +39,12 @@ char* copySettings(T& object, tMemAllocationFlags flags) {
 
 // Configures `object` with a text of copySettings and frees the text. False, and nothing is
 // configured, when the words of the text cannot be allocated.
-bool restoreSettings(tConfigurable& object, char* text);
+inline bool restoreSettings(tConfigurable& object, char* text) {
+  tOptionWords const words(text);
+  _memDelete(text);
+  if (words.hasFailed()) return false;
+  object.configure(words.getCount(), words.getWords());
+  return true;
+}
 
 }  // namespace nOXDIAG100

@@ -2,7 +2,7 @@
 
 #include "package/windows/lifeEvents.h"
 #include "package/windows/moduleRecord.h"
-#include "package/windows/wdm/wdmWrapperState.h"
+#include "package/windows/wdm/tParentList.h"
 
 using namespace nOXDIAG100;
 
@@ -17,7 +17,7 @@ tModulePackage* pkgSetLegacyWrapperLoadState(u32 state) {
 }
 
 tModuleGUID const* pkgSetWDMWrapperLoadStateAndGetGUID(u32 state) {
-  if (state != 0) initialiseWDMWrapper();
+  if (state != 0) wdmParents.initialise();
   moduleRecord.package.wdmWrapperState = state;
   return &moduleRecord.package.identity->guid;
 }

@@ -5,7 +5,7 @@
 #include "package/windows/globalObjects.h"
 #include "package/windows/lifeEvents.h"
 #include "package/windows/moduleRecord.h"
-#include "package/windows/ssMain.h"
+#include "status/statusHeapMain.h"
 #include "vexk/debug.h"
 #include "vexk/module.h"
 #include "vexk/version.h"
@@ -33,6 +33,12 @@ i32 buildAndRegister(UNICODE_STRING const* registryPath) {
   fillModuleRecord(registryPath);
   libRegisterModuleWithVEX(moduleRecord.info, status);
   return status;
+}
+
+// The module main: the status heap is made at the load and destroyed at the unload; every other
+// reason does nothing.
+i32 ssMain(u32 reason) {
+  return statusHeapMain(reason);
 }
 
 i32 enterAtLoad() {

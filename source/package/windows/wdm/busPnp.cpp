@@ -1,7 +1,7 @@
 #include "package/windows/wdm/busPnp.h"
 
 #include "package/windows/wdm/requestEnds.h"
-#include "package/windows/wdm/wdmWrapperState.h"
+#include "package/windows/wdm/tParentList.h"
 #include "vexk/dispatch.h"
 #include "vexk/droppedRelations.h"
 

@@ -2,7 +2,7 @@
 
 #include "package/windows/wdm/deviceRelations.h"
 #include "package/windows/wdm/requestEnds.h"
-#include "package/windows/wdm/wdmWrapperState.h"
+#include "package/windows/wdm/tParentList.h"
 #include "package/windows/wdm/wrapperMemory.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"

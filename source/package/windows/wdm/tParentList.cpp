@@ -4,6 +4,8 @@
 
 namespace nOXDIAG100 {
 
+constinit tParentList wdmParents;
+
 void tParentList::initialise() {
   tSpinLock::tGuard const guard(initialising);
   if (isReady) return;

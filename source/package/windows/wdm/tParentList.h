@@ -35,4 +35,7 @@ class tParentList {
   tLinkedList<tParentDevice> parents = {};
 };
 
+// The list of the module. It is made ready before any device is handed to the module.
+extern tParentList wdmParents;
+
 }  // namespace nOXDIAG100

@@ -1,3 +1,0 @@
-#include "qelmk/iExternalizable.h"
-
-QELM_DEFINE_INTERFACE(nQELM100::iExternalizable, "nQELM100::iExternalizable")

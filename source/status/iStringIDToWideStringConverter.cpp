@@ -1,4 +1,0 @@
-#include "oxdiagk/iStringIDToWideStringConverter.h"
-
-QELM_DEFINE_INTERFACE(nOXDIAG100::iStringIDToWideStringConverter,
-                      "nOXDIAG100::iStringIDToWideStringConverter")
