@@ -12,7 +12,8 @@ namespace {
 constexpr u32 kFew = 4;
 constexpr u32 kMany = 1024;
 constexpr u32 kVeryMany = 16'384;
-constexpr u32 kSamples = 8;  // names that are looked up
+// Few, for an instruction that is counted takes microseconds.
+constexpr u32 kSamples = 4;  // names that are looked up
 constexpr u32 kNewNames = 2;
 
 // Different at the end only.
@@ -123,7 +124,8 @@ TEST(CategoryGrowth, NamesThatBeginWithEachOtherAreNoDetour) {
 
 // The options of one category read its name once, not once each.
 TEST(CategoryGrowth, AnOptionOfACategoryWithALongNameCostsAsMuchAsOfOneWithAShortName) {
-  constexpr u32 kOptions = 32;
+  constexpr u32 kOptions = 8;
+  constexpr size_t kLongName = 500;
   auto const instructionsOfOptions = [](std::string const& name) {
     tPrivateContracts contracts;
     configureWords(contracts, "--category", name.c_str());
@@ -132,5 +134,5 @@ TEST(CategoryGrowth, AnOptionOfACategoryWithALongNameCostsAsMuchAsOfOneWithAShor
     contracts.configure("--checks");  // what a first call costs is not meant
     return instructionsOf([&] { contracts.configure(words.c_str()); });
   };
-  EXPECT_LE(instructionsOfOptions(std::string(1'000, 'n')), 2 * instructionsOfOptions("n"));
+  EXPECT_LE(instructionsOfOptions(std::string(kLongName, 'n')), 2 * instructionsOfOptions("n"));
 }

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "oxdiagk/tConfigurable.h"
+#include "rounds.h"
 #include "startedModules.h"
 #include "trace/modelWords.h"
 
@@ -41,7 +42,7 @@ std::string randomText(std::mt19937& random) {
 
 TEST(OptionWords, RandomTextsAreCutAsTheModelSays) {
   std::mt19937 random(20240521);
-  for (int round = 0; round < 200'000; ++round) {
+  for (int round = 0; round < roundsOf(200'000); ++round) {
     std::string const text = randomText(random);
     tWordKeeper keeper;
     keeper.configure(text.c_str());
