@@ -111,16 +111,15 @@ class OXDIAG_API tTraceFilter {
   // stream: a component has no such line.
   bool evaluate(tTraceFilterLine const& line) const;
 
-  // Whether the verbosity alone hides a line, or shows it; when both are false, evaluate() tells.
+  // Whether the verbosity alone hides a line, or shows it; when it does neither, evaluate() tells.
   // Most filters are one term on the verbosity, and then one comparison decides. Each answer is
   // that of one moment: while the filter is changed, a line may be neither at first and then one.
-  bool isSurelyHidden(u32 verbosity) const {
+  bool isSurelyHidden(u32 verbosity) const { return judge(verbosity) == kHidden; }
+  enum tVerdict { kHidden, kShown, kNotJudged };
+  tVerdict judge(u32 verbosity) const {
     u64 const range = loadRelaxed(shownRange);
-    return !isWithin(range, verbosity);
-  }
-  bool isSurelyShown(u32 verbosity) const {
-    u64 const range = loadRelaxed(shownRange);
-    return range != ~0ull && isWithin(range, verbosity);
+    if (verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32)) return kHidden;
+    return range == ~0ull ? kNotJudged : kShown;
   }
 
   // Whether a term looks at `field`; false for what is no field.
@@ -151,10 +150,6 @@ class OXDIAG_API tTraceFilter {
   bool isEmpty() const { return first == nullptr; }
 
  private:
-  static bool isWithin(u64 range, u32 verbosity) {
-    return verbosity - static_cast<u32>(range) <= static_cast<u32>(range >> 32);
-  }
-
   bool evaluateTerms(tTraceFilterLine const& line) const;
   void append(tTraceFilterTerm* term);
   void remove(tTraceFilterTerm* term);

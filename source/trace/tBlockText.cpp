@@ -2,13 +2,9 @@
 
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/tTrace.h"
+#include "vexk/number.h"
 
 namespace nOXDIAG100 {
-namespace {
-
-constexpr u32 kDecimal = 10;
-
-}  // namespace
 
 void tBlockText::endEntry(tTrace& line, void const* object) const {
   if (blockName != nullptr) line.put(blockName).put("; ");
@@ -25,9 +21,9 @@ void tBlockText::endExit(tTrace& line) const {
 }
 
 void tBlockText::putStatus(tTrace& line, char const* end) const {
-  if (legacyStatus != nullptr) line.put("tStatus=").put(*legacyStatus, kDecimal).put(end);
+  if (legacyStatus != nullptr) line.put("tStatus=").put(*legacyStatus, kRadixDecimal).put(end);
   if (statusObject != nullptr) {
-    line.put("tStatus2 code=").put(statusObject->getCode(), kDecimal).put(end);
+    line.put("tStatus2 code=").put(statusObject->getCode(), kRadixDecimal).put(end);
   }
 }
 

@@ -85,8 +85,8 @@ void tLineOpening::lock() {
 bool tLineOpening::isPassed() const {
   tTraceFilter const* const filter = parts.filter;
   if (filter == nullptr) return true;
-  if (filter->isSurelyShown(verbosity)) return true;
-  if (filter->isSurelyHidden(verbosity)) return false;
+  tTraceFilter::tVerdict const verdict = filter->judge(verbosity);
+  if (verdict != tTraceFilter::kNotJudged) return verdict == tTraceFilter::kShown;
   return filter->evaluate(
       tTraceFilterLine(origin.component, origin.version, origin.line, origin.file, verbosity));
 }

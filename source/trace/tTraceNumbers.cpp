@@ -5,15 +5,12 @@
 namespace nOXDIAG100 {
 namespace {
 
-constexpr u32 kDecimal = 10;
-constexpr u32 kHexadecimal = 16;
-
 // A sign, the ten digits that a radix may have, "#", and 64 digits of radix 2.
 constexpr u32 kTextSize = 1 + 10 + 1 + 64;
 
 // The digits of a radix above 36 go on behind Z, character by character.
 char digitOf(u64 value) {
-  return static_cast<char>(value < kDecimal ? '0' + value : 'A' + value - kDecimal);
+  return static_cast<char>(value < kRadixDecimal ? '0' + value : 'A' + value - kRadixDecimal);
 }
 
 char* writePowerOfTwo(u64 value, u32 bits, char* end) {
@@ -40,8 +37,8 @@ char* writeAny(u64 value, u32 radix, char* end) {
 }
 
 char* writeNumber(u64 value, u32 radix, char* end) {
-  if (radix == kDecimal || radix < kNumberRadixLeast) return vexWriteDecimal(value, end);
-  if (radix != kHexadecimal) return writeAny(value, radix, end);
+  if (radix == kRadixDecimal || radix < kNumberRadixLeast) return vexWriteDecimal(value, end);
+  if (radix != kRadixHexadecimal) return writeAny(value, radix, end);
   end = vexWriteHexadecimal(value, end);
   *--end = 'x';
   *--end = '0';

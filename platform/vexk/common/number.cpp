@@ -7,7 +7,6 @@ namespace {
 constexpr char kDigits[] = "0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 static_assert(sizeof kDigits == kNumberRadixMost + 1);
 
-
 // 1, 10, 100, ... as far as 64 bits go.
 struct tPowersOfTen {
   static constexpr u32 kCount = 20;
