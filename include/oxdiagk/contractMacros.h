@@ -32,6 +32,7 @@
 // look at the switch. Two kinds of contracts look their category up at every check: those whose
 // category does not exist, and those whose category is not written as a literal. A switch that is
 // set, a category that is made, and an unload of the library take effect at the next check.
+// A constexpr function cannot have a contract, since C++20 does not allow static storage there.
 //
 // Every kind has three forms:
 //

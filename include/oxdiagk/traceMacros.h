@@ -32,6 +32,10 @@
 // Every argument is evaluated at most once. With OXDIAG_TRACE_STRIP defined, all of them compile to
 // nothing: the arguments must still be valid code, but none is evaluated.
 //
+// Each place has a constant of its own, in static storage, so none of them is for a constexpr
+// function: C++20 does not allow one there. Of a component, version and file that are literals or
+// constexpr the constant holds the beginning of the prefix; any others are looked at for each line.
+//
 // IRQL and threads: as for tTrace.
 
 #include "oxdiagk/tBlockTracer.h"
