@@ -39,8 +39,8 @@ This page is written by `./dev bench --write`, on this machine:
 
 Times depend on the machine; the ratios in the table hardly do, since both sides of each were
 measured in the same minutes, {repetitions} times for about 1 ms in random order, and the shortest
-of each counts.
-Instructions depend on neither: `./dev budget` counts them, see [testing.md](testing.md).
+of each counts. Instructions depend on neither: `./dev budget` counts them, see
+[testing.md](testing.md).
 
 A *floor* is the same work written by hand for this one case, without the library: the least that it
 can cost. A *peer* is somebody else's library that does the same work for its users. What exactly each
@@ -109,7 +109,7 @@ def run_pairs():
 
 
 def run_growth():
-    times = workshop.step("run the growing ones", measure, GROWTH, 2, 5)
+    times = workshop.step("run the growing ones", measure, GROWTH, 3, 10)
     print(ratios.tables(times))
     return times
 
