@@ -115,11 +115,11 @@ class OXDIAG_API tTraceFilter {
   // Most filters are one term on the verbosity, and then one comparison decides. Each answer is
   // that of one moment: while the filter is changed, a line may be neither at first and then one.
   bool isSurelyHidden(u32 verbosity) const { return judge(verbosity) == kHidden; }
-  enum tVerdict { kHidden, kShown, kNotJudged };
+  enum tVerdict { kHidden, kShown, kUndecided };
   tVerdict judge(u32 verbosity) const {
     u64 const range = loadRelaxed(shownRange);
     if (verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32)) return kHidden;
-    return range == ~0ull ? kNotJudged : kShown;
+    return range == ~0ull ? kUndecided : kShown;
   }
 
   // Whether a term looks at `field`; false for what is no field.

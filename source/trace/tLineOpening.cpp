@@ -86,7 +86,7 @@ bool tLineOpening::isPassed() const {
   tTraceFilter const* const filter = parts.filter;
   if (filter == nullptr) return true;
   tTraceFilter::tVerdict const verdict = filter->judge(verbosity);
-  if (verdict != tTraceFilter::kNotJudged) return verdict == tTraceFilter::kShown;
+  if (verdict != tTraceFilter::kUndecided) return verdict == tTraceFilter::kShown;
   return filter->evaluate(
       tTraceFilterLine(origin.component, origin.version, origin.line, origin.file, verbosity));
 }

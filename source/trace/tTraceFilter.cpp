@@ -88,7 +88,7 @@ bool tTraceFilter::evaluate(char const* component, char const* versionText, u32 
 
 bool tTraceFilter::evaluate(tTraceFilterLine const& line) const {
   tVerdict const verdict = judge(line.verbosity);
-  if (verdict != kNotJudged) return verdict == kShown;
+  if (verdict != kUndecided) return verdict == kShown;
   tTraceFilterShortForm const form(__atomic_load_n(&shortForm, __ATOMIC_RELAXED));
   return form.isWhole() ? form.evaluate(line) : evaluateTerms(line);
 }

@@ -8,7 +8,7 @@ namespace nOXDIAG100 {
 
 // Eight times the character, as one number.
 constexpr u64 eightOf(char character) {
-  return 0x0101010101010101 * static_cast<u8>(character);
+  return u64{0x0101010101010101} * static_cast<u8>(character);
 }
 
 // Marks the character among eight: the uppermost bit of each byte that is the character, no other.
