@@ -28,6 +28,8 @@ struct tVerbosityFilter : tTraceFilter {
     addTerm(term.c_str(), kFirst, kVerbosity);
   }
 
+  bool isSurelyShown(u32 verbosity) const { return judge(verbosity) == kShown; }
+
   bool isShown(u32 verbosity) const {
     return evaluate("rack", "1.0.0", 7, "rack.cpp", 1, verbosity);
   }
