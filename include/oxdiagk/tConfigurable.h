@@ -38,7 +38,7 @@ class OXDIAG_API tConfigurable {
   // the closing quote begins a new word. A double quote inside an unquoted word is an ordinary
   // character. There is no escape character.
   //
-  // Two scratch allocations hold the words during the call. When memory is exhausted
+  // One scratch allocation holds the words during the call. When memory is exhausted
   // configure(argc, argv) is still called, with a null argv.
   //
   //     trace.configure("--timestamp on --filter \"verbosity>=200 && comp==slotbus\"");

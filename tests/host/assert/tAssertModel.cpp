@@ -24,13 +24,10 @@ tAssertModel::tAssertModel() {
   categories["statusFatal"][kExceptions] = false;
 }
 
-// Vector and copy are asked for, whether the first is there or not.
 bool tAssertModel::configure(std::string const& options) {
   tWords const words = modelWords(options);
   if (words.empty()) return true;
-  bool const hasVector = memory.allocate();
-  bool const hasCopy = memory.allocate();
-  if (!hasVector || !hasCopy) return false;
+  if (!memory.allocate()) return false;
   configure(words);
   return true;
 }
