@@ -78,6 +78,11 @@ OXDIAG_MIXES_TEXT u64 getLineLength(char const* text, u64 most) {
   return length;
 }
 
+// Whether the last character is a newline, and no other.
+OXDIAG_MIXES_TEXT bool isLine(char const* text, u64 length) {
+  return getLineLength(text, length) == length && text[length - 1] == '\n';
+}
+
 }  // namespace
 
 // Nearly every text does not fill the piece, and has no newline but as its last character.
@@ -86,7 +91,7 @@ OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestin
   bool const fits = length < getRoomFrom(position);
   if (fits && copyPlain(position, from, length)) {
     storeRelaxed(writePosition, position + length);
-  } else if (fits && getLineLength(from, length) == length) {
+  } else if (fits && isLine(position, length)) {
     flush(position + length, slot);
   } else {
     appendPieces(from, from + length, slot);
@@ -102,8 +107,11 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
     u64 const room = getRoomFrom(position);
     u64 const left = static_cast<u64>(end - from);
     u64 length = left < room ? left : room;
-    bool const isEnded = !copyPlain(position, from, length);
-    if (isEnded) length = getLineLength(position, length);
+    bool isEnded = !copyPlain(position, from, length);
+    if (isEnded) {
+      length = getLineLength(position, length);
+      isEnded = position[length - 1] == '\n';
+    }
     from += length;
     if (isEnded || length == room) {
       flush(position + length, slot);

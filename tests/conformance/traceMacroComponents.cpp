@@ -229,7 +229,8 @@ TEST(TraceMacroComponents, AVersionMayBeConstOnly) {
 
 TEST(TraceMacroComponents, OfALiteralTheCompilerKnowsThePlace) {
   OXDIAG_TRACE_SITE(site);
-  EXPECT_EQ(VEX_IS_CONSTANT(kVersion.getPacked()), site.isSomewhere());
+  constexpr bool kIsKnown = VEX_IS_CONSTANT(kVersion.getPacked());
+  EXPECT_EQ(kIsKnown, site.isSomewhere());
 }
 
 TEST(TraceMacroComponents, AChainMayEndInAnything) {

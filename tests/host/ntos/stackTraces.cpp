@@ -138,7 +138,8 @@ TEST(StackTrace, AChainThatLeavesTheStackEndsThere) {
 TEST(StackTrace, AChainThatTurnsBackEnds) {
   void* addresses[kDepth] = {};
   u64 inner = 0;
-  EXPECT_EQ(walkWithFrame(reinterpret_cast<u64>(&inner) & ~u64{0xFFF}, addresses), 2);
+  u64 const belowEveryFrame = (reinterpret_cast<u64>(&inner) & ~u64{0xFFF}) - 0x1000;
+  EXPECT_EQ(walkWithFrame(belowEveryFrame, addresses), 2);
 }
 
 // Allocations of the calling thread: by the sanitizer's hooks, or by what the C library counts.
