@@ -27,7 +27,7 @@ constexpr unsigned kMostWidth = 600;
 constexpr unsigned kMostSize = 1024;
 constexpr unsigned kMostFault = 12;
 constexpr size_t kMostVerdicts = 32;    // that a stream remembers
-constexpr u64 kAllocationsOfWords = 1;
+constexpr u64 kAllocationsOfWords = 1;  // of an option text, before anything is configured
 
 constexpr char kOtherSettings[] =
     "--off --filepath on --timestamp on --linenumber off --mutex on --prefixwidth 7";
