@@ -1,6 +1,8 @@
 // Text that somebody changes while it is put: what arrives is some of both, and never more than was
 // put.
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <atomic>
 #include <string>

@@ -1,6 +1,8 @@
 // A filter of one term on the verbosity is also kept as a range of verbosities, by which most lines
 // are judged. The range says what the term says, at the ends of the numbers above all.
 
+#include <gtest/gtest.h>
+
 #include <string>
 
 #include "keptLines.h"

@@ -1,5 +1,7 @@
 // Lines that are judged while another thread changes the filter.
 
+#include <gtest/gtest.h>
+
 #include <atomic>
 
 #include "keptLines.h"

@@ -1,6 +1,8 @@
 // The line of a place whose prefix is copied is, to the byte, the one that putPrefix writes: for
 // random places, on streams of random shapes.
 
+#include <gtest/gtest.h>
+
 #include <random>
 
 #include "keptLines.h"
