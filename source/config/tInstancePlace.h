@@ -54,7 +54,7 @@ class tInstancePlace {
   // No constructor runs when the image is loaded, so the first who asks does this. Several who ask
   // first at once store the same; nobody waits, for one of them may have interrupted another.
   void fill() {
-    alignas(T) u64 resting[kWordCount];
+    alignas(T) u64 resting[kWordCount] = {};
     new (resting) R;
     for (u32 index = 0; index < kWordCount; ++index) {
       __atomic_store_n(&words[index], moved(resting[index], resting), __ATOMIC_RELAXED);

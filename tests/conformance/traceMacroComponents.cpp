@@ -74,13 +74,16 @@ TEST(TraceMacroComponents, AConstPointerIsTheName) {
   EXPECT_STREQ("[const pointer--port.cpp] x\n", component.text());
 }
 
+void traceBlock() {
+  OXDIAG_BLOCK_STATUS(100, stream, static_cast<i32*>(nullptr));
+}
+
 TEST(TraceMacroComponents, ABlockHasANameOfAConstPointer) {
   tComponentStream component;
-  auto const trace = [] { OXDIAG_BLOCK_STATUS(100, stream, static_cast<i32*>(nullptr)); };
   component.trace.getFilter()->removeAll();
   component.trace.getFilter()->addTerm("==const pointer", nOXDIAG100::tTraceFilter::kFirst,
                                        nOXDIAG100::tTraceFilter::kComponentName);
-  trace();
+  traceBlock();
   EXPECT_EQ(u32{2}, component.record.pieceCount());
 }
 #undef OXDIAG_COMPONENT
