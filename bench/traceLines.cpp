@@ -6,53 +6,19 @@
 
 #include <mutex>
 
-#include "tBenchStream.h"
+#include "benchedLine.h"
 #include "tFloorStream.h"
 #include "vexk/cpu.h"
-
-#define OXDIAG_COMPONENT "slotbus"
-#define OXDIAG_COMPONENT_VERSION kVersion
-#define OXDIAG_TRACE_STREAM trace
-#define OXDIAG_TRACE_FILE "examples/slotbus/component/tRackReader.cpp"
-
-#include "oxdiagk/traceMacros.h"
 
 namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr tSSVersion kVersion(1, 0, 0, tSSVersion::kPhaseReleased, 1, 0);
-constexpr unsigned int kShown = 120;
-constexpr unsigned int kHidden = 60;
-constexpr u32 kWidthForEveryField = 110;
-
-constexpr auto showByMacro = [](tTrace& trace, u32 slot) {
-  OXDIAG_TRACE(kShown, put("slot ").put(slot, 10).put(" answered"));
-};
-
-constexpr auto hideByMacro = [](tTrace& trace, u32 slot) {
-  OXDIAG_TRACE(kHidden, put("slot ").put(slot, 10).put(" answered"));
-};
-
-void putLine(tTrace& trace, unsigned int verbosity, u32 slot) {
-  trace
-      .putPrefix("slotbus", kVersion, 118, "examples/slotbus/component/tRackReader.cpp", verbosity,
-                 tTrace::kTraceLine)
-      .put("slot ")
-      .put(slot, 10)
-      .put(" answered")
-      .endl();
-}
-
-constexpr auto showByCalls = [](tTrace& trace, u32 slot) { putLine(trace, kShown, slot); };
-
-constexpr auto hideByCalls = [](tTrace& trace, u32 slot) { putLine(trace, kHidden, slot); };
-
 // Runs `putOneLine(slot)` and checks that the destination got what it should.
 template <class tPutOneLine>
 void runLines(benchmark::State& state, tNullDestination& destination, bool isShown,
               tPutOneLine putOneLine) {
-  u32 slot = 17;
+  u32 slot = kSlot;
   u64 const before = destination.getPieces();
   for ([[maybe_unused]] auto run : state) {
     benchmark::DoNotOptimize(slot);
@@ -65,27 +31,6 @@ void runLines(benchmark::State& state, tNullDestination& destination, bool isSho
 
 using tPrepare = void(tTrace& trace);
 
-void leave(tTrace&) {
-}
-
-void switchOff(tTrace& trace) {
-  trace.disable();
-}
-
-void enableEveryField(tTrace& trace) {
-  trace.enableComponentVersion();
-  trace.enableThreadId();
-  trace.enableTimeStamp();
-  trace.enableTimeDelta();
-  trace.enableVerbosity();
-  trace.setMinPrefixWidth(kWidthForEveryField);
-}
-
-void lockLines(tTrace& trace) {
-  trace.enableMutex();
-}
-
-// The line is compiled into its loop, as it is into a component.
 template <class tPut>
 void runOurs(benchmark::State& state, tPrepare* prepare, tPut put, bool isShown) {
   tNullDestination destination;

@@ -30,6 +30,11 @@
 // An entry that is left out.
 #define OXDIAG_TRACE_NO_SWITCH(Name, name, place, atStart, word, field)
 
+#define OXDIAG_TRACE_PLACE(Name, name, place, atStart, word, field) k##Name = (place),
+#define OXDIAG_TRACE_BIT(Name, name, place, atStart, word, field) | 1ull << (place)
+#define OXDIAG_TRACE_BIT_AT_START(Name, name, place, atStart, word, field) \
+  | static_cast<u64>(atStart) << (place)
+
 namespace nOXDIAG100 {
 
 // What a line of a stream looks like, and whether it is written at all: the stream's switches and
@@ -38,17 +43,14 @@ class tLineShape {
  public:
   // The switches by their place; the master switch comes behind them.
   enum tSwitch : u32 {
-#define OXDIAG_TRACE_PLACE(Name, name, place, atStart, word, field) k##Name = (place),
+    kSwitchCount = 12,
+    kEnabled = kSwitchCount,
     OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_PLACE, OXDIAG_TRACE_PLACE, OXDIAG_TRACE_PLACE)
-#undef OXDIAG_TRACE_PLACE
-        kSwitchCount = 12,
-    kEnabled = kSwitchCount
   };
 
   static constexpr u32 kWidthAtStart = 50;
 
-  explicit constexpr tLineShape(u64 word) : word(word) {
-  }
+  explicit constexpr tLineShape(u64 word) : word(word) {}
 
   // As a stream is built: enabled, with the switches as the list says.
   static constexpr tLineShape atStart() {
@@ -56,15 +58,9 @@ class tLineShape {
                       static_cast<u64>(kWidthAtStart) << kWidthShift);
   }
 
-  constexpr u64 getWord() const {
-    return word;
-  }
-  constexpr bool isOn(tSwitch which) const {
-    return (word & bitOf(which)) != 0;
-  }
-  constexpr u32 getWidth() const {
-    return static_cast<u32>(word >> kWidthShift);
-  }
+  constexpr u64 getWord() const { return word; }
+  constexpr bool isOn(tSwitch which) const { return (word & bitOf(which)) != 0; }
+  constexpr u32 getWidth() const { return static_cast<u32>(word >> kWidthShift); }
 
   // With one of them as given and the rest as it is.
   constexpr tLineShape with(tSwitch which, bool isOn) const {
@@ -75,20 +71,14 @@ class tLineShape {
   }
 
   // Whether a field is shown; without any, a prefix is blank.
-  constexpr bool hasFields() const {
-    return (word & kFields) != 0;
-  }
+  constexpr bool hasFields() const { return (word & kFields) != 0; }
 
   // Whether the prefix is what a tTraceSite has as text: component, line and file, cut to the
   // width.
-  constexpr bool isStandard() const {
-    return (word & kPrefixBits) == kStandardBits;
-  }
+  constexpr bool isStandard() const { return (word & kPrefixBits) == kStandardBits; }
 
   // Whether a line needs the counter at its beginning.
-  constexpr bool showsTime() const {
-    return (word & (bitOf(kTimeStamp) | bitOf(kTimeDelta))) != 0;
-  }
+  constexpr bool showsTime() const { return (word & (bitOf(kTimeStamp) | bitOf(kTimeDelta))) != 0; }
 
   // Whether a line that is not shown leaves nothing behind but the time of its end.
   constexpr bool isHiddenQuietly() const {
@@ -99,21 +89,14 @@ class tLineShape {
   static constexpr u32 kWidthShift = 32;
   static constexpr u64 kLowHalf = 0xFFFFFFFF;
 
-  static constexpr u64 bitOf(tSwitch which) {
-    return 1ull << which;
-  }
+  static constexpr u64 bitOf(tSwitch which) { return 1ull << which; }
 
-#define OXDIAG_TRACE_BIT(Name, name, place, atStart, word, field) | 1ull << (place)
-#define OXDIAG_TRACE_BIT_AT_START(Name, name, place, atStart, word, field) \
-  | static_cast<u64>(atStart) << (place)
   static constexpr u64 kFields =
       0 OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_BIT, OXDIAG_TRACE_NO_SWITCH, OXDIAG_TRACE_NO_SWITCH);
   static constexpr u64 kSwitches =
       0 OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_BIT, OXDIAG_TRACE_BIT, OXDIAG_TRACE_BIT);
   static constexpr u64 kSwitchesAtStart = 0 OXDIAG_TRACE_SWITCHES(
       OXDIAG_TRACE_BIT_AT_START, OXDIAG_TRACE_BIT_AT_START, OXDIAG_TRACE_BIT_AT_START);
-#undef OXDIAG_TRACE_BIT_AT_START
-#undef OXDIAG_TRACE_BIT
   static_assert(kSwitches == (1ull << kSwitchCount) - 1, "each switch has a place of its own");
 
   static constexpr u64 kPrefixBits = kFields | 1ull << kFilePath | 1ull << kTruncation;
@@ -124,3 +107,7 @@ class tLineShape {
 };
 
 }  // namespace nOXDIAG100
+
+#undef OXDIAG_TRACE_BIT_AT_START
+#undef OXDIAG_TRACE_BIT
+#undef OXDIAG_TRACE_PLACE

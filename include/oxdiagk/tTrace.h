@@ -7,6 +7,17 @@
 #include "vexk/tMemBlockReferenceTemplate.h"
 #include "vexk/tSSVersion.h"
 
+#define OXDIAG_TRACE_SWITCH(Name, name, place, atStart, word, field) \
+  void enable##Name() {                                              \
+    parts.turn(tLineShape::k##Name, true);                           \
+  }                                                                  \
+  void disable##Name() {                                             \
+    parts.turn(tLineShape::k##Name, false);                          \
+  }                                                                  \
+  u32 name##IsEnabled() const {                                      \
+    return parts.getShape().isOn(tLineShape::k##Name) ? 1 : 0;       \
+  }
+
 namespace nOXDIAG100 {
 
 class iTraceable;
@@ -126,17 +137,6 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Lets an author skip work for a line that nobody sees; the line still needs its endl.
   bool isLineShown() const { return parts.isWriting(); }
 
-#define OXDIAG_TRACE_SWITCH(Name, name, place, atStart, word, field) \
-  void enable##Name() {                                              \
-    parts.turn(tLineShape::k##Name, true);                           \
-  }                                                                  \
-  void disable##Name() {                                             \
-    parts.turn(tLineShape::k##Name, false);                          \
-  }                                                                  \
-  u32 name##IsEnabled() const {                                      \
-    return parts.getShape().isOn(tLineShape::k##Name) ? 1 : 0;       \
-  }
-
   // The switches of the prefix, and its shape. Each stands for three operations, as in
   // enableTimeStamp(), disableTimeStamp(), timeStampIsEnabled(); a query returns 1 or 0.
   //
@@ -151,8 +151,7 @@ class OXDIAG_API tTrace : public tConfigurable {
   //   Verbosity         off  the level of the line
   //   Indenting         on   two blanks a nesting level
   //   Truncation        on   cut fields to the prefix width
-  OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_NO_SWITCH)
-#undef OXDIAG_TRACE_SWITCH
+  OXDIAG_TRACE_SWITCHES(OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_SWITCH, OXDIAG_TRACE_NO_SWITCH);
 
   // The line mutex; off at the start. The first enableMutex opens the platform's lock
   // "nOXDIAG100::tTrace::_mutex", which is kept until the stream is destroyed; when it cannot be
@@ -441,32 +440,25 @@ class OXDIAG_API tTrace : public tConfigurable {
   explicit tTrace(iTraceDestination& first);
 
   // The module's stream before and after its life.
-  explicit tTrace(tAtRest) : parts(tAtRest()) {
-  }
+  explicit tTrace(tAtRest) : parts(tAtRest()) {}
 
   // The times of this stream's lines, and the ticks that hidden lines carry into the next delta.
-  tLineClock& getClock() {
-    return parts.clock;
-  }
-  u64& getCarriedDelta() {
-    return parts.carriedDelta;
-  }
+  tLineClock& getClock() { return parts.clock; }
+  u64& getCarriedDelta() { return parts.carriedDelta; }
 
  private:
   tTrace* openSite(tTraceSite const& site, u32 verbosity, tTraceType type);
   void append(char const* text);
-  void append(char const* text, u64 length) {
-    parts.append(text, length);
-  }
+  void append(char const* text, u64 length) { parts.append(text, length); }
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendSigned(i64 value, u32 radix);
   void appendNumber(u64 magnitude, u32 radix, bool isNegative);
-  bool isWriting() const {
-    return parts.isWriting();
-  }
+  bool isWriting() const { return parts.isWriting(); }
   void end();
 
   tTraceParts parts;
 };
 
 }  // namespace nOXDIAG100
+
+#undef OXDIAG_TRACE_SWITCH

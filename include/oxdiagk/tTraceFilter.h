@@ -119,7 +119,7 @@ class OXDIAG_API tTraceFilter {
   tVerdict judge(u32 verbosity) const {
     u64 const range = loadRelaxed(shownRange);
     if (verbosity - static_cast<u32>(range) > static_cast<u32>(range >> 32)) return kHidden;
-    return range == ~0ull ? kUndecided : kShown;
+    return range == kNoRange ? kUndecided : kShown;
   }
 
   // Whether a term looks at `field`; false for what is no field.
@@ -150,6 +150,8 @@ class OXDIAG_API tTraceFilter {
   bool isEmpty() const { return first == nullptr; }
 
  private:
+  static constexpr u64 kNoRange = ~0ull;  // see tTraceFilterShortForm::getShownRange
+
   bool evaluateTerms(tTraceFilterLine const& line) const;
   void append(tTraceFilterTerm* term);
   void remove(tTraceFilterTerm* term);
@@ -161,7 +163,7 @@ class OXDIAG_API tTraceFilter {
   tTraceFilterTerm* last = nullptr;
   tTraceFilterTerm* removed = nullptr;  // out of the list, perhaps still looked at
   u64 shortForm = 0;                    // what needs no list, see tTraceFilterShortForm
-  u64 shownRange = ~0ull;               // of a verbosity: the first that is shown, how many follow
+  u64 shownRange = kNoRange;            // of a verbosity: the first that is shown, how many follow
   mutable u32 evaluations = 0;          // that walk the list at this moment
   u32 usedFields = 0;                   // a bit for each field that a term looks at
   bool failed = false;

@@ -35,7 +35,7 @@ class tTraceSite : public tLineOrigin {
     length = addNumber(addText(length, "--"), line);
     length = addText(addText(length, "--"), getLastPart(file));
     while (length < kTextSize) text[length++] = '-';
-    for (char const character : text) hasNewline = hasNewline || character == '\n';
+    if (hasNewline()) text[0] = '\0';
   }
 
   constexpr bool isSomewhere() const { return component != nullptr; }
@@ -45,7 +45,7 @@ class tTraceSite : public tLineOrigin {
   constexpr char const* getText() const { return text; }
 
   // Whether a prefix may be copied from the text: a newline ends a line, which copying does not.
-  constexpr bool isCopied() const { return text[0] != '\0' && !hasNewline; }
+  constexpr bool isCopied() const { return text[0] != '\0'; }
 
  private:
   constexpr u32 addText(u32 length, char const* piece) {
@@ -74,8 +74,14 @@ class tTraceSite : public tLineOrigin {
     return part;
   }
 
-  char text[kTextSize] = {};
-  bool hasNewline = false;
+  constexpr bool hasNewline() const {
+    for (char const character : text) {
+      if (character == '\n') return true;
+    }
+    return false;
+  }
+
+  char text[kTextSize] = {};  // without its first character when it is not to be copied
 };
 
 }  // namespace nOXDIAG100

@@ -106,8 +106,11 @@
 #define OXDIAG_BLOCK_AT(site, block, verbosity, object, status)                                  \
   OXDIAG_TRACE_SITE(site);                                                                       \
   ::nOXDIAG100::tSiteBlockTracer const block(                                                    \
-      site, site.isSomewhere() ? site.getOrigin() : OXDIAG_TRACE_ORIGIN, verbosity, __func__,    \
-      static_cast<void const volatile*>(object), status, OXDIAG_TRACE_STREAM)
+      site,                                                                                      \
+      *(site.isSomewhere()                                                                       \
+            ? &site.getOrigin()                                                                  \
+            : &static_cast<::nOXDIAG100::tLineOrigin const&>(OXDIAG_TRACE_ORIGIN)),              \
+      verbosity, __func__, static_cast<void const volatile*>(object), status, OXDIAG_TRACE_STREAM)
 
 // What the compiler knows of this place, or the record of nowhere when it does not know all.
 #define OXDIAG_TRACE_SITE(name)                                                                  \

@@ -1,6 +1,6 @@
 #include "oxdiagk/tCTFTraceDestination.h"
 
-#include "trace/mixedText.h"
+#include "trace/textWords.h"
 
 namespace nOXDIAG100 {
 
@@ -31,7 +31,7 @@ void tCTFTraceDestination::capture(char const* bytes, u64 size, u64 advance) {
   i32 const start = __atomic_load_n(position, __ATOMIC_RELAXED);
   if (captured == nullptr || start < 0 || start >= capacity) return;
   u64 const room = static_cast<u64>(capacity - start);
-  copyMixedText(captured + start, bytes, size < room ? size : room);
+  copyText(captured + start, bytes, size < room ? size : room);
   i32 const step = static_cast<i32>(advance < room ? advance : room);
   __atomic_store_n(position, start + step, __ATOMIC_RELAXED);
 }

@@ -2,7 +2,6 @@
 
 #include "oxdiagk/atomicWord.h"
 #include "oxdiagk/tDestinationSlot.h"
-#include "trace/mixedText.h"
 #include "trace/textWords.h"
 
 namespace nOXDIAG100 {
@@ -23,8 +22,8 @@ OXDIAG_MIXES_TEXT void writeWord(char* to, tWord word) {
   __builtin_memcpy(to, &word, sizeof(word));
 }
 
-// What a word of text adds to the marks of newlines: bits of kHighBits if there is one in it. The
-// upper half of four characters has none.
+// What a word of text adds to the marks of newlines: the uppermost bit of some byte if there is one
+// in it. What shorter texts leave of the word has none.
 constexpr u64 markNewline(u64 word) {
   u64 const zeroed = word ^ eightOf('\n');
   return (zeroed - eightOf('\x01')) & ~zeroed;
@@ -144,7 +143,7 @@ OXDIAG_MIXES_TEXT bool tLineBuffer::appendPrefix(char const* from, u32 length) {
 void tLineBuffer::flush(char const* end, tDestinationSlot& slot) {
   u32 const length = static_cast<u32>(end - text);
   char copy[kSize];
-  copyMixedText(copy, text, length);
+  copyText(copy, text, length);
   storeRelaxed(writePosition, &text[0]);
   slot.send(copy, length);
 }

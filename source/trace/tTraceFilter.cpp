@@ -132,8 +132,9 @@ void tTraceFilter::setUsedFields(u32 fields) {
 
 // A line that is judged meanwhile goes by the form of before or by this one.
 void tTraceFilter::publishShortForm() {
+  static_assert(kNoRange == tTraceFilterShortForm::kNoRange);
   tTraceFilterShortForm const form(first, first == last);
-  __atomic_store_n(&shownRange, tTraceFilterShortForm::kNoRange, __ATOMIC_RELAXED);
+  __atomic_store_n(&shownRange, kNoRange, __ATOMIC_RELAXED);
   __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELEASE);
   __atomic_store_n(&shownRange, form.getShownRange(), __ATOMIC_RELEASE);
 }

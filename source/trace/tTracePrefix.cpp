@@ -65,14 +65,16 @@ void tTracePrefix::write() {
   flush();
 }
 
-// The room behind the text takes a separator, however full the text is.
+// The room behind the text takes a separator, however full the text is. The field that follows
+// makes room again; at the limit none does.
 bool tTracePrefix::beginField() {
+  if (flushed + used >= fieldLimit) return false;
   char* const to = text + used;
   to[0] = isFirst ? '[' : '-';
   to[1] = '-';
   used += isFirst ? 1 : 2;
   isFirst = false;
-  return flushed + used < fieldLimit;
+  return true;
 }
 
 void tTracePrefix::putComponentName() {

@@ -1,6 +1,8 @@
 #pragma once
 
-// The end of the module while a put does not come out.
+// The end of the module while a put does not come out, in an image with one life.
+
+#include <gtest/gtest.h>
 
 #include <atomic>
 #include <string>
@@ -8,8 +10,12 @@
 
 #include "hurriedTime.h"
 #include "keptLines.h"
+#include "ntos/status.h"
 #include "ntos/time.h"
+#include "oxdiagk/module.h"
+#include "qelmk/module.h"
 #include "vexk/eventLog.h"
+#include "vexk/module.h"
 #include "vexk/threadUtility.h"
 
 class tStickyDestination : public tKeptLines {
@@ -33,6 +39,12 @@ class tStickyDestination : public tKeptLines {
   std::atomic<bool> isSticky = false;
 };
 
+inline void startModules() {
+  ASSERT_EQ(vexkInitialize(), STATUS_SUCCESS);
+  ASSERT_EQ(qelmkInitialize(), STATUS_SUCCESS);
+  ASSERT_EQ(oxdiagkInitialize(nullptr), STATUS_SUCCESS);
+}
+
 // In the hurried time.
 inline u64 getSeconds() {
   LARGE_INTEGER countsPerSecond;
@@ -46,4 +58,20 @@ inline bool isLogged(std::string const& text) {
     if (std::string(event.text).find(text) != std::string::npos) return true;
   }
   return false;
+}
+
+// Unloads the library beside the put: that takes ten seconds, and less than `most`.
+inline void unloadBeside(u64 most) {
+  u64 const start = getSeconds();
+  EXPECT_EQ(oxdiagkUnload(), STATUS_SUCCESS);
+  EXPECT_GE(getSeconds() - start, 10u);
+  EXPECT_LT(getSeconds() - start, most);
+}
+
+// Lets the put come out, and unloads what is left.
+inline void endModules(tStickyDestination& sticky, std::thread& writer) {
+  sticky.mayGo = true;
+  writer.join();
+  qelmkUnload();
+  vexkUnload();
 }

@@ -4,11 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "capturedPrint.h"
-#include "ntos/status.h"
-#include "oxdiagk/module.h"
-#include "qelmk/module.h"
 #include "stickyDestination.h"
-#include "vexk/module.h"
 #include "vexk/sync.h"
 
 namespace {
@@ -36,9 +32,7 @@ void releaseLineLock() {
 TEST(StuckLockedUnload, WaitsOnceHoweverManyConfigurationsSwitchTheMutex) {
   tHurriedTime const hurry;
   tCapturedPrint captured;
-  ASSERT_EQ(vexkInitialize(), STATUS_SUCCESS);
-  ASSERT_EQ(qelmkInitialize(), STATUS_SUCCESS);
-  ASSERT_EQ(oxdiagkInitialize(nullptr), STATUS_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(startModules());
   tStickyDestination sticky;
   tTrace& trace = tTrace::getInstance();
   for (int push = 0; push < kPushes; ++push) {
@@ -53,14 +47,8 @@ TEST(StuckLockedUnload, WaitsOnceHoweverManyConfigurationsSwitchTheMutex) {
     releaseLineLock();
   });
   while (sticky.thread == 0) std::this_thread::yield();
-  u64 const start = getSeconds();
-  EXPECT_EQ(oxdiagkUnload(), STATUS_SUCCESS);
-  EXPECT_GE(getSeconds() - start, 10u);
-  EXPECT_LT(getSeconds() - start, kMostSeconds);
+  unloadBeside(kMostSeconds);
   EXPECT_TRUE(isLogged("a trace destination is left open at the end: "));
   EXPECT_FALSE(isLogged("the line mutex is not switched"));
-  sticky.mayGo = true;
-  writer.join();
-  qelmkUnload();
-  vexkUnload();
+  endModules(sticky, writer);
 }

@@ -3,11 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "capturedPrint.h"
-#include "ntos/status.h"
-#include "oxdiagk/module.h"
-#include "qelmk/module.h"
 #include "stickyDestination.h"
-#include "vexk/module.h"
 
 namespace {
 
@@ -20,9 +16,7 @@ constexpr int kPushes = 20;
 TEST(StuckUnload, EndsAfterTenSecondsAndSaysWhoIsWithin) {
   tHurriedTime const hurry;
   tCapturedPrint captured;
-  ASSERT_EQ(vexkInitialize(), STATUS_SUCCESS);
-  ASSERT_EQ(qelmkInitialize(), STATUS_SUCCESS);
-  ASSERT_EQ(oxdiagkInitialize(nullptr), STATUS_SUCCESS);
+  ASSERT_NO_FATAL_FAILURE(startModules());
   tStickyDestination sticky;
   tTrace& trace = tTrace::getInstance();
   for (int push = 0; push < kPushes; ++push) trace.pushConfiguration();
@@ -32,13 +26,7 @@ TEST(StuckUnload, EndsAfterTenSecondsAndSaysWhoIsWithin) {
   while (sticky.thread == 0) std::this_thread::yield();
   char name[32];
   snprintf(name, sizeof(name), "thread 0x%X ", sticky.thread.load());
-  u64 const start = getSeconds();
-  EXPECT_EQ(oxdiagkUnload(), STATUS_SUCCESS);
-  EXPECT_GE(getSeconds() - start, 10u);
-  EXPECT_LT(getSeconds() - start, 10u * kPushes);
+  unloadBeside(10u * kPushes);
   EXPECT_TRUE(isLogged(std::string("a trace destination is left open at the end: ") + name));
-  sticky.mayGo = true;
-  writer.join();
-  qelmkUnload();
-  vexkUnload();
+  endModules(sticky, writer);
 }

@@ -1,28 +1,16 @@
 // oxdiagbench.sys: what lines cost in a driver, beside the same lines written by hand, in ticks of
 // the time stamp counter; measured while the driver is loaded.
 
+#include "benchedLine.h"
 #include "ntos/debug.h"
 #include "ntos/driver.h"
-#include "tBenchStream.h"
 #include "tFloorStream.h"
 #include "vexk/cpu.h"
-
-#define OXDIAG_COMPONENT "slotbus"
-#define OXDIAG_COMPONENT_VERSION kVersion
-#define OXDIAG_TRACE_STREAM trace
-#define OXDIAG_TRACE_FILE "examples/slotbus/component/tRackReader.cpp"
-
-#include "oxdiagk/traceMacros.h"
 
 namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr tSSVersion kVersion(1, 0, 0, tSSVersion::kPhaseReleased, 1, 0);
-constexpr u32 kShown = 120;
-constexpr u32 kHidden = 60;
-constexpr u32 kSlot = 17;
-constexpr u32 kWidthForEveryField = 110;
 constexpr u32 kDumpLength = 256;  // bytes
 constexpr u32 kBatches = 400;
 constexpr u32 kLinesABatch = 50;
@@ -52,7 +40,7 @@ void compare(char const* name, u32 pieces, void (*prepare)(tTrace& trace), tOurs
   tBenchStream trace(taken);
   tFloorStream floor(takenFromFloor);
   prepare(trace);
-  u32 const ours = measure([&] { putOurs(trace); });
+  u32 const ours = measure([&] { putOurs(trace, kSlot); });
   u32 const theirs = measure([&] { putFloor(floor); });
   bool const isDone = taken.getPieces() == u64{pieces} * kBatches * kLinesABatch &&
                       (pieces == 0 || takenFromFloor.getPieces() == taken.getPieces());
@@ -60,46 +48,12 @@ void compare(char const* name, u32 pieces, void (*prepare)(tTrace& trace), tOurs
            theirs % 10, name);
 }
 
-void leave(tTrace&) {
-}
-
-void switchOff(tTrace& trace) {
-  trace.disable();
-}
-
-void enableEveryField(tTrace& trace) {
-  trace.enableComponentVersion();
-  trace.enableThreadId();
-  trace.enableTimeStamp();
-  trace.enableTimeDelta();
-  trace.enableVerbosity();
-  trace.setMinPrefixWidth(kWidthForEveryField);
-}
-
-void showByMacro(tTrace& trace) {
-  OXDIAG_TRACE(kShown, put("slot ").put(kSlot, 10).put(" answered"));
-}
-
-void hideByMacro(tTrace& trace) {
-  OXDIAG_TRACE(kHidden, put("slot ").put(kSlot, 10).put(" answered"));
-}
-
-void showByCalls(tTrace& trace) {
-  trace
-      .putPrefix("slotbus", kVersion, 118, "examples/slotbus/component/tRackReader.cpp", kShown,
-                 tTrace::kTraceLine)
-      .put("slot ")
-      .put(kSlot, 10)
-      .put(" answered")
-      .endl();
-}
-
-void showBlock(tTrace& trace) {
+void showBlock(tTrace& trace, u32) {
   OXDIAG_BLOCK(kShown);
   __asm__ volatile("" ::: "memory");
 }
 
-void hideBlock(tTrace& trace) {
+void hideBlock(tTrace& trace, u32) {
   OXDIAG_BLOCK(kHidden);
   __asm__ volatile("" ::: "memory");
 }
@@ -125,7 +79,7 @@ void compareDumps() {
   constexpr u32 kRows = kDumpLength / 16;
   compare(
       "hex dump of 256 bytes", kRows, leave,
-      [](tTrace& trace) { trace.put(static_cast<void const*>(bytes), kDumpLength, 4); },
+      [](tTrace& trace, u32) { trace.put(static_cast<void const*>(bytes), kDumpLength, 4); },
       [](tFloorStream& floor) { floor.putDump(bytes, kDumpLength); });
 }
 
