@@ -29,11 +29,11 @@ void openLine(tTrace& trace, u32 verbosity) {
   trace.putPrefix("test", tSSVersion(), 1, "file", verbosity, tTrace::kTraceLine);
 }
 
+class TraceLines : public tRecordedStream {};
+
 }  // namespace
 
-TEST(TraceLines, TextStaysInTheBufferUntilTheLineEnds) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, TextStaysInTheBufferUntilTheLineEnds) {
   trace.put("one").put(" two");
   EXPECT_EQ(recorder.pieceCount(), u32{0});
   trace.endl();
@@ -41,34 +41,26 @@ TEST(TraceLines, TextStaysInTheBufferUntilTheLineEnds) {
   EXPECT_STREQ(recorder.text(), "one two\n");
 }
 
-TEST(TraceLines, EndOfAnEmptyLineIsANewline) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EndOfAnEmptyLineIsANewline) {
   trace.endl();
   trace.endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});
   EXPECT_STREQ(recorder.text(), "\n\n");
 }
 
-TEST(TraceLines, EveryOperationReturnsTheStream) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EveryOperationReturnsTheStream) {
   EXPECT_TRUE(&trace.put("x") == &trace);
   EXPECT_TRUE(&trace.endl() == &trace);
 }
 
-TEST(TraceLines, NewlineInsideTextEndsALine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, NewlineInsideTextEndsALine) {
   trace.put("a\nb").endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});
   EXPECT_TRUE(recorder.pieceIs(0, "a\n"));
   EXPECT_TRUE(recorder.pieceIs(1, "b\n"));
 }
 
-TEST(TraceLines, EachNewlineIsALineOfItsOwn) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EachNewlineIsALineOfItsOwn) {
   trace.put("\n\nx\n");
   EXPECT_EQ(recorder.pieceCount(), u32{3});
   EXPECT_TRUE(recorder.pieceIs(0, "\n"));
@@ -76,18 +68,14 @@ TEST(TraceLines, EachNewlineIsALineOfItsOwn) {
   EXPECT_TRUE(recorder.pieceIs(2, "x\n"));
 }
 
-TEST(TraceLines, OtherControlCharactersDoNotEndALine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, OtherControlCharactersDoNotEndALine) {
   trace.put("a\r\t\v\fb");
   EXPECT_EQ(recorder.pieceCount(), u32{0});
   trace.endl();
   EXPECT_STREQ(recorder.text(), "a\r\t\v\fb\n");
 }
 
-TEST(TraceLines, ThreeHundredCharactersComeInTwoPieces) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, ThreeHundredCharactersComeInTwoPieces) {
   putLetters(trace, 300);
   trace.endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});
@@ -97,18 +85,14 @@ TEST(TraceLines, ThreeHundredCharactersComeInTwoPieces) {
   EXPECT_EQ(recorder.text()[300], '\n');
 }
 
-TEST(TraceLines, LineOf253CharactersIsOnePiece) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, LineOf253CharactersIsOnePiece) {
   putLetters(trace, kLongest - 2);
   trace.endl();
   EXPECT_EQ(recorder.pieceCount(), u32{1});
   EXPECT_EQ(recorder.pieceLength(0), kLongest - 1);
 }
 
-TEST(TraceLines, LineOf254CharactersAndItsNewlineFillTheBuffer) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, LineOf254CharactersAndItsNewlineFillTheBuffer) {
   putLetters(trace, kLongest - 1);
   EXPECT_EQ(recorder.pieceCount(), u32{0});
   trace.endl();
@@ -117,9 +101,7 @@ TEST(TraceLines, LineOf254CharactersAndItsNewlineFillTheBuffer) {
   EXPECT_EQ(recorder.text()[kLongest - 1], '\n');
 }
 
-TEST(TraceLines, LineOf255CharactersLeavesItsNewlineToASecondPiece) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, LineOf255CharactersLeavesItsNewlineToASecondPiece) {
   putLetters(trace, kLongest);
   EXPECT_EQ(recorder.pieceCount(), u32{1});
   trace.endl();
@@ -128,9 +110,7 @@ TEST(TraceLines, LineOf255CharactersLeavesItsNewlineToASecondPiece) {
   EXPECT_TRUE(recorder.pieceIs(1, "\n"));
 }
 
-TEST(TraceLines, LineOf256CharactersLosesNothing) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, LineOf256CharactersLosesNothing) {
   putLetters(trace, kLongest + 1);
   trace.endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});
@@ -138,9 +118,7 @@ TEST(TraceLines, LineOf256CharactersLosesNothing) {
   EXPECT_TRUE(isLetters(recorder.text(), 0, kLongest + 1));
 }
 
-TEST(TraceLines, EveryLengthUpToFourBuffersArrivesWhole) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EveryLengthUpToFourBuffersArrivesWhole) {
   for (u32 length = 0; length <= 4 * kLongest + 1; ++length) {
     recorder.clear();
     putLetters(trace, length);
@@ -151,9 +129,7 @@ TEST(TraceLines, EveryLengthUpToFourBuffersArrivesWhole) {
   }
 }
 
-TEST(TraceLines, OneTextLongerThanTheBufferIsSplitLikeManyShortOnes) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, OneTextLongerThanTheBufferIsSplitLikeManyShortOnes) {
   static constinit char text[601] = {};
   for (u32 index = 0; index < 600; ++index) text[index] = static_cast<char>('a' + index % 26);
   trace.put(text).endl();
@@ -164,9 +140,7 @@ TEST(TraceLines, OneTextLongerThanTheBufferIsSplitLikeManyShortOnes) {
   EXPECT_TRUE(isLetters(recorder.text(), 0, 600));
 }
 
-TEST(TraceLines, SplitCountsFromTheLastNewline) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, SplitCountsFromTheLastNewline) {
   putLetters(trace, 200);
   trace.put('\n');
   putLetters(trace, 254);
@@ -176,36 +150,28 @@ TEST(TraceLines, SplitCountsFromTheLastNewline) {
   EXPECT_EQ(recorder.pieceLength(1), kLongest);
 }
 
-TEST(TraceLines, EmbeddedNulCharactersReachTheDestination) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EmbeddedNulCharactersReachTheDestination) {
   trace.put("a\0\0", 3).put("b").endl();
   EXPECT_EQ(recorder.pieceCount(), u32{1});
   EXPECT_EQ(recorder.length(), u32{5});
   EXPECT_EQ(__builtin_memcmp(recorder.text(), "a\0\0b\n", 5), 0);
 }
 
-TEST(TraceLines, LineAfterOneWithNulCharactersIsWholeToo) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, LineAfterOneWithNulCharactersIsWholeToo) {
   trace.put("\0", 1).endl();
   trace.put("next").endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});
   EXPECT_TRUE(recorder.pieceIs(1, "next\n"));
 }
 
-TEST(TraceLines, EveryPieceIsHandedOverByItsLength) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EveryPieceIsHandedOverByItsLength) {
   trace.put("before").endl();
   trace.put("\0", 1).endl();
   putLetters(trace, 256);
   EXPECT_STREQ(recorder.events(), "put put put ");
 }
 
-TEST(TraceLines, DisabledStreamDropsTextAndLineEnds) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, DisabledStreamDropsTextAndLineEnds) {
   trace.disable();
   trace.put("hidden").put(5, 10).put("x", 1).put(&recorder, 16, 4).endl();
   EXPECT_EQ(recorder.pieceCount(), u32{0});
@@ -214,9 +180,7 @@ TEST(TraceLines, DisabledStreamDropsTextAndLineEnds) {
   EXPECT_STREQ(recorder.text(), "shown\n");
 }
 
-TEST(TraceLines, TextBufferedBeforeDisablingHeadsTheNextShownLine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, TextBufferedBeforeDisablingHeadsTheNextShownLine) {
   trace.put("kept ");
   trace.disable();
   trace.put("dropped").endl();
@@ -225,43 +189,33 @@ TEST(TraceLines, TextBufferedBeforeDisablingHeadsTheNextShownLine) {
   EXPECT_STREQ(recorder.text(), "kept shown\n");
 }
 
-TEST(TraceLines, DisablingDropsTheLineEndOfAStartedLine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, DisablingDropsTheLineEndOfAStartedLine) {
   trace.put("started");
   trace.disable();
   trace.endl();
   EXPECT_EQ(recorder.pieceCount(), u32{0});
 }
 
-TEST(TraceLines, RejectedLineIsDroppedWhole) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, RejectedLineIsDroppedWhole) {
   openLine(trace, 99);
   trace.put("hidden").put(1, 10).endl();
   EXPECT_EQ(recorder.pieceCount(), u32{0});
 }
 
-TEST(TraceLines, EndOfARejectedLineClearsTheRejection) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EndOfARejectedLineClearsTheRejection) {
   openLine(trace, 99);
   trace.endl();
   trace.put("no prefix").endl();
   EXPECT_STREQ(recorder.text(), "no prefix\n");
 }
 
-TEST(TraceLines, NewlineInARejectedLineDoesNotClearTheRejection) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, NewlineInARejectedLineDoesNotClearTheRejection) {
   openLine(trace, 99);
   trace.put("a\nb\n").put("c").endl();
   EXPECT_EQ(recorder.pieceCount(), u32{0});
 }
 
-TEST(TraceLines, TextBufferedBeforeARejectedLineHeadsTheNextShownLine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, TextBufferedBeforeARejectedLineHeadsTheNextShownLine) {
   trace.put("kept ");
   openLine(trace, 99);
   trace.put("hidden").endl();
@@ -270,9 +224,7 @@ TEST(TraceLines, TextBufferedBeforeARejectedLineHeadsTheNextShownLine) {
   EXPECT_STREQ(recorder.text(), "kept shown\n");
 }
 
-TEST(TraceLines, EndOfARejectedLineIsKeptWhileDisabled) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, EndOfARejectedLineIsKeptWhileDisabled) {
   openLine(trace, 99);
   trace.disable();
   trace.endl();
@@ -281,9 +233,7 @@ TEST(TraceLines, EndOfARejectedLineIsKeptWhileDisabled) {
   EXPECT_STREQ(recorder.text(), "shown\n");
 }
 
-TEST(TraceLines, DisabledStreamStillRecordsTheEndOfTheLine) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceLines, DisabledStreamStillRecordsTheEndOfTheLine) {
   trace.configure(
       "--off --compname off --linenumber off --filename off --timedelta on "
       "--truncation off");

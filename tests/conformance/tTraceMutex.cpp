@@ -23,11 +23,11 @@ bool isOwner(iSync& lock) {
   return true;
 }
 
+class TraceMutex : public tRecordedStream {};
+
 }  // namespace
 
-TEST(TraceMutex, LineHoldsTheNamedLockFromItsPrefixToItsEnd) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LineHoldsTheNamedLockFromItsPrefixToItsEnd) {
   trace.enableMutex();
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
@@ -42,9 +42,7 @@ TEST(TraceMutex, LineHoldsTheNamedLockFromItsPrefixToItsEnd) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, SwitchingLeavesTheLockFree) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, SwitchingLeavesTheLockFree) {
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
   ASSERT_TRUE(lock != nullptr);
@@ -55,9 +53,7 @@ TEST(TraceMutex, SwitchingLeavesTheLockFree) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, LineIsNotLockedWhileTheSwitchIsOff) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LineIsNotLockedWhileTheSwitchIsOff) {
   trace.enableMutex();
   trace.disableMutex();
   i32 status = 0;
@@ -69,9 +65,7 @@ TEST(TraceMutex, LineIsNotLockedWhileTheSwitchIsOff) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, RejectedLineHoldsTheLockToo) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, RejectedLineHoldsTheLockToo) {
   trace.enableMutex();
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
@@ -83,9 +77,7 @@ TEST(TraceMutex, RejectedLineHoldsTheLockToo) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, LineOfADisabledStreamHoldsTheLockToo) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LineOfADisabledStreamHoldsTheLockToo) {
   trace.enableMutex();
   trace.disable();
   i32 status = 0;
@@ -98,9 +90,7 @@ TEST(TraceMutex, LineOfADisabledStreamHoldsTheLockToo) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, EndWithoutPrefixReleasesNothing) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, EndWithoutPrefixReleasesNothing) {
   trace.enableMutex();
   trace.put("no prefix").endl();
   trace.endl();
@@ -111,9 +101,7 @@ TEST(TraceMutex, EndWithoutPrefixReleasesNothing) {
   EXPECT_EQ(trace.mutexIsEnabled(), u32{0});
 }
 
-TEST(TraceMutex, LineOpenedBeforeSwitchingOnEndsWithoutALock) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LineOpenedBeforeSwitchingOnEndsWithoutALock) {
   openLine(trace);
   trace.enableMutex();
   trace.put("line").endl();
@@ -121,9 +109,7 @@ TEST(TraceMutex, LineOpenedBeforeSwitchingOnEndsWithoutALock) {
   EXPECT_EQ(trace.mutexIsEnabled(), u32{1});
 }
 
-TEST(TraceMutex, LineOpenedBeforeSwitchingOffGivesTheLockBack) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LineOpenedBeforeSwitchingOffGivesTheLockBack) {
   trace.enableMutex();
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
@@ -136,9 +122,7 @@ TEST(TraceMutex, LineOpenedBeforeSwitchingOffGivesTheLockBack) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, LinesOpenedWithinALineAreReleasedOneByOne) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, LinesOpenedWithinALineAreReleasedOneByOne) {
   trace.enableMutex();
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
@@ -152,7 +136,7 @@ TEST(TraceMutex, LinesOpenedWithinALineAreReleasedOneByOne) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, StreamDestroyedWithinALineGivesTheLockBack) {
+TEST(TraceMutexAtTheEnd, StreamDestroyedWithinALineGivesTheLockBack) {
   tRecordingDestination recorder;
   i32 status = 0;
   iSync* lock = syncOpen(kMutexName, tSyncDescriptor{}, status);
@@ -167,9 +151,7 @@ TEST(TraceMutex, StreamDestroyedWithinALineGivesTheLockBack) {
   EXPECT_EQ(syncClose(lock), i32{0});
 }
 
-TEST(TraceMutex, KernelTokenOpensALockOfItsOwn) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, KernelTokenOpensALockOfItsOwn) {
   trace.configure("--mutex-kernel-token 7:0");
   trace.enableMutex();
   tSyncDescriptor descriptor;
@@ -187,9 +169,7 @@ TEST(TraceMutex, KernelTokenOpensALockOfItsOwn) {
   EXPECT_EQ(syncClose(withoutToken), i32{0});
 }
 
-TEST(TraceMutex, TokenSetAfterTheLockWasOpenedHasNoEffect) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, TokenSetAfterTheLockWasOpenedHasNoEffect) {
   trace.enableMutex();
   trace.disableMutex();
   trace.configure("--mutex on --mutex-kernel-token 7:0");
@@ -202,9 +182,7 @@ TEST(TraceMutex, TokenSetAfterTheLockWasOpenedHasNoEffect) {
   EXPECT_EQ(syncClose(withoutToken), i32{0});
 }
 
-TEST(TraceMutex, TokenAndSwitchInOneListOpenTheLockWithTheToken) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceMutex, TokenAndSwitchInOneListOpenTheLockWithTheToken) {
   trace.configure("--mutex on --mutex-kernel-token 9:0");
   tSyncDescriptor descriptor;
   descriptor.kind = kSyncKindTokenMutex;

@@ -89,41 +89,43 @@ void checkText(tTrace& trace, tRecordingDestination& recorder, char const* expec
   recorder.clear();
 }
 
+class TraceNumbers : public tRecordedStream {};
+
 }  // namespace
 
-TEST(TraceNumbers, UnsignedShortIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, UnsignedShortIsRightInEveryRadix) {
   checkUnsigned<unsigned short>(0xFFFF);
 }
 
-TEST(TraceNumbers, UnsignedIntIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, UnsignedIntIsRightInEveryRadix) {
   checkUnsigned<unsigned int>(0xFFFFFFFF);
 }
 
-TEST(TraceNumbers, UnsignedLongIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, UnsignedLongIsRightInEveryRadix) {
   checkUnsigned<unsigned long>(static_cast<unsigned long>(-1));
 }
 
-TEST(TraceNumbers, UnsignedLongLongIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, UnsignedLongLongIsRightInEveryRadix) {
   checkUnsigned<unsigned long long>(0xFFFFFFFFFFFFFFFF);
 }
 
-TEST(TraceNumbers, ShortIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, ShortIsRightInEveryRadix) {
   checkSigned<short>(0x7FFF);
 }
 
-TEST(TraceNumbers, IntIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, IntIsRightInEveryRadix) {
   checkSigned<int>(0x7FFFFFFF);
 }
 
-TEST(TraceNumbers, LongIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, LongIsRightInEveryRadix) {
   checkSigned<long>(static_cast<long>(static_cast<unsigned long>(-1) / 2));
 }
 
-TEST(TraceNumbers, LongLongIsRightInEveryRadix) {
+TEST(TraceNumbersInEveryRadix, LongLongIsRightInEveryRadix) {
   checkSigned<long long>(0x7FFFFFFFFFFFFFFF);
 }
 
-TEST(TraceNumbers, PowersOfTheRadixAndTheirNeighboursAreRight) {
+TEST(TraceNumbersInEveryRadix, PowersOfTheRadixAndTheirNeighboursAreRight) {
   for (u32 radix = kLeastRadix; radix <= kMostRadix; ++radix) {
     tRecordingDestination recorder;
     tPrivateTrace trace(recorder);
@@ -139,9 +141,7 @@ TEST(TraceNumbers, PowersOfTheRadixAndTheirNeighboursAreRight) {
   }
 }
 
-TEST(TraceNumbers, DocumentedExamplesAreRight) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, DocumentedExamplesAreRight) {
   trace.put(255u, 16);
   checkText(trace, recorder, "0xFF\n");
   trace.put(255u, 10);
@@ -156,9 +156,7 @@ TEST(TraceNumbers, DocumentedExamplesAreRight) {
   checkText(trace, recorder, "0x0\n");
 }
 
-TEST(TraceNumbers, SixtyFourBitExtremesAreRight) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, SixtyFourBitExtremesAreRight) {
   i64 const least = -0x7FFFFFFFFFFFFFFF - 1;
   trace.put(least, 10);
   checkText(trace, recorder, "-9223372036854775808\n");
@@ -171,41 +169,31 @@ TEST(TraceNumbers, SixtyFourBitExtremesAreRight) {
   checkText(trace, recorder, "36#3W5E11264SGSF\n");
 }
 
-TEST(TraceNumbers, DigitsAboveNineAreCapitalLetters) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, DigitsAboveNineAreCapitalLetters) {
   trace.put(35u, 36).put(" ").put(0xABCDEFu, 16).put(" ").put(19u, 20);
   checkText(trace, recorder, "36#Z 0xABCDEF 20#J\n");
 }
 
-TEST(TraceNumbers, RadixBelowTwoCountsAsTen) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, RadixBelowTwoCountsAsTen) {
   for (u32 radix = 0; radix < kLeastRadix; ++radix) {
     trace.put(-123, radix).put(" ").put(u64{0xFFFFFFFFFFFFFFFF}, radix);
     checkText(trace, recorder, "-123 18446744073709551615\n");
   }
 }
 
-TEST(TraceNumbers, RadixAboveThirtySixIsWrittenLikeEveryOther) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, RadixAboveThirtySixIsWrittenLikeEveryOther) {
   trace.put(5u, 100).put(" ").put(-5, 100).put(" ").put(0u, 37);
   checkText(trace, recorder, "100#5 -100#5 37#0\n");
   trace.put(12'345u, 100).put(" ").put(u64{0xFFFFFFFF}, 0xFFFFFFFF).put(" ").put(7u, 0xFFFFFFFF);
   checkText(trace, recorder, "100#1Nd 4294967295#10 4294967295#7\n");
 }
 
-TEST(TraceNumbers, DigitsGoOnBehindZInTheOrderOfTheCharacterSet) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, DigitsGoOnBehindZInTheOrderOfTheCharacterSet) {
   trace.put(36u, 37).put(" ").put(37u, 38).put(" ").put(99u, 100).put(" ").put(-61, 62);
   checkText(trace, recorder, "37#[ 38#\\ 100#\x9A -62#t\n");
 }
 
-TEST(TraceNumbers, EveryRadixThatHasADigitOfItsOwnForEachValueIsRight) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, EveryRadixThatHasADigitOfItsOwnForEachValueIsRight) {
   u64 const values[] = {0, 1, 200, 201, 0xFFFFFFFF, 0x7FFFFFFFFFFFFFFF, 0xFFFFFFFFFFFFFFFF};
   for (u32 radix = kMostRadix + 1; radix <= 201; ++radix) {
     for (u64 const value : values) {
@@ -217,9 +205,7 @@ TEST(TraceNumbers, EveryRadixThatHasADigitOfItsOwnForEachValueIsRight) {
   }
 }
 
-TEST(TraceNumbers, ADigitBehindTheLastCharacterIsACharacterFromTheFirstOn) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, ADigitBehindTheLastCharacterIsACharacterFromTheFirstOn) {
   trace.put(200u, 1'000).put(201u, 1'000).put(202u, 1'000).endl();
   EXPECT_EQ(recorder.length(), u32{3 * 6 + 1});
   EXPECT_EQ(__builtin_memcmp(recorder.text(),
@@ -230,17 +216,13 @@ TEST(TraceNumbers, ADigitBehindTheLastCharacterIsACharacterFromTheFirstOn) {
             0);
 }
 
-TEST(TraceNumbers, KernelIntegerTypesHaveTheirOverloads) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, KernelIntegerTypesHaveTheirOverloads) {
   trace.put(i16{-1}, 10).put(u16{1}, 10).put(i32{-2}, 10).put(u32{2}, 10);
   trace.put(i64{-3}, 10).put(u64{3}, 10).put(size_t{4}, 10);
   checkText(trace, recorder, "-11-22-334\n");
 }
 
-TEST(TraceNumbers, NumberIsSplitAtTheEndOfTheBufferLikeText) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceNumbers, NumberIsSplitAtTheEndOfTheBufferLikeText) {
   for (u32 index = 0; index < 253; ++index) trace.put('.');
   trace.put(12345, 10).endl();
   EXPECT_EQ(recorder.pieceCount(), u32{2});

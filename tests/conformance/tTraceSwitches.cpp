@@ -38,11 +38,11 @@ tSwitch getSwitch(u32 index) {
 
 constexpr u32 kSwitchCount = 13;
 
+class TraceSwitches : public tRecordedStream {};
+
 }  // namespace
 
-TEST(TraceSwitches, FreshStreamHasTheDocumentedSettings) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceSwitches, FreshStreamHasTheDocumentedSettings) {
   for (u32 index = 0; index < kSwitchCount; ++index) {
     tSwitch const tested = getSwitch(index);
     EXPECT_EQ((trace.*tested.isEnabled)(), tested.atTheStart);
@@ -51,9 +51,7 @@ TEST(TraceSwitches, FreshStreamHasTheDocumentedSettings) {
   EXPECT_EQ(trace.getNestingLevel(), i32{0});
 }
 
-TEST(TraceSwitches, EachSwitchChangesItselfAlone) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceSwitches, EachSwitchChangesItselfAlone) {
   for (u32 index = 0; index < kSwitchCount; ++index) (trace.*getSwitch(index).disable)();
   for (u32 changed = 0; changed < kSwitchCount; ++changed) {
     (trace.*getSwitch(changed).enable)();
@@ -65,9 +63,7 @@ TEST(TraceSwitches, EachSwitchChangesItselfAlone) {
   }
 }
 
-TEST(TraceSwitches, SwitchingTwiceIsSwitchingOnce) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceSwitches, SwitchingTwiceIsSwitchingOnce) {
   for (u32 index = 0; index < kSwitchCount; ++index) {
     tSwitch const tested = getSwitch(index);
     (trace.*tested.enable)();
@@ -79,9 +75,7 @@ TEST(TraceSwitches, SwitchingTwiceIsSwitchingOnce) {
   }
 }
 
-TEST(TraceSwitches, PrefixWidthIsKeptWithoutBounds) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceSwitches, PrefixWidthIsKeptWithoutBounds) {
   u32 const widths[] = {0, 1, 50, 255, 256, 0x7FFFFFFF, 0xFFFFFFFF};
   for (u32 width : widths) {
     trace.setMinPrefixWidth(width);
@@ -89,9 +83,7 @@ TEST(TraceSwitches, PrefixWidthIsKeptWithoutBounds) {
   }
 }
 
-TEST(TraceSwitches, StreamWritesToTheDestinationItWasBuiltWith) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceSwitches, StreamWritesToTheDestinationItWasBuiltWith) {
   EXPECT_TRUE(trace.getDestination() == &recorder);
   trace.put("text").endl();
   EXPECT_STREQ(recorder.text(), "text\n");

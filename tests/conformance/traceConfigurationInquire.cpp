@@ -26,22 +26,20 @@ char* freshBuffer() {
   return inquiryStorage;
 }
 
+class TraceInquire : public tRecordedStream {};
+
 }  // namespace
 
-TEST(TraceInquire, FreshStreamGivesTheDefaults) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, FreshStreamGivesTheDefaults) {
   EXPECT_STREQ(tTraceState(trace).get(), kDefaults);
 }
 
-TEST(TraceInquire, DebuggerPrintIsNamedStraightBehindTheMasterSwitch) {
+TEST(TraceInquireDestination, DebuggerPrintIsNamedStraightBehindTheMasterSwitch) {
   tPrivateTrace trace(tVEXTraceDestination::getInstance());
   EXPECT_TRUE(tTraceState(trace).beginsWith("--on --destination vex --compname on --compver off"));
 }
 
-TEST(TraceInquire, EverySettingIsShownInItsPlace) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, EverySettingIsShownInItsPlace) {
   trace.configure(
       "--off --compname off --compver on --linenumber off --filename off --filepath on "
       "--threadid on --timestamp on --timedelta on --verbosity on --indent off "
@@ -54,37 +52,31 @@ TEST(TraceInquire, EverySettingIsShownInItsPlace) {
                "--filter \"linenumber<7 || compname!=x\" --mutex on --calibrate 0 0 0");
 }
 
-TEST(TraceInquire, EmptyFilterIsNotMentioned) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, EmptyFilterIsNotMentioned) {
   trace.configure("--filter");
   EXPECT_TRUE(tTraceState(trace).has(" --prefixwidth 50 --mutex off --calibrate 0 0 0"));
 }
 
-TEST(TraceInquire, MutexTokenIsNotMentioned) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, MutexTokenIsNotMentioned) {
   trace.configure("--mutex-kernel-token 77:0");
   EXPECT_STREQ(tTraceState(trace).get(), kDefaults);
 }
 
-TEST(TraceInquire, SettingsOfTheDestinationAreWrittenAsItGivesThem) {
+TEST(TraceInquireDestination, SettingsOfTheDestinationAreWrittenAsItGivesThem) {
   tRecordingDestination recorder;
   recorder.settings = "<x>";
   tPrivateTrace trace(recorder);
   EXPECT_TRUE(tTraceState(trace).beginsWith("--on<x> --compname on"));
 }
 
-TEST(TraceInquire, DestinationWithoutSettingsAddsNothing) {
+TEST(TraceInquireDestination, DestinationWithoutSettingsAddsNothing) {
   tRecordingDestination recorder;
   recorder.settings = "";
   tPrivateTrace trace(recorder);
   EXPECT_TRUE(tTraceState(trace).beginsWith("--on --compname on"));
 }
 
-TEST(TraceInquire, CalibrationOffsetsFollowTheirOption) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, CalibrationOffsetsFollowTheirOption) {
   trace.calibrate();
   tTraceState state(trace);
   u32 const whole = state.getLength();
@@ -100,34 +92,26 @@ TEST(TraceInquire, CalibrationOffsetsFollowTheirOption) {
   EXPECT_EQ(blanks, u32{3});
 }
 
-TEST(TraceInquire, NeededSizeIsLearntWithoutABuffer) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, NeededSizeIsLearntWithoutABuffer) {
   unsigned int needed = 0;
   trace.inquire(nullptr, 0, &needed);
   EXPECT_EQ(needed, kNeeded + 0u);
 }
 
-TEST(TraceInquire, NullBufferWithASizeStillTellsTheNeededSize) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, NullBufferWithASizeStillTellsTheNeededSize) {
   unsigned int needed = 0;
   trace.inquire(nullptr, 1000, &needed);
   EXPECT_EQ(needed, kNeeded + 0u);
 }
 
-TEST(TraceInquire, NeededSizeNeedNotBeAskedFor) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, NeededSizeNeedNotBeAskedFor) {
   char* const buffer = freshBuffer();
   trace.inquire(buffer, kNeeded, nullptr);
   EXPECT_STREQ(buffer, kDefaults);
   trace.inquire(nullptr, 0, nullptr);
 }
 
-TEST(TraceInquire, SizeZeroTouchesNothing) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, SizeZeroTouchesNothing) {
   char* const buffer = freshBuffer();
   unsigned int needed = 0;
   trace.inquire(buffer, 0, &needed);
@@ -135,9 +119,7 @@ TEST(TraceInquire, SizeZeroTouchesNothing) {
   EXPECT_EQ(needed, kNeeded + 0u);
 }
 
-TEST(TraceInquire, TextIsCutAtEverySizeAndTerminated) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, TextIsCutAtEverySizeAndTerminated) {
   for (unsigned int size = 1; size <= kNeeded; ++size) {
     char* const buffer = freshBuffer();
     unsigned int needed = 0;
@@ -149,9 +131,7 @@ TEST(TraceInquire, TextIsCutAtEverySizeAndTerminated) {
   }
 }
 
-TEST(TraceInquire, LastByteOfALargerBufferIsTerminatedToo) {
-  tRecordingDestination recorder;
-  tPrivateTrace trace(recorder);
+TEST_F(TraceInquire, LastByteOfALargerBufferIsTerminatedToo) {
   char* const buffer = freshBuffer();
   trace.inquire(buffer, kNeeded + 10, nullptr);
   EXPECT_STREQ(buffer, kDefaults);
@@ -177,7 +157,7 @@ class tAskedDestination : public tRecordingDestination {
 
 }  // namespace
 
-TEST(TraceInquire, DestinationIsAskedForTheRestOfTheBuffer) {
+TEST(TraceInquireDestination, DestinationIsAskedForTheRestOfTheBuffer) {
   tAskedDestination asked;
   tPrivateTrace trace(asked);
   char* const buffer = freshBuffer();
@@ -186,7 +166,7 @@ TEST(TraceInquire, DestinationIsAskedForTheRestOfTheBuffer) {
   EXPECT_EQ(asked.askedSize, 36u);
 }
 
-TEST(TraceInquire, DestinationIsAskedWithoutBytesWhenTheyAreUsedUp) {
+TEST(TraceInquireDestination, DestinationIsAskedWithoutBytesWhenTheyAreUsedUp) {
   tAskedDestination asked;
   tPrivateTrace trace(asked);
   for (unsigned int size = 0; size <= 4; ++size) {
@@ -199,7 +179,7 @@ TEST(TraceInquire, DestinationIsAskedWithoutBytesWhenTheyAreUsedUp) {
   }
 }
 
-TEST(TraceInquire, DestinationIsAskedWithoutABufferWhenThereIsNone) {
+TEST(TraceInquireDestination, DestinationIsAskedWithoutABufferWhenThereIsNone) {
   tAskedDestination asked;
   tPrivateTrace trace(asked);
   trace.inquire(nullptr, 100, nullptr);

@@ -3,6 +3,7 @@
 // A trace destination that keeps what happens to it, for tests on every target: fixed storage, no
 // constructor at load, and objects small enough for a kernel stack.
 
+#include "conformance/harness.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 
@@ -126,4 +127,11 @@ class tPrivateTrace : public nOXDIAG100::tTrace {
   explicit tPrivateTrace(nOXDIAG100::iTraceDestination& destination) : tTrace(destination) {}
   using tTrace::getCarriedDelta;
   using tTrace::getClock;
+};
+
+// The fixture of tests that look at what a stream of their own writes.
+class tRecordedStream : public oxt::tFixture {
+ protected:
+  tRecordingDestination recorder;
+  tPrivateTrace trace{recorder};
 };

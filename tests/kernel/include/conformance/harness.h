@@ -4,7 +4,7 @@
 // uses them, for a driver without heap, streams, exceptions and dynamic initialisers. The folder
 // tests/host has a header of the same name; a conformance test keeps to what both offer:
 //
-//   TEST(Suite, Name)
+//   TEST(Suite, Name), TEST_F(Fixture, Name) with a fixture that is an oxt::tFixture
 //   EXPECT_ and ASSERT_ with TRUE FALSE EQ NE LT LE GT GE STREQ STRNE, without streamed text
 //
 // A test registers itself by a pointer in a linker section that the driver walks. Results go out
@@ -14,14 +14,32 @@
 #include "conformance/checks.h"
 #include "conformance/testRun.h"
 
-#define TEST(Suite, Name)                                                                     \
-  static void Suite##_##Name##_body();                                                        \
-  static constinit oxt::tTest const Suite##_##Name##_test = {#Suite, #Name,                   \
-                                                             &Suite##_##Name##_body};         \
+namespace oxt {
+
+// What the tests of a suite share: each runs as an operation of an object of its own.
+class tFixture {};
+
+}  // namespace oxt
+
+#define OXT_TEST(Suite, Name, body)                                                           \
+  static constinit oxt::tTest const Suite##_##Name##_test = {#Suite, #Name, body};            \
   __declspec(allocate("oxt$m"))                                                               \
       __attribute__((used)) static constinit oxt::tTest const* const Suite##_##Name##_entry = \
-          &Suite##_##Name##_test;                                                             \
+          &Suite##_##Name##_test
+
+#define TEST(Suite, Name)                        \
+  static void Suite##_##Name##_body();           \
+  OXT_TEST(Suite, Name, &Suite##_##Name##_body); \
   static void Suite##_##Name##_body()
+
+#define TEST_F(Fixture, Name)                                 \
+  namespace {                                                 \
+  struct Fixture##_##Name : Fixture {                         \
+    void body();                                              \
+  };                                                          \
+  }                                                           \
+  OXT_TEST(Fixture, Name, [] { Fixture##_##Name().body(); }); \
+  void Fixture##_##Name::body()
 
 #define OXT_PLACE(text) (oxt::tPlace{__FILE__, __LINE__, text})
 
