@@ -4,6 +4,7 @@
 #include "oxdiagk/tTraceParts.h"
 #include "oxdiagk/tTraceSite.h"
 #include "stl/string.h"
+#include "vexk/compileTime.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
 #include "vexk/tSSVersion.h"
 
@@ -251,8 +252,12 @@ class OXDIAG_API tTrace : public tConfigurable {
   // nothing when the platform cannot open a lock. IRQL <= APC_LEVEL.
   void calibrate();
 
-  // Appends `text` up to its terminator; null counts as empty text.
-  tTrace& put(char const* text);
+  // Appends `text` up to its terminator; null counts as empty text. The compiler gives the length
+  // of a literal.
+  tTrace& put(char const* text) {
+    return VEX_KNOWS_LENGTH(text) ? put(text, static_cast<unsigned int>(VEX_KNOWN_LENGTH(text)))
+                                  : putTerminated(text);
+  }
 
   // Appends exactly `length` characters, NUL characters included. Null counts as empty text.
   tTrace& put(char const* text, unsigned int length);
@@ -448,7 +453,7 @@ class OXDIAG_API tTrace : public tConfigurable {
 
  private:
   tTrace* openSite(tTraceSite const& site, u32 verbosity, tTraceType type);
-  void append(char const* text);
+  tTrace& putTerminated(char const* text);
   void append(char const* text, u64 length) { parts.append(text, length); }
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendSigned(i64 value, u32 radix);

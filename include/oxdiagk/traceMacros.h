@@ -114,7 +114,7 @@
 
 // What the compiler knows of this place, or the record of nowhere when it does not know all.
 #define OXDIAG_TRACE_SITE(name)                                                                  \
-  static constexpr ::nOXDIAG100::tTraceSite name =                                               \
+  alignas(void*) static constexpr ::nOXDIAG100::tTraceSite name =                                \
       VEX_IS_CONSTANT(static_cast<char const*>(OXDIAG_COMPONENT)[0]) &&                          \
               VEX_IS_CONSTANT((OXDIAG_COMPONENT_VERSION).getPacked()) &&                         \
               VEX_IS_CONSTANT(static_cast<char const*>(OXDIAG_TRACE_FILE)[0])                    \

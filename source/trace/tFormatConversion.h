@@ -25,8 +25,11 @@ class tFormatConversion {
     // All characters of the other parts stand in front of the letters; most conversions have none.
     static_assert('9' < 'A' && '.' < 'A' && '*' < 'A');
     if (*format < 'A') readShape(format, arguments);
-    if (*format == 'h' || *format == 'l' || *format == 'L') length = *format++;
     letter = *format;
+    if (isLength(letter)) {
+      length = letter;
+      letter = *++format;
+    }
     if (letter != 0) ++format;
   }
 
@@ -41,6 +44,12 @@ class tFormatConversion {
  private:
   // Far more than any output holds: what is larger counts as this.
   static constexpr u32 kLargestCount = 1'000'000;
+
+  static bool isLength(char character) {
+    constexpr u64 kLengths = u64{1} << ('h' - 'A') | u64{1} << ('l' - 'A') | u64{1} << ('L' - 'A');
+    u32 const place = static_cast<u8>(character) - u32{'A'};
+    return place <= 'l' - 'A' && (kLengths >> place & 1) != 0;
+  }
 
   void readShape(char const*& format, tFormatArguments& arguments) {
     while (takeFlag(*format)) ++format;

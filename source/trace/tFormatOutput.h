@@ -45,20 +45,23 @@ class tFormatOutput {
     for (; taken != limit && text[taken] != 0; ++taken)
       next[taken] = static_cast<char>(text[taken]);
     if (taken == room && taken != most && text[taken] != 0) cut = true;
+    if constexpr (sizeof(tUnit) != sizeof(char)) nul = nul || taken != 0;
     next += taken;
     return taken;
   }
 
-  // Puts the plain text at the beginning of a format; returns where it ends.
-  char const* putPlain(char const* format) {
+  // Puts the plain text at the beginning of a format, and moves the format behind it. Returns what
+  // ends it: a percent sign or the terminator.
+  char putPlain(char const*& format) {
     char const* const begin = format;
     while (isPlain(*format)) ++format;
+    char const end = *format;
     if (format == begin + 1) {
       put(*begin);
     } else if (format != begin) {
       put(begin, static_cast<u64>(format - begin));
     }
-    return format;
+    return end;
   }
 
   void fill(char character, u64 count) {
@@ -76,10 +79,13 @@ class tFormatOutput {
   // Whether something that was put found no room.
   bool isCut() const { return cut; }
 
-  // Terminates the text. Returns its length, or -1 when it was cut.
-  i32 finish() {
+  // Whether there may be a NUL character in the text: the low byte of a unit may be one.
+  bool mayHoldNul() const { return nul; }
+
+  // Terminates the text and returns its length.
+  u32 finish() {
     *next = 0;
-    return cut ? -1 : static_cast<i32>(next - first);
+    return static_cast<u32>(next - first);
   }
 
  private:
@@ -103,6 +109,7 @@ class tFormatOutput {
   char* next;
   char* const last;  // the terminator's place when the buffer is full
   bool cut = false;
+  bool nul = false;
 };
 
 }  // namespace nOXDIAG100

@@ -29,39 +29,47 @@ constexpr u64 markNewline(u64 word) {
   return (zeroed - eightOf('\x01')) & ~zeroed;
 }
 
-// Copies one word and returns its marks.
+// Copies one word and returns it.
 template <class tWord>
-OXDIAG_MIXES_TEXT u64 copyWord(char* to, char const* from) {
+OXDIAG_MIXES_TEXT tWord copyWord(char* to, char const* from) {
   tWord const word = readWord<tWord>(from);
   writeWord(to, word);
-  return markNewline(word);
+  return word;
 }
 
-// Copies text of up to seven characters and returns the marks.
+// Copies text of up to seven characters and returns them as one number, some of them twice.
 OXDIAG_MIXES_TEXT inline u64 copyShort(char* to, char const* from, u64 length) {
   if (length >= sizeof(u32)) {
     u64 const last = length - sizeof(u32);
-    return copyWord<u32>(to, from) | copyWord<u32>(to + last, from + last);
+    return copyWord<u32>(to, from) | u64{copyWord<u32>(to + last, from + last)} << 32;
   }
-  u64 marks = 0;
-  for (u64 index = 0; index < length; ++index) marks |= copyWord<u8>(to + index, from + index);
-  return marks;
+  if (length == 0) return 0;
+  u64 const middle = length / 2;
+  u64 const last = length - 1;
+  u64 word = copyWord<u8>(to, from);
+  word |= u64{copyWord<u8>(to + middle, from + middle)} << 8;
+  return word | u64{copyWord<u8>(to + last, from + last)} << 16;
 }
 
-// Copies text a word at a time, the last one in part upon the one before. False when there is a
-// newline in it.
-OXDIAG_MIXES_TEXT inline bool copyPlain(char* to, char const* from, u64 length) {
-  u64 marks = 0;
+// Where the newlines of a text are.
+enum tNewlines { kNone, kAtEnd, kSomewhere };
+
+// Copies text a word at a time, the last one in part upon the one before. Of a short text that is a
+// line it says kSomewhere.
+OXDIAG_MIXES_TEXT inline tNewlines copyPiece(char* to, char const* from, u64 length) {
+  constexpr u64 kMarks = eightOf('\x80');
   if (length < sizeof(u64)) {
-    marks = copyShort(to, from, length);
-  } else {
-    u64 const last = length - sizeof(u64);
-    for (u64 done = 0; done < last; done += sizeof(u64)) {
-      marks |= copyWord<u64>(to + done, from + done);
-    }
-    marks |= copyWord<u64>(to + last, from + last);
+    return (markNewline(copyShort(to, from, length)) & kMarks) == 0 ? kNone : kSomewhere;
   }
-  return (marks & eightOf('\x80')) == 0;
+  u64 const last = length - sizeof(u64);
+  u64 marks = 0;
+  for (u64 done = 0; done < last; done += sizeof(u64)) {
+    marks |= markNewline(copyWord<u64>(to + done, from + done));
+  }
+  u64 const lastMarks = markCharacter(copyWord<u64>(to + last, from + last), '\n');
+  if (((marks & kMarks) | lastMarks) == 0) return kNone;
+  bool const isLine = (marks & kMarks) == 0 && lastMarks == u64{0x80} << 56;
+  return isLine ? kAtEnd : kSomewhere;
 }
 
 // Of a text with a newline among its `most` characters, that one included. Never more than `most`:
@@ -77,23 +85,22 @@ OXDIAG_MIXES_TEXT u64 getLineLength(char const* text, u64 most) {
   return length;
 }
 
-// Whether the last character is a newline, and no other.
-OXDIAG_MIXES_TEXT bool isLine(char const* text, u64 length) {
-  return getLineLength(text, length) == length && text[length - 1] == '\n';
-}
-
 }  // namespace
 
 // Nearly every text does not fill the piece, and has no newline but as its last character.
 OXDIAG_MIXES_TEXT void tLineBuffer::append(char const* from, u64 length, tDestinationSlot& slot) {
   char* const position = loadRelaxed(writePosition);
-  bool const fits = length < getRoomFrom(position);
-  if (fits && copyPlain(position, from, length)) {
-    storeRelaxed(writePosition, position + length);
-  } else if (fits && isLine(position, length)) {
-    flush(position + length, slot);
-  } else {
-    appendPieces(from, from + length, slot);
+  if (length >= getRoomFrom(position)) return appendPieces(from, from + length, slot);
+  switch (copyPiece(position, from, length)) {
+    case kNone:
+      storeRelaxed(writePosition, position + length);
+      break;
+    case kAtEnd:
+      flush(position + length, slot);
+      break;
+    case kSomewhere:
+      appendPieces(from, from + length, slot);
+      break;
   }
 }
 
@@ -106,7 +113,7 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
     u64 const room = getRoomFrom(position);
     u64 const left = static_cast<u64>(end - from);
     u64 length = left < room ? left : room;
-    bool isEnded = !copyPlain(position, from, length);
+    bool isEnded = copyPiece(position, from, length) != kNone;
     if (isEnded) {
       length = getLineLength(position, length);
       isEnded = position[length - 1] == '\n';

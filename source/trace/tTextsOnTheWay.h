@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ntos/types.h"
+#include "oxdiagk/atomicWord.h"
 
 namespace nOXDIAG100 {
 
@@ -26,12 +27,22 @@ class tTextsOnTheWay {
 
   // Takes a place for a text of this thread; kNoPlace when the text is to be dropped. From here on
   // the text may be within any destination.
-  static u32 enter(u32 thread, tDestinationSlot const& slot);
+  static u32 enter(u32 thread, tDestinationSlot const& slot) {
+    u32 const place = takePlace(thread);
+    if (place != kNoPlace) storeRelease(directions[place].slot, &slot);
+    return place;
+  }
 
   // Says where the text at this place goes.
-  static void direct(u32 place, iTraceDestination const& destination);
+  static void direct(u32 place, iTraceDestination const& destination) {
+    storeRelease(directions[place].destination, &destination);
+  }
 
-  static void leave(u32 place);
+  static void leave(u32 place) {
+    storeRelease(directions[place].slot, nullptr);
+    storeRelease(directions[place].destination, nullptr);
+    storeRelease(threads[place], 0);
+  }
 
   // A thread other than `thread` that may be within this destination; 0 when there is none. With a
   // slot, only those that may have come through it.
@@ -40,6 +51,47 @@ class tTextsOnTheWay {
 
   // Whether this thread may be within this destination, or within any when it is null.
   static bool isWithin(u32 thread, iTraceDestination const* destination);
+
+ private:
+  struct tDirection {
+    // Both are null until the text says them.
+    tDestinationSlot const* slot;
+    iTraceDestination const* destination;
+  };
+
+  // The first of the places that have been used is free nearly always.
+  static u32 takePlace(u32 thread) {
+    u32 own = 0;
+    u32 place = kNoPlace;
+    for (u32 index = loadOrdered(usedPlaces); index-- != 0;) {
+      u32 const found = loadRelaxed(threads[index]);
+      if (found == 0) place = index;
+      if (found == thread) ++own;
+    }
+    if (own >= kMostWithinEachOther) return kNoPlace;
+    return place != kNoPlace && take(place, thread) ? place : takeAnyPlace(thread);
+  }
+
+  static u32 takeAnyPlace(u32 thread);
+
+  // Whoever looks through the table behind a change of a slot finds the text, or the text finds the
+  // change.
+  static bool take(u32 place, u32 thread) {
+    u32 nobody = 0;
+    return __atomic_compare_exchange_n(&threads[place], &nobody, thread, false, __ATOMIC_SEQ_CST,
+                                       __ATOMIC_RELAXED);
+  }
+
+  static u32 getThread(u32 place) { return loadOrdered(threads[place]); }
+  static bool mayBeWithin(u32 place, iTraceDestination const& destination);
+  static bool mayComeThrough(u32 place, tDestinationSlot const* slot);
+
+  // The threads are apart from the rest, because every text looks through them; 0: the place is
+  // free. The places that have ever been used are the first ones, as many as there were texts at
+  // once.
+  static u32 threads[kCapacity];
+  static tDirection directions[kCapacity];
+  static u32 usedPlaces;
 };
 
 }  // namespace nOXDIAG100

@@ -114,19 +114,23 @@ bool convert(tFormatOutput& output, tFormatConversion const& conversion,
 
 i32 tTraceFormatter::format(char* buffer, u32 size, char const* format, va_list list) {
   if (buffer == nullptr || size == 0) return -1;
+  tText const text = formatLine(buffer, smaller(size, tTrace::kMaxTraceLine), format, list);
+  return text.isCut ? -1 : static_cast<i32>(text.length);
+}
+
+tTraceFormatter::tText tTraceFormatter::formatLine(char* buffer, u32 size, char const* format,
+                                                   va_list list) {
   if (format == nullptr) format = "";
-  tFormatOutput output(buffer, smaller(size, tTrace::kMaxTraceLine));
+  tFormatOutput output(buffer, size);
   tFormatArguments arguments(list);
-  for (;;) {
-    format = output.putPlain(format);
-    if (*format == 0 || output.isCut()) break;
+  while (output.putPlain(format) != 0 && !output.isCut()) {
     if (convertLetter(output, *++format, arguments)) {
       ++format;
       continue;
     }
     if (!convert(output, tFormatConversion(format, arguments), arguments)) break;
   }
-  return output.finish();
+  return {output.finish(), output.isCut(), output.mayHoldNul()};
 }
 
 }  // namespace nOXDIAG100

@@ -18,6 +18,14 @@ class OXDIAG_API tTraceFormatter {
   // did not fit: the buffer then holds as much as does fit, terminated. With a null buffer or a
   // size of 0 nothing fits, so the outcome is always -1. A null format counts as an empty one.
   static i32 format(char* buffer, u32 size, char const* format, va_list arguments);
+
+  // The same for any size but 0. A text with a wide one in it may hold NUL characters.
+  struct tText {
+    u32 length;
+    bool isCut;
+    bool mayHoldNul;
+  };
+  static tText formatLine(char* buffer, u32 size, char const* format, va_list arguments);
 };
 
 }  // namespace nOXDIAG100

@@ -6,15 +6,15 @@ namespace nOXDIAG100 {
 tTrace& tTrace::putPrefixPrototype() {
   tLineShape const shape = parts.getShape();
   char const* separator = "";
-  append("tTrace::putPrefixPrototype=[");
+  put("tTrace::putPrefixPrototype=[");
   for (tTraceSwitch const& entry : kTraceSwitches) {
     if (!entry.isField || !shape.isOn(entry.which)) continue;
     bool const isPath = entry.which == tLineShape::kFileName && shape.isOn(tLineShape::kFilePath);
-    append(separator);
-    append(isPath ? "filepath" : entry.name);
+    put(separator);
+    put(isPath ? "filepath" : entry.name);
     separator = "--";
   }
-  append("]");
+  put("]");
   return *this;
 }
 

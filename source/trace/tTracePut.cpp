@@ -11,12 +11,8 @@ constexpr u64 kNarrowedAtOnce = 64;  // units of a wide text
 
 }  // namespace
 
-void tTrace::append(char const* text) {
+tTrace& tTrace::putTerminated(char const* text) {
   if (isWriting() && text != nullptr) parts.buffer.append(text, __builtin_strlen(text), parts.slot);
-}
-
-tTrace& tTrace::put(char const* text) {
-  append(text);
   return *this;
 }
 

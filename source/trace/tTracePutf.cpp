@@ -13,11 +13,12 @@ tTrace& tTrace::putf(char const* format, ...) {
   char text[kMaxTraceLine];
   va_list arguments;
   va_start(arguments, format);
-  i32 const length = tTraceFormatter::format(text, sizeof(text), format, arguments);
+  tTraceFormatter::tText const formatted =
+      tTraceFormatter::formatLine(text, sizeof(text), format, arguments);
   va_end(arguments);
-  if (length < 0) append(kTooLong, sizeof(kTooLong) - 1);
-  // Not by its length: a wide text may have brought NUL characters, and the text ends at the first.
-  append(text, __builtin_strlen(text));
+  if (formatted.isCut) append(kTooLong, sizeof(kTooLong) - 1);
+  u64 const length = formatted.mayHoldNul ? __builtin_strlen(text) : formatted.length;
+  parts.buffer.append(text, length, parts.slot);
   return *this;
 }
 

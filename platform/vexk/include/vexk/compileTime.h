@@ -20,3 +20,14 @@
 #else
 #define VEX_IS_CONSTANT(value) false
 #endif
+
+// VEX_KNOWS_LENGTH(text): whether the compiler knows, where this is compiled into, how long the
+// text is up to its terminator, as it does of a literal that is given to an inline function; then
+// VEX_KNOWN_LENGTH(text) is that. It may always say no, as it does without optimisation.
+#if defined(__clang__) || defined(__GNUC__)
+#define VEX_KNOWS_LENGTH(text) ((text) != nullptr && __builtin_constant_p(__builtin_strlen(text)))
+#define VEX_KNOWN_LENGTH(text) __builtin_strlen(text)
+#else
+#define VEX_KNOWS_LENGTH(text) false
+#define VEX_KNOWN_LENGTH(text) 0
+#endif
