@@ -3,7 +3,8 @@
 #   oxdiag_product   what goes into kernel modules (source/, platform/, examples' components)
 
 add_library(oxdiag_warnings INTERFACE)
-target_compile_options(oxdiag_warnings INTERFACE -std=c++20 -Wall -Wextra -Wpedantic -Werror)
+target_compile_options(oxdiag_warnings INTERFACE
+  -std=c++20 -Wall -Wextra -Wpedantic $<$<BOOL:${OXDIAG_WERROR}>:-Werror>)
 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Optimising, g++ 12 sees copies overlap in "text" + std::string that do not.

@@ -17,6 +17,7 @@ import kernel  # noqa: E402
 import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
+import packages  # noqa: E402
 import programs  # noqa: E402
 import scripts  # noqa: E402
 import toolNames  # noqa: E402
@@ -45,6 +46,7 @@ STEPS = {
     "host-tsan": ("thread tests, g++, thread sanitizer",
                   lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
+    "packages": ("what is installed, in the hands of clients", packages.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, sections, PDB, version", images.check),

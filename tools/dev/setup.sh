@@ -16,6 +16,7 @@ peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)
 counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
+packaging=(pkgconf)                                  # what is installed, as clients find it
 
 packages_for() {
   case "$1" in
@@ -26,7 +27,7 @@ packages_for() {
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
-      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" ;;
+      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" ;;
     *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
   esac
 }

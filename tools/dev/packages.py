@@ -1,0 +1,154 @@
+"""The step `packages`: what is installed is found, linked and run by clients of their own."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import tempfile
+
+import workshop
+
+PRESET = "host-release"
+CLIENT = workshop.TOP / "tests/install"
+HELLO = workshop.TOP / "examples/hello"
+
+
+def greeting():
+    """What hello prints: its prefix names the line of the macro in its source."""
+    lines = (HELLO / "hello.cpp").read_text().splitlines()
+    number = next(n for n, line in enumerate(lines, 1) if "OXDIAG_TRACE(" in line)
+    start = f"[hello--{number}--"
+    return start + "hello.cpp".ljust(50 - 1 - len(start), "-") + "] hello from a program, slot 7\n"
+
+
+def install(prefix):
+    workshop.demand(["cmake", "--install", workshop.tree(PRESET), "--prefix", prefix])
+
+
+def configure_and_build(source, tree, *settings):
+    workshop.demand(["cmake", "-G", "Ninja", "-S", source, "-B", tree,
+                     "-DCMAKE_BUILD_TYPE=Debug", *settings])
+    workshop.demand(["cmake", "--build", tree, "-j", workshop.CORES])
+
+
+def run(program, *arguments):
+    return workshop.run([program, *arguments], timeout=60)
+
+
+def expect(name, seen, wanted):
+    return [] if seen == wanted else [f"{name}: {seen!r} instead of {wanted!r}"]
+
+
+def check_hello(name, program):
+    return expect(name, run(program), (0, greeting()))
+
+
+def check_careless(tree):
+    """Plain lets the mistake pass, strict stops the program with a sentence."""
+    wrong = expect("careless_plain", run(tree / "careless_plain"),
+                   (0, "plain\nnobody objected\n"))
+    code, output = run(tree / "careless_strict")
+    if code == 0 or not output.startswith("strict\nntos: ExAllocatePoolWithTag(PagedPool) "):
+        wrong.append(f"careless_strict: {code} {output!r}")
+    return wrong
+
+
+def check_example(prefix, work):
+    """As examples/hello/CMakeLists.txt says."""
+    configure_and_build(HELLO, work / "hello", f"-DCMAKE_PREFIX_PATH={prefix}")
+    return check_hello("find_package", work / "hello/hello")
+
+
+def check_client(prefix, work):
+    configure_and_build(CLIENT, work / "client", f"-DCMAKE_PREFIX_PATH={prefix}")
+    return check_careless(work / "client")
+
+
+def pkg_config(prefix, module):
+    folder = next(pathlib.Path(prefix).rglob("oxdiagk.pc")).parent
+    environment = dict(os.environ, PKG_CONFIG_PATH=str(folder))
+    return subprocess.run(["pkg-config", "--cflags", "--libs", module], env=environment, text=True,
+                          stdout=subprocess.PIPE, check=True).stdout.split()
+
+
+def check_pkg_config(prefix, work):
+    program = work / "hello_pc"
+    workshop.demand(["g++", HELLO / "hello.cpp", "-o", program, *pkg_config(prefix, "oxdiagk")])
+    wrong = check_hello("pkg-config", program)
+    strict = work / "careless_pc"
+    workshop.demand(["g++", CLIENT / "careless.cpp", "-o", strict,
+                     *pkg_config(prefix, "oxdiagk-executive")])
+    code, output = run(strict)
+    if code == 0 or not output.startswith("strict\n"):
+        wrong.append(f"pkg-config, executive: {code} {output!r}")
+    return wrong
+
+
+def check_moved(prefix, work):
+    """A package is found where it was moved to, and nothing names where it was made."""
+    moved = work / "elsewhere" / "a folder"
+    shutil.copytree(prefix, moved)
+    shutil.rmtree(prefix)
+    wrong = check_example(moved, work / "moved")
+    for file in moved.rglob("*"):
+        if file.suffix in (".cmake", ".pc") and str(prefix) in file.read_text():
+            wrong.append(f"{file.name} names the folder that it was installed into")
+    return wrong
+
+
+def check_subdirectory(_, work):
+    configure_and_build(CLIENT, work / "subdirectory", f"-DOXDIAGK_SOURCES={workshop.TOP}")
+    return (check_hello("add_subdirectory", work / "subdirectory/hello") +
+            check_careless(work / "subdirectory"))
+
+
+def check_tools(prefix, _):
+    wrong = []
+    for tool in ("oxdiagctl", "oxdiagreport"):
+        code, output = run(pathlib.Path(prefix) / "bin" / tool, "--version")
+        if code != 0 or not output.startswith(f"{tool} "):
+            wrong.append(f"{tool} --version: {code} {output!r}")
+    return wrong
+
+
+def check_readme(*_):
+    """The page shows the example as it is, but for the comment at its head."""
+    source = (HELLO / "hello.cpp").read_text().split("\n\n", 1)[1]
+    project = (HELLO / "CMakeLists.txt").read_text()
+    lines = project[project.index("find_package"):]
+    page = (workshop.TOP / "README.md").read_text()
+    return [f"README.md does not show {name}" for name, text in
+            (("hello.cpp", source), ("its CMakeLists.txt", lines)) if text not in page]
+
+
+CHECKS = {
+    "README.md shows examples/hello": check_readme,
+    "installed tools": check_tools,
+    "examples/hello finds the package": check_example,
+    "a client chooses its executive": check_client,
+    "pkg-config": check_pkg_config,
+    "a package that was moved": check_moved,
+    "add_subdirectory": check_subdirectory,
+}
+
+
+def check():
+    workshop.build(PRESET)
+    failed, output = [], []
+    with tempfile.TemporaryDirectory() as folder:
+        work = pathlib.Path(folder)
+        prefix = work / "installed"
+        install(prefix)
+        for name, function in CHECKS.items():
+            wrong = guarded(function, prefix, work)
+            if wrong:
+                failed.append(f"packages: {name}")
+                output += wrong
+    return workshop.Outcome(len(CHECKS) - len(failed), failed, "\n".join(output))
+
+
+def guarded(function, prefix, work):
+    try:
+        return function(prefix, work)
+    except workshop.Failure as failure:
+        return [str(failure)]
