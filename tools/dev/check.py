@@ -57,8 +57,10 @@ STEPS = {
     "tidy": ("clang-tidy", lint.check_tidy),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-debug", "host_tests")),
+    "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
+                    lambda: programs.check("host-rounds", "host_tests")),
 }
-WHEN_NAMED = {"host-debug"}  # shows nothing new beside host-plain and host-clang, and takes long
+WHEN_NAMED = {"host-debug", "host-rounds"}  # hardly show anything new, and take long
 
 
 def guarded(name, function):
