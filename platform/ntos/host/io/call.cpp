@@ -1,4 +1,5 @@
 #include "io/requestTable.h"
+#include "io/runDriver.h"
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
 #include "pool/answers.h"
@@ -128,6 +129,12 @@ void leave(DispatchCall& call, NTSTATUS status) {
   call.record->owesPending[call.location - 1] = true;
 }
 
+NTSTATUS dispatch(DispatchCall const& call, IRP* request) {
+  DRIVER_OBJECT* const driver = call.device->DriverObject;
+  DRIVER_DISPATCH* const routine = driver->MajorFunction[call.major];
+  return runDriver(driver, [&] { return routine(call.device, request); });
+}
+
 void requireSameLevel(DispatchCall const& call, KIRQL before) {
   if (KeGetCurrentIrql() == before) return;
   violation("The driver %s returned from the %s at IRQL %u; it was called at IRQL %u.",
@@ -144,7 +151,7 @@ NTSTATUS IofCallDriver(DEVICE_OBJECT* device, IRP* request) {
   KIRQL const level = KeGetCurrentIrql();
   ntoshost::DispatchCall call(device);
   ntoshost::enter(call, request);
-  NTSTATUS const status = device->DriverObject->MajorFunction[call.major](device, request);
+  NTSTATUS const status = ntoshost::dispatch(call, request);
   ntoshost::requireSameLevel(call, level);
   ntoshost::leave(call, status);
   return status;

@@ -1,5 +1,6 @@
 #include "io/deviceTable.h"
 #include "io/driverTable.h"
+#include "io/runDriver.h"
 #include "irqlCheck.h"
 #include "ntoshost/devices.h"
 #include "ntoshost/violation.h"
@@ -55,7 +56,7 @@ NTSTATUS loadDriver(char const* name, DRIVER_INITIALIZE* entry, DRIVER_OBJECT** 
   DRIVER_OBJECT* const driver = makeDriver(name);
   if (driver == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
   driver->DriverInit = entry;
-  NTSTATUS const status = entry(driver, registryPathOf(driver));
+  NTSTATUS const status = runDriver(driver, [&] { return entry(driver, registryPathOf(driver)); });
   if (!NT_SUCCESS(status)) {
     requireNoDevice(driver, "failed DriverEntry");
     destroyDriver(driver, "loadDriver");
@@ -73,7 +74,10 @@ NTSTATUS unloadDriver(DRIVER_OBJECT* driver) {
   if (isInUse(driver)) return STATUS_DEVICE_BUSY;
   forgetAssignments(driver);
   forgetRootDriver(driver);
-  driver->DriverUnload(driver);
+  runDriver(driver, [&] {
+    driver->DriverUnload(driver);
+    return STATUS_SUCCESS;
+  });
   requireNoDevice(driver, "DriverUnload");
   destroyDriver(driver, "unloadDriver");
   return STATUS_SUCCESS;

@@ -1,5 +1,6 @@
 #include <stdlib.h>
 
+#include "io/runDriver.h"
 #include "ntoshost/violation.h"
 #include "pnp/assignments.h"
 #include "pnp/lifecycle.h"
@@ -117,7 +118,7 @@ NTSTATUS addFunctionDevice(Node& node, DRIVER_OBJECT* driver) {
   if (driver == nullptr) return STATUS_SUCCESS;
   DRIVER_ADD_DEVICE* const addDevice = driver->DriverExtension->AddDevice;
   if (addDevice == nullptr) return fail(node, STATUS_INVALID_DEVICE_REQUEST);
-  NTSTATUS const status = addDevice(driver, node.known.physical);
+  NTSTATUS const status = runDriver(driver, [&] { return addDevice(driver, node.known.physical); });
   if (!NT_SUCCESS(status)) return fail(node, status);
   requireReadyStack(node);
   setDriver(node, driver);

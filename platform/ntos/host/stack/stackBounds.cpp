@@ -5,6 +5,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "stack/kernelStack.h"
+
 namespace ntoshost {
 namespace {
 
@@ -80,6 +82,8 @@ StackBounds searchMaps(u64 address) {
 }  // namespace
 
 StackBounds findStackBounds(u64 address) {
+  StackBounds const kernelStack = kernelStackAround(address);
+  if (kernelStack.high != 0) return kernelStack;
   if (!g_bounds.contains(address)) g_bounds = searchMaps(address);
   return g_bounds;
 }
