@@ -2,10 +2,22 @@
 
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
+#include "pool/pagedMemory.h"
 
 namespace {
 constinit thread_local KIRQL g_level = PASSIVE_LEVEL;
+
+bool isAbovePaging(KIRQL level) {
+  return level >= DISPATCH_LEVEL;
 }
+
+void setLevel(KIRQL level) {
+  bool const crosses = isAbovePaging(level) != isAbovePaging(g_level);
+  g_level = level;
+  if (crosses) ntoshost::notePagingBorder(isAbovePaging(level));
+}
+
+}  // namespace
 
 namespace ntoshost {
 
@@ -36,12 +48,12 @@ void KeRaiseIrql(KIRQL level, KIRQL* previous) {
     ntoshost::violation("KeRaiseIrql would lower the IRQL from %u to %u.", g_level, level);
   }
   *previous = g_level;
-  g_level = level;
+  setLevel(level);
 }
 
 void KeLowerIrql(KIRQL level) {
   if (level > g_level) {
     ntoshost::violation("KeLowerIrql would raise the IRQL from %u to %u.", g_level, level);
   }
-  g_level = level;
+  setLevel(level);
 }

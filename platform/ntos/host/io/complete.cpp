@@ -3,6 +3,7 @@
 #include "io/requestTable.h"
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
+#include "pool/pagedMemory.h"
 
 // A request goes up: IofCompleteRequest, and what becomes of it at the top.
 
@@ -99,7 +100,9 @@ void copyOutput(RequestRecord const& record) {
   memcpy(record.output, record.buffer, length);
 }
 
+// The kernel stores the result in the thread of the caller, at APC_LEVEL.
 void finish(IRP* request) {
+  PagedAccess const access;
   KEVENT* event = nullptr;
   {
     RequestsLock const lock;

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "ntoshost/violation.h"
+#include "pool/pagedMemory.h"
 #include "pool/poison.h"
 
 namespace ntoshost {
@@ -22,6 +23,11 @@ NTOSHOST_SEES_POISON size_t findOther(u8 const* bytes, size_t size, u8 expected)
   return at;
 }
 
+// With the head and the guards.
+size_t wholeSize(size_t size) {
+  return (sizeof(Block) + 2 * kGuardSize + size + 15) & ~size_t{15};
+}
+
 void verifyGuard(Block& block, u8 const* guard, char const* side, char const* call) {
   size_t const at = findOther(guard, kGuardSize, kGuardByte);
   if (at == kGuardSize) return;
@@ -33,12 +39,13 @@ void verifyGuard(Block& block, u8 const* guard, char const* side, char const* ca
 
 }  // namespace
 
-Block* makeBlock(size_t size) {
-  void* const memory =
-      aligned_alloc(16, (sizeof(Block) + 2 * kGuardSize + size + 15) & ~size_t{15});
+Block* makeBlock(POOL_TYPE type, size_t size) {
+  size_t const whole = wholeSize(size);
+  void* const memory = type == PagedPool ? takePagedMemory(whole) : aligned_alloc(16, whole);
   if (memory == nullptr) return nullptr;
   Block* const block = static_cast<Block*>(memory);
   *block = Block{};
+  block->type = type;
   block->size = size;
   memset(block->frontGuard(), kGuardByte, kGuardSize);
   memset(block->data(), kFreshByte, size);
@@ -56,7 +63,8 @@ void retireBlock(Block& block) {
 
 void destroyBlock(Block* block) {
   unpoison(block->frontGuard(), block->size + 2 * kGuardSize);
-  free(block);
+  if (block->type != PagedPool) return free(block);
+  givePagedMemory(block, wholeSize(block->size));
 }
 
 void verifyBlock(Block& block, char const* call) {

@@ -27,13 +27,14 @@ struct alignas(16) Block {
 };
 static_assert(sizeof(Block) % 16 == 0 && kGuardSize % 16 == 0, "data is aligned to 16 bytes");
 
-// Memory of the C library for a block of `size` bytes, guarded and filled; null when there is none.
-Block* makeBlock(size_t size);
+// Memory for a block of `size` bytes, guarded and filled; null when there is none. Paged memory has
+// pages of its own, the other is the C library's.
+Block* makeBlock(POOL_TYPE type, size_t size);
 
 // Fills the caller's bytes, which nobody may touch from here on.
 void retireBlock(Block& block);
 
-// Gives the memory back to the C library.
+// Gives the memory back to where it is from.
 void destroyBlock(Block* block);
 
 // Stops the program when a guard of the block was written to, or its bytes after they were freed.

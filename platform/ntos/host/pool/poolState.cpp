@@ -30,9 +30,8 @@ void dropOldestHeldBack(char const* call) {
 Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind) {
   PoolLock const lock;
   if (size > kPoolLimit - g_pool.taken.bytes) return nullptr;
-  Block* const block = makeBlock(size);
+  Block* const block = makeBlock(type, size);
   if (block == nullptr) return nullptr;
-  block->type = type;
   block->tag = tag;
   block->kind = kind;
   block->serial = ++g_pool.lastSerial;

@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include "pool/blockList.h"
+#include "pool/pagedMemory.h"
 
 namespace ntoshost {
 
@@ -26,6 +27,9 @@ class PoolLock {
   ~PoolLock() { pthread_mutex_unlock(&g_pool.lock); }
   PoolLock(PoolLock const&) = delete;
   PoolLock& operator=(PoolLock const&) = delete;
+
+ private:
+  PagedAccess m_access;  // to the heads and guards of paged blocks
 };
 
 // Takes a block from the pool; null when memory is exhausted.

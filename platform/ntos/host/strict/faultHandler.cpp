@@ -26,10 +26,16 @@ void passOn(int signalNumber, siginfo_t* information, void* context) {
   }
 }
 
+bool isServed(siginfo_t const& information, void* context) {
+  if (information.si_code <= 0) return false;
+  u64 const address = reinterpret_cast<u64>(information.si_addr);
+  requireNoStackOverflow(address);
+  return information.si_code == SEGV_PKUERR &&
+         servePagedFault(address, information.si_pkey, context);
+}
+
 void serve(int signalNumber, siginfo_t* information, void* context) {
-  bool const isFault = information->si_code > 0;
-  if (isFault) requireNoStackOverflow(reinterpret_cast<u64>(information->si_addr));
-  passOn(signalNumber, information, context);
+  if (!isServed(*information, context)) passOn(signalNumber, information, context);
 }
 
 void install() {

@@ -4,11 +4,16 @@
 
 namespace ntoshost {
 
-// From here on a memory fault is looked at first by the executive: at the end of a kernel stack it
-// is a broken rule. All others go to whoever served them before.
+// From here on a memory fault is looked at first by the executive: at the end of a kernel stack and
+// in paged memory it is a broken rule. All others go to whoever served them before.
 void installFaultHandler();
 
 // Stops the program when the address lies below the kernel stack that the calling thread is on.
 void requireNoStackOverflow(u64 address);
+
+// A fault in paged memory that its protection key has caught. Stops the program when the calling
+// thread is at DISPATCH_LEVEL or above; lets it in otherwise: true, and the instruction is tried
+// again. `signalContext` is what a signal handler gets.
+bool servePagedFault(u64 address, u32 key, void* signalContext);
 
 }  // namespace ntoshost

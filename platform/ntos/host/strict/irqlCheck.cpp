@@ -1,10 +1,12 @@
 #include "irqlCheck.h"
 
 #include "ntoshost/violation.h"
+#include "pool/pagedMemory.h"
 
 namespace ntoshost {
 
 void requireIrqlAtMost(KIRQL highest, char const* call) {
+  preparePagedAccess();
   KIRQL const level = KeGetCurrentIrql();
   if (level <= highest) return;
   violation("%s was called at IRQL %u (%s); it may be called up to IRQL %u (%s).", call, level,

@@ -8,6 +8,11 @@
 // address sanitizer guards and freed memory are poisoned as well. All blocks together have at most
 // 1 GiB; a request beyond that gets null.
 //
+// PagedPool lies on pages of its own, which a thread at DISPATCH_LEVEL or above cannot touch: the
+// kernel might have written them to the disk. The program is stopped with the driver, the block and
+// the byte, while threads below DISPATCH_LEVEL use the block as before. This takes a processor with
+// protection keys and a program without the address or thread sanitizer, see isPagedPoolGuarded.
+//
 // In the plain executive (ntoshost/strength.h) all this is so for the objects alone that the
 // executive makes itself: drivers, devices, requests. Callers' blocks are the C library's there and
 // are not counted.
@@ -39,6 +44,9 @@ void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void
 
 // Prints them on standard error, one line a block, oldest first.
 void reportOutstanding();
+
+// Whether PagedPool is out of reach at DISPATCH_LEVEL here. IRQL <= DISPATCH_LEVEL.
+bool isPagedPoolGuarded();
 
 // Looks at the guards of every block and at the freed memory still held back; stops the program
 // when one is damaged.

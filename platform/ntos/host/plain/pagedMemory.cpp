@@ -1,0 +1,33 @@
+#include "pool/pagedMemory.h"
+
+#include <stdlib.h>
+
+#include "ntoshost/pool.h"
+
+namespace ntoshost {
+
+void* takePagedMemory(size_t size) {
+  return aligned_alloc(16, size);
+}
+
+void givePagedMemory(void* memory, size_t) {
+  free(memory);
+}
+
+void notePagingBorder(bool) {
+}
+
+void preparePagedAccess() {
+}
+
+PagedAccess::PagedAccess() : m_wasShut(false) {
+}
+
+PagedAccess::~PagedAccess() {
+}
+
+bool isPagedPoolGuarded() {
+  return false;
+}
+
+}  // namespace ntoshost
