@@ -1,5 +1,6 @@
 #include "io/deviceTable.h"
 #include "io/driverTable.h"
+#include "io/residue.h"
 #include "io/runDriver.h"
 #include "irqlCheck.h"
 #include "ntoshost/devices.h"
@@ -59,6 +60,7 @@ NTSTATUS loadDriver(char const* name, DRIVER_INITIALIZE* entry, DRIVER_OBJECT** 
   NTSTATUS const status = runDriver(driver, [&] { return entry(driver, registryPathOf(driver)); });
   if (!NT_SUCCESS(status)) {
     requireNoDevice(driver, "failed DriverEntry");
+    requireNoResidue(driver);
     destroyDriver(driver, "loadDriver");
     return status;
   }
@@ -79,6 +81,7 @@ NTSTATUS unloadDriver(DRIVER_OBJECT* driver) {
     return STATUS_SUCCESS;
   });
   requireNoDevice(driver, "DriverUnload");
+  requireNoResidue(driver);
   destroyDriver(driver, "unloadDriver");
   return STATUS_SUCCESS;
 }

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "io/currentDriver.h"
 #include "ntoshost/violation.h"
 #include "pool/objects.h"
 
@@ -136,6 +137,7 @@ IRP* makeRequest(i8 stackSize, RequestKind kind) {
   }
   record->request = request;
   record->kind = kind;
+  record->driver = currentDriver();
   add(record);
   return request;
 }
@@ -165,6 +167,18 @@ RequestRecord& requireRequest(IRP* request, char const* call) {
   if (record == nullptr) rejectRequest(request, call);
   requireWholeGap(request, call);
   return *record;
+}
+
+IRP* requestMadeBy(DRIVER_OBJECT const* driver) {
+  RequestsLock const lock;
+  for (RequestRecord const* record : g_buckets) {
+    for (; record != nullptr; record = record->next) {
+      if (record->driver == driver && record->kind != RequestKind::executive) {
+        return record->request;
+      }
+    }
+  }
+  return nullptr;
 }
 
 u64 countRequests() {

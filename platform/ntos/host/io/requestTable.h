@@ -37,6 +37,7 @@ struct RequestRecord {
   RequestRecord* next;  // in its bucket
   IRP* request;
   DispatchCall* calls;
+  DRIVER_OBJECT* driver;  // that ran when it was made; null: none
   RequestKind kind;
   u8 major;  // as it was sent last
   u8 minor;
@@ -71,6 +72,9 @@ void destroyRequest(RequestRecord& record, char const* call);
 
 // Stops the program unless this is a request that was not freed. The caller has the lock.
 RequestRecord& requireRequest(IRP* request, char const* call);
+
+// A request that was made while this driver ran and has not been freed, or null.
+IRP* requestMadeBy(DRIVER_OBJECT const* driver);
 
 u64 countRequests();
 void visitRequests(void (*visit)(RequestRecord const& record));

@@ -16,6 +16,10 @@ void const* ownedLockWithin(void const*, size_t) {
   return nullptr;
 }
 
+void const* lockTakenWithin(DRIVER_OBJECT const*) {
+  return nullptr;
+}
+
 void requireNoFastMutex(char const*) {
 }
 

@@ -2,6 +2,8 @@
 
 #include "ntos/pool.h"
 
+struct DRIVER_OBJECT;
+
 namespace ntoshost {
 
 constexpr size_t kGuardSize = 16;
@@ -15,7 +17,8 @@ struct alignas(16) Block {
   Block* older;
   Block* newer;
   u64 serial;
-  size_t size;  // of the caller's bytes
+  size_t size;            // of the caller's bytes
+  DRIVER_OBJECT* driver;  // that ran when it was taken; null: none
   u32 tag;
   POOL_TYPE type;
   BlockKind kind;

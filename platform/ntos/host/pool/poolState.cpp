@@ -1,5 +1,6 @@
 #include "pool/poolState.h"
 
+#include "io/currentDriver.h"
 #include "ntoshost/violation.h"
 
 namespace ntoshost {
@@ -34,6 +35,7 @@ Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind) {
   if (block == nullptr) return nullptr;
   block->tag = tag;
   block->kind = kind;
+  block->driver = currentDriver();
   block->serial = ++g_pool.lastSerial;
   g_pool.table.add(*block);
   g_pool.taken.add(*block);

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include "io/currentDriver.h"
 #include "ntoshost/violation.h"
 
 namespace ntoshost {
@@ -17,6 +18,7 @@ struct HeldLocks {
   u32 count;
   void const* locks[kCapacity];
   LockKind kinds[kCapacity];
+  DRIVER_OBJECT const* drivers[kCapacity];
 };
 
 constinit thread_local HeldLocks g_held = {};
@@ -31,6 +33,14 @@ void const* lockAt(HeldLocks const& held, u32 index) {
 
 void setLock(HeldLocks& held, u32 index, void const* lock) {
   __atomic_store_n(&held.locks[index], lock, __ATOMIC_RELAXED);
+}
+
+DRIVER_OBJECT const* driverAt(HeldLocks const& held, u32 index) {
+  return __atomic_load_n(&held.drivers[index], __ATOMIC_RELAXED);
+}
+
+void setDriver(HeldLocks& held, u32 index, DRIVER_OBJECT const* driver) {
+  __atomic_store_n(&held.drivers[index], driver, __ATOMIC_RELAXED);
 }
 
 char const* nameOf(LockKind kind) {
@@ -74,6 +84,26 @@ void const* lockWithin(HeldLocks const& held, uintptr_t start, size_t size) {
   return nullptr;
 }
 
+void const* lockTakenWithin(HeldLocks const& held, DRIVER_OBJECT const* driver) {
+  for (u32 i = 0; i < kCapacity; ++i) {
+    void const* const lock = lockAt(held, i);
+    if (lock != nullptr && driverAt(held, i) == driver) return lock;
+  }
+  return nullptr;
+}
+
+// What `find` finds in the account of one of the threads, or null.
+template <class Find>
+void const* findInThreads(Find find) {
+  pthread_mutex_lock(&g_threadsLock);
+  void const* found = nullptr;
+  for (HeldLocks const* held = g_threads; held != nullptr && found == nullptr; held = held->next) {
+    found = find(*held);
+  }
+  pthread_mutex_unlock(&g_threadsLock);
+  return found;
+}
+
 }  // namespace
 
 void noteLockTaken(void const* lock, LockKind kind) {
@@ -82,6 +112,7 @@ void noteLockTaken(void const* lock, LockKind kind) {
     violation("A thread owns more than %u mutexes; the one at %p is too many.", kCapacity, lock);
   }
   g_held.kinds[g_held.count] = kind;
+  setDriver(g_held, g_held.count, currentDriver());
   setLock(g_held, g_held.count++, lock);
 }
 
@@ -93,6 +124,7 @@ void noteLockReleased(void const* lock) {
   for (; index < last; ++index) {
     setLock(g_held, index, lockAt(g_held, index + 1));
     g_held.kinds[index] = g_held.kinds[index + 1];
+    setDriver(g_held, index, driverAt(g_held, index + 1));
   }
   setLock(g_held, last, nullptr);
 }
@@ -116,13 +148,13 @@ void const* ownedFastMutex() {
 }
 
 void const* ownedLockWithin(void const* bytes, size_t size) {
-  pthread_mutex_lock(&g_threadsLock);
-  void const* found = nullptr;
-  for (HeldLocks const* held = g_threads; held != nullptr && found == nullptr; held = held->next) {
-    found = lockWithin(*held, reinterpret_cast<uintptr_t>(bytes), size);
-  }
-  pthread_mutex_unlock(&g_threadsLock);
-  return found;
+  return findInThreads([&](HeldLocks const& held) {
+    return lockWithin(held, reinterpret_cast<uintptr_t>(bytes), size);
+  });
+}
+
+void const* lockTakenWithin(DRIVER_OBJECT const* driver) {
+  return findInThreads([&](HeldLocks const& held) { return lockTakenWithin(held, driver); });
 }
 
 void requireNoFastMutex(char const* call) {

@@ -2,6 +2,8 @@
 
 #include "ntos/types.h"
 
+struct DRIVER_OBJECT;
+
 namespace ntoshost {
 
 // Which fast mutexes and kernel mutexes each thread owns, and how many critical regions it is in. A
@@ -22,6 +24,9 @@ void const* ownedFastMutex();
 
 // A lock in these bytes that any thread owns, or null.
 void const* ownedLockWithin(void const* bytes, size_t size);
+
+// A lock that a thread took while it ran this driver and still owns, or null.
+void const* lockTakenWithin(DRIVER_OBJECT const* driver);
 
 // Stops the program when the calling thread owns a fast mutex. `call` is what it does meanwhile.
 void requireNoFastMutex(char const* call);

@@ -31,6 +31,21 @@ NTSTATUS loadDriver(char const* name, DRIVER_INITIALIZE* entry, DRIVER_OBJECT** 
 // is open or in the stack of a physical device that the PnP manager knows: nothing happens then.
 NTSTATUS unloadDriver(DRIVER_OBJECT* driver);
 
+// What a driver leaves. Blocks of the pool, requests and mutexes belong to the driver whose routine
+// took them, or called what took them: a dispatch routine, DriverEntry, AddDevice, DriverUnload. In
+// its unload, and after a DriverEntry that fails, a mutex that a thread still owns and a request
+// that was not freed stop the program; blocks are told with one line on standard error, for a
+// library that the driver calls may keep some for itself. The plain executive knows of the requests
+// alone.
+struct DriverResidue {
+  u64 blocks;
+  u64 bytes;  // in them
+};
+
+// The blocks taken within a loaded driver and not given back. They are no driver's after its
+// unload.
+DriverResidue residueOf(DRIVER_OBJECT const* driver);
+
 // Opens a device for a user-mode program: a create request to the top of its stack. The name is
 // \Device\... or a symbolic link, \??\... or \DosDevices\...
 // STATUS_OBJECT_NAME_NOT_FOUND: nobody has the name. STATUS_NO_SUCH_DEVICE: the device is not ready
