@@ -1,5 +1,13 @@
 #include "ntoshost/faults.h"
 
+#include <pthread.h>
+#include <stdio.h>
+#include <stdlib.h>
+#include <time.h>
+
+#include "ntoshost/violation.h"
+#include "standardError.h"
+
 namespace ntoshost {
 namespace {
 
@@ -9,6 +17,9 @@ constexpr u64 kNever = ~u64{0};
 constinit u32 g_kinds = kFaultAll;
 constinit u64 g_first = kNever;
 constinit u64 g_last = kNever;
+constinit u32 g_chance = 0;  // of kFaultChances, when they fail at random; 0: by their number
+constinit u64 g_seed = 0;
+constinit pthread_once_t g_once = PTHREAD_ONCE_INIT;
 constinit u64 g_seen = 0;
 constinit u64 g_injected = 0;
 
@@ -22,13 +33,94 @@ void store(T& value, T newValue) {
   __atomic_store_n(&value, newValue, __ATOMIC_RELEASE);
 }
 
-void arm(u32 kinds, u64 first, u64 last) {
+struct Plan {
+  u32 kinds;
+  u64 first;
+  u64 last;
+  u32 chance;
+  u64 seed;
+};
+
+void follow(Plan const& plan) {
   store(g_kinds, 0u);
   store(g_seen, u64{0});
   store(g_injected, u64{0});
-  store(g_first, first);
-  store(g_last, last);
-  store(g_kinds, kinds);
+  store(g_first, plan.first);
+  store(g_last, plan.last);
+  store(g_seed, plan.seed);
+  store(g_chance, plan.chance);
+  store(g_kinds, plan.kinds);
+}
+
+// A number from all bits of both (the finalizer of splitmix64).
+u64 mix(u64 seed, u64 number) {
+  u64 value = seed + number * 0x9E3779B97F4A7C15;
+  value = (value ^ value >> 30) * 0xBF58476D1CE4E5B9;
+  value = (value ^ value >> 27) * 0x94D049BB133111EB;
+  return value ^ value >> 31;
+}
+
+u64 pickSeed() {
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  u64 const seed = mix(static_cast<u64>(now.tv_sec), static_cast<u64>(now.tv_nsec));
+  return seed % 1'000'000'000 + 1;
+}
+
+u64 followChance(u32 kinds, u32 chance, u64 seed) {
+  if (chance > kFaultChances) {
+    violation("failRandomly was asked to fail %u of %u calls.", chance, kFaultChances);
+  }
+  if (seed == 0) seed = pickSeed();
+  char line[120];
+  int const length = snprintf(line, sizeof(line),
+                              "ntos: %u of %u calls of the kinds 0x%x fail at random, seed %llu\n",
+                              chance, kFaultChances, kinds, seed);
+  writeStandardError(line, static_cast<size_t>(length));
+  follow({chance == 0 ? 0 : kinds, kNever, kNever, chance, seed});
+  return seed;
+}
+
+// Reads a number and the comma behind it, if there is one. False when there is no number, and when
+// something else follows.
+bool readField(char const*& text, u64& value) {
+  char* end = nullptr;
+  value = strtoull(text, &end, 0);
+  if (end == text || (*end != 0 && *end != ',')) return false;
+  bool const endsInComma = *end == ',' && end[1] == 0;
+  text = *end == ',' ? end + 1 : end;
+  return !endsInComma;
+}
+
+// "SEED", "SEED,CHANCE" or "SEED,CHANCE,KINDS".
+void followEnvironment() {
+  char const* const text = getenv("OXDIAG_FAIL_RANDOMLY");
+  if (text == nullptr) return;
+  constexpr u64 kUsualChance = 600;
+  u64 fields[] = {0, kUsualChance, kFaultAll};
+  char const* rest = text;
+  bool isSound = readField(rest, fields[0]);
+  for (u32 i = 1; i < 3 && isSound && *rest != 0; ++i) isSound = readField(rest, fields[i]);
+  if (!isSound || *rest != 0 || fields[1] > kFaultChances || fields[2] > kFaultAll) {
+    violation("OXDIAG_FAIL_RANDOMLY is '%s'; it has to be SEED[,CHANCE[,KINDS]].", text);
+  }
+  followChance(static_cast<u32>(fields[2]), static_cast<u32>(fields[1]), fields[0]);
+}
+
+// Once, and before anything that the program says itself.
+void heedEnvironment() {
+  pthread_once(&g_once, followEnvironment);
+}
+
+void arm(u32 kinds, u64 first, u64 last) {
+  heedEnvironment();
+  follow({kinds, first, last, 0, 0});
+}
+
+bool isToFail(u64 number) {
+  u32 const chance = load(g_chance);
+  if (chance != 0) return mix(load(g_seed), number) % kFaultChances < chance;
+  return number >= load(g_first) && number <= load(g_last);
 }
 
 }  // namespace
@@ -51,7 +143,13 @@ void watchCalls(u32 kinds) {
   arm(kinds, kNever, kNever);
 }
 
+u64 failRandomly(u32 kinds, u32 chance, u64 seed) {
+  heedEnvironment();
+  return followChance(kinds, chance, seed);
+}
+
 void clearFaults() {
+  heedEnvironment();
   store(g_kinds, 0u);
 }
 
@@ -63,9 +161,10 @@ u64 faultsInjected() {
 }
 
 bool injectFault(u32 kind) {
+  heedEnvironment();
   if ((load(g_kinds) & kind) == 0) return false;
   u64 const number = __atomic_add_fetch(&g_seen, 1, __ATOMIC_ACQ_REL);
-  if (number < load(g_first) || number > load(g_last)) return false;
+  if (!isToFail(number)) return false;
   __atomic_add_fetch(&g_injected, 1, __ATOMIC_ACQ_REL);
   return true;
 }

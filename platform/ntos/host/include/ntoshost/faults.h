@@ -2,8 +2,8 @@
 
 #include "ntos/types.h"
 
-// Fault injection: makes fallible calls of the executive fail by count. Calls of all threads are
-// counted together. `kinds` are bits.
+// Fault injection: makes fallible calls of the executive fail, by count or at random. Calls of all
+// threads are counted together. `kinds` are bits.
 //
 //     ntoshost::failNth(ntoshost::kFaultMemory, 2);  // the second allocation from here fails
 //     ...
@@ -32,6 +32,18 @@ void failNth(u64 n);  // of all kinds
 // From here on, the nth call (counted from 1) of the kinds and every later one fail.
 void failFrom(u32 kinds, u64 n);
 void failFrom(u64 n);  // of all kinds
+
+// From here on, `chance` of kFaultChances calls of the kinds fail, as low resources do to a driver
+// at any time. Which ones is told by the seed and the number of the call alone, so that the seed
+// repeats a run of one thread; of several threads it repeats it as far as they come in the same
+// order. 0 stands for a seed by the clock. Prints kinds, chance and seed on standard error, and
+// returns the seed.
+//
+// The environment variable OXDIAG_FAIL_RANDOMLY=SEED[,CHANCE[,KINDS]] does so from the program's
+// first fallible call until the first of these functions is called; without more than a seed 600 of
+// them fail, of all kinds. KINDS is decimal, or hexadecimal behind 0x.
+constexpr u32 kFaultChances = 10'000;
+u64 failRandomly(u32 kinds, u32 chance, u64 seed);
 
 // Only counts the calls of the kinds. So it is when the program starts, for all kinds.
 void watchCalls(u32 kinds);
