@@ -58,7 +58,7 @@ TEST_F(Pnp, AChildIsAskedWhoItIs) {
   EXPECT_EQ(narrow(record->hardwareIds + 18), "");
   EXPECT_EQ(narrow(record->compatibleIds), "");
   EXPECT_EQ(narrow(record->description), "");
-  EXPECT_FALSE(record->hasCapabilities);
+  EXPECT_TRUE(record->hasCapabilities);
   EXPECT_FALSE(record->hasBusInformation);
 }
 
@@ -409,6 +409,50 @@ TEST_F(Pnp, AnAssignedDriverServesTheChild) {
   EXPECT_EQ(one.device->AttachedDevice, nullptr);
   EXPECT_EQ(ntoshost::startDevice(one.device), STATUS_SUCCESS);
   EXPECT_EQ(one.device->AttachedDevice, nullptr);
+}
+
+TEST_F(Pnp, AChildThatNeedsADriverWaitsForOne) {
+  TestChild& one = plug("one");
+  one.isRaw = false;
+  startBus();
+  EXPECT_EQ(takeLog(), "bus start");
+  EXPECT_EQ(stateOf(one.device), ntoshost::DeviceState::Present);
+  EXPECT_EQ(ntoshost::startDevice(one.device), STATUS_INVALID_DEVICE_REQUEST);
+  FILE_OBJECT* file = nullptr;
+  EXPECT_EQ(ntoshost::openDevice(one.device, &file), STATUS_NO_SUCH_DEVICE);
+  ASSERT_TRUE(ntoshost::assignDriver(L"TEST\\one", m_driver));
+  m_driver->DriverExtension->AddDevice = addPassingDevice;
+  EXPECT_EQ(ntoshost::startDevice(one.device), STATUS_SUCCESS);
+  EXPECT_EQ(stateOf(one.device), ntoshost::DeviceState::Started);
+}
+
+TEST_F(Pnp, AChildWithoutCapabilitiesIsNotRaw) {
+  TestChild& one = plug("one");
+  one.capabilities = STATUS_NOT_SUPPORTED;
+  startBus();
+  EXPECT_EQ(stateOf(one.device), ntoshost::DeviceState::Present);
+}
+
+TEST_F(Pnp, TheNullDriverLetsAChildStartBare) {
+  TestChild& one = plug("one");
+  one.isRaw = false;
+  ASSERT_TRUE(ntoshost::assignNullDriver(L"test\\ANY"));
+  startBus();
+  EXPECT_EQ(stateOf(one.device), ntoshost::DeviceState::Started);
+  EXPECT_EQ(one.device->AttachedDevice, nullptr);
+  ASSERT_TRUE(ntoshost::assignDriver(L"TEST\\any", nullptr));
+  EXPECT_EQ(ntoshost::removeDevice(one.device), STATUS_SUCCESS);
+  EXPECT_EQ(ntoshost::startDevice(one.device), STATUS_INVALID_DEVICE_REQUEST);
+}
+
+TEST_F(Pnp, AVanishedChildThatWaitsIsRemovedOnly) {
+  TestChild& one = plug("one");
+  one.isRaw = false;
+  startBus();
+  takeLog();
+  unplug(one);
+  EXPECT_EQ(ntoshost::runPnpWork(), 1u);
+  EXPECT_EQ(takeLog(), "one remove");
 }
 
 TEST_F(Pnp, ADriverWithDevicesInTheTreeStays) {

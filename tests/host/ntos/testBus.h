@@ -19,6 +19,8 @@ struct TestChild {
   bool isListed = true;
   bool isKnown = false;  // was in an answer
   bool isDeleted = false;
+  bool isRaw = true;  // needs no function driver
+  NTSTATUS capabilities = STATUS_SUCCESS;
   NTSTATUS queryRemove = STATUS_SUCCESS;
   NTSTATUS queryStop = STATUS_SUCCESS;
   NTSTATUS queryPower = STATUS_SUCCESS;
@@ -162,6 +164,12 @@ class BusTest : public DriverTest {
     switch (location.MinorFunction) {
       case IRP_MN_QUERY_ID:
         return answerId(child, request, location.Parameters.QueryId.IdType);
+      case IRP_MN_QUERY_CAPABILITIES:
+        if (child.isRaw) {
+          location.Parameters.DeviceCapabilities.Capabilities->Flags |=
+              kDeviceCapabilityRawDeviceOK;
+        }
+        return complete(request, child.capabilities);
       case IRP_MN_QUERY_REMOVE_DEVICE:
         return complete(request, child.queryRemove);
       case IRP_MN_QUERY_STOP_DEVICE:

@@ -37,12 +37,14 @@ class tSlotbusMachine : public testing::Test {
  protected:
   void SetUp() override {
     source = &rack;
+    for (wchar_t const* id : kIds) ASSERT_TRUE(ntoshost::assignNullDriver(id));
     ASSERT_EQ(ntoshost::loadDriver("slotbus", enter, &driver), STATUS_SUCCESS);
   }
   void TearDown() override {
     ntoshost::clearFaults();
     if (bus != nullptr) ntoshost::removeRootDevice(bus);
     EXPECT_EQ(ntoshost::unloadDriver(driver), STATUS_SUCCESS);
+    for (wchar_t const* id : kIds) ntoshost::assignDriver(id, nullptr);
     ntoshost::requireNoDevices("the test");
   }
 
@@ -85,5 +87,6 @@ class tSlotbusMachine : public testing::Test {
     return STATUS_SUCCESS;
   }
 
+  static constexpr wchar_t const* kIds[] = {L"RACK\\A", L"RACK\\B", L"RACK\\C"};
   static inline tTextRack* source = nullptr;
 };

@@ -32,6 +32,7 @@ tPnpBus::tPnpBus(ntoshost::PnpMode mode, char const* driverName, tLowerFilter* b
     : filter(below) {
   *std::find(std::begin(buses), std::end(buses), nullptr) = this;
   ntoshost::setPnpMode(mode);
+  ntoshost::assignNullDriver(kChildId);
   ntoshost::loadDriver(driverName, &enter, &driver);
   ntoshost::addRootDevice(driver, "OXDIAGBUS", &physical);
   ntoshost::startDevice(physical);
@@ -42,6 +43,7 @@ tPnpBus::~tPnpBus() {
   *std::find(std::begin(buses), std::end(buses), this) = nullptr;
   bool const isLast = buses[0] == nullptr && buses[1] == nullptr;
   if (isLast) ntoshost::setPnpMode(ntoshost::PnpMode::Worker);
+  if (isLast) ntoshost::assignDriver(kChildId, nullptr);
   ntoshost::waitForPnp();
   ntoshost::unloadDriver(driver);
   if (isLast && filter == nullptr) ntoshost::requireNoDevices("the test");

@@ -10,7 +10,7 @@ namespace {
 
 struct Assignment {
   Assignment* next;
-  DRIVER_OBJECT* driver;
+  DRIVER_OBJECT* driver;  // null: the device needs none
   wchar_t id[DeviceRecord::kIdCapacity];
 };
 
@@ -56,6 +56,17 @@ bool add(wchar_t const* id, DRIVER_OBJECT* driver) {
   return true;
 }
 
+// What was assigned to the first of the ids that anything was.
+Assignment const* findFirst(wchar_t const* ids) {
+  for (wchar_t const* id = ids; *id != 0;) {
+    Assignment const* const found = *linkTo(id);
+    if (found != nullptr) return found;
+    while (*id != 0) ++id;
+    ++id;
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 bool assignDriver(wchar_t const* id, DRIVER_OBJECT* driver) {
@@ -65,15 +76,23 @@ bool assignDriver(wchar_t const* id, DRIVER_OBJECT* driver) {
   return driver == nullptr || add(id, driver);
 }
 
+bool assignNullDriver(wchar_t const* id) {
+  AssignmentsLock const lock;
+  Assignment** const found = linkTo(id);
+  if (*found != nullptr) drop(found);
+  return add(id, nullptr);
+}
+
 DRIVER_OBJECT* findAssigned(wchar_t const* ids) {
   AssignmentsLock const lock;
-  for (wchar_t const* id = ids; *id != 0;) {
-    Assignment const* const found = *linkTo(id);
-    if (found != nullptr) return found->driver;
-    while (*id != 0) ++id;
-    ++id;
-  }
-  return nullptr;
+  Assignment const* const found = findFirst(ids);
+  return found == nullptr ? nullptr : found->driver;
+}
+
+bool isNullDriverAssigned(wchar_t const* ids) {
+  AssignmentsLock const lock;
+  Assignment const* const found = findFirst(ids);
+  return found != nullptr && found->driver == nullptr;
 }
 
 void forgetAssignments(DRIVER_OBJECT* driver) {

@@ -10,6 +10,9 @@ namespace ntoshost {
 // there is none.
 DRIVER_OBJECT* findAssigned(wchar_t const* ids);
 
+// Whether it was assigned the null driver.
+bool isNullDriverAssigned(wchar_t const* ids);
+
 void forgetAssignments(DRIVER_OBJECT* driver);
 
 }  // namespace ntoshost

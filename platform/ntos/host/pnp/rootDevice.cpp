@@ -70,7 +70,8 @@ NTSTATUS answerCapabilities(IRP* request) {
   if (capabilities.Version != 1 || capabilities.Size < sizeof(DEVICE_CAPABILITIES)) {
     return finish(request, STATUS_UNSUCCESSFUL);
   }
-  capabilities.Flags |= kDeviceCapabilityUniqueID | kDeviceCapabilitySilentInstall;
+  capabilities.Flags |=
+      kDeviceCapabilityUniqueID | kDeviceCapabilitySilentInstall | kDeviceCapabilityRawDeviceOK;
   capabilities.DeviceState[PowerSystemWorking] = PowerDeviceD0;
   for (u32 i = PowerSystemSleeping1; i < kPowerSystemMaximum; ++i) {
     capabilities.DeviceState[i] = PowerDeviceD3;

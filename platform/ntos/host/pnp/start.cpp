@@ -79,6 +79,14 @@ NTSTATUS prepare(Node& node) {
   return addFunctionDevice(node, node.assigned != nullptr ? node.assigned : chooseDriver(node));
 }
 
+// Whether the device may run with its bus alone.
+bool needsNoDriver(DeviceRecord const& known) {
+  bool const isRaw =
+      known.hasCapabilities && (known.capabilities.Flags & kDeviceCapabilityRawDeviceOK) != 0;
+  return isRaw || isNullDriverAssigned(known.hardwareIds) ||
+         isNullDriverAssigned(known.compatibleIds);
+}
+
 // A device that does not start again takes along what is below it.
 NTSTATUS giveUp(Node& node, NTSTATUS status) {
   if (node.known.state != DeviceState::Stopped) {
@@ -128,6 +136,8 @@ NTSTATUS addFunctionDevice(Node& node, DRIVER_OBJECT* driver) {
 NTSTATUS start(Node& node) {
   NTSTATUS status = prepare(node);
   if (!NT_SUCCESS(status)) return status;
+  if (node.known.driver == nullptr && !needsNoDriver(node.known))
+    return STATUS_INVALID_DEVICE_REQUEST;
   status = sendPnp(node.known.physical, IRP_MN_START_DEVICE);
   if (!NT_SUCCESS(status)) return giveUp(node, status);
   setState(node, DeviceState::Started);

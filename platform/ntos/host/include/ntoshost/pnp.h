@@ -15,11 +15,12 @@
 //
 // New children are asked for their capabilities, ids, texts, bus information and resource
 // requirements, get the driver that was assigned to one of their hardware or compatible ids
-// (AddDevice), and are started; a child without such a driver is started bare. Children that the
-// bus does not list any more get a surprise removal if they were started, and then a remove, which
-// waits until their last handle is closed. The references of a relations answer are kept as long as
-// the device is in the tree. Answers in memory (ids, texts, relations, bus information) have to be
-// blocks of PagedPool; the manager frees them.
+// (AddDevice), and are started. A child without such a driver is started bare when its bus says
+// RawDeviceOK in the capabilities or its id has the null driver, and stays Present otherwise.
+// Children that the bus does not list any more get a surprise removal if they were started, and
+// then a remove, which waits until their last handle is closed. The references of a relations
+// answer are kept as long as the device is in the tree. Answers in memory (ids, texts, relations,
+// bus information) have to be blocks of PagedPool; the manager frees them.
 //
 // One operation runs at a time, at PASSIVE_LEVEL, in the caller's thread; the others wait for it. A
 // driver must not call in from a PnP request. All of it is thread safe. A `device` is a physical
@@ -55,15 +56,21 @@ void setChildrenStart(bool isAutomatic);
 // takes that back. A driver that is unloaded is forgotten. False when memory is exhausted.
 bool assignDriver(wchar_t const* id, DRIVER_OBJECT* driver);
 
+// Devices with this id are installed with the null driver, as an INF file does that names no
+// service: they are started bare, whatever their bus says. False when memory is exhausted.
+// assignDriver with null takes it back.
+bool assignNullDriver(wchar_t const* id);
+
 // Makes a physical device of the executive's own, ROOT\<name>\<number from 0000>, and runs the
 // driver's AddDevice for it; with null the driver is the one assigned to its id when it starts.
 // When AddDevice fails, its status is given and the device is gone again. `name` has up to 63
 // characters.
 NTSTATUS addRootDevice(DRIVER_OBJECT* driver, char const* name, DEVICE_OBJECT** device);
 
-// Starts a device that is Present, Failed (once more from AddDevice on) or Stopped, and asks it for
-// its relations and starts its children. Gives what the start gave; a device that fails it gets a
-// remove, one that was Stopped a surprise removal before.
+// Starts a device that has a driver or needs none, as the root devices do, and is Present,
+// Failed (once more from AddDevice on) or Stopped, and asks it for its relations and starts its
+// children. STATUS_INVALID_DEVICE_REQUEST when it is none of these. Gives what the start gave; a
+// device that fails it gets a remove, one that was Stopped a surprise removal before.
 NTSTATUS startDevice(DEVICE_OBJECT* device);
 
 // Asks a started device for its bus relations now and takes the consequences.
