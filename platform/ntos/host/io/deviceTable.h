@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include "io/deviceSecurity.h"
 #include "ntos/io.h"
 
 // What the executive knows of a device beside the device object, which it lies behind.
@@ -15,6 +16,7 @@ struct DEVOBJ_EXTENSION {
   bool isShut;      // the PnP manager lets nobody open the stack
   POWER_STATE systemState;
   POWER_STATE deviceState;
+  ntoshost::DeviceSecurity security;
 };
 
 namespace ntoshost {

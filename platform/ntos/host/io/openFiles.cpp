@@ -29,6 +29,7 @@ bool isReady(DEVICE_OBJECT* device) {
 NTSTATUS add(FILE_OBJECT* file) {
   DEVICE_OBJECT* const device = file->device;
   if (!isReady(device)) return STATUS_NO_SUCH_DEVICE;
+  if (!mayOpen(recordOf(device).security)) return STATUS_ACCESS_DENIED;
   if (recordOf(device).isExclusive && device->ReferenceCount != 0) return STATUS_ACCESS_DENIED;
   ++device->ReferenceCount;
   addReference(device);

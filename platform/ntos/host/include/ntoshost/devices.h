@@ -50,7 +50,8 @@ DriverResidue residueOf(DRIVER_OBJECT const* driver);
 // \Device\... or a symbolic link, \??\... or \DosDevices\...
 // STATUS_OBJECT_NAME_NOT_FOUND: nobody has the name. STATUS_NO_SUCH_DEVICE: the device is not ready
 // (DO_DEVICE_INITIALIZING), deleted, or its physical device is not started or about to go.
-// STATUS_ACCESS_DENIED: it is exclusive and open. Or what the driver completes the request with;
+// STATUS_ACCESS_DENIED: it is exclusive and open, or its security does not let the caller in, see
+// ntoshost/security.h. Or what the driver completes the request with;
 // `*file` is null in all these cases. This is the file object of the requests; it is the caller's
 // until he closes it. STATUS_INSUFFICIENT_RESOURCES: see kFaultRequest.
 NTSTATUS openDevice(wchar_t const* name, FILE_OBJECT** file);

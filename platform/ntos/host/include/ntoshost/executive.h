@@ -11,6 +11,7 @@
 #include "ntoshost/files.h"
 #include "ntoshost/pnp.h"
 #include "ntoshost/pool.h"
+#include "ntoshost/security.h"
 #include "ntoshost/stack.h"
 #include "ntoshost/strength.h"
 #include "ntoshost/thread.h"
