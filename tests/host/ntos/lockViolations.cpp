@@ -167,6 +167,16 @@ TEST_F(LockViolationsDeathTest, AThreadOwnsUpTo64Mutexes) {
   for (size_t i = 0; i < 64; ++i) KeReleaseMutex(&mutexes[i], 0);
 }
 
+TEST_F(LockViolationsDeathTest, AMutexCountsUpToALimit) {
+  constexpr i32 kDeepest = -0x7FFFFFFF;
+  waitForever(&m_mutex);
+  m_mutex.Header.SignalState = kDeepest + 1;
+  waitForever(&m_mutex);
+  EXPECT_DEATH(waitForever(&m_mutex), "ntos: A mutex was taken more often than it can count\\.");
+  m_mutex.Header.SignalState = 0;
+  KeReleaseMutex(&m_mutex, 0);
+}
+
 TEST_F(LockViolationsDeathTest, SettingAndWaitingInOneIsRefused) {
   EXPECT_DEATH(KeSetEvent(&m_event, 0, 1), "KeSetEvent was asked to set and wait in one");
   EXPECT_DEATH(KeReleaseMutex(&m_mutex, 1), "KeReleaseMutex was asked to release and wait in one");

@@ -43,14 +43,23 @@ class PnpViolationsDeathTest : public BusTest {
     m_answer = nullptr;
   }
 
-  // A child whose next answer to a query for an id is this block.
-  void askWith(void* block) {
+  // A child whose answers are this block.
+  DEVICE_OBJECT* plugWith(void* block) {
     TestChild& child = plug("one");
     setDispatch(child.device, [block](DEVICE_OBJECT*, IRP* request) {
       return complete(request, STATUS_SUCCESS, reinterpret_cast<u64>(block));
     });
+    return child.device;
+  }
+
+  void askWith(void* block) {
     wchar_t text[8];
-    ntoshost::queryId(child.device, BusQueryDeviceID, text, 8);
+    ntoshost::queryId(plugWith(block), BusQueryDeviceID, text, 8);
+  }
+
+  void askBusInformation(void* block) {
+    PNP_BUS_INFORMATION information;
+    ntoshost::queryBusInformation(plugWith(block), information);
   }
 
   Answer* m_answer = nullptr;
@@ -73,6 +82,19 @@ TEST_F(PnpViolationsDeathTest, AnswersAreBlocksOfPagedPool) {
 TEST_F(PnpViolationsDeathTest, TextsEndInTheirBlock) {
   EXPECT_DEATH(askWith(poolText("one")),
                "answered with a text at 0x[0-9a-f]+ that does not end in its block\\.");
+}
+
+TEST_F(PnpViolationsDeathTest, BusInformationIsWhole) {
+  EXPECT_DEATH(askBusInformation(poolText("short")),
+               "answered with bus information at 0x[0-9a-f]+ that is too short\\.");
+}
+
+TEST_F(PnpViolationsDeathTest, ARootDeviceHasAName) {
+  DEVICE_OBJECT* device = nullptr;
+  EXPECT_DEATH(ntoshost::addRootDevice(m_driver, "", &device),
+               "A root device was given a name of 0 characters; it may have 1 to 63\\.");
+  EXPECT_DEATH(ntoshost::addRootDevice(m_driver, std::string(64, 'a').c_str(), &device),
+               "A root device was given a name of 64 characters");
 }
 
 TEST_F(PnpViolationsDeathTest, RelationsFitTheirBlock) {

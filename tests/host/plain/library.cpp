@@ -12,6 +12,7 @@
 #include "ntos/irql.h"
 #include "ntos/pool.h"
 #include "ntos/thread.h"
+#include "ntoshost/executive.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/statusMacros.h"
 #include "oxdiagk/tStatus2Heap.h"
@@ -119,6 +120,24 @@ TEST(PlainExecutive, NobodyLooksAtTheLevelOrAtWhoOwnsALock) {
   ExFreePoolWithTag(block, ntosPoolTag("else"));
   std::thread(KeEnterCriticalRegion).join();
   KeLeaveCriticalRegion();
+}
+
+TEST(PlainExecutive, StacksAndPagedMemoryAreThoseOfTheProgram) {
+  EXPECT_FALSE(ntoshost::hasKernelStacks());
+  EXPECT_EQ(ntoshost::deepestKernelStack(), 0u);
+  EXPECT_FALSE(ntoshost::isPagedPoolGuarded());
+  u8* const block = static_cast<u8*>(ExAllocatePoolWithTag(PagedPool, 16, kTag));
+  KIRQL previous;
+  KeRaiseIrql(DISPATCH_LEVEL, &previous);
+  block[0] = 1;
+  KeLowerIrql(previous);
+  ExFreePoolWithTag(block, kTag);
+}
+
+TEST(PlainExecutive, MemoryRunsOutAtRandomToo) {
+  ntoshost::failRandomly(ntoshost::kFaultMemory, ntoshost::kFaultChances, 1);
+  EXPECT_EQ(ExAllocatePoolWithTag(PagedPool, 16, kTag), nullptr);
+  ntoshost::clearFaults();
 }
 
 TEST(PlainExecutiveDeathTest, AFastMutexIsStillReleasedByItsOwnerOnly) {
