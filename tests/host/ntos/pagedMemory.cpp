@@ -28,7 +28,8 @@ class Raised {
 class PagedMemory : public testing::Test {
  protected:
   void SetUp() override {
-    if (!ntoshost::isPagedPoolGuarded()) GTEST_SKIP() << "the processor has no protection keys";
+    if (!ntoshost::isPagedPoolGuarded())
+      GTEST_SKIP() << "no protection keys, or a sanitizer is in the program";
   }
 
   static u8 volatile* take(size_t size, POOL_TYPE type = PagedPool) {
@@ -171,7 +172,8 @@ TEST_F(PagedMemoryDeathTest, OneThreadAmongOthersIsTold) {
 class PagedDriverDeathTest : public DriverTest {};
 
 TEST_F(PagedDriverDeathTest, TheDriverIsNamed) {
-  if (!ntoshost::isPagedPoolGuarded()) GTEST_SKIP() << "the processor has no protection keys";
+  if (!ntoshost::isPagedPoolGuarded())
+    GTEST_SKIP() << "no protection keys, or a sanitizer is in the program";
   DEVICE_OBJECT* const device = makeDevice([](DEVICE_OBJECT*, IRP* request) {
     u8 volatile* const block = static_cast<u8*>(ExAllocatePoolWithTag(PagedPool, 8, kTag));
     writeAt(DISPATCH_LEVEL, block);
