@@ -11,16 +11,19 @@
 //   oxdiagk/module.h            start and stop of the library on a host without the Windows kernel
 //
 // The others are included by these and nothing to begin with: api.h, atomicWord.h,
-// tCategoryTable.h, tConfigurationLock.h, tContractSite.h, tReportText.h.
+// tCategoryTable.h, tConfigurationLock.h, tContractSite.h, tCountedText.h, tGUIDText.h,
+// tKernelTimeText.h, tNumberByName.h, tReportText.h.
 
 // clang-format off
 
-// Tracing: the stream, a line or a block in one statement, which lines are shown.
+// Tracing: the stream, a line or a block in one statement, which lines are shown, what the kernel's
+// own values are called.
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/traceMacros.h"
 #include "oxdiagk/tBlockTracer.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/iTraceable.h"
+#include "oxdiagk/kernelValues.h"
 
 // Where trace text goes: derive your own, or the debugger, the serial port, a file, a buffer.
 #include "oxdiagk/iTraceDestination.h"

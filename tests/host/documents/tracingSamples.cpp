@@ -50,6 +50,12 @@ TEST(TracingSamples, TheBlockIsTheOneInTheDocument) {
   EXPECT_TRUE(isShown(print.text())) << print.text();
 }
 
+TEST(TracingSamples, ValuesOfTheKernelLookAsInTheDocument) {
+  tCapturedPrint print;
+  reportRequest(0x1B, 0, static_cast<i32>(0xC0000008));
+  EXPECT_TRUE(isShown(print.text())) << print.text();
+}
+
 TEST(TracingSamples, APrefixIsOneCharacterWiderThanItsWidth) {
   tCapturedPrint print;
   reportTemperature(tTrace::getInstance(), 5);

@@ -2,6 +2,7 @@
 // its contract forbids, so these tests also show that no such call is made.
 
 #include "keptLines.h"
+#include "oxdiagk/kernelValues.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "startedModules.h"
 #include "tRaisedIrql.h"
@@ -40,6 +41,19 @@ TEST(TraceIrql, FormattedTextIsWrittenAtDispatchLevel) {
     trace.putf("%d %s %ls", 5, "narrow", L"wide").endl();
   }
   EXPECT_EQ(kept.text(), "5 narrow wide\n");
+}
+
+TEST(TraceIrql, ValuesOfTheKernelAreWrittenAtEveryLevel) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  UNICODE_STRING const name = {8, 8, const_cast<wchar_t*>(L"rack")};
+  {
+    tRaisedIrql const raised(HIGH_LEVEL);
+    trace.put(nOXDIAG100::asIrql(KeGetCurrentIrql())).put(" ");
+    trace.put(nOXDIAG100::asUnicodeString(&name)).put(" ");
+    trace.put(nOXDIAG100::asNtStatus(0)).endl();
+  }
+  EXPECT_EQ(kept.text(), "HIGH_LEVEL (15) rack STATUS_SUCCESS (0x00000000)\n");
 }
 
 TEST(TraceIrql, LockedLinesAreWrittenAtApcLevel) {
