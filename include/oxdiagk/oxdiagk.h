@@ -12,7 +12,7 @@
 //
 // The others are included by these and nothing to begin with: api.h, atomicWord.h,
 // tCategoryTable.h, tConfigurationLock.h, tContractSite.h, tCountedText.h, tGUIDText.h,
-// tKernelTimeText.h, tNumberByName.h, tReportText.h.
+// tKernelTimeText.h, tLineLimit.h, tNumberByName.h, tReportText.h.
 
 // clang-format off
 

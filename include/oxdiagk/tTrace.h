@@ -1,6 +1,7 @@
 #pragma once
 
 #include "oxdiagk/tConfigurable.h"
+#include "oxdiagk/tLineLimit.h"
 #include "oxdiagk/tTraceParts.h"
 #include "oxdiagk/tTraceSite.h"
 #include "stl/string.h"
@@ -237,6 +238,23 @@ class OXDIAG_API tTrace : public tConfigurable {
   }
   tTrace* openLine(tLineOrigin const& origin, u32 verbosity, tTraceType type = kTraceLine);
 
+  // The same of a line of a place that shows only some of its lines, by a rule of `limit`, which
+  // belongs to the place. A line that the rule leaves out is a line that is not shown. When the
+  // rule of a second lets a line through behind others that it left out, a line in front of it says
+  // how many: "12 lines left out".
+  tTrace* openLine(tTraceSite const& site, u32 verbosity, tLineLimit& limit, tLineLimit::tRule rule,
+                   u32 n) {
+    if (!parts.isSurelyHidden(verbosity)) {
+      return openLimited(&site, site, verbosity, limit, rule, n);
+    }
+    parts.clock.end();
+    return nullptr;
+  }
+  tTrace* openLine(tLineOrigin const& origin, u32 verbosity, tLineLimit& limit,
+                   tLineLimit::tRule rule, u32 n) {
+    return openLimited(nullptr, origin, verbosity, limit, rule, n);
+  }
+
   // Writes the names of the enabled fields in the order of the prefix, as a legend:
   // "tTrace::putPrefixPrototype=[compname--linenumber--filename]". Opens and ends no line.
   tTrace& putPrefixPrototype();
@@ -454,6 +472,8 @@ class OXDIAG_API tTrace : public tConfigurable {
  private:
   tTrace* openSite(tTraceSite const& site, u32 verbosity, tTraceType type);
   tTrace& putTerminated(char const* text);
+  tTrace* openLimited(tTraceSite const* site, tLineOrigin const& origin, u32 verbosity,
+                      tLineLimit& limit, tLineLimit::tRule rule, u32 n);
   void append(char const* text, u64 length) { parts.append(text, length); }
   void appendLowBytes(wchar_t const* units, u64 count);
   void appendSigned(i64 value, u32 radix);

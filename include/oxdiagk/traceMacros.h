@@ -32,9 +32,10 @@
 // Every argument is evaluated at most once. With OXDIAG_TRACE_STRIP defined, all of them compile to
 // nothing: the arguments must still be valid code, but none is evaluated.
 //
-// Each place has a constant of its own, in static storage, so none of them is for a constexpr
-// function: C++20 does not allow one there. Of a component, version and file that are literals or
-// constexpr the constant holds the beginning of the prefix; any others are looked at for each line.
+// Each place has a constant of its own, in static storage, and a limit beside it, so none of them
+// is for a constexpr function: C++20 does not allow one there. Of a component, version and file
+// that are literals or constexpr the constant holds the beginning of the prefix; any others are
+// looked at for each line.
 //
 // IRQL and threads: as for tTrace.
 
@@ -77,6 +78,30 @@
 //     u32 const length = readReply(slot);
 //     OXDIAG_TRACE(110, put("slot ").put(slot, 10).put(": ").put(length, 10));
 //
+// OXDIAG_TRACE_ONCE(verbosity, chain), OXDIAG_TRACE_EVERY(n, verbosity, chain),
+// OXDIAG_TRACE_AT_MOST(n, verbosity, chain): lines of a place that may write too many of them. Each
+// is OXDIAG_TRACE in all else.
+//
+//     OXDIAG_TRACE_ONCE(120, put("the first interrupt"));
+//     OXDIAG_TRACE_EVERY(1000, 100, put("packets: ").put(count, 10));
+//     OXDIAG_TRACE_AT_MOST(5, 140, put("no reply from slot ").put(slot, 10));
+//
+// Once: the first line of the place since its module was loaded. Every n-th: the first line, and
+// then each n-th behind it. At most n a second: a second begins with a line, the n first lines in
+// it are shown, the others are left out; the next one that is shown has a line in front of it, from
+// the same place, "12 lines left out". `n` is an unsigned number, evaluated for each line; 0 shows
+// no line at all.
+//
+// Only lines count that the master switch and the filter let pass: a limit is for what somebody
+// sees, and a line that is hidden uses nothing of it up. A line that is left out is a hidden line;
+// its chain is not evaluated. All threads count together, and all streams that a place writes to. A
+// place in a template has a limit for each of its instances, one in an inline function one in each
+// module.
+//
+// Seconds are those of the system's performance counter, which costs one reading for a line that
+// passes the filter, and no lock. If it ever went back by a second, another would begin; if it
+// stood still, one would begin behind 1,048,576 lines that were left out.
+//
 // OXDIAG_BLOCK(verbosity), OXDIAG_BLOCK_OBJECT(verbosity, object),
 // OXDIAG_BLOCK_STATUS(verbosity, object, status): trace the entry here and the exit at the end of
 // the enclosing scope, under the name of the enclosing function. `object`: an address, shown at
@@ -94,6 +119,24 @@
         oxdiagSite_.isSomewhere()                                                                \
             ? (OXDIAG_TRACE_STREAM).openLine(oxdiagSite_, verbosity)                             \
             : (OXDIAG_TRACE_STREAM).openLine(OXDIAG_TRACE_ORIGIN, verbosity);                    \
+    if (oxdiagTrace_ != nullptr) {                                                               \
+      oxdiagTrace_->__VA_ARGS__;                                                                 \
+      oxdiagTrace_->endl();                                                                      \
+    }                                                                                            \
+  } while (false)
+
+#define OXDIAG_TRACE_LIMITED(rule, n, verbosity, ...)                                            \
+  do {                                                                                           \
+    OXDIAG_TRACE_SITE(oxdiagSite_);                                                              \
+    static constinit ::nOXDIAG100::tLineLimit oxdiagLimit_;                                      \
+    ::nOXDIAG100::tTrace* const oxdiagTrace_ =                                                   \
+        oxdiagSite_.isSomewhere()                                                                \
+            ? (OXDIAG_TRACE_STREAM)                                                              \
+                  .openLine(oxdiagSite_, verbosity, oxdiagLimit_,                                \
+                            ::nOXDIAG100::tLineLimit::rule, n)                                   \
+            : (OXDIAG_TRACE_STREAM)                                                              \
+                  .openLine(OXDIAG_TRACE_ORIGIN, verbosity, oxdiagLimit_,                        \
+                            ::nOXDIAG100::tLineLimit::rule, n);                                  \
     if (oxdiagTrace_ != nullptr) {                                                               \
       oxdiagTrace_->__VA_ARGS__;                                                                 \
       oxdiagTrace_->endl();                                                                      \
@@ -127,6 +170,14 @@
                             OXDIAG_COMPONENT_VERSION, __LINE__}
 // clang-format on
 
+#define OXDIAG_TRACE_ONCE(verbosity, ...) OXDIAG_TRACE_LIMITED(kOnce, 1, verbosity, __VA_ARGS__)
+
+#define OXDIAG_TRACE_EVERY(n, verbosity, ...) \
+  OXDIAG_TRACE_LIMITED(kEveryNth, n, verbosity, __VA_ARGS__)
+
+#define OXDIAG_TRACE_AT_MOST(n, verbosity, ...) \
+  OXDIAG_TRACE_LIMITED(kAtMostASecond, n, verbosity, __VA_ARGS__)
+
 #define OXDIAG_BLOCK_OBJECT(verbosity, object) \
   OXDIAG_BLOCK_STATUS(verbosity, object, static_cast<i32*>(nullptr))
 
@@ -144,6 +195,19 @@
       (OXDIAG_TRACE_STREAM).__VA_ARGS__; \
     }                                    \
   } while (false)
+
+#define OXDIAG_TRACE_ONCE(verbosity, ...) OXDIAG_TRACE(verbosity, __VA_ARGS__)
+
+#define OXDIAG_TRACE_EVERY(n, verbosity, ...) \
+  do {                                        \
+    if (false) {                              \
+      static_cast<void>(n);                   \
+      static_cast<void>(verbosity);           \
+      (OXDIAG_TRACE_STREAM).__VA_ARGS__;      \
+    }                                         \
+  } while (false)
+
+#define OXDIAG_TRACE_AT_MOST(n, verbosity, ...) OXDIAG_TRACE_EVERY(n, verbosity, __VA_ARGS__)
 
 #define OXDIAG_BLOCK_STATUS(verbosity, object, status)              \
   do {                                                              \

@@ -41,11 +41,25 @@ void tLineOpening::open() {
   }
 }
 
-bool tLineOpening::openIfShown(tTraceSite const* site) {
+inline void tLineOpening::begin() {
   readTime();
   lock();
   readTime();
-  bool const isShown = shape.isOn(tLineShape::kEnabled) && isPassed();
+}
+
+bool tLineOpening::openIfShown(tTraceSite const* site) {
+  begin();
+  return openOrEnd(site, shape.isOn(tLineShape::kEnabled) && isPassed());
+}
+
+bool tLineOpening::openIfAdmitted(tTraceSite const* site, tLineLimit& limit, tLineLimit::tRule rule,
+                                  u32 n, u32& leftOut) {
+  begin();
+  return openOrEnd(site,
+                   shape.isOn(tLineShape::kEnabled) && isPassed() && limit.admit(rule, n, leftOut));
+}
+
+inline bool tLineOpening::openOrEnd(tTraceSite const* site, bool isShown) {
   if (isShown) {
     parts.beginVerdict(true);
     show(site);

@@ -28,7 +28,13 @@ class tLineOpening {
   // Reads the counter only for a line that shows a time.
   bool openIfShown(tTraceSite const* site);
 
+  // The same of a line that the rule of a limit may leave out. `leftOut`: as of tLineLimit::admit.
+  bool openIfAdmitted(tTraceSite const* site, tLineLimit& limit, tLineLimit::tRule rule, u32 n,
+                      u32& leftOut);
+
  private:
+  void begin();
+  bool openOrEnd(tTraceSite const* site, bool isShown);
   void readTime();
   void lock();
   bool isPassed() const;

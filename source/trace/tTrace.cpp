@@ -137,6 +137,19 @@ tTrace* tTrace::openSite(tTraceSite const& site, u32 verbosity, tTraceType type)
   return tLineOpening(parts, site, verbosity, type).openIfShown(&site) ? this : nullptr;
 }
 
+// The line about what was left out is of the same place, and in front of the one that is let
+// through.
+tTrace* tTrace::openLimited(tTraceSite const* site, tLineOrigin const& origin, u32 verbosity,
+                            tLineLimit& limit, tLineLimit::tRule rule, u32 n) {
+  if (!parts.isBuilt()) return nullptr;
+  u32 leftOut = 0;
+  tLineOpening first(parts, origin, verbosity, kTraceLine);
+  if (!first.openIfAdmitted(site, limit, rule, n, leftOut)) return nullptr;
+  if (leftOut == 0) return this;
+  put(leftOut, 10).put(leftOut == 1 ? " line left out" : " lines left out").endl();
+  return tLineOpening(parts, origin, verbosity, kTraceLine).openIfShown(site) ? this : nullptr;
+}
+
 tTrace& tTrace::endl() {
   if (parts.isWriting()) parts.buffer.endPiece(parts.slot);
   parts.endVerdict();

@@ -36,6 +36,16 @@ TEST(TraceMacrosStripped, ATraceEvaluatesNothing) {
   EXPECT_EQ(u32{0}, streamUses);
 }
 
+TEST(TraceMacrosStripped, ALimitedTraceEvaluatesNothing) {
+  streamUses = 0;
+  u32 uses = 0;
+  OXDIAG_TRACE_ONCE(countUp(uses), put(countUp(uses), 10).put("x"));
+  OXDIAG_TRACE_EVERY(countUp(uses), countUp(uses), put(countUp(uses), 10).put("x"));
+  OXDIAG_TRACE_AT_MOST(countUp(uses), countUp(uses), put(countUp(uses), 10).put("x"));
+  EXPECT_EQ(u32{0}, uses);
+  EXPECT_EQ(u32{0}, streamUses);
+}
+
 TEST(TraceMacrosStripped, ABlockEvaluatesNothing) {
   streamUses = 0;
   u32 uses = 0;
@@ -57,4 +67,18 @@ TEST(TraceMacrosStripped, ATraceIsStillOneStatement) {
     else
       ++others;
   EXPECT_EQ(u32{2}, others);
+}
+
+TEST(TraceMacrosStripped, ALimitedTraceIsStillOneStatement) {
+  u32 others = 0;
+  for (u32 count = 0; count < 4; ++count)
+    if (count == 1)
+      OXDIAG_TRACE_ONCE(100, put("one"));
+    else if (count == 2)
+      OXDIAG_TRACE_EVERY(2, 100, put("two"));
+    else if (count == 3)
+      OXDIAG_TRACE_AT_MOST(3, 100, put("three"));
+    else
+      ++others;
+  EXPECT_EQ(u32{1}, others);
 }

@@ -4,8 +4,10 @@
 
 #include <sstream>
 #include <string>
+#include <thread>
 
 #include "documents/tDocument.h"
+#include "ntoshost/time.h"
 #include "trace/capturedPrint.h"
 #include "trace/startedModules.h"
 #include "tracing.samples"
@@ -54,6 +56,24 @@ TEST(TracingSamples, ValuesOfTheKernelLookAsInTheDocument) {
   tCapturedPrint print;
   reportRequest(0x1B, 0, static_cast<i32>(0xC0000008));
   EXPECT_TRUE(isShown(print.text())) << print.text();
+}
+
+TEST(TracingSamples, LinesThatWereLeftOutAreToldAsInTheDocument) {
+  tCapturedPrint print;
+  ntoshost::setTimeRate(0);
+  for (u32 slot = 1; slot <= 14; ++slot) reportSilence(slot);
+  ntoshost::setTimeRate(4'000'000);
+  std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  ntoshost::setTimeRate(1);
+  reportSilence(15);
+  EXPECT_TRUE(isShown(print.text())) << print.text();
+}
+
+TEST(TracingSamples, OnceAndEveryThousandthAreAsInTheDocument) {
+  tCapturedPrint print;
+  for (u32 number = 1; number <= 2001; ++number) reportPacket(number);
+  EXPECT_EQ(print.prints.size(), 4u) << print.text();
+  EXPECT_NE(print.text().find("] packet 1001\n"), std::string::npos) << print.text();
 }
 
 TEST(TracingSamples, APrefixIsOneCharacterWiderThanItsWidth) {
