@@ -1,7 +1,8 @@
-"""What docs/windows.md and the example's INF file say is so: the commands build the driver on that
-page, and the INF file installs files that there are, all that the driver needs, from sections and
-strings that there are."""
+"""What docs/windows.md and the INF files say is so: the commands build the driver on that page, and
+each INF file installs files that there are, all that its driver needs, from sections and strings that
+there are."""
 
+import collections
 import os
 import re
 import tempfile
@@ -11,11 +12,14 @@ import samples
 import workshop
 
 PAGE = workshop.TOP / "docs/windows.md"
-INF = workshop.TOP / "examples/slotbus/windows/slotbus.inf"
-DRIVER = "slotbus.sys"
 HARDWARE_ID = r"ROOT\SLOTBUS"
 BUILD = re.compile(r"^```build\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 MODULES = workshop.tree("windows") / "modules"
+
+# An INF file, the section of the files that it copies, and what its driver needs beside modules.
+Inf = collections.namedtuple("Inf", "path service files others")
+SLOTBUS = Inf("examples/slotbus/windows/slotbus.inf", "slotbus", "Slotbus_Files", {"rack.txt"})
+CONTROL = Inf("platform/control/oxdiagcontrol.inf", "oxdiagcontrol", "Control_Files", set())
 
 
 def build_complaints():
@@ -69,44 +73,68 @@ def string_complaints(text, sections):
         [f"string {name} is not used" for name in sorted(known - used)]
 
 
-def file_complaints(sections):
-    listed, copied = keys(sections, "SourceDisksFiles"), keys(sections, "Slotbus_Files")
-    wanted = needed_files(DRIVER) | {"rack.txt"}
+def file_complaints(inf, sections):
+    listed, copied = keys(sections, "SourceDisksFiles"), keys(sections, inf.files)
+    wanted = needed_files(f"{inf.service}.sys") | inf.others
     return [f"{name} is not there" for name in sorted(listed) if not (MODULES / name).exists()] + \
         [f"{name} is not copied" for name in sorted(wanted - copied)] + \
         [f"{name} is listed in one place only" for name in sorted(listed ^ copied)]
 
 
-def section_complaints(sections):
-    """Each section is there under the name that another one has for it."""
+def held_or(*claims):
+    return [complaint for held, complaint in claims if not held]
+
+
+def device_of(sections):
+    """The install section and the hardware id of the one device that there is."""
     _, models = sections["manufacturer"][0]
     name, target = [part.strip() for part in models.split(",")]
-    devices = f"{name}.{target}"
-    install, hardware_id = [part.strip() for part in sections[devices.lower()][0][1].split(",")]
-    added = value(sections, f"{install}.NT.Services", "AddService") or "none,,none"
+    return [part.strip() for part in sections[f"{name}.{target}".lower()][0][1].split(",")]
+
+
+def install_complaints(inf, sections, install):
+    """Each section is there under the name that another one has for it."""
+    added = value(sections, f"{install}.Services", "AddService") or "none,,none"
     service, _, service_section = [part.strip() for part in added.split(",")]
     binary = value(sections, service_section, "ServiceBinary")
-    return [complaint for held, complaint in [
-        (hardware_id == HARDWARE_ID, f"the hardware id is {hardware_id}"),
-        (value(sections, f"{install}.NT", "CopyFiles") == "Slotbus_Files", "nothing is copied"),
-        (service == "slotbus", f"the service is {service}"),
-        (binary == rf"%12%\{DRIVER}", f"the service starts {binary}"),
+    return held_or(
+        (value(sections, install, "CopyFiles") == inf.files, "nothing is copied"),
+        (service == inf.service, f"the service is {service}"),
+        (binary == rf"%12%\{inf.service}.sys", f"the service starts {binary}"),
+        (value(sections, service_section, "ServiceType") == "1", "the service is no driver"),
+        (value(sections, service_section, "StartType") == "3", "it is not started on demand"),
         (value(sections, "DestinationDirs", "DefaultDestDir") == "12", "files go elsewhere"),
-        (value(sections, "Version", "Signature") == '"$WINDOWS NT$"', "no signature"),
-    ] if not held]
+        (value(sections, "Version", "CatalogFile") == f"{inf.service}.cat", "another catalog"),
+        (value(sections, "Version", "Signature") == '"$WINDOWS NT$"', "no signature"))
 
 
-def inf_complaints():
-    text = INF.read_text(encoding="ascii")
+def inf_complaints(inf, find_install):
+    text = (workshop.TOP / inf.path).read_text(encoding="ascii")
     sections = sections_of(text)
-    return string_complaints(text, sections) + file_complaints(sections) + \
-        section_complaints(sections)
+    install, complaints = find_install(sections)
+    return complaints + string_complaints(text, sections) + file_complaints(inf, sections) + \
+        install_complaints(inf, sections, install)
+
+
+def of_device(sections):
+    install, hardware_id = device_of(sections)
+    return f"{install}.NT", held_or((hardware_id == HARDWARE_ID,
+                                     f"the hardware id is {hardware_id}"))
+
+
+def of_no_device(sections):
+    """A driver without hardware: its section names the processor, and no maker is there."""
+    return "DefaultInstall.NTamd64", held_or(
+        ("manufacturer" not in sections, "it is of a device"),
+        ("defaultinstall" not in sections, "it installs on every processor"))
 
 
 def check():
     """The modules are built."""
     results = [("docs/windows.md builds a driver", build_complaints()),
-               ("slotbus.inf installs what the driver needs", inf_complaints())]
+               ("slotbus.inf installs what the driver needs", inf_complaints(SLOTBUS, of_device)),
+               ("oxdiagcontrol.inf installs what the driver needs",
+                inf_complaints(CONTROL, of_no_device))]
     failed = [title for title, complaints in results if complaints]
     output = "\n".join(line for _, complaints in results for line in complaints)
     return workshop.Outcome(len(results) - len(failed), failed, output)

@@ -23,7 +23,8 @@ CASES = [
     ("a path of Windows", ["trace", "--destination", "file", "/x.out"], 4,
      "oxdiagctl: '/x.out' is neither overwrite nor append nor a name of 127 characters at most "
      "such as C:/rack.out.\n", ""),
-    ("nobody listens", ["list"], 2, f"oxdiagctl: nobody listens at {DEFAULT}.\n", ""),
+    ("nobody listens", ["list"], 2, f"oxdiagctl: nobody listens at {DEFAULT}; as an administrator, "
+     "start the driver with 'sc start oxdiagcontrol'.\n", ""),
     ("nobody listens elsewhere", ["trace", "--at", r"\\.\nobody", "--off"], 2,
      "oxdiagctl: nobody listens at \\\\.\\nobody.\n", ""),
     ("access is denied", ["--at", FOLDER, "list"], 3,

@@ -11,6 +11,7 @@ FAMILY = {
     "vexk.dll": KERNEL,
     "qelmk.dll": KERNEL | {"vexk.dll"},
     "oxdiagk.dll": KERNEL | {"vexk.dll", "qelmk.dll"},
+    "oxdiagcontrol.sys": {"ntoskrnl.exe", "vexk.dll"},
     "slotbus.sys": KERNEL | {"vexk.dll", "qelmk.dll", "oxdiagk.dll"},
 }
 ENTRIES = {"DllInitialize", "DllUnload"}

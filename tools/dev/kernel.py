@@ -27,7 +27,7 @@ def build():
 
 
 def module_files(driver):
-    names = [*LIBRARIES, f"{wine.BOOT}.sys", driver]
+    names = [*LIBRARIES, f"{wine.BOOT}.sys", f"{wine.CONTROL_DRIVER}.sys", driver]
     return {name: MODULES / name for name in names}
 
 

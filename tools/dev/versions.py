@@ -1,12 +1,13 @@
 """That the Windows modules tell one version wherever they tell one: that of cmake/version.cmake."""
 
+import pathlib
 import re
 import struct
 
 import moduleFiles
 import workshop
 
-FAMILY = ("vexk.dll", "qelmk.dll", "oxdiagk.dll")
+FAMILY = ("vexk.dll", "qelmk.dll", "oxdiagk.dll", "oxdiagcontrol.sys")
 LIBRARY = "oxdiagk.dll"
 CURRENT_VERSION = "?getCurrentVersion@nOXDIAG100@@YA?AVtSSVersion@@AEAJ@Z"
 
@@ -83,7 +84,7 @@ def property_check(image):
     wanted = {"header": version.image, "file version": version.file,
               "product version": version.file, "flags": version.flags,
               "FileVersion": version.text, "ProductVersion": version.text,
-              "InternalName": image.removesuffix(".dll"), "OriginalFilename": image}
+              "InternalName": pathlib.PurePath(image).stem, "OriginalFilename": image}
     return f"{image} tells {version.text} in its header and properties", different(told, wanted)
 
 

@@ -1,17 +1,13 @@
 // The kernel's doors into the module.
 
 #include "ntos/status.h"
-#include "tRequestDevice.h"
 #include "vexk/module.h"
 
 extern "C" NTSTATUS DllInitialize(UNICODE_STRING* /*registryPath*/) {
-  NTSTATUS const status = vexkInitialize();
-  if (NT_SUCCESS(status)) vexRequestDevice.open();
-  return status;
+  return vexkInitialize();
 }
 
 extern "C" NTSTATUS DllUnload() {
-  vexRequestDevice.close();
   return vexkUnload();
 }
 

@@ -3,6 +3,7 @@
 #include "vexkwindows/requestDevice.h"
 
 #include "conformance/harness.h"
+#include "driver/testDriver.h"
 #include "ntos/io.h"
 #include "ntos/string.h"
 #include "oxdiagk/instanceRegistry.h"
@@ -133,11 +134,12 @@ TEST(RequestDevice, ARequestAtABadAddressIsServedAsNone) {
   EXPECT_EQ(0, device.output.status);
 }
 
-// The tests' own object of the class finds the names taken, as the layer would if somebody else had
-// them: it says so at the debugger, makes nothing, and takes nothing away.
+// The tests' own object of the class finds the names taken, as the driver would if somebody else
+// had them: it makes nothing, and takes nothing away.
 TEST(RequestDevice, OneWhoseNameIsTakenIsNotMade) {
-  vexRequestDevice.open();
-  vexRequestDevice.close();
+  tRequestDevice second;
+  EXPECT_EQ(STATUS_OBJECT_NAME_COLLISION, second.open(*testDriverObject));
+  second.close();
   tOpenDevice device;
   device.name("nTEST://nNobody");
   EXPECT_EQ(STATUS_SUCCESS, device.deliver());

@@ -1,7 +1,7 @@
 // oxdiagboot.sys, for tests only: does for the family what the kernel does where the kernel at hand
 // does not. It initialises vexk, qelmk and oxdiagk and then loads the driver whose service key its
-// own key names in the value "Driver". With a value "Rack" in its key it plugs a rack in before,
-// and pulls it out at the end. Unloading it undoes all.
+// own key names in the value "Driver", beside the driver of the control device. With a value "Rack"
+// in its key it plugs a rack in before, and pulls it out at the end. Unloading it undoes all.
 
 #include "demandDevice.h"
 #include "ntos/debug.h"
@@ -22,6 +22,13 @@ struct tDriverKey {
   alignas(KEY_VALUE_PARTIAL_INFORMATION) u8 storage[kValueSize];
   UNICODE_STRING path;
 };
+
+UNICODE_STRING controlKey() {
+  UNICODE_STRING key;
+  RtlInitUnicodeString(&key,
+                       L"\\Registry\\Machine\\System\\CurrentControlSet\\Services\\oxdiagcontrol");
+  return key;
+}
 
 constinit tBootedModules modules;
 constinit tDriverKey driverKey = {};
@@ -67,19 +74,37 @@ NTSTATUS demandLastEvent(char const* start) {
   return STATUS_DRIVER_UNABLE_TO_LOAD;
 }
 
+// The device is there while its driver is, whatever the modules do.
+NTSTATUS startControl() {
+  UNICODE_STRING const key = controlKey();
+  NTSTATUS status = demandDevice(STATUS_OBJECT_NAME_NOT_FOUND);
+  if (status >= 0) status = ZwLoadDriver(&key);
+  if (status < 0) return status;
+  status = demandDevice(STATUS_SUCCESS);
+  if (status < 0) ZwUnloadDriver(&key);
+  return status;
+}
+
+NTSTATUS stopControl() {
+  UNICODE_STRING const key = controlKey();
+  NTSTATUS const status = ZwUnloadDriver(&key);
+  return status < 0 ? status : demandDevice(STATUS_OBJECT_NAME_NOT_FOUND);
+}
+
 NTSTATUS startModules() {
   NTSTATUS status = modules.initialise();
   if (status < 0) return status;
   status = demandLastEvent("oxdiagk.dll load: ");
-  if (status >= 0) status = demandDevice(STATUS_SUCCESS);
+  if (status >= 0) status = startControl();
   if (status < 0) modules.unload();
   return status;
 }
 
 NTSTATUS stopModules() {
-  NTSTATUS status = modules.unload();
-  if (status >= 0) status = demandLastEvent("oxdiagk.dll unload: ");
-  return status < 0 ? status : demandDevice(STATUS_OBJECT_NAME_NOT_FOUND);
+  NTSTATUS const controlStatus = stopControl();
+  NTSTATUS const status = modules.unload();
+  if (controlStatus < 0 || status < 0) return controlStatus < 0 ? controlStatus : status;
+  return demandLastEvent("oxdiagk.dll unload: ");
 }
 
 NTSTATUS plugIn(UNICODE_STRING* bootKey) {
@@ -104,7 +129,7 @@ NTSTATUS bootAndLoad(UNICODE_STRING* bootKey) {
   status = ZwLoadDriver(&driverKey.path);
   if (status >= 0) return STATUS_SUCCESS;
   pullOut();
-  modules.unload();
+  stopModules();
   return status;
 }
 

@@ -14,6 +14,12 @@ std::string narrow(wchar_t const* text) {
   return narrowText;
 }
 
+// Who listens at the default place is known, and how it is started.
+std::string adviceFor(std::string const& path) {
+  if (path != narrow(kRequestDevicePath)) return {};
+  return "; as an administrator, start the driver with 'sc start oxdiagcontrol'";
+}
+
 }  // namespace
 
 // The runtime would replace words with a * in them by the names of files.
@@ -60,7 +66,7 @@ void tDeviceChannel::fail(unsigned long error) const {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_BAD_PATHNAME:
     case ERROR_INVALID_NAME:
-      throw tFailure{kExitNobody, "nobody listens at " + path};
+      throw tFailure{kExitNobody, "nobody listens at " + path + adviceFor(path)};
     case ERROR_INVALID_FUNCTION:
     case ERROR_BAD_LENGTH:
     case ERROR_NOT_SUPPORTED:

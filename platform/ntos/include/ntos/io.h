@@ -18,13 +18,6 @@ constexpr u32 FILE_DEVICE_SECURE_OPEN = 0x100;  // the device's security holds f
 
 extern "C" {
 
-// A driver without an image of its own: makes an object with this name in \Driver\ and calls
-// `initialise` with it and a null path, whose failure is returned. The entries of MajorFunction are
-// the kernel's own until they are set. IoDeleteDriver gives it back when its devices are deleted.
-// PASSIVE_LEVEL.
-NTOS_IMPORT NTSTATUS IoCreateDriver(UNICODE_STRING* name, DRIVER_INITIALIZE* initialise);
-NTOS_IMPORT void IoDeleteDriver(DRIVER_OBJECT* driver);
-
 // Sends a device control to what is open as `device`; see DeviceIoControl of IO_STACK_LOCATION.
 // `event`, `routine` and `context` may be null. PASSIVE_LEVEL.
 NTOS_IMPORT NTSTATUS ZwDeviceIoControlFile(HANDLE device, HANDLE event, void* routine,

@@ -2,17 +2,10 @@
 
 #include "deviceSecurity.h"
 #include "ntos/string.h"
-#include "vexk/debug.h"
 #include "vexk/iLib.h"
 #include "vexkwindows/requestDevice.h"
 
-constinit tRequestDevice vexRequestDevice;
-
 namespace {
-
-constexpr wchar_t kDriverName[] = L"\\Driver\\oxdiag";
-constexpr u32 kLockTag = 0x6B786576;  // "vexk"
-constexpr u32 kKinds[] = {IRP_MJ_CREATE, IRP_MJ_CLEANUP, IRP_MJ_CLOSE, IRP_MJ_DEVICE_CONTROL};
 
 NTSTATUS complete(IRP* request, NTSTATUS status, u64 information) {
   request->IoStatus.Status = status;
@@ -42,41 +35,29 @@ void deliver(IRP* request) {
   *static_cast<tRequestOutput*>(buffer) = output;
 }
 
-}  // namespace
-
-void tRequestDevice::open() {
-  NTSTATUS status = makeDriver();
-  if (NT_SUCCESS(status)) status = makeDevice();
-  if (NT_SUCCESS(status)) status = secure();
-  if (NT_SUCCESS(status)) status = link();
-  if (NT_SUCCESS(status)) return;
-  ssprintf("[vexk] no programs are served, their device cannot be made: 0x%08X\n",
-           static_cast<unsigned>(status));
-  close();
+NTSTATUS control(IRP* request, IO_STACK_LOCATION const& at) {
+  NTSTATUS const status = check(request, at);
+  if (NT_SUCCESS(status)) deliver(request);
+  return complete(request, status, NT_SUCCESS(status) ? sizeof(tRequestOutput) : 0);
 }
 
-NTSTATUS tRequestDevice::makeDriver() {
-  UNICODE_STRING name;
-  RtlInitUnicodeString(&name, kDriverName);
-  NTSTATUS const status = IoCreateDriver(&name, &initialise);
-  if (!NT_SUCCESS(status)) return status;
-  for (u32 index = 0; index < kServedKinds; ++index) {
-    former[index] = driver->MajorFunction[kKinds[index]];
-  }
+}  // namespace
+
+NTSTATUS tRequestDevice::open(DRIVER_OBJECT& driver) {
+  NTSTATUS status = makeDevice(driver);
+  if (NT_SUCCESS(status)) status = secure();
+  if (NT_SUCCESS(status)) status = link();
+  if (!NT_SUCCESS(status)) close();
   return status;
 }
 
-NTSTATUS tRequestDevice::initialise(DRIVER_OBJECT* driver, UNICODE_STRING* /*registryPath*/) {
-  vexRequestDevice.driver = driver;
-  IoInitializeRemoveLock(&vexRequestDevice.lock, kLockTag);
-  return STATUS_SUCCESS;
-}
-
-// Nothing is served before the device is secured: the kernel still refuses every opening.
-NTSTATUS tRequestDevice::makeDevice() {
+// The kernel refuses every opening as long as the device is being initialised, and so until it is
+// secured.
+NTSTATUS tRequestDevice::makeDevice(DRIVER_OBJECT& driver) {
   UNICODE_STRING name;
   RtlInitUnicodeString(&name, kRequestDeviceName);
-  return IoCreateDevice(driver, 0, &name, FILE_DEVICE_UNKNOWN, FILE_DEVICE_SECURE_OPEN, 0, &device);
+  return IoCreateDevice(&driver, 0, &name, FILE_DEVICE_UNKNOWN, FILE_DEVICE_SECURE_OPEN, 0,
+                        &device);
 }
 
 NTSTATUS tRequestDevice::secure() {
@@ -97,47 +78,23 @@ NTSTATUS tRequestDevice::link() {
   NTSTATUS const status = IoCreateSymbolicLink(&linkName, &name);
   if (!NT_SUCCESS(status)) return status;
   isLinked = true;
-  serve(true);
   device->Flags &= ~DO_DEVICE_INITIALIZING;
   return status;
 }
 
-void tRequestDevice::serve(bool isServing) {
-  DRIVER_DISPATCH* const own[] = {&completeOpening, &completeOpening, &completeOpening, &control};
-  for (u32 index = 0; index < kServedKinds; ++index) {
-    DRIVER_DISPATCH* const entry = isServing ? own[index] : former[index];
-    __atomic_store_n(&driver->MajorFunction[kKinds[index]], entry, __ATOMIC_SEQ_CST);
-  }
-}
-
 void tRequestDevice::close() {
-  if (driver == nullptr) return;
-  serve(false);
   if (isLinked) {
     UNICODE_STRING linkName;
     RtlInitUnicodeString(&linkName, kRequestDeviceLink);
     IoDeleteSymbolicLink(&linkName);
   }
-  if (NT_SUCCESS(IoAcquireRemoveLock(&lock, this))) IoReleaseRemoveLockAndWait(&lock, this);
   if (device != nullptr) IoDeleteDevice(device);
-  IoDeleteDriver(driver);
-  driver = nullptr;
   device = nullptr;
   isLinked = false;
 }
 
-NTSTATUS tRequestDevice::completeOpening(DEVICE_OBJECT* /*device*/, IRP* request) {
-  return complete(request, STATUS_SUCCESS, 0);
-}
-
-NTSTATUS tRequestDevice::control(DEVICE_OBJECT* /*device*/, IRP* request) {
-  IO_REMOVE_LOCK* const lock = &vexRequestDevice.lock;
-  if (!NT_SUCCESS(IoAcquireRemoveLock(lock, request))) {
-    return complete(request, STATUS_INVALID_DEVICE_REQUEST, 0);
-  }
-  NTSTATUS const status = check(request, *IoGetCurrentIrpStackLocation(request));
-  if (NT_SUCCESS(status)) deliver(request);
-  complete(request, status, NT_SUCCESS(status) ? sizeof(tRequestOutput) : 0);
-  IoReleaseRemoveLock(lock, request);
-  return status;
+NTSTATUS tRequestDevice::dispatch(DEVICE_OBJECT* /*device*/, IRP* request) {
+  IO_STACK_LOCATION const& at = *IoGetCurrentIrpStackLocation(request);
+  bool const isControl = at.MajorFunction == IRP_MJ_DEVICE_CONTROL;
+  return isControl ? control(request, at) : complete(request, STATUS_SUCCESS, 0);
 }
