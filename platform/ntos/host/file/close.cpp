@@ -14,7 +14,11 @@ NTSTATUS ZwClose(HANDLE handle) {
   if (file == nullptr) {
     violation("ZwClose was given %p, which was never opened or is closed already.", handle);
   }
-  close(file->descriptor);
+  if (file->object != nullptr) {
+    ObfDereferenceObject(file->object);
+  } else {
+    close(file->descriptor);
+  }
   g_files.handles.remove(file);
   return call.finish(STATUS_SUCCESS);
 }

@@ -13,11 +13,16 @@ constinit Files g_files;
 
 namespace {
 
+char const* kindOf(OpenFile const& file) {
+  if (file.object != nullptr) return "device";
+  return file.isDirectory ? "folder" : "file";
+}
+
 void printHandle(OpenFile const& file) {
   char line[160];
   int const length =
       snprintf(line, sizeof(line), "ntos: handle %p: a %s, opened with access 0x%x\n", file.handle,
-               file.isDirectory ? "folder" : "file", file.access);
+               kindOf(file), file.access);
   writeStandardError(line, static_cast<size_t>(length));
 }
 

@@ -2,6 +2,7 @@
 
 #include "file/driveMap.h"
 #include "ntos/file.h"
+#include "ntos/io.h"
 
 namespace ntoshost {
 
@@ -18,6 +19,7 @@ struct OpenFile {
   bool isInvalidated;
   u64 position;
   Drive* drive;
+  DEVICE_OBJECT* object;  // a device instead of a file, for its security only; or null
 
   bool mayRead() const { return (access & FILE_READ_DATA) != 0; }
   bool mayWrite() const { return (access & (FILE_WRITE_DATA | FILE_APPEND_DATA)) != 0; }

@@ -1,9 +1,12 @@
 #include "io/deviceTable.h"
 #include "io/driverTable.h"
+#include "io/image.h"
 #include "io/residue.h"
 #include "io/runDriver.h"
+#include "io/unloading.h"
 #include "irqlCheck.h"
 #include "ntoshost/devices.h"
+#include "ntoshost/images.h"
 #include "ntoshost/violation.h"
 #include "pnp/assignments.h"
 #include "pnp/lifecycle.h"
@@ -32,16 +35,81 @@ void finishDevices(DRIVER_OBJECT* driver) {
   }
 }
 
-bool isInUse(DEVICE_OBJECT* device) {
-  return device->ReferenceCount != 0 || recordOf(bottomOf(device)).isPhysical;
+bool isOpen(DEVICE_OBJECT* device) {
+  return device->ReferenceCount != 0;
+}
+
+bool isOfPnp(DEVICE_OBJECT* device) {
+  return recordOf(bottomOf(device)).isPhysical;
+}
+
+// Under the devices' lock.
+bool hasDevice(DRIVER_OBJECT* driver, bool (*isSuch)(DEVICE_OBJECT* device)) {
+  DEVICE_OBJECT* each = driver->DeviceObject;
+  while (each != nullptr && !isSuch(each)) each = each->NextDevice;
+  return each != nullptr;
 }
 
 bool isInUse(DRIVER_OBJECT* driver) {
+  return hasDevice(driver, isOpen) || hasDevice(driver, isOfPnp);
+}
+
+// Whether the unloading is the caller's to do. Under the devices' lock.
+bool beginUnloading(DRIVER_OBJECT* driver) {
+  DriverEnd& end = endOf(driver);
+  if (end.isUnloading || isInUse(driver)) return false;
+  end.isStopped = end.isUnloading = true;
+  return true;
+}
+
+// Marks the driver stopped. STATUS_SUCCESS when the unloading is the caller's to do.
+NTSTATUS stop(DRIVER_OBJECT* driver) {
   DevicesLock const lock;
-  for (DEVICE_OBJECT* each = driver->DeviceObject; each != nullptr; each = each->NextDevice) {
-    if (isInUse(each)) return true;
+  if (endOf(driver).isStopped || hasDevice(driver, isOfPnp)) return STATUS_DEVICE_BUSY;
+  endOf(driver).isStopped = true;
+  return beginUnloading(driver) ? STATUS_SUCCESS : STATUS_PENDING;
+}
+
+bool isReadyToGo(DRIVER_OBJECT* driver) {
+  return endOf(driver).isStopped && beginUnloading(driver);
+}
+
+// The driver is the caller's from here on: a stopped one that nobody has open any more.
+DRIVER_OBJECT* takeStopped() {
+  DevicesLock const lock;
+  return findDriver(isReadyToGo);
+}
+
+void discard(DRIVER_OBJECT* driver, char const* call) {
+  MappedImage(driver).unmap();
+  destroyDriver(driver, call);
+}
+
+void unload(DRIVER_OBJECT* driver, char const* call) {
+  forgetAssignments(driver);
+  forgetRootDriver(driver);
+  runDriver(driver, [&] {
+    driver->DriverUnload(driver);
+    return STATUS_SUCCESS;
+  });
+  requireNoDevice(driver, "DriverUnload");
+  requireNoResidue(driver);
+  discard(driver, call);
+}
+
+NTSTATUS start(DRIVER_OBJECT* driver, DRIVER_INITIALIZE* entry, char const* call,
+               DRIVER_OBJECT** result) {
+  driver->DriverInit = entry;
+  NTSTATUS const status = runDriver(driver, [&] { return entry(driver, registryPathOf(driver)); });
+  if (!NT_SUCCESS(status)) {
+    requireNoDevice(driver, "failed DriverEntry");
+    requireNoResidue(driver);
+    discard(driver, call);
+    return status;
   }
-  return false;
+  finishDevices(driver);
+  *result = driver;
+  return status;
 }
 
 void requireDriver(DRIVER_OBJECT* driver, char const* call) {
@@ -56,34 +124,46 @@ NTSTATUS loadDriver(char const* name, DRIVER_INITIALIZE* entry, DRIVER_OBJECT** 
   *result = nullptr;
   DRIVER_OBJECT* const driver = makeDriver(name);
   if (driver == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
-  driver->DriverInit = entry;
-  NTSTATUS const status = runDriver(driver, [&] { return entry(driver, registryPathOf(driver)); });
-  if (!NT_SUCCESS(status)) {
-    requireNoDevice(driver, "failed DriverEntry");
-    requireNoResidue(driver);
-    destroyDriver(driver, "loadDriver");
-    return status;
+  return start(driver, entry, "loadDriver", result);
+}
+
+NTSTATUS loadDriverImage(char const* name, char const* file, DRIVER_OBJECT** result) {
+  requireIrqlAtMost(PASSIVE_LEVEL, "loadDriverImage");
+  *result = nullptr;
+  DRIVER_OBJECT* const driver = makeDriver(name);
+  if (driver == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
+  NTSTATUS const status = mapImage(driver, file);
+  void* const entry = NT_SUCCESS(status) ? findInImage(driver, "DriverEntry") : nullptr;
+  if (entry != nullptr) {
+    return start(driver, reinterpret_cast<DRIVER_INITIALIZE*>(entry), "loadDriverImage", result);
   }
-  finishDevices(driver);
-  *result = driver;
-  return status;
+  discard(driver, "loadDriverImage");
+  return NT_SUCCESS(status) ? STATUS_OBJECT_NAME_NOT_FOUND : status;
 }
 
 NTSTATUS unloadDriver(DRIVER_OBJECT* driver) {
   requireIrqlAtMost(PASSIVE_LEVEL, "unloadDriver");
   requireDriver(driver, "unloadDriver");
   if (driver->DriverUnload == nullptr) return STATUS_INVALID_DEVICE_REQUEST;
-  if (isInUse(driver)) return STATUS_DEVICE_BUSY;
-  forgetAssignments(driver);
-  forgetRootDriver(driver);
-  runDriver(driver, [&] {
-    driver->DriverUnload(driver);
-    return STATUS_SUCCESS;
-  });
-  requireNoDevice(driver, "DriverUnload");
-  requireNoResidue(driver);
-  destroyDriver(driver, "unloadDriver");
+  {
+    DevicesLock const lock;
+    if (!beginUnloading(driver)) return STATUS_DEVICE_BUSY;
+  }
+  unload(driver, "unloadDriver");
   return STATUS_SUCCESS;
+}
+
+NTSTATUS stopDriver(DRIVER_OBJECT* driver) {
+  requireIrqlAtMost(PASSIVE_LEVEL, "stopDriver");
+  requireDriver(driver, "stopDriver");
+  if (driver->DriverUnload == nullptr) return STATUS_INVALID_DEVICE_REQUEST;
+  NTSTATUS const status = stop(driver);
+  if (status == STATUS_SUCCESS) unload(driver, "stopDriver");
+  return status;
+}
+
+void unloadWhatWaited() {
+  while (DRIVER_OBJECT* const driver = takeStopped()) unload(driver, "closeDevice");
 }
 
 }  // namespace ntoshost

@@ -22,6 +22,7 @@ struct WholeDriver {
   DRIVER_EXTENSION extension;
   WholeDriver* next;
   UNICODE_STRING registryPath;
+  DriverEnd end;
   wchar_t name[sizeof(kDriverFolder) + kMostCharacters];
   wchar_t registryText[sizeof(kServiceFolder) + kMostCharacters];
 };
@@ -87,6 +88,16 @@ void destroyDriver(DRIVER_OBJECT* driver, char const* call) {
 
 UNICODE_STRING* registryPathOf(DRIVER_OBJECT* driver) {
   return &reinterpret_cast<WholeDriver*>(driver)->registryPath;
+}
+
+DriverEnd& endOf(DRIVER_OBJECT* driver) {
+  return reinterpret_cast<WholeDriver*>(driver)->end;
+}
+
+DRIVER_OBJECT* findDriver(bool (*isWanted)(DRIVER_OBJECT* driver)) {
+  WholeDriver* each = g_drivers;
+  while (each != nullptr && !isWanted(&each->driver)) each = each->next;
+  return each == nullptr ? nullptr : &each->driver;
 }
 
 u64 countDrivers() {

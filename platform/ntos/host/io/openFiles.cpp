@@ -2,8 +2,10 @@
 
 #include <stdlib.h>
 
+#include "io/driverTable.h"
 #include "io/names.h"
 #include "io/send.h"
+#include "io/unloading.h"
 #include "ntos/string.h"
 #include "ntoshost/devices.h"
 #include "ntoshost/violation.h"
@@ -22,8 +24,8 @@ bool isOpen(FILE_OBJECT const* file) {
 }
 
 bool isReady(DEVICE_OBJECT* device) {
-  return (device->Flags & DO_DEVICE_INITIALIZING) == 0 && !recordOf(device).isDeleted &&
-         !recordOf(bottomOf(device)).isShut;
+  return !endOf(device->DriverObject).isStopped && (device->Flags & DO_DEVICE_INITIALIZING) == 0 &&
+         !recordOf(device).isDeleted && !recordOf(bottomOf(device)).isShut;
 }
 
 NTSTATUS add(FILE_OBJECT* file) {
@@ -46,6 +48,13 @@ void remove(FILE_OBJECT* file) {
   --file->device->ReferenceCount;
   dropReference(file->device, "closeDevice");
   free(file);
+}
+
+// The end of a handle, which others may have waited for.
+void forget(FILE_OBJECT* file) {
+  remove(file);
+  removeWhatWaited();
+  unloadWhatWaited();
 }
 
 Request fileRequest(FILE_OBJECT* file, u8 major) {
@@ -91,8 +100,7 @@ NTSTATUS open(Finder find, FILE_OBJECT** result) {
     *result = file;
     return status;
   }
-  remove(file);
-  removeWhatWaited();
+  forget(file);
   return status;
 }
 
@@ -135,8 +143,7 @@ void closeDevice(FILE_OBJECT* file) {
   requireOpen(file, "closeDevice");
   sendSurely(file, IRP_MJ_CLEANUP);
   sendSurely(file, IRP_MJ_CLOSE);
-  remove(file);
-  removeWhatWaited();
+  forget(file);
 }
 
 }  // namespace ntoshost

@@ -9,6 +9,7 @@
 #include "ntoshost/devices.h"
 #include "ntoshost/faults.h"
 #include "ntoshost/files.h"
+#include "ntoshost/images.h"
 #include "ntoshost/pnp.h"
 #include "ntoshost/pool.h"
 #include "ntoshost/security.h"

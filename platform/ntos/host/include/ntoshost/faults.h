@@ -21,6 +21,7 @@ constexpr u32 kFaultFile = 0x700;       // all three
 constexpr u32 kFaultDevice = 0x1000;    // IoCreateDevice gives STATUS_INSUFFICIENT_RESOURCES
 constexpr u32 kFaultRequest = 0x2000;   // IoAllocateIrp and IoBuild... give null
 constexpr u32 kFaultLink = 0x4000;      // IoCreateSymbolicLink as IoCreateDevice
+constexpr u32 kFaultSecurity = 0x8000;  // ObOpenObjectByPointer, ZwSetSecurityObject likewise
 constexpr u32 kFaultOther = 0x10000;  // this bit and up: for other host-side code, see injectFault
 constexpr u32 kFaultAll = 0xFFFFFFFF;
 

@@ -13,6 +13,9 @@ namespace ntoshost {
 // one that gets its number is not taken for it.
 bool setUserProcess(i32 pid);
 
+// Whether the requests of the calling thread are those of a 32-bit program; not at the start.
+void set32bitProcess(bool is32bit);
+
 // The process id that the copies of the calling thread use.
 i32 getUserProcess();
 
