@@ -51,8 +51,8 @@ NTSTATUS tRequestDevice::open(DRIVER_OBJECT& driver) {
   return status;
 }
 
-// The kernel refuses every opening as long as the device is being initialised, and so until it is
-// secured.
+// The kernel refuses every opening as long as the device is being initialised, which it ends itself
+// when DriverEntry has returned: nobody opens a device that is not secured.
 NTSTATUS tRequestDevice::makeDevice(DRIVER_OBJECT& driver) {
   UNICODE_STRING name;
   RtlInitUnicodeString(&name, kRequestDeviceName);
@@ -76,9 +76,7 @@ NTSTATUS tRequestDevice::link() {
   RtlInitUnicodeString(&name, kRequestDeviceName);
   RtlInitUnicodeString(&linkName, kRequestDeviceLink);
   NTSTATUS const status = IoCreateSymbolicLink(&linkName, &name);
-  if (!NT_SUCCESS(status)) return status;
-  isLinked = true;
-  device->Flags &= ~DO_DEVICE_INITIALIZING;
+  isLinked = NT_SUCCESS(status);
   return status;
 }
 

@@ -9,7 +9,8 @@ class tRequestDevice {
  public:
   constexpr tRequestDevice() = default;
 
-  // Makes the device, its security and its link. Of what fails nothing stays.
+  // Makes the device, its security and its link; for DriverEntry, after which the kernel lets
+  // programs open it. Of what fails nothing stays.
   NTSTATUS open(DRIVER_OBJECT& driver);
 
   // Takes away what open has made.

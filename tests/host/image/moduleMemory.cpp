@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -13,8 +14,8 @@
 
 namespace {
 
-u64 callsOfNew = 0;
-u64 callsOfDelete = 0;
+std::atomic<u64> callsOfNew = 0;
+std::atomic<u64> callsOfDelete = 0;
 
 void* allocate(std::size_t size) {
   ++callsOfNew;
