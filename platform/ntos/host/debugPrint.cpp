@@ -3,6 +3,7 @@
 #include <pthread.h>
 
 #include "format/format.h"
+#include "irqlCheck.h"
 #include "ntos/status.h"
 #include "ntoshost/debugPrint.h"
 #include "standardError.h"
@@ -19,6 +20,7 @@ constinit DebugPrintSink* g_sink = printToStandardError;
 constinit void* g_context = nullptr;
 
 void print(char const* format, va_list list, char const* call) {
+  requireIrqlAtMost(HIGH_LEVEL, call);
   char buffer[kDebugPrintLimit];
   TextSink<char> text(buffer, sizeof(buffer));
   FormatArguments arguments(list);

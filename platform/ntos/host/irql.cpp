@@ -3,17 +3,17 @@
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
 #include "pool/pagedMemory.h"
+#include "suspension.h"
 
 namespace {
-constinit thread_local KIRQL g_level = PASSIVE_LEVEL;
 
 bool isAbovePaging(KIRQL level) {
   return level >= DISPATCH_LEVEL;
 }
 
 void setLevel(KIRQL level) {
-  bool const crosses = isAbovePaging(level) != isAbovePaging(g_level);
-  g_level = level;
+  bool const crosses = isAbovePaging(level) != isAbovePaging(ntoshost::g_words.level);
+  ntoshost::g_words.level = level;
   if (crosses) ntoshost::notePagingBorder(isAbovePaging(level));
 }
 
@@ -36,24 +36,23 @@ char const* irqlName(KIRQL level) {
 
 }  // namespace ntoshost
 
-KIRQL KeGetCurrentIrql() {
-  return g_level;
-}
-
 void KeRaiseIrql(KIRQL level, KIRQL* previous) {
   if (level > HIGH_LEVEL) {
     ntoshost::violation("KeRaiseIrql was asked for IRQL %u; the highest is %u.", level, HIGH_LEVEL);
   }
-  if (level < g_level) {
-    ntoshost::violation("KeRaiseIrql would lower the IRQL from %u to %u.", g_level, level);
+  if (level < ntoshost::g_words.level) {
+    ntoshost::violation("KeRaiseIrql would lower the IRQL from %u to %u.", ntoshost::g_words.level,
+                        level);
   }
-  *previous = g_level;
+  *previous = ntoshost::g_words.level;
   setLevel(level);
 }
 
 void KeLowerIrql(KIRQL level) {
-  if (level > g_level) {
-    ntoshost::violation("KeLowerIrql would raise the IRQL from %u to %u.", g_level, level);
+  if (level > ntoshost::g_words.level) {
+    ntoshost::violation("KeLowerIrql would raise the IRQL from %u to %u.", ntoshost::g_words.level,
+                        level);
   }
   setLevel(level);
+  ntoshost::takeSuspension();
 }

@@ -11,7 +11,6 @@ namespace {
 
 constinit u64 g_threads = 0;
 constinit thread_local u64 g_thread = 0;
-constinit thread_local u64 g_id = 0;  // 0: not asked for yet
 constinit thread_local u64 g_overriddenId = 0;
 constinit pthread_once_t g_forkOnce = PTHREAD_ONCE_INIT;
 constinit char g_userProcessObject = 0;
@@ -22,16 +21,10 @@ HANDLE handleOf(u64 number) {
 
 // The thread that lives on in the child of a fork has a new id there.
 void forgetRealId() {
-  g_id = g_overriddenId;
+  ntoshost::g_words.id = g_overriddenId;
 }
 void watchForks() {
   pthread_atfork(nullptr, nullptr, forgetRealId);
-}
-
-u64 findId() {
-  pthread_once(&g_forkOnce, watchForks);
-  g_id = static_cast<u64>(gettid());
-  return g_id;
 }
 
 }  // namespace
@@ -43,16 +36,18 @@ KTHREAD* currentThread() {
   return reinterpret_cast<KTHREAD*>(g_thread * 16);
 }
 
+u64 findThreadId() {
+  pthread_once(&g_forkOnce, watchForks);
+  g_words.id = static_cast<u64>(gettid());
+  return g_words.id;
+}
+
 void overrideCurrentThreadId(u64 id) {
   g_overriddenId = id;
-  g_id = id;
+  g_words.id = id;
 }
 
 }  // namespace ntoshost
-
-HANDLE PsGetCurrentThreadId() {
-  return handleOf(g_id != 0 ? g_id : findId());
-}
 
 EPROCESS* PsGetCurrentProcess() {
   return reinterpret_cast<EPROCESS*>(&g_userProcessObject);

@@ -1,6 +1,7 @@
 // What the file calls do not put up with.
 
 #include "ntos/irql.h"
+#include "ntos/thread.h"
 #include "openedFile.h"
 
 namespace {
@@ -47,6 +48,27 @@ TEST_F(FileViolationsDeathTest, SecondCloseIsNamedAsOne) {
 
 TEST_F(FileViolationsDeathTest, NullIsNotClosed) {
   EXPECT_DEATH(ZwClose(nullptr), "ZwClose was given .*, which was never opened");
+}
+
+TEST_F(FileViolationsDeathTest, NoCallIsMadeWithoutApcs) {
+  char byte = 0;
+  FILE_STANDARD_INFORMATION information;
+  KeEnterGuardedRegion();
+  EXPECT_DEATH(write(nullptr, nullptr, nullptr),
+               "ntos: ZwWriteFile was called in a guarded region, where nothing tells the thread "
+               "that it has ended\\.\n$");
+  EXPECT_DEATH(create(kLength, FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0),
+               "ZwCreateFile was called");
+  EXPECT_DEATH(
+      ZwReadFile(file.handle, nullptr, nullptr, nullptr, &file.result, &byte, 1, nullptr, nullptr),
+      "ZwReadFile was called in a guarded region");
+  EXPECT_DEATH(ZwQueryInformationFile(file.handle, &file.result, &information, sizeof(information),
+                                      FileStandardInformation),
+               "ZwQueryInformationFile was called in a guarded region");
+  KeLeaveGuardedRegion();
+  KeEnterCriticalRegion();
+  EXPECT_EQ(write(nullptr, nullptr, nullptr), STATUS_SUCCESS);
+  KeLeaveCriticalRegion();
 }
 
 TEST_F(FileViolationsDeathTest, EveryCallIsForPassiveLevel) {

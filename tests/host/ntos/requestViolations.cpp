@@ -4,6 +4,7 @@
 
 #include "ntos/irql.h"
 #include "ntos/sync.h"
+#include "ntos/thread.h"
 #include "testDriver.h"
 
 namespace {
@@ -282,6 +283,40 @@ TEST_F(RequestViolationsDeathTest, ADispatchReturnsAtTheLevelItWasCalledAt) {
   EXPECT_DEATH(send(m_device),
                "returned from the device control request at IRQL 2; it was called "
                "at IRQL 0\\.");
+}
+
+TEST_F(RequestViolationsDeathTest, ADispatchReturnsWithoutAMutexThatItHasTaken) {
+  KMUTEX mutex;
+  KeInitializeMutex(&mutex, 0);
+  serve([&](DEVICE_OBJECT*, IRP* request) {
+    KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, nullptr);
+    return complete(request, STATUS_SUCCESS);
+  });
+  EXPECT_DEATH(send(m_device),
+               "ntos: The driver \\\\Driver\\\\tester returned from the device control request and "
+               "owns the mutex at 0x[0-9a-f]+, taken meanwhile\\.\n$");
+  KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, nullptr);
+  EXPECT_EQ(send(m_device), STATUS_SUCCESS);  // once more what the sender had
+  KeReleaseMutex(&mutex, 0);
+  EXPECT_EQ(KeReleaseMutex(&mutex, 0), 0);
+}
+
+TEST_F(RequestViolationsDeathTest, ADispatchReturnsInTheRegionsItWasCalledIn) {
+  serve([](DEVICE_OBJECT*, IRP* request) {
+    KeEnterCriticalRegion();
+    return complete(request, STATUS_SUCCESS);
+  });
+  EXPECT_DEATH(
+      send(m_device),
+      "ntos: The driver \\\\Driver\\\\tester returned from the device control request in 1 "
+      "critical regions; it was called in 0\\.\n$");
+  serve([](DEVICE_OBJECT*, IRP* request) {
+    KeLeaveCriticalRegion();
+    return complete(request, STATUS_SUCCESS);
+  });
+  KeEnterCriticalRegion();
+  EXPECT_DEATH(send(m_device), "in 0 critical regions; it was called in 1\\.\n$");
+  KeLeaveCriticalRegion();
 }
 
 TEST_F(RequestViolationsDeathTest, ACompletionRoutineReturnsAtTheLevelItWasCalledAt) {

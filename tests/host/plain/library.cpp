@@ -119,7 +119,20 @@ TEST(PlainExecutive, NobodyLooksAtTheLevelOrAtWhoOwnsALock) {
   KeLowerIrql(previous);
   ExFreePoolWithTag(block, ntosPoolTag("else"));
   std::thread(KeEnterCriticalRegion).join();
+  std::thread(KeLeaveCriticalRegion).join();
+}
+
+TEST(PlainExecutive, RegionsAndMutexesAreCounted) {
+  EXPECT_EQ(KeAreApcsDisabled(), 0);
+  KeEnterCriticalRegion();
+  EXPECT_EQ(KeAreApcsDisabled(), 1);
   KeLeaveCriticalRegion();
+  KMUTEX mutex;
+  KeInitializeMutex(&mutex, 0);
+  KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, nullptr);
+  EXPECT_EQ(KeAreApcsDisabled(), 1);
+  KeReleaseMutex(&mutex, 0);
+  EXPECT_EQ(KeAreApcsDisabled(), 0);
 }
 
 TEST(PlainExecutive, StacksAndPagedMemoryAreThoseOfTheProgram) {

@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include "file/call.h"
+#include "file/lateCall.h"
 #include "file/openPlace.h"
 #include "irqlCheck.h"
 #include "ntos/file.h"
@@ -117,6 +118,7 @@ NTSTATUS ZwCreateFile(HANDLE* file, ACCESS_MASK access, OBJECT_ATTRIBUTES const*
                       u32 extendedLength) {
   using namespace ntoshost;
   requireIrqlAtMost(PASSIVE_LEVEL, "ZwCreateFile");
+  LateCall const late("ZwCreateFile");
   requireDone(*attributes, options, extended, extendedLength);
   Call call(FileCallKind::Create);
   noteName(*attributes->ObjectName, call.getEntry());

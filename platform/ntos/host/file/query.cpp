@@ -1,6 +1,7 @@
 #include <sys/stat.h>
 
 #include "file/call.h"
+#include "file/lateCall.h"
 #include "file/systemStatus.h"
 #include "irqlCheck.h"
 #include "ntos/file.h"
@@ -39,6 +40,7 @@ NTSTATUS ZwQueryInformationFile(HANDLE file, IO_STATUS_BLOCK* result, void* info
                                 FILE_INFORMATION_CLASS kind) {
   using namespace ntoshost;
   requireIrqlAtMost(PASSIVE_LEVEL, "ZwQueryInformationFile");
+  LateCall const late("ZwQueryInformationFile");
   Call call(FileCallKind::Query);
   call->handle = file;
   call->length = length;

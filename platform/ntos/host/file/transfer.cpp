@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include "file/call.h"
+#include "file/lateCall.h"
 #include "file/systemStatus.h"
 #include "irqlCheck.h"
 #include "ntos/file.h"
@@ -113,6 +114,7 @@ NTSTATUS ZwReadFile(HANDLE file, HANDLE event, void* routine, void*, IO_STATUS_B
                     void* buffer, u32 length, LARGE_INTEGER* offset, u32* key) {
   using namespace ntoshost;
   requireIrqlAtMost(PASSIVE_LEVEL, "ZwReadFile");
+  LateCall const late("ZwReadFile");
   requireDone(event, routine, key, "ZwReadFile");
   Call call(FileCallKind::Read);
   note(call.getEntry(), file, length, offset);
@@ -125,6 +127,7 @@ NTSTATUS ZwWriteFile(HANDLE file, HANDLE event, void* routine, void*, IO_STATUS_
                      void const* buffer, u32 length, LARGE_INTEGER* offset, u32* key) {
   using namespace ntoshost;
   requireIrqlAtMost(PASSIVE_LEVEL, "ZwWriteFile");
+  LateCall const late("ZwWriteFile");
   requireDone(event, routine, key, "ZwWriteFile");
   Call call(FileCallKind::Write);
   note(call.getEntry(), file, length, offset);

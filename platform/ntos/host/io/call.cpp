@@ -1,6 +1,7 @@
 #include "io/requestTable.h"
 #include "io/runDriver.h"
 #include "irqlCheck.h"
+#include "ntos/thread.h"
 #include "ntoshost/violation.h"
 #include "pool/answers.h"
 #include "wait/heldLocks.h"
@@ -64,7 +65,7 @@ void requireSoundLocation(RequestRecord const& record, DEVICE_OBJECT* device) {
               RequestText(next.MajorFunction, next.MinorFunction).text);
   }
   if (isForPassiveLevel(next.MajorFunction)) {
-    requireIrqlAtMost(PASSIVE_LEVEL, "IofCallDriver with such a request");
+    requireIrqlOnly(PASSIVE_LEVEL, "IofCallDriver with such a request");
   }
   requireResidentBuffers(request, next);
   requireSoundStart(record, next.MajorFunction);
@@ -135,10 +136,29 @@ NTSTATUS dispatch(DispatchCall const& call, IRP* request) {
   return runDriver(driver, [&] { return routine(call.device, request); });
 }
 
-void requireSameLevel(DispatchCall const& call, KIRQL before) {
-  if (KeGetCurrentIrql() == before) return;
-  violation("The driver %s returned from the %s at IRQL %u; it was called at IRQL %u.",
-            call.driver.text, RequestText(call.major, call.minor).text, KeGetCurrentIrql(), before);
+// What a thread has and is in when a dispatch is called, and again when that returns: its caller
+// may be a program, to which no thread comes back with more.
+struct ThreadState {
+  KIRQL level = KeGetCurrentIrql();
+  u32 locks = countOwnedLocks();
+  u32 regions = g_words.countRegions();
+};
+
+void requireSameState(DispatchCall const& call, ThreadState const& before) {
+  ThreadState const now;
+  char const* const driver = call.driver.text;
+  RequestText const request(call.major, call.minor);
+  if (now.level != before.level) {
+    violation("The driver %s returned from the %s at IRQL %u; it was called at IRQL %u.", driver,
+              request.text, now.level, before.level);
+  }
+  if (now.locks > before.locks) {
+    violation("The driver %s returned from the %s and owns the mutex at %p, taken meanwhile.",
+              driver, request.text, lastOwnedLock());
+  }
+  if (now.regions == before.regions) return;
+  violation("The driver %s returned from the %s in %u critical regions; it was called in %u.",
+            driver, request.text, now.regions, before.regions);
 }
 
 }  // namespace
@@ -148,11 +168,11 @@ NTSTATUS IofCallDriver(DEVICE_OBJECT* device, IRP* request) {
   ntoshost::requireNoFastMutex(ntoshost::kCall);
   ntoshost::requireIrqlAtMost(DISPATCH_LEVEL, ntoshost::kCall);
   ntoshost::requireDevice(device, ntoshost::kCall);
-  KIRQL const level = KeGetCurrentIrql();
+  ntoshost::ThreadState const before;
   ntoshost::DispatchCall call(device);
   ntoshost::enter(call, request);
   NTSTATUS const status = ntoshost::dispatch(call, request);
-  ntoshost::requireSameLevel(call, level);
+  ntoshost::requireSameState(call, before);
   ntoshost::leave(call, status);
   return status;
 }

@@ -1,9 +1,16 @@
+#include "ntos/irql.h"
 #include "ntos/thread.h"
 
-// There are no APCs.
+// Regions are counted and not watched.
 
-void KeEnterCriticalRegion() {
+namespace ntoshost {
+
+constinit thread_local ThreadWords g_words = {0, 0, PASSIVE_LEVEL};
+
+void enterWatchedRegion() {
 }
 
-void KeLeaveCriticalRegion() {
+void leaveWatchedRegion() {
 }
+
+}  // namespace ntoshost

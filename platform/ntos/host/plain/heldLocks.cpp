@@ -12,6 +12,14 @@ void const* ownedFastMutex() {
   return nullptr;
 }
 
+u32 countOwnedLocks() {
+  return 0;
+}
+
+void const* lastOwnedLock() {
+  return nullptr;
+}
+
 void const* ownedLockWithin(void const*, size_t) {
   return nullptr;
 }

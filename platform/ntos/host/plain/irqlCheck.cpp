@@ -2,6 +2,9 @@
 
 namespace ntoshost {
 
+void requireIrqlOnly(KIRQL, char const*) {
+}
+
 void requireIrqlAtMost(KIRQL, char const*) {
 }
 

@@ -1,18 +1,24 @@
 #include "irqlCheck.h"
 #include "ntos/thread.h"
 #include "ntoshost/violation.h"
+#include "suspension.h"
 #include "wait/heldLocks.h"
 
-// There are no APCs: a region is something to be left again.
+namespace ntoshost {
 
-void KeEnterCriticalRegion() {
-  ntoshost::requireIrqlAtMost(APC_LEVEL, "KeEnterCriticalRegion");
-  ntoshost::noteRegionEntered();
+constinit thread_local ThreadWords g_words = {0, ThreadWords::kWatched, PASSIVE_LEVEL};
+
+void enterWatchedRegion() {
+  requireIrqlAtMost(APC_LEVEL, "KeEnterCriticalRegion");
+  noteRegionEntered();
 }
 
-void KeLeaveCriticalRegion() {
-  ntoshost::requireIrqlAtMost(APC_LEVEL, "KeLeaveCriticalRegion");
-  if (ntoshost::noteRegionLeft()) return;
-  ntoshost::violation(
-      "KeLeaveCriticalRegion was called by a thread that is in no critical region.");
+void leaveWatchedRegion() {
+  requireIrqlAtMost(APC_LEVEL, "KeLeaveCriticalRegion");
+  if (!noteRegionLeft()) {
+    violation("KeLeaveCriticalRegion was called by a thread that is in no critical region.");
+  }
+  takeSuspension();
 }
+
+}  // namespace ntoshost

@@ -147,6 +147,14 @@ void const* ownedFastMutex() {
   return nullptr;
 }
 
+u32 countOwnedLocks() {
+  return g_held.count;
+}
+
+void const* lastOwnedLock() {
+  return g_held.count == 0 ? nullptr : lockAt(g_held, g_held.count - 1);
+}
+
 void const* ownedLockWithin(void const* bytes, size_t size) {
   return findInThreads([&](HeldLocks const& held) {
     return lockWithin(held, reinterpret_cast<uintptr_t>(bytes), size);

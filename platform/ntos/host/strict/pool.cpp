@@ -31,9 +31,9 @@ void requireSoundRelease(Block& block, u32 tag) {
     violation("%s was given %p, an object of the executive that has its own way to go.", kFree,
               static_cast<void*>(block.data()));
   }
-  requireIrqlAtMost(highestIrql(block.type), block.type == PagedPool
-                                                 ? "ExFreePoolWithTag of PagedPool"
-                                                 : "ExFreePoolWithTag of NonPagedPool");
+  requireIrqlOnly(highestIrql(block.type), block.type == PagedPool
+                                               ? "ExFreePoolWithTag of PagedPool"
+                                               : "ExFreePoolWithTag of NonPagedPool");
   if (tag != 0 && block.tag != tag) {
     violation("%s: the block of %zu bytes with tag '%s' at %p was freed with tag '%s'.", kFree,
               block.size, TagText(block.tag).text, static_cast<void*>(block.data()),

@@ -22,6 +22,10 @@ bool noteRegionLeft();
 // A fast mutex that the calling thread owns, or null.
 void const* ownedFastMutex();
 
+// How many locks the calling thread owns, and the one that it has taken last.
+u32 countOwnedLocks();
+void const* lastOwnedLock();
+
 // A lock in these bytes that any thread owns, or null.
 void const* ownedLockWithin(void const* bytes, size_t size);
 

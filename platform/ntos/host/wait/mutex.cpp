@@ -2,7 +2,9 @@
 
 #include "currentThread.h"
 #include "irqlCheck.h"
+#include "ntos/thread.h"
 #include "ntoshost/violation.h"
+#include "suspension.h"
 #include "wait/dispatcher.h"
 #include "wait/heldLocks.h"
 
@@ -38,6 +40,7 @@ bool tryTakeMutex(KMUTEX& mutex) {
   }
   writeOwner(mutex, currentThread());
   noteLockTaken(&mutex, LockKind::mutex);
+  ++g_words.regions;
   return true;
 }
 
@@ -65,6 +68,9 @@ i32 KeReleaseMutex(KMUTEX* mutex, BOOLEAN wait) {
   if (state == 0) {
     ntoshost::noteLockReleased(mutex);
     writeOwner(*mutex, nullptr);
+    --ntoshost::g_words.regions;
   }
-  return ntoshost::exchangeSignalState(mutex->Header, state + 1);
+  i32 const before = ntoshost::exchangeSignalState(mutex->Header, state + 1);
+  ntoshost::takeSuspension();
+  return before;
 }

@@ -1,9 +1,13 @@
 #pragma once
 
-#include "ntos/types.h"
+#include "ntos/threadWords.h"
 
 extern "C" {
-NTOS_IMPORT KIRQL KeGetCurrentIrql();
+
+inline KIRQL KeGetCurrentIrql() {
+  return ntoshost::g_words.level;
+}
+
 NTOS_IMPORT void KeRaiseIrql(KIRQL level, KIRQL* previous);
 NTOS_IMPORT void KeLowerIrql(KIRQL level);
 }

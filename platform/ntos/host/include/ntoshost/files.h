@@ -59,6 +59,10 @@ constexpr u32 kFileCallKinds = 5;
 // it. (To fail by count whatever the call is, see ntoshost/faults.h.) Not for Close.
 void failFileCalls(FileCallKind kind, u64 first, u64 count, NTSTATUS status);
 
+// From now on every call but ZwClose returns so many milliseconds after it has done its work, as
+// those of a slow drive; 0, as at the start, at once. Other threads' calls go on meanwhile.
+void delayFileCalls(u32 milliseconds);
+
 // One call with its arguments. What a kind does not have is zero.
 struct FileCall {
   static constexpr u32 kNameCapacity = 264;   // characters, with the terminator

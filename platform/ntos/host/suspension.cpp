@@ -1,0 +1,84 @@
+#include "suspension.h"
+
+#include <pthread.h>
+#include <time.h>
+
+#include "ntos/irql.h"
+#include "ntos/thread.h"
+#include "ntoshost/thread.h"
+
+namespace ntoshost {
+
+constinit thread_local SuspensionRequest g_suspension = {};
+
+namespace {
+
+constexpr u64 kNanosecondsPerMillisecond = 1'000'000;
+constexpr u64 kNanosecondsPerSecond = 1'000'000'000;
+
+constinit pthread_mutex_t g_lock = PTHREAD_MUTEX_INITIALIZER;
+constinit pthread_cond_t g_changed = PTHREAD_COND_INITIALIZER;
+constinit u64 g_resumes = 0;
+constinit u32 g_suspended = 0;
+
+bool mayBeSuspended() {
+  return KeGetCurrentIrql() == PASSIVE_LEVEL && KeAreApcsDisabled() == 0;
+}
+
+timespec after(u32 milliseconds) {
+  timespec now;
+  clock_gettime(CLOCK_REALTIME, &now);
+  u64 const nanoseconds = static_cast<u64>(now.tv_nsec) + milliseconds * kNanosecondsPerMillisecond;
+  return {now.tv_sec + static_cast<time_t>(nanoseconds / kNanosecondsPerSecond),
+          static_cast<long>(nanoseconds % kNanosecondsPerSecond)};
+}
+
+void sleepUntilResumed() {
+  pthread_mutex_lock(&g_lock);
+  u64 const resumes = g_resumes;
+  ++g_suspended;
+  pthread_cond_broadcast(&g_changed);
+  while (g_resumes == resumes) pthread_cond_wait(&g_changed, &g_lock);
+  --g_suspended;
+  pthread_mutex_unlock(&g_lock);
+}
+
+}  // namespace
+
+void suspendIfAllowed() {
+  if (!mayBeSuspended()) return;
+  g_suspension.isPending = false;
+  sleepUntilResumed();
+}
+
+void countCall() {
+  if (g_suspension.callsLeft != 0 && --g_suspension.callsLeft == 0) g_suspension.isPending = true;
+  takeSuspension();
+}
+
+void suspendAtCall(u64 n) {
+  g_suspension = {n, false};
+}
+
+bool wasSuspensionAsked() {
+  return g_suspension.callsLeft == 0;
+}
+
+bool awaitSuspended(u32 milliseconds) {
+  timespec const end = after(milliseconds);
+  pthread_mutex_lock(&g_lock);
+  while (g_suspended == 0 && pthread_cond_timedwait(&g_changed, &g_lock, &end) == 0) {
+  }
+  bool const isSuspended = g_suspended != 0;
+  pthread_mutex_unlock(&g_lock);
+  return isSuspended;
+}
+
+void resumeThreads() {
+  pthread_mutex_lock(&g_lock);
+  ++g_resumes;
+  pthread_cond_broadcast(&g_changed);
+  pthread_mutex_unlock(&g_lock);
+}
+
+}  // namespace ntoshost
