@@ -32,6 +32,9 @@ namespace nOXDIAG100 {
 // stream it came from, `inquire` and `getDescription` perhaps while some are. Whoever calls them on
 // a destination of a stream directly brings that order along.
 //
+// Below DISPATCH_LEVEL `put` runs in a critical region, so that nobody suspends its thread while
+// others wait for it; it returns at the IRQL, and in the region, that it was called in.
+//
 // Tracing from within: `put` may write lines into its own stream. They arrive after the text that
 // is being put, by a put within that put, four deep at most; what would go deeper is dropped. `put`
 // cannot switch its own destination: that changes nothing. `open` and `close` may switch the stream

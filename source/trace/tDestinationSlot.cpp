@@ -3,14 +3,19 @@
 #include "ntos/irql.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "trace/tTextsOnTheWay.h"
+#include "vexk/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
 
+// A thread that is suspended within is one that nobody who waits for it sees the end of; so it is
+// not, until it has left.
+//
 // The text is entered before it looks at the slot, and counts as one for any destination until it
 // says for which. So whoever shuts the slot, or installs another destination, and then finds
 // nobody, has nobody there.
 void tDestinationSlot::send(char const* text, u32 length) {
+  tCriticalRegionGuard const region;
   u32 const thread = tThreadUtility::getCurrentThreadId();
   u32 const place = tTextsOnTheWay::enter(thread, *this);
   if (place == tTextsOnTheWay::kNoPlace) return;

@@ -7,6 +7,7 @@
 #include "trace/switchEvents.h"
 #include "trace/tPatience.h"
 #include "trace/tTextsOnTheWay.h"
+#include "vexk/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
@@ -28,6 +29,7 @@ u32 getState() {
 
 void prepare() {
   if (getState() == kReady) return;
+  tCriticalRegionGuard const region;
   u32 raw = kRaw;
   if (__atomic_compare_exchange_n(&state, &raw, kInTheMaking, false, __ATOMIC_ACQUIRE,
                                   __ATOMIC_RELAXED)) {

@@ -1,7 +1,9 @@
 #include "tDispatcherTable.h"
 
 #include "ntos/wait.h"
+#include "tReturnWatch.h"
 #include "vexk/statusCodes.h"
+#include "vexk/tCriticalRegionGuard.h"
 #include "vexk/tFastMutexGuard.h"
 
 constinit tDispatcherTable vexDispatcherTable;
@@ -29,7 +31,10 @@ void tDispatcherTable::remove(tDispatcher& dispatcher) {
   if (isKnown && dispatcher.running != 0) waitUntilIdle(dispatcher);
 }
 
+// A module that goes waits for the requests that run, so their threads are not suspended.
 i32 tDispatcherTable::deliver(char const* name, size_t length, u64 request) {
+  tReturnWatch const watch(name, length);
+  tCriticalRegionGuard const region;
   tDispatcher* const dispatcher = begin(name, length);
   if (dispatcher == nullptr) return kStatusNoDispatcher;
   dispatcher->dispatch(request);

@@ -1,5 +1,7 @@
 #include "common/tFunctionDevice.h"
 
+#include "common/tReturnWatch.h"
+
 #include "ntos/io.h"
 #include "ntos/pool.h"
 #include "ntos/wait.h"
@@ -10,6 +12,7 @@
 namespace {
 
 constexpr u32 kLockTag = ntosPoolTag("vexf");
+constexpr char kControl[] = "a device of a driver";
 constexpr u32 kMethodBits = 3;  // of a control code
 constexpr u32 kInheritedFlags = DO_BUFFERED_IO | DO_POWER_PAGABLE;
 
@@ -138,6 +141,7 @@ NTSTATUS tFunctionDevice::serveControl(IRP& request) {
   auto const& parameters = IoGetCurrentIrpStackLocation(&request)->Parameters.DeviceIoControl;
   u64 information = 0;
   i32 status = 0;
+  tReturnWatch const watch(kControl, sizeof(kControl) - 1);
   handleDeviceControl(parameters.IoControlCode, buffers.input, parameters.InputBufferLength,
                       buffers.output, parameters.OutputBufferLength, &information, &status);
   // The system copies so many bytes to the caller.

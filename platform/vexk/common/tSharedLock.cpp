@@ -73,6 +73,10 @@ void tSharedLock::wakeOne() {
   KeSetEvent(&event, kBoost, 0);
 }
 
+void tSharedLock::copyName(char (&to)[kSyncMaximumNameLength + 1]) const {
+  copyText(to, name);
+}
+
 bool tSharedLock::isNamed(char const* wantedName, tSyncDescriptor const& descriptor) const {
   if (wantedName == nullptr || kind != descriptor.kind) return false;
   if (kind == kSyncKindTokenMutex &&

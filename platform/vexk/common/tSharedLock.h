@@ -36,6 +36,8 @@ class tSharedLock {
   // Whether an open with these arguments means this lock. Never true for a private one.
   bool isNamed(char const* name, tSyncDescriptor const& descriptor) const;
 
+  void copyName(char (&to)[kSyncMaximumNameLength + 1]) const;
+
   // Open handles, counted by the table under its guard.
   u32 handleCount = 0;
 

@@ -77,3 +77,11 @@ u32 tSyncTable::countHandles() {
   for (tSyncHandle* handle = first; handle != nullptr; handle = handle->next) ++count;
   return count;
 }
+
+bool tSyncTable::findOwned(char (&name)[kSyncMaximumNameLength + 1]) {
+  tFastMutexGuard const held(guard);
+  tSyncHandle const* handle = first;
+  while (handle != nullptr && !handle->getLock().isOwnedByCaller()) handle = handle->next;
+  if (handle != nullptr) handle->getLock().copyName(name);
+  return handle != nullptr;
+}

@@ -18,6 +18,10 @@ class tSyncTable {
 
   u32 countHandles();
 
+  // Whether the calling thread owns one of the locks, and the name of the first one found: empty
+  // for a private lock.
+  bool findOwned(char (&name)[kSyncMaximumNameLength + 1]);
+
  private:
   tSyncHandle* openGuarded(char const* name, tSyncDescriptor const& descriptor);
   tSharedLock* find(char const* name, tSyncDescriptor const& descriptor) const;

@@ -10,6 +10,8 @@
 #include "ntoshost/executive.h"
 #include "support/tFunctionStack.h"
 #include "vexk/dispatch.h"
+#include "vexk/module.h"
+#include "vexk/sync.h"
 
 namespace {
 
@@ -22,6 +24,7 @@ class tSlowComponent : public tRecordingComponent {
   void handleDeviceControl(u32, void*, u32, void*, u32, u64* information, i32*) override {
     ++running;
     while (!isOpen) std::this_thread::yield();
+    if (kept != nullptr) kept->acquire(kSyncWaitForever);
     EXPECT_FALSE(isReleased);
     *information = 1;
     --running;
@@ -35,6 +38,7 @@ class tSlowComponent : public tRecordingComponent {
 
   std::atomic<int> running = 0;
   std::atomic<bool> isOpen = false;
+  iSync* kept = nullptr;  // a lock that a device control does not give back
   std::atomic<bool> isStopped = false;
   std::atomic<bool> isReleased = false;
 };
@@ -116,6 +120,21 @@ TEST_F(FunctionDevice, NamesBelowItAreAsSecureAsTheDevice) {
   EXPECT_TRUE(top->Characteristics & FILE_DEVICE_SECURE_OPEN);
   ObfDereferenceObject(top);
   ntoshost::removeRootDevice(device);
+}
+
+TEST_F(FunctionDevice, AControlThatKeepsALockIsNamedBeforeItReturns) {
+  vexkInitialize();
+  i32 status = 0;
+  component.kept = syncOpen("nTEST::_kept", tSyncDescriptor{}, status);
+  component.isOpen = true;
+  plugIn();
+  EXPECT_DEATH(control(),
+               "\\[vexk\\] the request to a device of a driver returns while its thread holds the "
+               "lock 'nTEST::_kept'\nntos: The driver \\\\Driver\\\\function returned from the "
+               "device control request in 1 critical regions; it was called in 0\\.");
+  ntoshost::removeRootDevice(device);
+  syncClose(component.kept);
+  vexkUnload();
 }
 
 TEST_F(FunctionDevice, TheRemovalWaitsForTheControlsThatRun) {

@@ -38,8 +38,10 @@ class VEX_API iLib {
     virtual ~iDispatcher();
 
     // Serves the request at this address of user memory, in the context of the requesting program:
-    // vexCopyFromUser and vexCopyToUser reach its memory. PASSIVE_LEVEL; any number of threads at
-    // once. What `request` points to is between the program and the dispatcher.
+    // vexCopyFromUser and vexCopyToUser reach its memory. PASSIVE_LEVEL, in a critical region; any
+    // number of threads at once. A lock that a request has taken it gives back: a thread must not
+    // return to its program with one, and a line at the debugger names the one that does. What
+    // `request` points to is between the program and the dispatcher.
     virtual void dispatch(u64 request) = 0;
 
     char const* getName() const { return name; }

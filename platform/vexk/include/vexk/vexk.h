@@ -23,6 +23,7 @@
 #include "vexk/printFormat.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
+#include "vexk/tCriticalRegionGuard.h"
 #include "vexk/tFastMutexGuard.h"
 #include "vexk/tMemBlockReferenceBase.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
