@@ -1,7 +1,8 @@
 #pragma once
 
 // What a user-mode program asks the library itself, beside the configuration tunnel
-// ("oxdiagk/tunnelRequest.h"): which version runs, and how many configurations are saved.
+// ("oxdiagk/tunnelRequest.h"): which version runs, how many configurations are saved, and how much
+// of the trace its files lost.
 //
 //     tStateAnswer answer = {};
 //     tStateRequest const request = {reinterpret_cast<u64>(&answer), sizeof(answer), 0};
@@ -33,9 +34,11 @@ struct tStateAnswer {
   u32 savedTrace;          // configurations that popConfiguration of the trace can restore
   u32 savedAssert;         // the same of the assertions
   char build[kBuildSize];  // version, time and place of the build, cut to fit, terminated
+  u64 lostFileTexts;       // tFileTraceDestination::countLostTexts; not in answers of 128 bytes
 };
 
 static_assert(sizeof(tStateRequest) == 16 && offsetof(tStateRequest, size) == 8);
-static_assert(sizeof(tStateAnswer) == 128 && offsetof(tStateAnswer, build) == 16);
+static_assert(sizeof(tStateAnswer) == 136 && offsetof(tStateAnswer, build) == 16);
+static_assert(offsetof(tStateAnswer, lostFileTexts) == 128);
 
 }  // namespace nOXDIAG100

@@ -15,15 +15,15 @@ namespace nOXDIAG100 {
 // disk before it returns, in blocks of at most 513 bytes, always at the end of the file. Others may
 // read and write the file meanwhile.
 //
-// Errors are not reported. Text that a full disk does not take is lost, and so is the text of a put
-// at DISPATCH_LEVEL or above.
+// Errors are not reported in the file. Text that a full disk does not take is lost, and so is the
+// text of a put that the kernel could not finish: at APC_LEVEL and above, as within a fast mutex,
+// and in a guarded region. countLostTexts counts both.
 //
 // Thread safety: any number of threads may put at once. Each block is written whole; blocks of
 // different threads are written in any order. The other operations are called by one thread at a
 // time, configure(), open() and close() while no thread is within put. Trace streams do so, however
 // many use the file.
-// IRQL: PASSIVE_LEVEL, with put also at DISPATCH_LEVEL and above. Not at APC_LEVEL: the kernel
-// would be asked to write where it must not.
+// IRQL: PASSIVE_LEVEL; put at any, where text can be read.
 class OXDIAG_API tFileTraceDestination : public iTraceDestination {
  public:
   // The one instance that options name, created by the first call. Of threads that call first at
@@ -36,6 +36,11 @@ class OXDIAG_API tFileTraceDestination : public iTraceDestination {
   // Leaves it as it is while a thread is within its put, after a wait of ten seconds; the event log
   // says so.
   static void destroyInstance();
+
+  // How many texts were lost, in whole or in part, by all objects of this class since the library
+  // was loaded; what is put while no file is open is not among them. A program gets the number with
+  // "oxdiagk/stateRequest.h". Any IRQL.
+  static u64 countLostTexts();
 
   // Closed, with the default name and mode.
   tFileTraceDestination();
@@ -86,7 +91,7 @@ class OXDIAG_API tFileTraceDestination : public iTraceDestination {
 
   bool openActive(bool overwrites);
   void releaseHandles();
-  void writeBlock(char const* bytes, u32 length);
+  bool writeBlock(char const* bytes, u32 length);
 
   HANDLE directory = nullptr;
   HANDLE file = nullptr;

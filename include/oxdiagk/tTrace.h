@@ -100,8 +100,8 @@ OXDIAG_API u64 readTimeStampCounter();
 // but enableMutex and disableMutex never are.
 //
 // IRQL: writing allocates nothing. Every put, putf and endl may hand text to the destination, so
-// they work at the IRQLs at which its put does (the file: PASSIVE_LEVEL, and above APC_LEVEL, where
-// it drops the text); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
+// they work at the IRQLs at which its put does (the file: any, but from APC_LEVEL on it drops the
+// text and counts it); with the line mutex on, lines need IRQL <= APC_LEVEL. The plain switches,
 // enable, disable and all queries work at any IRQL; enableMutex, disableMutex and calibrate at IRQL
 // <= APC_LEVEL; everything else that configures, inquire, and building and destroying a stream, at
 // PASSIVE_LEVEL. A stream lies in non-paged memory.

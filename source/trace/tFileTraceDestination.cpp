@@ -4,6 +4,8 @@
 #include "config/options/tInquiryText.h"
 #include "ntos/file.h"
 #include "ntos/irql.h"
+#include "ntos/thread.h"
+#include "oxdiagk/atomicWord.h"
 #include "trace/findOrMake.h"
 #include "trace/tTraceFileBlock.h"
 #include "trace/traceFileOpen.h"
@@ -14,6 +16,7 @@ namespace {
 constexpr char kDefaultName[] = "C:/DebugTrace.out";
 
 constinit tFileTraceDestination* instance = nullptr;
+constinit u64 lostTexts = 0;
 
 // Copies as much of a text as there is room for; the rest of the name becomes zeros.
 template <u32 capacity>
@@ -44,15 +47,31 @@ HANDLE load(HANDLE const& place) {
   return __atomic_load_n(&place, __ATOMIC_ACQUIRE);
 }
 
-NTSTATUS write(HANDLE file, char const* bytes, u32 length) {
+// The kernel finishes a write by an APC, and where none come in it would not come back.
+bool mayWrite() {
+  return KeGetCurrentIrql() < DISPATCH_LEVEL && !KeAreAllApcsDisabled();
+}
+
+struct tWriteResult {
+  NTSTATUS status;
+  bool isWhole;
+};
+
+tWriteResult write(HANDLE file, char const* bytes, u32 length) {
   IO_STATUS_BLOCK result;
-  return ZwWriteFile(file, nullptr, nullptr, nullptr, &result, bytes, length, nullptr, nullptr);
+  NTSTATUS const status =
+      ZwWriteFile(file, nullptr, nullptr, nullptr, &result, bytes, length, nullptr, nullptr);
+  return {status, NT_SUCCESS(status) && result.Information == length};
 }
 
 }  // namespace
 
 tFileTraceDestination* tFileTraceDestination::getInstance() {
   return findOrMake(instance);
+}
+
+u64 tFileTraceDestination::countLostTexts() {
+  return loadRelaxed(lostTexts);
 }
 
 void tFileTraceDestination::destroyInstance() {
@@ -77,13 +96,16 @@ iTraceDestination& tFileTraceDestination::put(char const* text) {
 iTraceDestination& tFileTraceDestination::put(char const* text, unsigned int length) {
   if (load(file) == nullptr) return *this;
   tTraceFileBlock block;
+  bool isWhole = true;
   for (unsigned int index = 0; text != nullptr && index < length; ++index) {
     block.append(text[index]);
     if (!block.isFull()) continue;
-    writeBlock(block.getBytes(), block.getLength());
+    isWhole &= writeBlock(block.getBytes(), block.getLength());
     block.clear();
   }
-  writeBlock(block.getBytes(), block.getLength());
+  bool const isEnded = writeBlock(block.getBytes(), block.getLength());
+  if (!isWhole || (!isEnded && block.getLength() != 0))
+    __atomic_fetch_add(&lostTexts, 1, __ATOMIC_RELAXED);
   return *this;
 }
 
@@ -144,12 +166,13 @@ void tFileTraceDestination::releaseHandles() {
   replaceHandle(directory, nullptr);
 }
 
-void tFileTraceDestination::writeBlock(char const* bytes, u32 length) {
+bool tFileTraceDestination::writeBlock(char const* bytes, u32 length) {
   HANDLE const current = load(file);
-  if (current == nullptr || KeGetCurrentIrql() >= DISPATCH_LEVEL) return;
-  if (write(current, bytes, length) != STATUS_OBJECT_TYPE_MISMATCH) return;
+  if (current == nullptr || !mayWrite()) return false;
+  tWriteResult const first = write(current, bytes, length);
+  if (first.status != STATUS_OBJECT_TYPE_MISMATCH) return first.isWhole;
   close();
-  if (openActive(false)) write(load(file), bytes, length);
+  return openActive(false) && write(load(file), bytes, length).isWhole;
 }
 
 }  // namespace nOXDIAG100

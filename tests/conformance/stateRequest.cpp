@@ -4,6 +4,7 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "support/tunnelRecords.h"
 #include "vexk/iLib.h"
@@ -59,8 +60,12 @@ TEST(StateRequest, CountsWhatIsSavedOfEachObject) {
   EXPECT_EQ(after.answer.savedAssert, before.answer.savedAssert);
 }
 
+TEST(StateRequest, TellsHowManyTextsTheFilesLost) {
+  EXPECT_EQ(tAsked().answer.lostFileTexts, tFileTraceDestination::countLostTexts());
+}
+
 TEST(StateRequest, WritesNoMoreThanIsAskedFor) {
-  u32 const sizes[] = {0, 1, 4, 15, 16, 127};
+  u32 const sizes[] = {0, 1, 4, 15, 16, 128, 135};
   for (u32 const size : sizes) {
     tAsked const asked(size);
     EXPECT_EQ(asked.byteAt(0), size != 0 ? sizeof(tStateAnswer) : kUntouched);

@@ -46,6 +46,14 @@ void showSettings(tOptionLanguage const& language, tTunnel& tunnel, bool isRaw) 
   print(isRaw ? text + "\n" : tSettings(text).describe(language));
 }
 
+// What the file of the trace did not take shows nowhere in it.
+void showLoss(iRequestChannel& channel) {
+  auto const state = askLibraryState(channel);
+  if (!state || state->lostFileTexts == 0) return;
+  print("lost: " + std::to_string(state->lostFileTexts) +
+        " texts that could not be written into a file\n");
+}
+
 // A pop of nothing would pass without a word.
 void demandSaved(tOptionLanguage const& language, iRequestChannel& channel) {
   auto const state = askLibraryState(channel);
@@ -91,6 +99,7 @@ void runObjectCommand(tOptionLanguage const& language, tControlOptions const& op
   }
   if (text.empty() && !options.pushes && !options.pops) {
     showSettings(language, tunnel, options.isRaw);
+    if (language.name == kTraceLanguage.name && !options.isRaw) showLoss(*channel);
   } else {
     if (options.pops) demandSaved(language, *channel);
     change(tunnel, options, text);

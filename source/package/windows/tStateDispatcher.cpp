@@ -4,6 +4,7 @@
 #include "config/tObjectRoom.h"
 #include "oxdiagk/stateRequest.h"
 #include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "package/windows/moduleStrings.h"
 #include "vexk/userMemory.h"
@@ -25,6 +26,7 @@ tStateAnswer makeAnswer() {
   answer.version = kPackedVersion;
   answer.savedTrace = tTrace::getInstance().countSavedConfigurations();
   answer.savedAssert = tAssertConfiguration::getInstance().countSavedConfigurations();
+  answer.lostFileTexts = tFileTraceDestination::countLostTexts();
   copyBuild(answer.build, kModuleIdentity.buildString);
   return answer;
 }

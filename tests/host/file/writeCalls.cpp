@@ -1,6 +1,8 @@
 // What the file destination asks the kernel for when it writes.
 
 #include "fileCalls.h"
+#include "ntos/fastMutex.h"
+#include "ntos/thread.h"
 
 namespace {
 
@@ -114,6 +116,58 @@ TEST_F(FileWriteCalls, NothingIsAskedForAtDispatchLevelAndAbove) {
   }
   file.put("seen");
   EXPECT_EQ(drive.read("one.out"), "seen");
+}
+
+TEST_F(FileWriteCalls, NothingIsAskedForWhereTheKernelCouldNotFinishIt) {
+  FAST_MUTEX mutex;
+  ExInitializeFastMutex(&mutex);
+  ExAcquireFastMutex(&mutex);
+  put(letters(600));
+  EXPECT_EQ(ntoshost::fileCallsSeen(), 0u);
+  ExReleaseFastMutex(&mutex);
+  KeEnterGuardedRegion();
+  file.put("dropped");
+  EXPECT_EQ(ntoshost::fileCallsSeen(), 0u);
+  KeLeaveGuardedRegion();
+  KeEnterCriticalRegion();
+  file.put("seen");
+  KeLeaveCriticalRegion();
+  EXPECT_EQ(drive.read("one.out"), "seen");
+}
+
+TEST_F(FileWriteCalls, TextsThatAreLostAreCounted) {
+  u64 const before = tFileTraceDestination::countLostTexts();
+  put("kept");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before);
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    put(letters(2000));  // one text of four blocks
+    file.put("");        // of which nothing can be lost
+    file.put("lost");
+  }
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 2);
+  {
+    tRaisedIrql const raised(APC_LEVEL);
+    file.put("lost");
+  }
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 3);
+  ntoshost::limitDrive('C', 513);
+  put(letters(512) + "lost");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 4);
+  file.close();
+  file.put("to nobody");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 4);
+}
+
+TEST_F(FileWriteCalls, TextWhoseFileCannotBeOpenedAgainIsLost) {
+  u64 const before = tFileTraceDestination::countLostTexts();
+  ntoshost::invalidateHandle(handle);
+  file.put("kept");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before);
+  ntoshost::invalidateHandle(callsOf(FileCallKind::Create).back().handle);
+  ntoshost::unmountDrive('C');
+  file.put("lost");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 1);
 }
 
 TEST_F(FileWriteCalls, EveryWriteThatFailsInTurnLosesItsBlockOnly) {
