@@ -4,12 +4,13 @@
 #       One library of the product (vexk, qelmk, oxdiagk, a component). On the host a static
 #       library; on the kernel targets a set of objects that a module links.
 #
-#   oxdiag_kernel_module(NAME TYPE dll|sys ENTRY symbol LIBRARIES ... IMPORTS ... [EXPORTS ...]
-#                        [DESCRIPTION text])
+#   oxdiag_kernel_module(NAME TYPE dll|sys DESCRIPTION text LIBRARIES ... IMPORTS ... [ENTRY symbol])
 #       windows only: links the objects of LIBRARIES into NAME.dll or NAME.sys with its PDB and,
-#       for a dll, its import library. IMPORTS name other modules or kernel images. A module of the
-#       family has a DESCRIPTION, and then the version of the build in its header and, with that
-#       text, in its file properties.
+#       for a dll, its import library. IMPORTS name other modules or kernel images. A sys has a
+#       DriverEntry; a dll has DllInitialize and DllUnload, which it exports, and in ENTRY what is
+#       called when it is started as a driver.
+#       Every image gets a stack cookie, control-flow guard, the checksum of its header, the version
+#       of the build there and, with DESCRIPTION, in its file properties.
 #
 #   oxdiag_kernel_import(NAME DEFINITION file.def)
 #       windows only: the import library of a kernel image that is not built here.
@@ -20,6 +21,7 @@
 set(OXDIAG_MODULE_DIR "${CMAKE_BINARY_DIR}/modules")
 file(MAKE_DIRECTORY "${OXDIAG_MODULE_DIR}")
 
+set(OXDIAG_CHECKSUM "${CMAKE_CURRENT_LIST_DIR}/imageChecksum.py")
 set(OXDIAG_TOOL "${CMAKE_COMMAND}" -P "${CMAKE_CURRENT_LIST_DIR}/callTool.cmake")
 
 function(oxdiag_library name)
@@ -44,32 +46,47 @@ function(oxdiag_kernel_import name)
   add_custom_target(${name}.import DEPENDS "${library}")
 endfunction()
 
-function(oxdiag_kernel_module name)
-  cmake_parse_arguments(ARG "" "TYPE;ENTRY;DESCRIPTION" "LIBRARIES;IMPORTS;EXPORTS" ${ARGN})
-  set(image "${OXDIAG_MODULE_DIR}/${name}.${ARG_TYPE}")
-  set(flags /nologo /driver /subsystem:native /entry:${ARG_ENTRY} /nodefaultlib /debug /opt:ref
-            /Brepro /WX "/pdbaltpath:%_PDB%" "/out:${name}.${ARG_TYPE}" "/pdb:${name}.pdb")
-  if(ARG_TYPE STREQUAL "dll")
-    list(APPEND flags /dll "/implib:${name}.lib")
+# The names of an image's version resource; TYPE is dll, sys or exe.
+function(oxdiag_version_resource name)
+  cmake_parse_arguments(ARG "" "TYPE;DESCRIPTION;OUTPUT" "" ${ARGN})
+  if(NOT ARG_DESCRIPTION)
+    message(FATAL_ERROR "${name}.${ARG_TYPE} has no DESCRIPTION for its file properties")
   endif()
-  foreach(symbol IN LISTS ARG_EXPORTS)
-    list(APPEND flags "/export:${symbol}")
-  endforeach()
-  set(objects "")
+  set(ARG_KIND "3") # VFT_DRV
+  set(ARG_SUBKIND "7") # VFT2_DRV_SYSTEM
+  if(ARG_TYPE STREQUAL "exe")
+    set(ARG_KIND "1") # VFT_APP
+    set(ARG_SUBKIND "0")
+  endif()
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/version.rc.in" "${ARG_OUTPUT}" @ONLY)
+endfunction()
+
+function(oxdiag_kernel_module name)
+  cmake_parse_arguments(ARG "" "TYPE;ENTRY;DESCRIPTION" "LIBRARIES;IMPORTS" ${ARGN})
+  set(image "${OXDIAG_MODULE_DIR}/${name}.${ARG_TYPE}")
+  set(flags /nologo /driver /subsystem:native /nodefaultlib /debug /opt:ref /guard:cf /Brepro /WX
+            "/pdbaltpath:%_PDB%" "/version:${OXDIAG_VERSION_IMAGE}"
+            "/out:${name}.${ARG_TYPE}" "/pdb:${name}.pdb")
+  if(ARG_TYPE STREQUAL "dll")
+    list(APPEND flags /dll "/implib:${name}.lib" "/entry:${ARG_ENTRY}"
+                      "/export:DllInitialize=enterLibrary,PRIVATE" "/export:DllUnload,PRIVATE")
+    list(APPEND ARG_LIBRARIES imageGuards libraryEntry)
+  else()
+    list(APPEND flags /entry:enterDriver)
+    list(APPEND ARG_LIBRARIES imageGuards driverEntry)
+  endif()
+  set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+  oxdiag_version_resource(${name} TYPE ${ARG_TYPE} DESCRIPTION "${ARG_DESCRIPTION}"
+                          OUTPUT "${resource}")
+  add_custom_command(
+    OUTPUT "${resource}.res"
+    COMMAND ${OXDIAG_TOOL} llvm-rc /no-preprocess /fo "${resource}.res" "${resource}"
+    WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
+    DEPENDS "${resource}" VERBATIM)
+  set(objects "${resource}.res")
   foreach(library IN LISTS ARG_LIBRARIES)
     list(APPEND objects "$<TARGET_OBJECTS:${library}>")
   endforeach()
-  if(ARG_DESCRIPTION)
-    set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
-    configure_file("${PROJECT_SOURCE_DIR}/cmake/module.rc.in" "${resource}" @ONLY)
-    add_custom_command(
-      OUTPUT "${resource}.res"
-      COMMAND ${OXDIAG_TOOL} llvm-rc /no-preprocess /fo "${resource}.res" "${resource}"
-      WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
-      DEPENDS "${resource}" VERBATIM)
-    list(APPEND objects "${resource}.res")
-    list(APPEND flags "/version:${OXDIAG_VERSION_IMAGE}")
-  endif()
   set(imports "")
   set(importTargets "")
   foreach(import IN LISTS ARG_IMPORTS)
@@ -83,8 +100,9 @@ function(oxdiag_kernel_module name)
   add_custom_command(
     OUTPUT ${outputs}
     COMMAND ${OXDIAG_TOOL} lld-link ${flags} ${objects} ${imports}
+    COMMAND python3 "${OXDIAG_CHECKSUM}" "${name}.${ARG_TYPE}"
     WORKING_DIRECTORY "${OXDIAG_MODULE_DIR}"
-    DEPENDS ${ARG_LIBRARIES} ${objects} ${imports} ${importTargets}
+    DEPENDS ${ARG_LIBRARIES} ${objects} ${imports} ${importTargets} "${OXDIAG_CHECKSUM}"
     COMMAND_EXPAND_LISTS VERBATIM)
   add_custom_target(${name}.module ALL DEPENDS ${outputs})
   add_custom_target(${name}.import DEPENDS ${outputs})

@@ -38,10 +38,12 @@ if(OXDIAG_TARGET STREQUAL "host")
 elseif(OXDIAG_TARGET STREQUAL "windows")
   # -fms-extensions brings __declspec, __int64 and __try; -Wpedantic must not object to them.
   # Call stacks and __try walk by the unwind tables, which -ffreestanding would leave out.
+  # What the guards of stack and calls need at run time is in platform/vexk/windows/image. A switch
+  # would jump through a table, past the guard of calls.
   target_compile_options(oxdiag_warnings INTERFACE -fasynchronous-unwind-tables
     --target=x86_64-pc-windows-msvc -O2 -g -gcodeview -fms-extensions -ffreestanding -fno-exceptions -fno-rtti
-    -mno-implicit-float -fno-stack-protector -fno-threadsafe-statics
-    -Wno-language-extension-token)
+    -mno-implicit-float -fno-threadsafe-statics -fstack-protector-strong "SHELL:-Xclang -cfguard"
+    -fno-jump-tables -Wno-language-extension-token)
 elseif(OXDIAG_TARGET STREQUAL "metal")
   target_compile_options(oxdiag_warnings INTERFACE
     --target=x86_64-unknown-none-elf -O2 -ffreestanding -nostdlib -mno-red-zone -fno-pic -mcmodel=small -mno-implicit-float

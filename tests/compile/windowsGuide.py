@@ -32,8 +32,11 @@ def build_complaints():
         if code != 0:
             return [output]
         imported = images.imports_of(f"{folder}/hello.sys")
+        headers = workshop.demand(["llvm-readobj", "--file-headers", f"{folder}/hello.sys"])
     missing = {"oxdiagk.dll", "vexk.dll"} - imported
-    return [f"hello.sys does not import from {name}" for name in sorted(missing)]
+    unguarded = "IMAGE_DLL_CHARACTERISTICS_GUARD_CF" not in headers
+    return [f"hello.sys does not import from {name}" for name in sorted(missing)] + \
+        (["hello.sys has no control-flow guard"] if unguarded else [])
 
 
 def sections_of(text):

@@ -49,7 +49,7 @@ STEPS = {
     "packages": ("what is installed, in the hands of clients", packages.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
-    "modules": ("the modules as files: imports, exports, sections, PDB, version", images.check),
+    "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
     "control": ("oxdiagctl for Windows, under Wine", control.check),
     "metal": ("the serial destination on an emulated PC", metal.check),

@@ -2,6 +2,7 @@
 
 import subprocess
 
+import versions
 import wine
 import workshop
 
@@ -60,4 +61,7 @@ def check():
         finally:
             wine.stop_server()
     failed = [f"oxdiagctl.exe {case[0]}" for case, seen in zip(CASES, complaints) if seen]
-    return workshop.Outcome(len(CASES) - len(failed), failed, "\n".join(filter(None, complaints)))
+    title, wrong = versions.property_check(PROGRAM)
+    failed += [f"{title}: {', '.join(wrong)}"] if wrong else []
+    return workshop.Outcome(len(CASES) + 1 - len(failed), failed,
+                            "\n".join(filter(None, complaints)))

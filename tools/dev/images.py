@@ -2,9 +2,10 @@
 
 import re
 
+import guards
 import versions
 import workshop
-from moduleFiles import pdb_of, read
+from moduleFiles import every_image, pdb_of, read
 
 KERNEL = {"ntoskrnl.exe", "hal.dll"}
 FAMILY = {
@@ -94,12 +95,18 @@ def pdb_check(image):
 
 
 def checks_of(image):
-    checks = [import_check, native_check, section_check, unwind_check, pdb_check,
+    checks = [native_check, section_check, unwind_check, pdb_check, *guards.CHECKS,
               *versions.checks_of(image)]
+    checks += [import_check, guards.code_check] if image in FAMILY else []
     return checks + [export_check] if image.endswith(".dll") else checks
 
 
+def missing_check():
+    return "every image of the family is built", sorted(set(FAMILY) - set(every_image()))
+
+
 def check():
-    results = [one(image) for image in FAMILY for one in checks_of(image)]
+    jobs = [(one, image) for image in every_image() for one in checks_of(image)]
+    results = [missing_check(), *workshop.in_parallel(lambda job: job[0](job[1]), jobs)]
     failed = [f"{title}: {', '.join(wrong)}" for title, wrong in results if wrong]
     return workshop.Outcome(len(results) - len(failed), failed, "\n".join(failed))

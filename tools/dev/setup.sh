@@ -9,7 +9,7 @@ set -euo pipefail
 host=(cmake ninja-build python3 g++ libcli11-dev)    # programs for Linux, the workshop itself
 tests=(libgtest-dev libgmock-dev)
 sanitizers=(clang libclang-rt-14-dev lld llvm)       # second compiler, and what it links with
-windows=(clang lld llvm)                             # the modules and their inspection
+windows=(clang lld llvm python3-pefile)              # the modules and their inspection
 wine=(wine wine64)                                   # the kernel interface they run in
 bare=(clang lld llvm qemu-system-x86)                # the emulated PC and its images
 peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)

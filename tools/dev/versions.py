@@ -7,7 +7,6 @@ import struct
 import moduleFiles
 import workshop
 
-FAMILY = ("vexk.dll", "qelmk.dll", "oxdiagk.dll", "oxdiagcontrol.sys")
 LIBRARY = "oxdiagk.dll"
 CURRENT_VERSION = "?getCurrentVersion@nOXDIAG100@@YA?AVtSSVersion@@AEAJ@Z"
 
@@ -77,15 +76,16 @@ def text_property(raw, name):
 
 
 def property_check(image):
-    version, raw = Version(), resource(image)
+    """Of a module, or of a program, by its path."""
+    version, raw, name = Version(), resource(image), pathlib.Path(image).name
     told = {"header": image_version(image), **fixed_properties(raw),
             **{name: text_property(raw, name) for name in
                ("FileVersion", "ProductVersion", "InternalName", "OriginalFilename")}}
     wanted = {"header": version.image, "file version": version.file,
               "product version": version.file, "flags": version.flags,
               "FileVersion": version.text, "ProductVersion": version.text,
-              "InternalName": pathlib.PurePath(image).stem, "OriginalFilename": image}
-    return f"{image} tells {version.text} in its header and properties", different(told, wanted)
+              "InternalName": name.rpartition(".")[0], "OriginalFilename": name}
+    return f"{name} tells {version.text} in its header and properties", different(told, wanted)
 
 
 def returned_version(image):
@@ -122,5 +122,4 @@ def library_check(image):
 
 
 def checks_of(image):
-    checks = [property_check] if image in FAMILY else []
-    return checks + [library_check] if image == LIBRARY else checks
+    return [property_check, library_check] if image == LIBRARY else [property_check]

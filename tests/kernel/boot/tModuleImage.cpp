@@ -6,6 +6,7 @@ namespace {
 constexpr u32 kSignatureOffset = 0x3C;
 constexpr u32 kExportDirectoryOffset = 0x88;
 constexpr u32 kImportDirectoryOffset = 0x90;
+constexpr u32 kLoadConfigurationOffset = 0xD8;
 
 constexpr u64 kPageSize = 0x1000;
 constexpr u16 kImageMark = 0x5A4D;  // "MZ"
@@ -59,6 +60,7 @@ void* tModuleImage::findExport(char const* name) const {
 void** tModuleImage::findImport(char const* name) const {
   u32 const header = at<u32>(kSignatureOffset);
   u32 descriptor = at<u32>(header + kImportDirectoryOffset);
+  if (descriptor == 0) return nullptr;
   for (; at<tImportDescriptor>(descriptor).name != 0; descriptor += sizeof(tImportDescriptor)) {
     auto const& from = at<tImportDescriptor>(descriptor);
     for (u32 place = 0; at<u64>(from.lookups + place) != 0; place += sizeof(u64)) {
@@ -68,4 +70,9 @@ void** tModuleImage::findImport(char const* name) const {
     }
   }
   return nullptr;
+}
+
+void const* tModuleImage::findLoadConfiguration() const {
+  u32 const offset = at<u32>(at<u32>(kSignatureOffset) + kLoadConfigurationOffset);
+  return offset == 0 ? nullptr : image + offset;
 }

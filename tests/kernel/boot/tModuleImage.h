@@ -18,6 +18,9 @@ class tModuleImage {
   // it imports nothing of the name.
   void** findImport(char const* name) const;
 
+  // What the module says about its guards, or null when it says nothing.
+  void const* findLoadConfiguration() const;
+
  private:
   template <class T>
   T const& at(u32 offset) const {

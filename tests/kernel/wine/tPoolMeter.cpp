@@ -4,7 +4,7 @@
 #include "ntos/pool.h"
 #include "oxdiagk/module.h"
 #include "vexk/module.h"
-#include "wine/wineKernel.h"
+#include "wine/redirect.h"
 
 namespace {
 
@@ -57,26 +57,17 @@ void freeMetered(void* block, u32 tag) {
   ExFreePoolWithTag(block, tag);
 }
 
-bool redirect(void** place, void* function) {
-  if (place == nullptr) return false;
-  void* page = place;
-  size_t size = sizeof(*place);
-  u32 before = 0;
-  if (ZwProtectVirtualMemory(kOwnProcess, &page, &size, kPageReadWrite, &before) < 0) return false;
-  *place = function;
-  return ZwProtectVirtualMemory(kOwnProcess, &page, &size, before, &before) >= 0;
-}
-
-bool redirect(void const* inside, void* allocate, void* free) {
+bool redirectModule(void const* inside, void* allocate, void* free) {
   tModuleImage const image(inside);
   return redirect(image.findImport("ExAllocatePoolWithTag"), allocate) &&
          redirect(image.findImport("ExFreePoolWithTag"), free);
 }
 
 bool redirectModules(void* allocate, void* free) {
-  bool const inPlatform = redirect(reinterpret_cast<void const*>(&vexkInitialize), allocate, free);
+  bool const inPlatform =
+      redirectModule(reinterpret_cast<void const*>(&vexkInitialize), allocate, free);
   bool const inLibrary =
-      redirect(reinterpret_cast<void const*>(&oxdiagkInitialize), allocate, free);
+      redirectModule(reinterpret_cast<void const*>(&oxdiagkInitialize), allocate, free);
   return inPlatform && inLibrary;
 }
 

@@ -39,6 +39,9 @@ NTOS_IMPORT NTSTATUS KeDelayExecutionThread(KPROCESSOR_MODE mode, BOOLEAN alerta
 NTOS_IMPORT NTSTATUS ZwProtectVirtualMemory(HANDLE process, void** address, size_t* size,
                                             u32 protection, u32* before);
 
+// Raises a structured exception with this code.
+[[noreturn]] NTOS_IMPORT void ExRaiseStatus(NTSTATUS status);
+
 // Gives back a block whatever its tag: what the kernel does with answers to its requests.
 NTOS_IMPORT void ExFreePool(void* block);
 }
