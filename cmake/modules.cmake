@@ -65,7 +65,7 @@ function(oxdiag_kernel_module name)
   cmake_parse_arguments(ARG "" "TYPE;ENTRY;DESCRIPTION" "LIBRARIES;IMPORTS" ${ARGN})
   set(image "${OXDIAG_MODULE_DIR}/${name}.${ARG_TYPE}")
   set(flags /nologo /driver /subsystem:native /nodefaultlib /debug /opt:ref /guard:cf /Brepro /WX
-            "/pdbaltpath:%_PDB%" "/version:${OXDIAG_VERSION_IMAGE}"
+            "/pdbaltpath:%_PDB%" "/pdbsourcepath:x:\\oxdiagk" "/version:${OXDIAG_VERSION_IMAGE}"
             "/out:${name}.${ARG_TYPE}" "/pdb:${name}.pdb")
   if(ARG_TYPE STREQUAL "dll")
     list(APPEND flags /dll "/implib:${name}.lib" "/entry:${ARG_ENTRY}"

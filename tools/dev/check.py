@@ -21,6 +21,7 @@ import packages  # noqa: E402
 import programs  # noqa: E402
 import scripts  # noqa: E402
 import toolNames  # noqa: E402
+import twins  # noqa: E402
 import windowsGuide  # noqa: E402
 
 
@@ -50,6 +51,7 @@ STEPS = {
     "fuzz": ("fuzz targets over their corpora", fuzz.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
+    "twins": ("the same modules from two clones at different paths", twins.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
     "control": ("oxdiagctl for Windows, under Wine", control.check),
     "metal": ("the serial destination on an emulated PC", metal.check),

@@ -1,0 +1,51 @@
+"""That two clones at different paths make the same modules, byte for byte, PDBs included."""
+
+import os
+import pathlib
+import shutil
+import tempfile
+
+import images
+import moduleFiles
+import workshop
+
+PRESET = "windows"
+PLACES = ("one", "another/and/deeper")
+LEFT_OUT = {"out", ".git"}
+
+
+def left_out(folder, names):
+    return LEFT_OUT & set(names) if pathlib.Path(folder) == workshop.TOP else []
+
+
+def environment():
+    """For clones that have no history: the time of this one's. A compiler cache would hand the objects
+    of the first clone to the second."""
+    code, time = workshop.run(["git", "log", "-1", "--format=%ct"], cwd=workshop.TOP)
+    clean = dict(os.environ, CCACHE_DISABLE="1")
+    return dict(clean, SOURCE_DATE_EPOCH=time.strip()) if code == 0 and time.strip() else clean
+
+
+def build_clone(top):
+    """File name -> its bytes, of everything that is made of the family."""
+    shutil.copytree(workshop.TOP, top, ignore=left_out, symlinks=True)
+    settings = {"cwd": top, "env": environment()}
+    workshop.demand(["cmake", "--preset", PRESET], **settings)
+    targets = [f"{pathlib.Path(image).stem}.module" for image in images.FAMILY]
+    workshop.demand(["cmake", "--build", "--preset", PRESET, "-j", workshop.CORES,
+                     "--target", *targets], **settings)
+    return {path.name: path.read_bytes() for path in (top / "out" / PRESET / "modules").iterdir()}
+
+
+def complaints(one, other):
+    wanted = {name for image in images.FAMILY for name in (image, moduleFiles.pdb_of(image).name)}
+    return [f"{name} is made by every clone" for name in sorted(wanted - set(one))] + \
+        [f"{name} is the same in every clone" for name in sorted(set(one) | set(other))
+         if one.get(name) != other.get(name)]
+
+
+def check():
+    with tempfile.TemporaryDirectory(prefix="oxdiagk-") as folder:
+        one, other = [build_clone(pathlib.Path(folder) / place) for place in PLACES]
+    failed = complaints(one, other)
+    return workshop.Outcome(len(one) - len(failed), failed, "")
