@@ -12,6 +12,11 @@
 #       Every image gets a stack cookie, control-flow guard, the checksum of its header, the version
 #       of the build there and, with DESCRIPTION, in its file properties.
 #
+#   oxdiag_driver_package(NAME INF template [FILES ...])
+#       windows only: puts NAME.inf and these files beside the images. In the template, DriverVer is
+#       @OXDIAG_DRIVER_VERSION@, the date of the sources and the version of the build. The step
+#       `windows` of the tests looks whether a package is complete.
+#
 #   oxdiag_kernel_import(NAME DEFINITION file.def)
 #       windows only: the import library of a kernel image that is not built here.
 #
@@ -106,4 +111,16 @@ function(oxdiag_kernel_module name)
     COMMAND_EXPAND_LISTS VERBATIM)
   add_custom_target(${name}.module ALL DEPENDS ${outputs})
   add_custom_target(${name}.import DEPENDS ${outputs})
+endfunction()
+
+function(oxdiag_driver_package name)
+  cmake_parse_arguments(ARG "" "INF" "FILES" ${ARGN})
+  string(REGEX REPLACE "^([0-9]+)-([0-9]+)-([0-9]+) .*$" "\\2/\\3/\\1" date "${OXDIAG_BUILD_TIME}")
+  string(REPLACE "," "." version "${OXDIAG_VERSION_FILE}")
+  set(OXDIAG_DRIVER_VERSION "${date},${version}")
+  configure_file("${ARG_INF}" "${OXDIAG_MODULE_DIR}/${name}.inf" @ONLY NEWLINE_STYLE CRLF)
+  foreach(file IN LISTS ARG_FILES)
+    get_filename_component(own "${file}" NAME)
+    configure_file("${file}" "${OXDIAG_MODULE_DIR}/${own}" COPYONLY)
+  endforeach()
 endfunction()
