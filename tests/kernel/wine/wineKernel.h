@@ -42,6 +42,10 @@ NTOS_IMPORT NTSTATUS ZwProtectVirtualMemory(HANDLE process, void** address, size
 // Raises a structured exception with this code.
 [[noreturn]] NTOS_IMPORT void ExRaiseStatus(NTSTATUS status);
 
+// Copies parts of an object's security, as one relative descriptor.
+NTOS_IMPORT NTSTATUS ZwQuerySecurityObject(HANDLE object, u32 information, void* descriptor,
+                                           u32 size, u32* needed);
+
 // Gives back a block whatever its tag: what the kernel does with answers to its requests.
 NTOS_IMPORT void ExFreePool(void* block);
 }
