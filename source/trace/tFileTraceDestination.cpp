@@ -17,6 +17,7 @@ constexpr char kDefaultName[] = "C:/DebugTrace.out";
 
 constinit tFileTraceDestination* instance = nullptr;
 constinit u64 lostTexts = 0;
+constinit bool answersForRegions = false;  // of KeAreAllApcsDisabled, see learnAnswer
 
 // Copies as much of a text as there is room for; the rest of the name becomes zeros.
 template <u32 capacity>
@@ -47,9 +48,18 @@ HANDLE load(HANDLE const& place) {
   return __atomic_load_n(&place, __ATOMIC_ACQUIRE);
 }
 
+// Wine's kernel says yes in a critical region already, where a write comes back and where every
+// text is put. No file is opened where no APC comes in, so a yes at that time is such an answer.
+void learnAnswer() {
+  KeEnterCriticalRegion();
+  storeRelaxed(answersForRegions, KeAreAllApcsDisabled() != 0);
+  KeLeaveCriticalRegion();
+}
+
 // The kernel finishes a write by an APC, and where none come in it would not come back.
 bool mayWrite() {
-  return KeGetCurrentIrql() < DISPATCH_LEVEL && !KeAreAllApcsDisabled();
+  if (KeGetCurrentIrql() != PASSIVE_LEVEL) return false;
+  return loadRelaxed(answersForRegions) || !KeAreAllApcsDisabled();
 }
 
 struct tWriteResult {
@@ -154,6 +164,7 @@ char const* tFileTraceDestination::getDescription() const {
 
 bool tFileTraceDestination::openActive(bool overwrites) {
   releaseHandles();
+  learnAnswer();
   tNameText const name(activeName);
   tTraceFileHandles const handles = openTraceFile(name.text, overwrites);
   replaceHandle(directory, handles.directory);
