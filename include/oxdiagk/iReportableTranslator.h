@@ -2,7 +2,7 @@
 
 // The vocabulary of a report.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "stl/string.h"
 

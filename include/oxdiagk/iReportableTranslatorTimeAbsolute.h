@@ -2,7 +2,7 @@
 
 // A translator that knows points in time.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "qelmk/classMacros.h"
 #include "stl/string.h"

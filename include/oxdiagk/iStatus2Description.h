@@ -2,7 +2,7 @@
 
 // What explains a status.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/iCloneableExternalizable.h"

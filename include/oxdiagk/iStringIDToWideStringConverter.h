@@ -2,7 +2,7 @@
 
 // Texts by number.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/tObject.h"

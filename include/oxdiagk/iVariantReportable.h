@@ -2,7 +2,7 @@
 
 // A value that explains a status, of a type of its own.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/iCloneableExternalizable.h"

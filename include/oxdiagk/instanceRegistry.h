@@ -19,7 +19,7 @@
 // configure the same object wait for each other in the object, see tConfigurable.
 // IRQL: PASSIVE_LEVEL.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 
 namespace nOXDIAG100 {

@@ -27,8 +27,9 @@
 // more than the kernel; an instance that getInstance makes then is kept until destroyInstance or
 // the next unload.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
+#include "vexk/kernelTypes.h"
 
 // Builds the library's global objects in their order, registers the module with the platform layer,
 // which makes the process-wide status heap, and opens the configuration tunnel. `registryPath` is
@@ -37,7 +38,7 @@
 // nothing left constructed when the platform layer is not running or older than 2.0, the object
 // framework is not running, memory is exhausted, or another module has one of its class names. Why
 // is in the platform's event log, unless it is the platform layer itself.
-OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
+OXDIAG_API i32 oxdiagkInitialize(_UNICODE_STRING const* registryPath);
 
 // Undoes one start; the last one closes the tunnel and waits for the requests in it, destroys the
 // status heap and then the global objects in reverse order of construction. Every status with
@@ -45,4 +46,4 @@ OXDIAG_API NTSTATUS oxdiagkInitialize(UNICODE_STRING const* registryPath);
 // be within the put of the trace destination all the same, it is waited for for ten seconds; then
 // the event log names it, and that destination is left as it is. Without a start it does nothing.
 // Always returns STATUS_SUCCESS.
-OXDIAG_API NTSTATUS oxdiagkUnload();
+OXDIAG_API i32 oxdiagkUnload();

@@ -7,18 +7,19 @@
 //
 //     extern "C" NTSTATUS DriverEntry(DRIVER_OBJECT* driver, UNICODE_STRING*) {
 //       pkgSetWDMWrapperLoadStateAndGetGUID(1);
-//       for (DRIVER_DISPATCH*& dispatch : driver->MajorFunction) dispatch =
-//       &pkgWDMWrapperHandleIrp; driver->DriverExtension->AddDevice = &addDevice;  // calls
-//       vexAddFunctionDevice driver->DriverUnload = &unload;  // calls
-//       pkgSetWDMWrapperLoadStateAndGetGUID(0) return STATUS_SUCCESS;
+//       for (auto& dispatch : driver->MajorFunction) dispatch = &pkgWDMWrapperHandleIrp;
+//       driver->DriverExtension->AddDevice = &addDevice;  // calls vexAddFunctionDevice
+//       driver->DriverUnload = &unload;  // calls pkgSetWDMWrapperLoadStateAndGetGUID(0)
+//       return STATUS_SUCCESS;
 //     }
 //
 // All of them need the module loaded. Any thread may call them, any number of drivers at the same
 // time. What they return a pointer to belongs to the module and stays as long as that is loaded.
 // PASSIVE_LEVEL, where nothing else is said.
 
-#include "ntos/irp.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
+#include "vexk/kernelTypes.h"
 #include "vexk/moduleInfo.h"
 
 extern "C" {
@@ -46,5 +47,5 @@ OXDIAG_API i32 pkgWDMWrapperCallSSMain(u32 reason);
 // IRP_MJ_MAXIMUM_FUNCTION is neither: STATUS_UNSUCCESSFUL, and the request is still the caller's.
 // PASSIVE_LEVEL for creation, closing, power and plug and play; IRQL <= DISPATCH_LEVEL for the
 // rest.
-OXDIAG_API NTSTATUS pkgWDMWrapperHandleIrp(DEVICE_OBJECT* device, IRP* irp);
+OXDIAG_API i32 pkgWDMWrapperHandleIrp(_DEVICE_OBJECT* device, _IRP* irp);
 }

@@ -7,7 +7,8 @@
 // (nQELM100::destroyThroughClass). Any thread, as long as no other one changes the objects or the
 // status meanwhile. IRQL <= APC_LEVEL: a failure takes its detail from the status heap.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "qelmk/dynamicCast.h"
@@ -22,7 +23,7 @@ class tStatus2;
 // Where a reportable records its failures: a source tag instead of a file name, such as
 // "source/status/tGUIDReportable", which lives as long as the module, and the line that says so.
 struct tReportableSource {
-  constexpr tReportableSource(char const* sourceTag, u32 sourceLine = __builtin_LINE())
+  constexpr tReportableSource(char const* sourceTag, u32 sourceLine = COMPILER_CALLER_LINE)
       : tag(sourceTag), line(sourceLine) {}
 
   char const* tag;

@@ -7,7 +7,8 @@
 // read it. Values come from long-lived memory. Reader, writer and report are the caller's and are
 // not kept. IRQL as theirs, <= APC_LEVEL.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 #include "oxdiagk/reportableClass.h"
 #include "oxdiagk/tReportText.h"
 #include "oxdiagk/tReportableValue.h"
@@ -24,7 +25,8 @@ namespace nOXDIAG100 {
 template <class T>
 struct tReportableListOf {
   static constexpr size_t kLargestInPlace = 16;
-  static constexpr bool kIsSmall = __is_trivially_copyable(T) && sizeof(T) <= kLargestInPlace;
+  static constexpr bool kIsSmall =
+      nCompiler::kIsTriviallyCopyable<T> && sizeof(T) <= kLargestInPlace;
   template <bool isSmall, class tValue>
   struct tChoice {
     using type = _STL::vector<tValue>;

@@ -12,7 +12,7 @@
 // cannot be read or written ends the request; nothing is reported then, and `size` stays what it
 // was. All numbers are little-endian, all addresses the program's own.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 
 namespace nOXDIAG100 {
 

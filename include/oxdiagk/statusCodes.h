@@ -10,7 +10,7 @@
 // warnings, and keeps the meaning of a number for ever, since statuses are saved. Nobody checks the
 // numbers; a status says by its component name whose code it is.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/statusCodes.h"
 
 namespace nOXDIAG100 {

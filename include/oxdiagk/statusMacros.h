@@ -30,6 +30,7 @@
 // IRQL <= APC_LEVEL. At a higher level, and when the status heap is full, the code is stored
 // without origin; a warning then becomes kStatusOutOfMemory. Threads: as for tStatus2.
 
+#include "compiler/compiler.h"
 #include "oxdiagk/tStatus2.h"
 
 #ifndef OXDIAG_STATUS_COMPONENT
@@ -82,7 +83,7 @@ class tStatusSetter {
   void setWithStackTrace(char const* component, char const* file, u32 line,
                          iStatus2Description const* description) const {
     status._allocateImplementationObject(code, component, file, line, description);
-    keepFrame();
+    nCompiler::keepFrame();  // else this function would be missing in the stack trace
   }
   void setWithoutStackTrace(char const* component, char const* file, u32 line,
                             iStatus2Description const* description) const {
@@ -94,10 +95,6 @@ class tStatusSetter {
   }
 
  private:
-  // Were the call above the last thing its function does, it would become a jump, and that function
-  // would be missing in the stack trace.
-  static void keepFrame() { __asm__ volatile(""); }
-
   tStatus2& status;
   i32 code;
 };

@@ -2,7 +2,7 @@
 
 // Ranges of numbers.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "oxdiagk/reportableClass.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "compiler/compiler.h"
 #include "oxdiagk/tCategoryIndex.h"
 #include "stl/failure_state.h"
 #include "vexk/memory.h"
@@ -41,9 +42,9 @@ class tCategoryTable : public _STL::failure_state {
 
   // The same under a copy of the name.
   tEntry* addCopy(char const* name, V const& value) {
-    size_t const size = __builtin_strlen(name) + 1;
+    size_t const size = nCompiler::textLength(name) + 1;
     char* const copy = _STL::allocateFor<char>(size, kMemLongLived);
-    if (copy != nullptr) __builtin_memcpy(copy, name, size);
+    if (copy != nullptr) nCompiler::copyBytes(copy, name, size);
     tEntry* const entry = addEntry(copy, true, value);
     if (entry == nullptr) _memDelete(copy);
     return entry;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "vexk/tKernelMutexGuard.h"
+#include "compiler/types.h"
 
 namespace nOXDIAG100 {
 
@@ -15,7 +15,7 @@ struct tAtRest {};
 // while it is held, which a fast mutex would forbid.
 class tConfigurationLock {
  public:
-  tConfigurationLock() { KeInitializeMutex(&mutex, 0); }
+  tConfigurationLock();
   // A lock that nobody may take.
   explicit tConfigurationLock(tAtRest) : mutex() {}
   tConfigurationLock(tConfigurationLock const&) = delete;
@@ -24,16 +24,7 @@ class tConfigurationLock {
  private:
   friend class tConfigurationGuard;
 
-  KMUTEX mutex;
-};
-
-// Holds the lock for a scope.
-class tConfigurationGuard {
- public:
-  explicit tConfigurationGuard(tConfigurationLock& lock) : guard(lock.mutex) {}
-
- private:
-  tKernelMutexGuard const guard;
+  alignas(8) u8 mutex[56];  // a kernel mutex
 };
 
 }  // namespace nOXDIAG100

@@ -2,7 +2,7 @@
 
 // Values of a property that has named values.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "stl/single_vector.h"

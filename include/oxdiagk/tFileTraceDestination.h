@@ -93,8 +93,8 @@ class OXDIAG_API tFileTraceDestination : public iTraceDestination {
   void releaseHandles();
   bool writeBlock(char const* bytes, u32 length);
 
-  HANDLE directory = nullptr;
-  HANDLE file = nullptr;
+  void* directory = nullptr;
+  void* file = nullptr;
   char activeName[kNameCapacity];   // of the last open(); terminated only when shorter
   char pendingName[kNameCapacity];  // of the next
   u32 activeOverwrites = 0;

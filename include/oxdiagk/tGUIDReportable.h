@@ -2,7 +2,7 @@
 
 // Identifiers.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "qelmk/tGUID.h"

@@ -2,7 +2,7 @@
 
 // Numbers and texts.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "oxdiagk/reportableLists.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/tTraceFilter.h"
 
 // The switches of a trace stream, told once. FIELD is a field of the prefix, SHAPE something else

@@ -2,7 +2,7 @@
 
 // One line of a description: a value, and what it means.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/tReportItemContent.h"
 #include "qelmk/classMacros.h"

@@ -2,7 +2,7 @@
 
 // What a report item holds, without the face of an object of the framework.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 
 namespace nQELM100 {

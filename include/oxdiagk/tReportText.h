@@ -2,7 +2,7 @@
 
 // The text of one reportable while it grows.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/reportableClass.h"
 #include "stl/string.h"

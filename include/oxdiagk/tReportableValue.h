@@ -2,7 +2,7 @@
 
 // What the templates of reportables need to know about the type of their values.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/iReportableTranslator.h"
 #include "oxdiagk/tReportText.h"
 #include "qelmk/iObjectReader.h"

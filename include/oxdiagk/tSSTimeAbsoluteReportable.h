@@ -2,7 +2,7 @@
 
 // Points in time.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "stl/single_vector.h"

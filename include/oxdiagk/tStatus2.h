@@ -2,7 +2,7 @@
 
 // A status code, and where it was set.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 
 namespace nQELM100 {

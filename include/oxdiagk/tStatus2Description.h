@@ -2,7 +2,7 @@
 
 // An ordered list of values that explains a status.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iStatus2Description.h"
 #include "stl/string.h"

@@ -2,7 +2,7 @@
 
 // The fixed memory behind statuses.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/statusCodes.h"
 #include "vexk/sync.h"

@@ -2,7 +2,7 @@
 
 // Texts that a class of the reporting side knows by number.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
 #include "stl/single_vector.h"

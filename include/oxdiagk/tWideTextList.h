@@ -2,7 +2,7 @@
 
 // Wide texts, side by side.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "stl/borrowed_string.h"
 #include "stl/failure_state.h"

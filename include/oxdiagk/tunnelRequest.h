@@ -23,7 +23,7 @@
 // next request. Each record is read once, when its turn comes, so a result may change a later
 // record of the same request.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 
 namespace nOXDIAG100 {
 

@@ -17,7 +17,7 @@
 // All three work on any thread at any IRQL at which their arguments may be read, also before the
 // library is started. They allocate nothing and take no lock of the library.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "vexk/tSSVersion.h"
 

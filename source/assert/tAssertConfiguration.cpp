@@ -4,8 +4,10 @@
 #include "assert/tAssertOptionReader.h"
 #include "config/options/savedSettings.h"
 #include "config/options/tInquiryText.h"
+#include "config/tConfigurationGuard.h"
 #include "config/tInstancePlace.h"
 #include "vexk/memory.h"
+#include "vexk/placementNew.h"
 #include "vexk/timerTimebase.h"
 
 namespace nOXDIAG100 {

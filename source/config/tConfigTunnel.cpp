@@ -5,6 +5,7 @@
 #include "config/tUserText.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tunnelRequest.h"
+#include "vexk/placementNew.h"
 #include "vexk/userMemory.h"
 
 // The requesting program may change a request at any moment: what was copied is never read again.

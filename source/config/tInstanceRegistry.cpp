@@ -2,6 +2,7 @@
 
 #include "config/tObjectRoom.h"
 #include "oxdiagk/statusCodes.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 namespace {

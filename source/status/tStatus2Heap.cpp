@@ -2,6 +2,7 @@
 
 #include "qelmk/mergeStatus.h"
 #include "vexk/memory.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 

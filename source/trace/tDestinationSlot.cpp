@@ -3,7 +3,7 @@
 #include "ntos/irql.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "trace/tTextsOnTheWay.h"
-#include "vexk/tCriticalRegionGuard.h"
+#include "vexkntos/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {

@@ -7,7 +7,7 @@
 #include "trace/switchEvents.h"
 #include "trace/tPatience.h"
 #include "trace/tTextsOnTheWay.h"
-#include "vexk/tCriticalRegionGuard.h"
+#include "vexkntos/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {

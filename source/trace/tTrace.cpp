@@ -8,6 +8,7 @@
 #include "trace/tPatience.h"
 #include "trace/tStreamLock.h"
 #include "trace/turnMutex.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 namespace {

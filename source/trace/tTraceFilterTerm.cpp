@@ -4,6 +4,7 @@
 #include "oxdiagk/tTraceFilter.h"
 #include "trace/tTraceFilterLine.h"
 #include "trace/traceFilterWords.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 namespace {

@@ -3,6 +3,7 @@
 #include "config/tObjectRoom.h"
 #include "oxdiagk/atomicWord.h"
 #include "vexk/debug.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 namespace {

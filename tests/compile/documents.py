@@ -16,6 +16,8 @@ def documents():
 
 
 def is_for(page, target):
+    if samples.uses_kit(samples.sample_source(page)):
+        return False  # besideKit.py compiles them
     return target.name.startswith("host") or '#include "vexkhost/' not in page.read_text()
 
 

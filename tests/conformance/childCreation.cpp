@@ -4,6 +4,7 @@
 #include "ntos/pnp.h"
 #include "support/tChildStack.h"
 #include "vexk/statusCodes.h"
+#include "vexkntos/handlerOf.h"
 
 using namespace nOXDIAG100;
 

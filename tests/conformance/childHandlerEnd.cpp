@@ -3,6 +3,7 @@
 #include "conformance/harness.h"
 #include "ntos/pnp.h"
 #include "support/tBusStack.h"
+#include "vexkntos/handlerOf.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "qelmk/qelmk.h"
 #include "conformance/harness.h"
+#include "ntos/status.h"
 #include "vexk/memory.h"
 
 namespace qelmkTests {

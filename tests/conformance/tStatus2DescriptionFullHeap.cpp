@@ -12,6 +12,7 @@
 #include "support/tItemStream.h"
 #include "support/tItemTranslator.h"
 #include "support/tTestReportable.h"
+#include "vexk/placementNew.h"
 
 using nOXDIAG100::kStatusNoImplementation;
 using nOXDIAG100::tStatus2;

@@ -10,6 +10,7 @@
 #include "support/tBlindReader.h"
 #include "support/tRegistration.h"
 #include "support/tTestReportable.h"
+#include "vexk/placementNew.h"
 
 using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;

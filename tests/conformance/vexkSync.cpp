@@ -1,4 +1,5 @@
 #include "conformance/harness.h"
+#include "ntos/status.h"
 #include "vexk/module.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"

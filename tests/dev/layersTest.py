@@ -9,6 +9,7 @@ HEADERS = [
     "include/oxdiagk/tConfigurable.h",
     "include/oxdiagk/tStatus2.h",
     "include/oxdiagk/tTrace.h",
+    "platform/compiler/include/compiler/types.h",
     "platform/ntos/host/include/ntoshost/executive.h",
     "platform/ntos/include/ntos/types.h",
     "platform/qelmk/include/qelmk/tObject.h",
@@ -51,6 +52,12 @@ CASES = [
     ("source/assert/made.cpp", '#include "oxdiagk/tTrace.h"', ""),
     ("platform/qelmk/common/made.cpp", '#include "vexk/sync.h"', ""),
     ("platform/vexk/host/made.cpp", "#include <vector>", ""),
+    ("platform/compiler/include/compiler/msvc/made.h", "#include <intrin.h>", ""),
+    ("platform/compiler/include/compiler/gnu/made.h", "#include <intrin.h>",
+     "is a system's header"),
+    ("platform/compiler/include/compiler/made.h", '#include "ntos/types.h"',
+     "goes up from compiler to ntos"),
+    ("platform/ntos/include/ntos/made.h", '#include "compiler/types.h"', ""),
     ("platform/vexk/host/made.cpp", '#include "ntoshost/executive.h"', ""),
 ]
 

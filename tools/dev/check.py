@@ -7,10 +7,12 @@ import workshop
 
 sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
+import besideKit  # noqa: E402
 import budget  # noqa: E402
 import compileChecks  # noqa: E402
 import control  # noqa: E402
 import demos  # noqa: E402
+import dialect  # noqa: E402
 import fuzz  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
@@ -38,7 +40,11 @@ def windows_build():
 STEPS = {
     "format": ("clang-format", lint.check_format),
     "layers": ("every include goes down the layers", layers.check),
+    "dialect": ("public headers are for every compiler and declare nothing of the kernel",
+                dialect.check),
     "headers": ("every public header alone, on Linux and Windows", compileChecks.check_headers),
+    "kit": ("public headers beside the driver kit's, and for the vendor's compiler",
+            besideKit.check),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),

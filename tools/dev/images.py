@@ -59,9 +59,13 @@ def section_check(image):
 
 def unwind_check(image):
     """Stack traces and structured exceptions of the kernel live on this table."""
-    found = re.search(r"ExceptionTableSize: (0x[0-9A-F]+)", read(image, "--file-headers"))
-    size = int(found.group(1), 16) if found else 0
+    size = exception_table_size(read(image, "--file-headers"))
     return f"{image} has unwind data", [] if size else ["its exception table is empty"]
+
+
+def exception_table_size(text):
+    found = re.search(r"ExceptionTableSize: (0x[0-9A-F]+)", text)
+    return int(found.group(1), 16) if found else 0
 
 
 def export_check(image):

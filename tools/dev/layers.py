@@ -72,8 +72,8 @@ class Tree:
         """Why the file may not include this, empty if it may."""
         file = self.name(include.file)
         if include.bracket == "<":
-            may = include.name in self.table["compiler"] or fnmatch.fnmatch(
-                file, self.table["hosted"])
+            may = include.name in self.table["compiler"] or any(
+                fnmatch.fnmatch(file, pattern) for pattern in self.table["hosted"])
             return "" if may else "is a system's header"
         for prefix, users in self.table["targets"].items():
             if include.name.startswith(prefix) and not fnmatch.fnmatch(file, users):

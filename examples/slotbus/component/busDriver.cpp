@@ -11,7 +11,7 @@ using nOXDIAG100::tTrace;
 namespace nSLOTBUS100 {
 namespace {
 
-constexpr GUID kRackBusType = {
+constexpr tModuleGUID kRackBusType = {
     0x6E0B2C51, 0x7A1D, 0x4F38, {0x93, 0x5E, 0x20, 0x4C, 0xB8, 0x17, 0xD9, 0x62}};
 
 // The kernel calls AddDevice with nothing of ours.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ntos/types.h"
 #include "oxdiagk/tStatus2.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
 

@@ -4,7 +4,7 @@
 #include "qelmk/module.h"
 #include "qelmk/statusCodes.h"
 #include "vexk/statusCodes.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 namespace nQELM100 {
 namespace {

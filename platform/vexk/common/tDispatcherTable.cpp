@@ -3,8 +3,8 @@
 #include "ntos/wait.h"
 #include "tReturnWatch.h"
 #include "vexk/statusCodes.h"
-#include "vexk/tCriticalRegionGuard.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tCriticalRegionGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 constinit tDispatcherTable vexDispatcherTable;
 

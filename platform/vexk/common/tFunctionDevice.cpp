@@ -5,9 +5,10 @@
 #include "ntos/io.h"
 #include "ntos/pool.h"
 #include "ntos/wait.h"
-#include "vexk/droppedRelations.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
+#include "vexkntos/droppedRelations.h"
+#include "vexkntos/handlerOf.h"
 
 namespace {
 
@@ -54,6 +55,13 @@ NTSTATUS signalReturn(DEVICE_OBJECT* /*device*/, IRP* /*request*/, void* context
   return STATUS_MORE_PROCESSING_REQUIRED;
 }
 
+GUID kernelGUID(tModuleGUID const& guid) {
+  GUID same;
+  static_assert(sizeof(same) == sizeof(guid));
+  __builtin_memcpy(&same, &guid, sizeof(same));
+  return same;
+}
+
 NTSTATUS kernelStatusOf(i32 status) {
   if (status >= 0) return STATUS_SUCCESS;
   return status == kStatusOutOfMemory ? STATUS_INSUFFICIENT_RESOURCES : STATUS_UNSUCCESSFUL;
@@ -80,7 +88,7 @@ tFunctionDevice::tFunctionDevice(DEVICE_OBJECT& device,
     : object(device),
       physical(*description.physicalDevice),
       component(owner),
-      busType(description.busType),
+      busType(kernelGUID(description.busType)),
       busNumber(description.legacyBusNumber) {
   IoInitializeRemoveLock(&removeLock, kLockTag);
 }

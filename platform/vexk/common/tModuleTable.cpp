@@ -2,7 +2,7 @@
 
 #include "vexk/memory.h"
 #include "vexk/statusCodes.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 constinit tModuleTable vexModuleTable;
 

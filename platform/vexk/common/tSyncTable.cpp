@@ -1,7 +1,7 @@
 #include "tSyncTable.h"
 
 #include "vexk/statusCodes.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 namespace {
 

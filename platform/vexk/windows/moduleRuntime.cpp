@@ -1,6 +1,6 @@
 // What the compiler expects of a language runtime; linked into every kernel module.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/debug.h"
 #include "vexk/memory.h"
 

@@ -13,8 +13,9 @@ constinit tModuleRecord moduleRecord = {
 
 void fillModuleRecord(UNICODE_STRING const* registryPath) {
   tModulePackage& package = moduleRecord.package;
-  package.registryPath = {0, sizeof(package.registryPathText), package.registryPathText};
-  RtlCopyUnicodeString(&package.registryPath, registryPath);
+  UNICODE_STRING path = {0, sizeof(package.registryPathText), package.registryPathText};
+  RtlCopyUnicodeString(&path, registryPath);
+  package.registryPath = {path.Length, path.MaximumLength, path.Buffer};
   moduleRecord.info.name = package.identity->name;
 }
 

@@ -2,6 +2,7 @@
 
 // What the module hands to the platform when it is registered.
 
+#include "ntos/types.h"
 #include "vexk/moduleInfo.h"
 
 namespace nOXDIAG100 {

@@ -7,6 +7,7 @@
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "package/windows/moduleStrings.h"
+#include "vexk/placementNew.h"
 #include "vexk/userMemory.h"
 
 namespace nOXDIAG100 {

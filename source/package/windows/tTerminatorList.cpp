@@ -1,6 +1,7 @@
 #include "package/windows/tTerminatorList.h"
 
 #include "vexk/memory.h"
+#include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 

@@ -4,7 +4,7 @@
 #include "ntos/pnp.h"
 #include "oxdiagk/package.h"
 #include "vexk/functionDevice.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 namespace {
 
@@ -51,8 +51,9 @@ tBusStack::tBusStack() : testDriver(&dispatch) {
   ExInitializeFastMutex(&noting);
   pkgSetWDMWrapperLoadStateAndGetGUID(1);
   makeFloor();
-  tFunctionDeviceDescription const description = {
-      testDriver.get(), floorDevice, FILE_DEVICE_BUS_EXTENDER, kTestBusType, kTestBusNumber};
+  tFunctionDeviceDescription const description = {testDriver.get(), floorDevice,
+                                                  FILE_DEVICE_BUS_EXTENDER,
+                                                  tModuleGUID::of(kTestBusType), kTestBusNumber};
   vexAddFunctionDevice(description, *this);
   function = testDriver.newestDevice();
 }

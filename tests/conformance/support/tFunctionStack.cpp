@@ -64,7 +64,7 @@ tFunctionStack::tFunctionStack(u32 floorFlags) : testDriver(&dispatch) {
   floor->Flags |= floorFlags;
   floor->Flags &= ~DO_DEVICE_INITIALIZING;
   tFunctionDeviceDescription const description = {testDriver.get(), floor, FILE_DEVICE_BUS_EXTENDER,
-                                                  kStackBusType, kStackBusNumber};
+                                                  tModuleGUID::of(kStackBusType), kStackBusNumber};
   vexAddFunctionDevice(description, component);
   device = testDriver.newestDevice();
 }

@@ -7,6 +7,7 @@
 #include "support/tTestDriver.h"
 #include "vexk/functionDevice.h"
 #include "vexk/iDeviceHandler.h"
+#include "vexkntos/handlerOf.h"
 
 // Does as the test says, and remembers what it is told.
 class tRecordingComponent : public iDeviceComponent {

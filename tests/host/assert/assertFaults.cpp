@@ -1,6 +1,7 @@
 // The assertion configuration when memory is exhausted: the first, the second, the third ...
 // allocation of each operation fails, and each time what was set before stands.
 
+#include <new>
 #include <string>
 
 #include "support/assertSwitches.h"

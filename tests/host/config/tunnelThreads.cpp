@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <cstring>
+#include <new>
 #include <thread>
 
 #include "support/tRecordingConfigurable.h"

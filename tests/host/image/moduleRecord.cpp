@@ -77,7 +77,7 @@ TEST_F(ModuleRecord, CutsTheLongestPathThereIs) {
 
 TEST_F(ModuleRecord, HasAnEmptyPathWithoutOne) {
   ASSERT_EQ(image.initialise(nullptr), STATUS_SUCCESS);
-  UNICODE_STRING const& path = image.setLegacyWrapperLoadState(0)->registryPath;
+  tModuleText const& path = image.setLegacyWrapperLoadState(0)->registryPath;
   EXPECT_EQ(path.Length, 0u);
   EXPECT_EQ(path.MaximumLength, 520u);
   EXPECT_EQ(static_cast<void const*>(path.Buffer),

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <csignal>
 #include <memory>
+#include <new>
 #include <vector>
 
 #include "demoTest.h"

@@ -29,7 +29,7 @@ extern "C" void setWithDescription(nOXDIAG100::tStatus2& status, i32 code,
 std::string includes(std::string const& target) {
   std::string const top = std::string("-I") + OXDIAG_SOURCE_DIR;
   std::string words = top + "/include";
-  for (char const* layer : {"ntos", "stl", "vexk", "qelmk"}) {
+  for (char const* layer : {"compiler", "stl", "vexk", "qelmk"}) {
     words += " " + top + "/platform/" + layer + "/include";
     words += " " + top + "/platform/" + layer + "/" + target + "/include";
   }

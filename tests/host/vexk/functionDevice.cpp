@@ -62,7 +62,8 @@ NTSTATUS enter(DRIVER_OBJECT* driver, UNICODE_STRING*) {
 iDeviceComponent* added = nullptr;
 
 NTSTATUS addDevice(DRIVER_OBJECT* driver, DEVICE_OBJECT* physical) {
-  return vexAddFunctionDevice({driver, physical, FILE_DEVICE_UNKNOWN, kStackBusType, 0}, *added);
+  return vexAddFunctionDevice(
+      {driver, physical, FILE_DEVICE_UNKNOWN, tModuleGUID::of(kStackBusType), 0}, *added);
 }
 
 // A driver with one root device of the executive's PnP manager.

@@ -14,7 +14,7 @@
 #include "trace/capturedPrint.h"
 #include "vexk/iLib.h"
 #include "vexk/moduleInfo.h"
-#include "vexk/tCriticalRegionGuard.h"
+#include "vexkntos/tCriticalRegionGuard.h"
 
 namespace {
 

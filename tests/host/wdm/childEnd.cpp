@@ -13,6 +13,7 @@
 #include "rounds.h"
 #include "support/tBusStack.h"
 #include "trace/startedModules.h"
+#include "vexkntos/handlerOf.h"
 #include "wdm/tMortalHandler.h"
 #include "wdm/tPnpBus.h"
 

@@ -64,7 +64,7 @@ NTSTATUS tPnpBus::enter(DRIVER_OBJECT* entered, UNICODE_STRING* /*registryPath*/
 
 NTSTATUS tPnpBus::addDevice(DRIVER_OBJECT* added, DEVICE_OBJECT* physicalDevice) {
   tFunctionDeviceDescription const description = {added, physicalDevice, FILE_DEVICE_BUS_EXTENDER,
-                                                  kTestBusType, kTestBusNumber};
+                                                  tModuleGUID::of(kTestBusType), kTestBusNumber};
   tPnpBus* const bus = find(added);
   bool const isChild = physicalDevice->DriverObject == added;
   if (!isChild && bus->filter != nullptr) bus->filter->attachTo(physicalDevice);

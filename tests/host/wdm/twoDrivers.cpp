@@ -102,7 +102,7 @@ class tBusDriver final : public iDeviceComponent {
   template <int index>
   static NTSTATUS add(DRIVER_OBJECT* added, DEVICE_OBJECT* physical) {
     tFunctionDeviceDescription const description = {added, physical, FILE_DEVICE_BUS_EXTENDER,
-                                                    kTestBusType, kTestBusNumber};
+                                                    tModuleGUID::of(kTestBusType), kTestBusNumber};
     return vexAddFunctionDevice(description, *drivers[index]);
   }
 

@@ -3,6 +3,7 @@
 
 #include "conformance/harness.h"
 #include "support/assertSwitches.h"
+#include "vexk/placementNew.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "conformance/harness.h"
 #include "support/fileDestination.h"
+#include "vexk/placementNew.h"
 
 namespace {
 

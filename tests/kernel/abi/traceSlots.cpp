@@ -8,6 +8,7 @@
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "support/recordingBus.h"
 #include "support/recordingDestination.h"
+#include "vexk/placementNew.h"
 
 namespace {
 

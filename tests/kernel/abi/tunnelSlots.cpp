@@ -3,6 +3,7 @@
 #include "conformance/harness.h"
 #include "support/tRecordingConfigurable.h"
 #include "support/tunnelRecords.h"
+#include "vexk/placementNew.h"
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include "ntos/io.h"
 #include "ntos/string.h"
+#include "vexkntos/handlerOf.h"
 #include "wine/rackDriver.h"
 
 char const* tLoadedRack::load() {

@@ -1,6 +1,7 @@
 #include "wine/rackDriver.h"
 
 #include "ntos/string.h"
+#include "vexkntos/handlerOf.h"
 #include "wine/wineKernel.h"
 
 DRIVER_OBJECT* findRackDriver(tRackService const& service) {

@@ -3,10 +3,12 @@
 #include "ntos/event.h"
 
 struct DEVOBJ_EXTENSION;
-struct DRIVER_OBJECT;
 struct IO_TIMER;
-struct IRP;
 struct VPB;
+
+using DEVICE_OBJECT = struct _DEVICE_OBJECT;
+using DRIVER_OBJECT = struct _DRIVER_OBJECT;
+using IRP = struct _IRP;
 
 // The kernel's deferred procedure call, inside a device object.
 struct KDPC {
@@ -33,7 +35,7 @@ struct KDEVICE_QUEUE {
 static_assert(sizeof(KDEVICE_QUEUE) == 40 && offsetof(KDEVICE_QUEUE, Lock) == 24);
 
 // One device of a stack. Made by the kernel; a driver reads DeviceExtension, Flags, StackSize.
-struct alignas(16) DEVICE_OBJECT {
+struct alignas(16) _DEVICE_OBJECT {
   i16 Type;
   u16 Size;
   i32 ReferenceCount;

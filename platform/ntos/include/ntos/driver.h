@@ -32,7 +32,7 @@ static_assert(offsetof(DRIVER_EXTENSION, ServiceKeyName) == 24);
 
 // One loaded driver, made by the kernel and given to DriverEntry, which sets DriverUnload, the
 // entries of MajorFunction that it serves, and DriverExtension->AddDevice.
-struct DRIVER_OBJECT {
+struct _DRIVER_OBJECT {
   i16 Type;
   i16 Size;
   DEVICE_OBJECT* DeviceObject;

@@ -3,7 +3,8 @@
 #include "ntos/types.h"
 
 // A 16-byte identifier as the kernel's structures hold it.
-struct GUID {
+using GUID = struct _GUID;
+struct _GUID {
   u32 Data1;
   u16 Data2;
   u16 Data3;

@@ -15,7 +15,7 @@ struct IO_STACK_LOCATION;
 using IO_COMPLETION_ROUTINE = NTSTATUS(DEVICE_OBJECT* device, IRP* request, void* context);
 using DRIVER_CANCEL = void(DEVICE_OBJECT* device, IRP* request);
 
-struct IRP {
+struct _IRP {
   i16 Type;
   u16 Size;
   void* MdlAddress;

@@ -1,19 +1,10 @@
 #pragma once
 
-// The scalar types of the kernel interface, the same width on every target. `i32`, `u32`, `i64`
-// and `u64` stand where the documented interface says long, unsigned long, __int64 and
-// unsigned __int64.
+// The scalar types of the kernel interface, the same width on every target, on those of
+// "compiler/types.h".
 
-#include <stddef.h>
-#include <stdint.h>
-
+#include "compiler/types.h"
 #include "ntos/import.h"
-#include "ntos/integers.h"
-
-static_assert(sizeof(i8) == 1 && sizeof(i16) == 2 && sizeof(i32) == 4 && sizeof(i64) == 8);
-static_assert(sizeof(u8) == 1 && sizeof(u16) == 2 && sizeof(u32) == 4 && sizeof(u64) == 8);
-static_assert(sizeof(wchar_t) == 2, "wide text is UTF-16 on every target");
-static_assert(sizeof(void*) == 8, "64-bit targets only");
 
 using NTSTATUS = i32;
 using BOOLEAN = u8;  // 0 or 1; a bool converts
@@ -39,7 +30,8 @@ union LARGE_INTEGER {
 static_assert(sizeof(LARGE_INTEGER) == 8);
 
 // A counted UTF-16 text. Not necessarily terminated. See ntos/string.h.
-struct UNICODE_STRING {
+using UNICODE_STRING = struct _UNICODE_STRING;
+struct _UNICODE_STRING {
   u16 Length;         // bytes, without a terminator
   u16 MaximumLength;  // bytes
   wchar_t* Buffer;

@@ -23,7 +23,7 @@
 //
 //     51 45 4C 4D 01 00 00 00  02 00 00 00 61 62  00 00
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 
 namespace nQELM100 {
 

@@ -2,7 +2,7 @@
 
 // An object that can be copied without knowing its class.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/tObject.h"

@@ -2,7 +2,7 @@
 
 // An object that writes its content to a stream and reads it back.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 #include "qelmk/classMacros.h"
 #include "qelmk/tObject.h"

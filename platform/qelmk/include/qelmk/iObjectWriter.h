@@ -2,7 +2,7 @@
 
 // A stream that objects are written to.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/string.h"
 
 namespace nQELM100 {

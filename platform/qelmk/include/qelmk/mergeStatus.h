@@ -2,7 +2,7 @@
 
 // How plain status codes meet.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 
 namespace nQELM100 {
 

@@ -2,7 +2,7 @@
 
 // Objects of the framework that somebody owns: made, taken over and destroyed through their class.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/dynamicCast.h"
 #include "qelmk/mergeStatus.h"
 #include "qelmk/statusCodes.h"

@@ -3,7 +3,7 @@
 // Status codes of the object framework: 32-bit signed, negative an error, positive a warning, zero
 // success.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 
 namespace nQELM100 {
 

@@ -2,7 +2,7 @@
 
 // A class as a value: its name, and the way to make and destroy its objects.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 #include "qelmk/tClassImplementation.h"
 #include "qelmk/tObject.h"

@@ -2,7 +2,8 @@
 
 // What the framework knows about one class.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 #include "qelmk/tObject.h"
 
@@ -37,7 +38,7 @@ class QELM_API tClassImplementation {
   constexpr u32 getNameLength() const { return nameLength; }
 
   // Whether tClass::forName finds this class. Any IRQL; any thread.
-  bool isRegistered() const { return __atomic_load_n(&registrationCount, __ATOMIC_ACQUIRE) != 0; }
+  bool isRegistered() const { return nCompiler::loadAcquire(registrationCount) != 0; }
 
   constexpr tFactory getFactory() const { return factory; }
   constexpr tDeleter getDeleter() const { return deleter; }

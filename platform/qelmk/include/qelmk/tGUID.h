@@ -2,7 +2,7 @@
 
 // An identifier that is unique in the world.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 
 namespace nQELM100 {

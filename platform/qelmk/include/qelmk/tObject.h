@@ -2,7 +2,7 @@
 
 // The root of every class of the object framework.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "qelmk/api.h"
 #include "vexk/memory.h"
 

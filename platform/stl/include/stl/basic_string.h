@@ -6,6 +6,7 @@
 //     if (!text.append(L" 12")) { ... memory is exhausted, text is still L"slot" ... }
 //     print(text.c_str());
 
+#include "compiler/compiler.h"
 #include "stl/failure_state.h"
 #include "stl/memory.h"
 #include "stl/utility.h"
@@ -230,7 +231,7 @@ size_t basic_string<C, Flags>::lengthOf(C const* text) noexcept {
 template <class C, u32 Flags>
 void basic_string<C, Flags>::copyCharacters(C* target, C const* source, size_t count) noexcept {
   if (count != 0) {
-    __builtin_memmove(target, source, count * sizeof(C));
+    nCompiler::moveBytes(target, source, count * sizeof(C));
   }
 }
 
@@ -250,7 +251,7 @@ bool basic_string<C, Flags>::append(C const* text, size_t length) noexcept {
 
 // Apart, so that a piece that fits does not pay for it.
 template <class C, u32 Flags>
-[[gnu::noinline]] bool basic_string<C, Flags>::extend(C const* text, size_t length) noexcept {
+COMPILER_STAYS_APART bool basic_string<C, Flags>::extend(C const* text, size_t length) noexcept {
   if (length > max_size() - size_) {
     return fail();
   }

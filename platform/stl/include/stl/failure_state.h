@@ -11,7 +11,7 @@
 //     report.append(name);
 //     if (report.hasFailed()) { ... a piece is missing ... }
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/utility.h"
 
 namespace _STL {

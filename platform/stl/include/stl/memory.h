@@ -3,7 +3,7 @@
 // What the containers ask of the platform below them: one function that gives memory, one that
 // takes it back. The platform layer defines both; a test program may define its own.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/linkage.h"
 
 // Status code of an exhausted allocator.

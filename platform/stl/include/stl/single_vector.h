@@ -6,6 +6,7 @@
 //     if (!ids.push_back(12)) { ... }        // takes no memory
 //     _STL::vector<i32> const& all = ids.get();
 
+#include "compiler/compiler.h"
 #include "stl/vector.h"
 
 namespace _STL {
@@ -18,7 +19,7 @@ namespace _STL {
 // <= APC_LEVEL in scratch memory. Threads that share one, one of them writing, must lock.
 template <class T, u32 Flags = kMemoryLongLived>
 class single_vector {
-  static_assert(__is_trivially_copyable(T), "an element is copied without memory");
+  static_assert(nCompiler::kIsTriviallyCopyable<T>, "an element is copied without memory");
 
  public:
   using value_type = T;
@@ -96,7 +97,7 @@ bool single_vector<T, Flags>::assign(T const* values, size_t count) noexcept {
   if (wanted == 1) {
     _STL::construct(list_.items_, T(*values));
   } else if (wanted != 0) {
-    __builtin_memmove(static_cast<void*>(list_.items_), values, wanted * sizeof(T));
+    nCompiler::moveBytes(static_cast<void*>(list_.items_), values, wanted * sizeof(T));
   }
   list_.size_ = wanted;
   return true;
@@ -116,9 +117,9 @@ template <class T, u32 Flags>
 void single_vector<T, Flags>::swap(single_vector& other) noexcept {
   list_.swap(other.list_);
   unsigned char held[sizeof(T)];
-  __builtin_memcpy(held, place_, sizeof(T));
-  __builtin_memcpy(place_, other.place_, sizeof(T));
-  __builtin_memcpy(other.place_, held, sizeof(T));
+  nCompiler::copyBytes(held, place_, sizeof(T));
+  nCompiler::copyBytes(place_, other.place_, sizeof(T));
+  nCompiler::copyBytes(other.place_, held, sizeof(T));
   leavePlaceOf(other);
   other.leavePlaceOf(*this);
 }

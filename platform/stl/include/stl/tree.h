@@ -6,7 +6,7 @@
 //
 // Nothing here allocates, fails, recurses or locks; any IRQL at which the nodes may be touched.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/utility.h"
 
 namespace _STL {

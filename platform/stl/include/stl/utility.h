@@ -3,7 +3,8 @@
 // The few language helpers that the containers need: moving, swapping, and building objects in
 // storage that is already there. Nothing here allocates or fails; any IRQL, any thread.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 
 namespace _STL {
 
@@ -80,7 +81,7 @@ struct placement {};
 
 }  // namespace _STL
 
-[[gnu::returns_nonnull]] inline void* operator new(size_t, _STL::placement, void* where) noexcept {
+COMPILER_RETURNS_NONNULL inline void* operator new(size_t, _STL::placement, void* where) noexcept {
   return where;
 }
 
@@ -114,9 +115,9 @@ void relocate(T* target, T* source, size_t count) noexcept {
   if (count == 0 || target == source) {
     return;
   }
-  if constexpr (__is_trivially_copyable(T)) {
-    __builtin_memmove(static_cast<void*>(target), static_cast<void const*>(source),
-                      count * sizeof(T));
+  if constexpr (nCompiler::kIsTriviallyCopyable<T>) {
+    nCompiler::moveBytes(static_cast<void*>(target), static_cast<void const*>(source),
+                         count * sizeof(T));
   } else {
     for (size_t i = 0; i < count; ++i) {
       size_t const at = target < source ? i : count - 1 - i;

@@ -2,7 +2,7 @@
 
 // Who called.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 // Writes the return addresses of the calling thread's stack to `addresses`, innermost first, and

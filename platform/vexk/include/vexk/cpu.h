@@ -2,10 +2,11 @@
 
 // The processor.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 
 // The processor's time stamp counter (RDTSC). Not serialising: neighbouring instructions may move
 // across it. Any IRQL.
 inline u64 vexReadTimeStampCounter() {
-  return __builtin_ia32_rdtsc();
+  return nCompiler::readTimeStampCounter();
 }

@@ -20,18 +20,19 @@
 // addresses of the process that sent the request, good in that process's threads alone. They reach
 // this driver in such a thread unless a driver above has queued the request.
 
-#include "ntos/irp.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
+#include "vexk/kernelTypes.h"
 
 // Create, close, cleanup and device controls are served, everything else goes down the stack.
 // IRQL <= DISPATCH_LEVEL.
-VEX_API NTSTATUS vexDispatch(DEVICE_OBJECT* device, IRP* request);
+VEX_API i32 vexDispatch(_DEVICE_OBJECT* device, _IRP* request);
 
 // Passed on to the lower device, in the manner of power requests. IRQL <= DISPATCH_LEVEL.
-VEX_API NTSTATUS vexDispatchPower(DEVICE_OBJECT* device, IRP* request);
+VEX_API i32 vexDispatchPower(_DEVICE_OBJECT* device, _IRP* request);
 
 // Passed on to the lower device. PASSIVE_LEVEL.
-VEX_API NTSTATUS vexDispatchSystemControl(DEVICE_OBJECT* device, IRP* request);
+VEX_API i32 vexDispatchSystemControl(_DEVICE_OBJECT* device, _IRP* request);
 
 // Start goes down first and then to the device's handler. When the handler's start fails, the
 // request fails: with STATUS_INSUFFICIENT_RESOURCES for kStatusOutOfMemory, with
@@ -40,4 +41,4 @@ VEX_API NTSTATUS vexDispatchSystemControl(DEVICE_OBJECT* device, IRP* request);
 // the requests that are in the device. A request for bus relations is passed on and waited for;
 // when it fails below, the list that went down with it is given back with its references. So the
 // status that is returned for it is the final one. The rest is passed on. PASSIVE_LEVEL.
-VEX_API NTSTATUS vexDispatchPnp(DEVICE_OBJECT* device, IRP* request);
+VEX_API i32 vexDispatchPnp(_DEVICE_OBJECT* device, _IRP* request);

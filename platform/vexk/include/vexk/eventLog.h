@@ -13,7 +13,7 @@
 // kVexEventCount others come while it is written. Any IRQL at which the arguments may be read,
 // except where a wide text is formatted; any thread.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 #include "vexk/moduleInfo.h"
 #include "vexk/printFormat.h"

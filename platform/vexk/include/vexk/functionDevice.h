@@ -13,16 +13,17 @@
 //       return status;
 //     }
 
-#include "ntos/device.h"
-#include "ntos/guid.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 #include "vexk/iDeviceComponent.h"
+#include "vexk/kernelTypes.h"
+#include "vexk/tModuleGUID.h"
 
 struct tFunctionDeviceDescription {
-  DRIVER_OBJECT* driver;
-  DEVICE_OBJECT* physicalDevice;
-  u32 deviceType;  // FILE_DEVICE_ of "ntos/io.h"
-  GUID busType;    // of a device that is a bus; its children tell both
+  _DRIVER_OBJECT* driver;
+  _DEVICE_OBJECT* physicalDevice;
+  u32 deviceType;       // the kernel's FILE_DEVICE_
+  tModuleGUID busType;  // of a device that is a bus; its children tell both
   u32 legacyBusNumber;
 };
 
@@ -32,5 +33,5 @@ struct tFunctionDeviceDescription {
 //   STATUS_INSUFFICIENT_RESOURCES  no memory for the device
 //   STATUS_NO_SUCH_DEVICE          the physical device's stack takes no more devices
 // PASSIVE_LEVEL.
-VEX_API NTSTATUS vexAddFunctionDevice(tFunctionDeviceDescription const& description,
-                                      iDeviceComponent& component);
+VEX_API i32 vexAddFunctionDevice(tFunctionDeviceDescription const& description,
+                                 iDeviceComponent& component);

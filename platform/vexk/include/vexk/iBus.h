@@ -11,7 +11,7 @@
 //     }
 //     busDeleteBusObject(bus);
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 #include "vexk/memory.h"
 

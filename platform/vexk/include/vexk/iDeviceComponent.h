@@ -3,7 +3,7 @@
 // The component behind a function device ("vexk/functionDevice.h"): what a driver is about, without
 // requests, stacks and device objects.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 class iChildBus;

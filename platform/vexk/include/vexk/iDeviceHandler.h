@@ -3,9 +3,8 @@
 // What stands behind a device object of the family. The first word of the device extension points
 // to it, so a driver's dispatch finds it from the device object alone.
 
-#include "ntos/device.h"
-#include "ntos/guid.h"
-#include "vexk/api.h"
+#include "compiler/types.h"
+#include "vexk/kernelTypes.h"
 
 class iChildBus;
 
@@ -28,12 +27,12 @@ class iDeviceHandler {
 
   // The device object; the physical device at the bottom of its stack; the device that requests are
   // passed on to, null for a device that has none below it.
-  virtual DEVICE_OBJECT* getDeviceObject() = 0;
-  virtual DEVICE_OBJECT* getPhysicalDevice() = 0;
-  virtual DEVICE_OBJECT* getLowerDevice() = 0;
+  virtual _DEVICE_OBJECT* getDeviceObject() = 0;
+  virtual _DEVICE_OBJECT* getPhysicalDevice() = 0;
+  virtual _DEVICE_OBJECT* getLowerDevice() = 0;
 
   // Of a device that is a bus: the kind of bus and its number, as its children tell them.
-  virtual void getBusTypeGUID(GUID& busType) = 0;
+  virtual void getBusTypeGUID(_GUID& busType) = 0;
   virtual u32 getLegacyBusNumber() = 0;
 
   // Where the device's children are made from now on, before the device starts; null when there is
@@ -62,7 +61,3 @@ class iDeviceHandler {
 struct tDeviceExtension {
   iDeviceHandler* handler;
 };
-
-inline iDeviceHandler& vexHandlerOf(DEVICE_OBJECT const& device) {
-  return *static_cast<tDeviceExtension*>(device.DeviceExtension)->handler;
-}

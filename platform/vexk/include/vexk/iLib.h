@@ -25,7 +25,7 @@
 // registered next after the export. A dispatcher that a module exports after its own registration
 // is therefore not served, or served as another module's: export before you register.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 class VEX_API iLib {

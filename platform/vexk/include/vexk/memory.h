@@ -16,9 +16,8 @@
 //
 // IRQL: kMemScratch <= APC_LEVEL, kMemLongLived <= DISPATCH_LEVEL, for giving back as for taking.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/memory.h"
-#include "vexk/placementNew.h"
 
 // Where a block comes from.
 enum tMemAllocationFlags : u32 {

@@ -11,16 +11,16 @@
 // and report kStatusNotInitialized without one. The rest works at once: memory, debugger print,
 // event log, call stacks, versions, numbers, time, buses, devices, copies of user memory.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 // Starts the layer. Returns STATUS_SUCCESS.
-VEX_API NTSTATUS vexkInitialize();
+VEX_API i32 vexkInitialize();
 
 // Stops the layer. Locks that are still open are reported by one debugger print and stay valid
 // memory: their owners may still close them. A stop without start does nothing. Returns
 // STATUS_SUCCESS.
-VEX_API NTSTATUS vexkUnload();
+VEX_API i32 vexkUnload();
 
 // 1 while the layer runs, else 0. What stands above asks before it starts. Any IRQL.
 VEX_API u32 pkgIsVexkInitialized();

@@ -15,8 +15,9 @@
 //     ...
 //     libUnregisterModuleWithVEX(record, status);  // calls record.entry(kModuleUnload)
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
+#include "vexk/tModuleGUID.h"
 
 // Why the platform calls a module's entry.
 constexpr u32 kModuleLoad = 0;    // the module is registered
@@ -26,15 +27,6 @@ constexpr u32 kModuleClose = 3;   // a program has closed it
 
 // Returns 0, a warning or a negative status. PASSIVE_LEVEL.
 using tModuleEntry = i32(u32 reason);
-
-// An identifier that is unique in the world, in the layout of the kernel's GUID.
-struct tModuleGUID {
-  u32 data1;
-  u16 data2;
-  u16 data3;
-  u8 data4[8];
-};
-static_assert(sizeof(tModuleGUID) == 16);
 
 // Who the module is; constant.
 struct tModuleIdentity {
@@ -50,6 +42,14 @@ static_assert(offsetof(tModuleIdentity, name) == 8 && offsetof(tModuleIdentity, 
 static_assert(offsetof(tModuleIdentity, fileName) == 32);
 static_assert(offsetof(tModuleIdentity, buildString) == 40 && sizeof(tModuleIdentity) == 48);
 
+// A counted text, with the members and the layout of the kernel's UNICODE_STRING.
+struct tModuleText {
+  u16 Length;         // bytes
+  u16 MaximumLength;  // bytes
+  wchar_t* Buffer;
+};
+static_assert(sizeof(tModuleText) == 16 && offsetof(tModuleText, Buffer) == 8);
+
 // How the module is installed, and the states of its wrappers around devices.
 struct tModulePackage {
   static constexpr u32 kFormat = 1;
@@ -57,8 +57,8 @@ struct tModulePackage {
 
   u32 format;
   tModuleIdentity const* identity;
-  u64 reserved;                 // 0
-  UNICODE_STRING registryPath;  // in registryPathText
+  u64 reserved;              // 0
+  tModuleText registryPath;  // in registryPathText
   wchar_t registryPathText[kMaxPathLength];
   u32 wdmWrapperState;
   u32 legacyWrapperState;

@@ -2,7 +2,7 @@
 
 // Numbers as text, for everything in the family that writes one.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 // Room for any number in any radix, with its terminator: 64 binary digits.

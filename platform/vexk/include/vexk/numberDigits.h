@@ -4,7 +4,8 @@
 // and returns where its digits begin. No leading zeros, no terminator; 0 is the digit 0. Nothing
 // here allocates; any IRQL, any thread. "vexk/number.h" writes whole texts in any radix.
 
-#include "ntos/types.h"
+#include "compiler/compiler.h"
+#include "compiler/types.h"
 
 // Every pair of digits of a radix, "00" first.
 template <u32 radix>
@@ -24,7 +25,7 @@ inline constexpr tDigitPairs<16> kHexadecimalPairs("0123456789ABCDEF");
 
 // Writes the two hexadecimal digits of `byte` to `to`.
 inline void vexWriteHexByte(u8 byte, char* to) {
-  __builtin_memcpy(to, kHexadecimalPairs.text[byte], 2);
+  nCompiler::copyBytes(to, kHexadecimalPairs.text[byte], 2);
 }
 
 // At most 20 digits.
@@ -32,7 +33,7 @@ inline char* vexWriteDecimal(u64 value, char* end) {
   while (value >= 100) {
     u64 const rest = value / 100;
     end -= 2;
-    __builtin_memcpy(end, kDecimalPairs.text[value - rest * 100], 2);
+    nCompiler::copyBytes(end, kDecimalPairs.text[value - rest * 100], 2);
     value = rest;
   }
   if (value < 10) {
@@ -40,7 +41,7 @@ inline char* vexWriteDecimal(u64 value, char* end) {
     return end;
   }
   end -= 2;
-  __builtin_memcpy(end, kDecimalPairs.text[value], 2);
+  nCompiler::copyBytes(end, kDecimalPairs.text[value], 2);
   return end;
 }
 
@@ -49,13 +50,13 @@ inline char* vexWriteHexadecimal(u64 value, char* end,
                                  tDigitPairs<16> const& pairs = kHexadecimalPairs) {
   for (; value > 0xFF; value >>= 8) {
     end -= 2;
-    __builtin_memcpy(end, pairs.text[value & 0xFF], 2);
+    nCompiler::copyBytes(end, pairs.text[value & 0xFF], 2);
   }
   if (value <= 0xF) {
     *--end = pairs.text[value][1];
     return end;
   }
   end -= 2;
-  __builtin_memcpy(end, pairs.text[value], 2);
+  nCompiler::copyBytes(end, pairs.text[value], 2);
   return end;
 }

@@ -2,6 +2,7 @@
 
 // What the kernel's printf has of the usual conversions, for functions that hand a format on to it.
 
+#include "compiler/compiler.h"
 #include "vexk/api.h"
 
 // A conversion is %, any of the flags - + blank # 0, a width, a precision, one of the lengths
@@ -50,12 +51,6 @@ constexpr bool hasForeignConversion(char const* format) {
 
 // Behind a function with a parameter of that name: a constant format with a foreign conversion is
 // an error of the call, where the compiler can say so.
-#ifdef __clang__
-#define VEX_KERNEL_FORMAT(format)                                                          \
-  _Pragma("clang diagnostic push") _Pragma("clang diagnostic ignored \"-Wgcc-compat\"")    \
-      __attribute__((diagnose_if(vexFormat::hasForeignConversion(format),                  \
-                                 "the kernel does not print such a conversion", "error"))) \
-      _Pragma("clang diagnostic pop")
-#else
-#define VEX_KERNEL_FORMAT(format)
-#endif
+#define VEX_KERNEL_FORMAT(format)                              \
+  COMPILER_REFUSES_IF(vexFormat::hasForeignConversion(format), \
+                      "the kernel does not print such a conversion")

@@ -3,7 +3,7 @@
 // Status codes of the platform layer: 32-bit signed, negative an error, positive a warning, zero
 // success. Exhausted memory is kStatusOutOfMemory (-50352) of "stl/memory.h".
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "stl/memory.h"
 
 // An argument lies outside what the operation documents: an unknown lock kind, an over-long name,

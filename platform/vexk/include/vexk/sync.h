@@ -19,7 +19,7 @@
 // Every syncOpen gives a handle of its own, closed by one syncClose; the lock lives until the last
 // handle on it is closed. Handles may be used by any thread.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 constexpr u32 kSyncKindMutex = 1;       // private without name, shared by name

@@ -2,7 +2,7 @@
 
 // The owner of one block of the family's memory.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 #include "vexk/memory.h"
 

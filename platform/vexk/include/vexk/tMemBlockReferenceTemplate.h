@@ -7,11 +7,12 @@
 //     text.allocate(256, kMemScratch, status);
 //     if (status >= 0) text.get()[0] = '\0';
 
+#include "compiler/compiler.h"
 #include "vexk/tMemBlockReferenceBase.h"
 
 template <class T>
 class tMemBlockReferenceTemplate : public tMemBlockReferenceBase {
-  static_assert(__is_trivial(T), "a block holds raw memory");
+  static_assert(nCompiler::kIsTrivial<T>, "a block holds raw memory");
 
  public:
   // The block as T; null when there is none.

@@ -2,7 +2,7 @@
 
 // A point in time.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 // 128 bits in four words, the lowest first: the time since 1 January 1601, 00:00 UTC, in units of

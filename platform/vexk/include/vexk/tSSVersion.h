@@ -6,7 +6,7 @@
 //
 // A value type: copied freely, compared, passed by value. Nothing here allocates; any IRQL.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 class VEX_API tSSVersion {

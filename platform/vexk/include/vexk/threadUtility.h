@@ -2,7 +2,7 @@
 
 // The calling thread.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 class tThreadUtility {

@@ -5,7 +5,7 @@
 // Units of time are numbered from the finest to the coarsest: 0 picosecond, 1 nanosecond,
 // 2 microsecond, 3 millisecond, 4 second, 5 minute, 6 hour.
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 enum tTimeUnit : u32 {

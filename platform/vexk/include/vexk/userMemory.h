@@ -14,7 +14,7 @@
 //     tRequest request;
 //     if (vexCopyFromUser(&request, userAddress, sizeof request) != sizeof request) ...
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "vexk/api.h"
 
 VEX_API size_t vexCopyFromUser(void* to, u64 userAddress, size_t length);

@@ -3,7 +3,8 @@
 #include "package/windows/wdm/requestEnds.h"
 #include "package/windows/wdm/tParentList.h"
 #include "vexk/dispatch.h"
-#include "vexk/droppedRelations.h"
+#include "vexkntos/droppedRelations.h"
+#include "vexkntos/handlerOf.h"
 
 namespace nOXDIAG100 {
 namespace {

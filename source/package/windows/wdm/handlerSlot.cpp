@@ -3,6 +3,7 @@
 #include "ntos/status.h"
 #include "package/windows/wdm/tSpinLock.h"
 #include "vexk/iChildHandler.h"
+#include "vexkntos/handlerOf.h"
 
 namespace nOXDIAG100 {
 namespace {

@@ -7,6 +7,7 @@
 // So one lock guards the look into the slot, as long as the handler answers, and the exchange of
 // the handler for one of the wrapper's own. IRQL <= DISPATCH_LEVEL.
 
+#include "ntos/device.h"
 #include "vexk/iDeviceHandler.h"
 
 namespace nOXDIAG100 {

@@ -5,7 +5,7 @@
 #include "package/windows/wdm/wrapperMemory.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
-#include "vexk/tKernelMutexGuard.h"
+#include "vexkntos/tKernelMutexGuard.h"
 
 namespace nOXDIAG100 {
 namespace {

@@ -1,7 +1,7 @@
 #include "package/windows/wdm/tChildRequest.h"
 
 #include "package/windows/wdm/requestEnds.h"
-#include "vexk/tKernelMutexGuard.h"
+#include "vexkntos/tKernelMutexGuard.h"
 
 namespace nOXDIAG100 {
 namespace {

@@ -6,7 +6,8 @@
 #include "package/windows/wdm/wrapperMemory.h"
 #include "vexk/placementNew.h"
 #include "vexk/statusCodes.h"
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/handlerOf.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 namespace nOXDIAG100 {
 namespace {

@@ -1,6 +1,6 @@
 #include "package/windows/wdm/tParentList.h"
 
-#include "vexk/tFastMutexGuard.h"
+#include "vexkntos/tFastMutexGuard.h"
 
 namespace nOXDIAG100 {
 

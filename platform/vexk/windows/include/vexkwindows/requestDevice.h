@@ -17,7 +17,7 @@
 
 #include <stddef.h>
 
-#include "ntos/integers.h"
+#include "compiler/integers.h"
 
 constexpr wchar_t kRequestDeviceName[] = L"\\Device\\oxdiag";
 constexpr wchar_t kRequestDeviceLink[] = L"\\??\\oxdiag";

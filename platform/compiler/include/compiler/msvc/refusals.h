@@ -1,0 +1,3 @@
+#pragma once
+
+#define COMPILER_REFUSES_IF(test, text)
