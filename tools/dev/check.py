@@ -59,7 +59,7 @@ STEPS = {
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
     "twins": ("the same modules from two clones at different paths", twins.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
-    "control": ("oxdiagctl for Windows, under Wine", control.check),
+    "control": ("programs for Windows, under Wine", control.check),
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "tidy": ("clang-tidy", lint.check_tidy),
