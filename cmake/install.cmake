@@ -14,6 +14,7 @@ install(TARGETS oxdiagk qelmk vexk ntos_strict ntos_plain
 
 foreach(folder IN ITEMS
     include
+    platform/compiler/include platform/compiler/host/include
     platform/ntos/include platform/ntos/host/include
     platform/stl/include platform/stl/host/include
     platform/vexk/include platform/vexk/host/include

@@ -10,8 +10,10 @@
 
 #include "ntos/fastMutex.h"
 #include "ntos/irql.h"
+#include "ntos/mutex.h"
 #include "ntos/pool.h"
 #include "ntos/thread.h"
+#include "ntos/wait.h"
 #include "ntoshost/executive.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/statusMacros.h"

@@ -2,7 +2,8 @@
 
 #include "ntos/pool.h"
 
-struct DRIVER_OBJECT;
+struct _DRIVER_OBJECT;
+using DRIVER_OBJECT = _DRIVER_OBJECT;
 
 namespace ntoshost {
 
