@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ntos/types.h"
+#include "compiler/types.h"
 #include "oxdiagk/api.h"
 
 namespace nOXDIAG100 {

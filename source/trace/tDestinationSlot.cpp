@@ -3,8 +3,8 @@
 #include "ntos/irql.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "trace/tTextsOnTheWay.h"
-#include "vexkntos/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
+#include "vexkntos/tCriticalRegionGuard.h"
 
 namespace nOXDIAG100 {
 

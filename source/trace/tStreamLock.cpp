@@ -7,8 +7,8 @@
 #include "trace/switchEvents.h"
 #include "trace/tPatience.h"
 #include "trace/tTextsOnTheWay.h"
-#include "vexkntos/tCriticalRegionGuard.h"
 #include "vexk/threadUtility.h"
+#include "vexkntos/tCriticalRegionGuard.h"
 
 namespace nOXDIAG100 {
 namespace {
