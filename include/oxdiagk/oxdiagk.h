@@ -12,7 +12,7 @@
 //
 // The others are included by these and nothing to begin with: api.h, atomicWord.h,
 // tCategoryTable.h, tConfigurationLock.h, tContractSite.h, tCountedText.h, tGUIDText.h,
-// tKernelTimeText.h, tLineLimit.h, tNumberByName.h, tReportText.h.
+// tKernelTimeText.h, tLineLimit.h, tNumberByName.h, tRecorderRing.h, tReportText.h.
 
 // clang-format off
 
@@ -30,6 +30,7 @@
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tRecorderTraceDestination.h"
 #include "oxdiagk/tCTFTraceDestination.h"
 
 // Contracts: preconditions and their like in one statement, which are checked, what happens then.

@@ -34,6 +34,10 @@ class OXDIAG_API tLineBuffer {
   static constexpr u32 kCopied = 56;
   bool appendPrefix(char const* text, u32 length);
 
+  // What has not gone to the slot yet; for who looks at it when nobody writes any more.
+  char const* getText() const { return text; }
+  u64 getLength() const { return static_cast<u64>(writePosition - text); }
+
  private:
   void appendPieces(char const* from, char const* end, tDestinationSlot& slot);
   void flush(char const* end, tDestinationSlot& slot);

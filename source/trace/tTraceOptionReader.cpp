@@ -3,6 +3,7 @@
 #include "config/options/numberText.h"
 #include "config/options/optionWord.h"
 #include "oxdiagk/tFileTraceDestination.h"
+#include "oxdiagk/tRecorderTraceDestination.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "trace/destinationSwitches.h"
@@ -37,6 +38,7 @@ constexpr tSink kSinks[] = {
     {"vex", &getDebuggerPrint},
     {"serial", &getOrMake<tSerialTraceDestination>},
     {"file", &getOrMake<tFileTraceDestination>},
+    {"recorder", &getOrMake<tRecorderTraceDestination>},
 };
 
 iTraceDestination* findSink(char const* name) {

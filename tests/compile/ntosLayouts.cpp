@@ -1,6 +1,7 @@
 // Our headers agree with kernelAbi.h, on every target.
 
 #include "abiChecks.h"
+#include "ntos/bugCheck.h"
 #include "ntos/debug.h"
 #include "ntos/driver.h"
 #include "ntos/file.h"

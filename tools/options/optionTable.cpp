@@ -52,6 +52,8 @@ constexpr tDestinationName kDestinations[] = {
     {"vex", "", "debugger print; of the demo, standard output"},
     {"serial", "[BAUD]", "serial port 1; 1200 to 115200 baud (115200)"},
     {"file", "[NAME] [overwrite|append]", "a file such as C:/rack.out\n(C:/DebugTrace.out)"},
+    {"recorder", "[KIB] [vex]",
+     "the newest lines in memory, for a crash\ndump; 1 to 16384 KiB (64)"},
 };
 
 constexpr std::string_view kBauds[] = {"115200", "57600", "38400", "19200", "9600",

@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int kCalibrationNumbers = 3;
+constexpr uint32_t kMostRecorderKiB = 16384;
 constexpr uint32_t kWidestPrefix = 4096;  // characters; beyond it a line is nothing but prefix
 constexpr std::string_view kNeedsQuotes =
     "; an expression with blanks needs double quotes around it";
@@ -109,9 +110,10 @@ void tOptionCheck::readDestination(tOption const& option) {
   if (name == "vex") return refuseMore("the debugger print");
   if (name == "serial") return readBaudRates();
   if (name == "file") return readFileWords();
+  if (name == "recorder") return readRecorderWords();
   tCandidates names;
   for (tDestinationName const& destination : kDestinationNames) names.push_back(destination.word);
-  refuse(name, "is no destination (vex, serial, file)", names);
+  refuse(name, "is no destination (vex, serial, file, recorder)", names);
 }
 
 void tOptionCheck::readBaudRates() {
@@ -129,6 +131,14 @@ void tOptionCheck::readFileWords() {
            "is neither overwrite nor append nor a name of 127 characters at most such as "
            "C:/rack.out",
            {"overwrite", "append"});
+  }
+}
+
+void tOptionCheck::readRecorderWords() {
+  for (; !problem && hasValue(); ++next) {
+    if (*next == "vex") continue;
+    if (isNumberWord(*next) && isNumberAtMost(*next, kMostRecorderKiB) && *next != "0") continue;
+    refuse(*next, "is neither vex nor a number of KiB from 1 to 16384", {"vex"});
   }
 }
 

@@ -36,6 +36,7 @@ class tOptionCheck {
   void readDestination(tOption const& option);
   void readBaudRates();
   void readFileWords();
+  void readRecorderWords();
   void readCalibration(tOption const& option);
   void readTokens(tOption const& option);
   void readCategory(tOption const& option);

@@ -15,6 +15,7 @@
 #include "oxdiagk/tGUIDReportable.h"
 #include "oxdiagk/tIntrinsicTypeReportable.h"
 #include "oxdiagk/tPropertyIDReportable.h"
+#include "oxdiagk/tRecorderTraceDestination.h"
 #include "oxdiagk/tReportItem.h"
 #include "oxdiagk/tSSTimeAbsoluteReportable.h"
 #include "oxdiagk/tSerialTraceDestination.h"
@@ -136,6 +137,14 @@ struct tDispatchers {
   }
 };
 
+// The destinations that have no entry of their own.
+struct tFileAndRecorder {
+  static void destroyInstance() {
+    tRecorderTraceDestination::destroyInstance();
+    tFileTraceDestination::destroyInstance();
+  }
+};
+
 struct tInitialiserTable {
   tInitialiser entries[kInitialiserCount] = {};
 
@@ -170,7 +179,7 @@ struct tInitialiserTable {
     entries[kTitleEntry] = &registerClass<tTitleReportable>;
     entries[kWhiteSpaceEntry] = &registerClass<tWhiteSpaceReportable>;
     entries[kSerialEntry] = &pushTerminator<tSerialTraceDestination>;
-    entries[kFileEntry] = &pushTerminator<tFileTraceDestination>;
+    entries[kFileEntry] = &pushTerminator<tFileAndRecorder>;
     entries[kTraceEntry] = &initialiseInstance<tTrace>;
   }
 };

@@ -223,7 +223,7 @@ TEST_F(SlotbusDemoOptions, AFilterAmongTheWordsIsCheckedToo) {
 
 TEST_F(SlotbusDemoOptions, ADestinationThatIsNoneIsPointedOut) {
   expectRefused("--trace", {{"--destination fil",
-                             "'fil' is no destination (vex, serial, file), "
+                             "'fil' is no destination (vex, serial, file, recorder), "
                              "perhaps file."},
                             {"--destination ctf", "'ctf' is no destination"},
                             {"--destination \"\"", "'' is no destination"},
@@ -303,10 +303,10 @@ TEST_F(SlotbusDemoOptions, TheAssertOptionsChangeNoLineOfAGoodProgram) {
 TEST_F(SlotbusDemoOptions, HelpListsEveryWordOfBothKinds) {
   tRun const done = run({"--help"});
   EXPECT_EQ(done.exitCode, 0);
-  for (tWords const& words :
-       {traceSwitches, assertSwitches,
-        tWords{"--on", "--off", "--prefixwidth", "--filter", "--mutex-kernel-token",
-               "--destination", "--calibrate", "--category", "vex", "serial", "file"}}) {
+  for (tWords const& words : {traceSwitches, assertSwitches,
+                              tWords{"--on", "--off", "--prefixwidth", "--filter",
+                                     "--mutex-kernel-token", "--destination", "--calibrate",
+                                     "--category", "vex", "serial", "file", "recorder"}}) {
     for (std::string const& word : words) {
       EXPECT_TRUE(contains(done.output, "\n  " + word + " ")) << word;
     }
