@@ -145,7 +145,7 @@ TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutABus) {
                "Trace destination couldn't be opened!\n"
                "Trace destination remains unchanged.\n");
   EXPECT_STREQ(stream.recorder.events(),
-               "put measure inquire close configure(--destination|recorder) open put put ");
+               "put measure inquire close configure(--destination|recording) open put put ");
 }
 
 TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutAHandle) {

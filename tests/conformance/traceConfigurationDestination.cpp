@@ -92,7 +92,7 @@ TEST(TraceSetDestination, OldDestinationIsRestoredWhenTheNewOneDoesNotOpen) {
   EXPECT_TRUE(two.trace.setDestination(two.second) == &two.first);
   EXPECT_TRUE(two.trace.getDestination() == &two.first);
   EXPECT_STREQ(two.first.events(),
-               "put measure inquire close configure(--destination|recorder) open put put ");
+               "put measure inquire close configure(--destination|recording) open put put ");
   EXPECT_STREQ(two.second.events(), "open-fails ");
   EXPECT_TRUE(two.first.isOpen);
 }
@@ -132,7 +132,7 @@ TEST(TraceSetDestination, DebuggerPrintTakesOverWhenNeitherOpens) {
   EXPECT_TRUE(two.trace.setDestination(two.second) == debuggerPrint());
   EXPECT_TRUE(two.trace.getDestination() == debuggerPrint());
   EXPECT_STREQ(two.first.events(),
-               "put measure inquire close configure(--destination|recorder) open-fails ");
+               "put measure inquire close configure(--destination|recording) open-fails ");
   EXPECT_STREQ(two.first.text(), "Switching trace destination to the second\n");
 }
 
@@ -141,7 +141,7 @@ TEST(TraceSetDestination, CurrentDestinationThatDoesNotReopenFallsBackToo) {
   two.first.failingOpens = 2;
   EXPECT_TRUE(two.trace.setDestination(two.first) == debuggerPrint());
   EXPECT_STREQ(two.first.events(),
-               "put measure inquire close open-fails configure(--destination|recorder) "
+               "put measure inquire close open-fails configure(--destination|recording) "
                "open-fails ");
 }
 

@@ -12,7 +12,7 @@ using nOXDIAG100::tTrace;
 using nOXDIAG100::tVEXTraceDestination;
 
 constexpr char kDefaults[] =
-    "--on --destination recorder --compname on --compver off --linenumber on --filename on "
+    "--on --destination recording --compname on --compver off --linenumber on --filename on "
     "--filepath off --threadid off --timestamp off --timedelta off --verbosity off --indent on "
     "--truncation on --prefixwidth 50 --filter \"verbosity>=100\" --mutex off --calibrate 0 0 0";
 
@@ -46,7 +46,7 @@ TEST_F(TraceInquire, EverySettingIsShownInItsPlace) {
       "--truncation off --prefixwidth 4294967295 --filter \"line<7 || comp!=x\" "
       "--mutex on");
   EXPECT_STREQ(tTraceState(trace).get(),
-               "--off --destination recorder --compname off --compver on --linenumber off "
+               "--off --destination recording --compname off --compver on --linenumber off "
                "--filename off --filepath on --threadid on --timestamp on --timedelta on "
                "--verbosity on --indent off --truncation off --prefixwidth 4294967295 "
                "--filter \"linenumber<7 || compname!=x\" --mutex on --calibrate 0 0 0");

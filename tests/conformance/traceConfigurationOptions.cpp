@@ -309,7 +309,7 @@ TEST(TraceOptions, NullVectorCountsAsNoWords) {
   stream.trace.configure(3, nullptr);
   stream.trace.configure(0, nullptr);
   EXPECT_STREQ(tTraceState(stream.trace).withoutCalibration(),
-               "--on --destination recorder --compname on --compver off --linenumber on "
+               "--on --destination recording --compname on --compver off --linenumber on "
                "--filename on --filepath off --threadid off --timestamp off --timedelta off "
                "--verbosity off --indent on --truncation on --prefixwidth 50 "
                "--filter \"verbosity>=100\" --mutex off");

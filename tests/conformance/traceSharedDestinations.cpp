@@ -121,7 +121,7 @@ TEST(TraceSharedDestination, ThatDoesNotOpenAgainComesBackForBoth) {
   two.shared.failingOpens = 1;
   two.first.setDestination(two.shared);
   EXPECT_STREQ(two.shared.events(),
-               "measure inquire close open-fails configure(--destination|recorder) open ");
+               "measure inquire close open-fails configure(--destination|recording) open ");
   EXPECT_TRUE(two.first.getDestination() == &two.shared);
   EXPECT_TRUE(two.second.getDestination() == &two.shared);
 }

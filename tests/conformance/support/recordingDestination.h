@@ -48,7 +48,7 @@ class tRecordingDestination : public nOXDIAG100::iTraceDestination {
   }
 
   // What inquire answers, what getDescription answers, and how many times open() fails from now on.
-  char const* settings = " --destination recorder";
+  char const* settings = " --destination recording";
   char const* description = "recorder";
   u32 failingOpens = 0;
   bool isOpen = true;

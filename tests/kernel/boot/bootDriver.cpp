@@ -3,6 +3,7 @@
 // own key names in the value "Driver", beside the driver of the control device. With a value "Rack"
 // in its key it plugs a rack in before, and pulls it out at the end. Unloading it undoes all.
 
+#include "bugChecks.h"
 #include "demandDevice.h"
 #include "ntos/debug.h"
 #include "ntos/driver.h"
@@ -92,6 +93,7 @@ NTSTATUS stopControl() {
 }
 
 NTSTATUS startModules() {
+  if (!answerBugCheckCalls()) return STATUS_DRIVER_UNABLE_TO_LOAD;
   NTSTATUS status = modules.initialise();
   if (status < 0) return status;
   status = demandLastEvent("oxdiagk.dll load: ");
@@ -104,6 +106,10 @@ NTSTATUS stopModules() {
   NTSTATUS const controlStatus = stopControl();
   NTSTATUS const status = modules.unload();
   if (controlStatus < 0 || status < 0) return controlStatus < 0 ? controlStatus : status;
+  if (countBugCheckCallbacks() != 0) {
+    DbgPrint("[boot] %u are still registered for a bug check\n", countBugCheckCallbacks());
+    return STATUS_DRIVER_UNABLE_TO_LOAD;
+  }
   return demandLastEvent("oxdiagk.dll unload: ");
 }
 
