@@ -160,7 +160,7 @@ TEST_F(Control, WordsThatWouldHaveNoEffectAreRefusedAndNothingChanges) {
   expectFailure(control({"assert", "--terminate", "maybe"}), 4,
                 "'maybe' behind --terminate is neither on nor off");
   expectFailure(control({"trace", "--destination", "fil"}), 4,
-                "'fil' is no destination (vex, serial, file), perhaps file");
+                "'fil' is no destination (vex, serial, file, recorder), perhaps file");
   expectFailure(control({"assert", "--category", "two \"words\""}), 4,
                 "no word can have blanks and double quotes in it");
   EXPECT_EQ(told({"trace", "--raw"}), std::string(kFirstSettings) + "\n");
