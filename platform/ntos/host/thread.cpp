@@ -1,6 +1,7 @@
 #include "ntos/thread.h"
 
 #include <pthread.h>
+#include <sched.h>
 #include <unistd.h>
 
 #include "currentThread.h"
@@ -55,4 +56,8 @@ EPROCESS* PsGetCurrentProcess() {
 
 HANDLE PsGetCurrentProcessId() {
   return handleOf(static_cast<u64>(ntoshost::getUserProcess()));
+}
+
+u32 KeGetCurrentProcessorNumberEx(_PROCESSOR_NUMBER* /*number*/) {
+  return static_cast<u32>(sched_getcpu());
 }

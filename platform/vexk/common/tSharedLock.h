@@ -49,7 +49,8 @@ class tSharedLock {
   u32 getOwner() const { return __atomic_load_n(&owner, __ATOMIC_RELAXED); }
   void setOwner(u32 threadId) { __atomic_store_n(&owner, threadId, __ATOMIC_RELAXED); }
 
-  // As tThreadUtility, with a call less: it is asked twice each time that a lock is used.
+  // As tThreadUtility, with a call less: it is asked twice each time that a lock is used. No thread
+  // that uses one is a processor's idle thread.
   static u32 getThreadId() {
     return static_cast<u32>(reinterpret_cast<uintptr_t>(PsGetCurrentThreadId()));
   }

@@ -47,6 +47,11 @@ TEST(Thread, TheChildOfAForkHasAnIdOfItsOwn) {
   EXPECT_EQ(status, 0);
 }
 
+TEST(Thread, RunsOnAProcessorOfTheMachine) {
+  EXPECT_LT(KeGetCurrentProcessorNumberEx(nullptr),
+            static_cast<u32>(sysconf(_SC_NPROCESSORS_CONF)));
+}
+
 TEST(Process, TheCurrentOneIsThisProcess) {
   EXPECT_EQ(reinterpret_cast<u64>(PsGetCurrentProcessId()), static_cast<u64>(getpid()));
   EXPECT_NE(PsGetCurrentProcess(), nullptr);

@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "keptLines.h"
+#include "ntoshost/thread.h"
 #include "oxdiagk/tDestinationSlot.h"
 #include "startedModules.h"
 #include "tRaisedIrql.h"
@@ -42,6 +43,28 @@ class tSendingOn : public tKeptLines {
     return *this;
   }
 };
+
+// Whether others see that a text is within its put.
+class tSeenPut : public tKeptLines {
+ public:
+  bool wasSeen = false;
+
+  iTraceDestination& put(char const* text, unsigned int length) override {
+    wasSeen = tTextsOnTheWay::findOther(kAnotherThread, *this, nullptr) != 0;
+    return tKeptLines::put(text, length);
+  }
+};
+
+// Calls `work` as an interrupt upon the thread of a processor that idles: the low half of its id is
+// 0.
+template <class tWork>
+void interruptIdleThread(tWork work) {
+  std::thread([&] {
+    ntoshost::overrideCurrentThreadId(u64{1} << 32);
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    work();
+  }).join();
+}
 
 bool isSeen(iTraceDestination const& destination, tDestinationSlot const* slot) {
   return tTextsOnTheWay::findOther(kAnotherThread, destination, slot) == kOneThread;
@@ -86,6 +109,26 @@ TEST(DestinationSlot, AnInterruptOfTheThreadIsShutOut) {
     tRaisedIrql const raised(DISPATCH_LEVEL);
     own.send("dropped");
   }
+  own.slot.open(1);
+  EXPECT_TRUE(kept.pieces.empty());
+}
+
+TEST(DestinationSlot, AnInterruptOfAnIdleProcessorIsSentAndSeen) {
+  tSeenPut seen;
+  tOwnSlot own(&seen);
+  u32 places[tTextsOnTheWay::kMostWithinEachOther];
+  for (u32& place : places) place = tTextsOnTheWay::enter(kOneThread, own.slot);
+  for (u32 const place : places) tTextsOnTheWay::leave(place);
+  interruptIdleThread([&] { own.send("idle"); });
+  EXPECT_EQ(seen.pieces, std::vector<std::string>{"idle"});
+  EXPECT_TRUE(seen.wasSeen);
+}
+
+TEST(DestinationSlot, AnInterruptOfAnIdleProcessorIsNotWhoShutIt) {
+  tKeptLines kept;
+  tOwnSlot own(&kept);
+  own.slot.shut(1);
+  interruptIdleThread([&] { own.send("dropped"); });
   own.slot.open(1);
   EXPECT_TRUE(kept.pieces.empty());
 }

@@ -9,6 +9,10 @@ extern "C" {
 NTOS_IMPORT EPROCESS* PsGetCurrentProcess();
 NTOS_IMPORT HANDLE PsGetCurrentProcessId();
 
+// The number of the processor that the caller runs on, counted over all groups. `number`: null.
+// Below DISPATCH_LEVEL the thread may be on another processor the next moment. Any IRQL.
+NTOS_IMPORT u32 KeGetCurrentProcessorNumberEx(struct _PROCESSOR_NUMBER* number);
+
 // Between the two the thread gets no APCs at all, so that no input or output of its own completes.
 // They nest and are balanced as critical regions are. IRQL <= APC_LEVEL.
 NTOS_IMPORT void KeEnterGuardedRegion();
@@ -24,7 +28,8 @@ NTOS_IMPORT BOOLEAN KeAreAllApcsDisabled();
 }
 
 // HANDLE PsGetCurrentThreadId();
-//     The id of the calling thread, as a number in a pointer. Any IRQL.
+//     The id of the calling thread, as a number in a pointer; 0 for each of the threads that the
+//     processors idle in, upon which interrupts come. Any IRQL.
 //
 // void KeEnterCriticalRegion();
 // void KeLeaveCriticalRegion();
