@@ -21,6 +21,7 @@ tGUIDText::tGUIDText(void const* guid) : guid(guid) {
 }
 
 void tGUIDText::put(tTrace& trace) const {
+  if (!trace.isLineShown()) return;
   if (guid == nullptr) {
     trace.put("(null)");
     return;

@@ -229,6 +229,7 @@ TEST(KernelValues, NothingIsWrittenIntoAHiddenLine) {
   tPrivateTrace trace(record);
   trace.disable();
   UNICODE_STRING const torn = wide(reinterpret_cast<wchar_t const*>(16), 8);
-  trace.put(asNtStatus(0)).put(asUnicodeString(&torn)).put(asKernelTime(0)).endl();
+  trace.put(asNtStatus(0)).put(asUnicodeString(&torn)).put(asKernelTime(0));
+  trace.put(asGuid(reinterpret_cast<GUID const*>(16))).endl();
   EXPECT_STREQ(record.text(), "");
 }
