@@ -49,8 +49,9 @@ HANDLE load(HANDLE const& place) {
 }
 
 // Wine's kernel says yes in a critical region already, where a write comes back and where every
-// text is put. No file is opened where no APC comes in, so a yes at that time is such an answer.
+// text is put. Where it says yes before one is entered, nothing is learned from it.
 void learnAnswer() {
+  if (KeAreAllApcsDisabled()) return;
   KeEnterCriticalRegion();
   storeRelaxed(answersForRegions, KeAreAllApcsDisabled() != 0);
   KeLeaveCriticalRegion();

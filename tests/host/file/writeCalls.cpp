@@ -135,6 +135,18 @@ TEST_F(FileWriteCalls, NothingIsAskedForWhereTheKernelCouldNotFinishIt) {
   EXPECT_EQ(drive.read("one.out"), "seen");
 }
 
+TEST_F(FileWriteCalls, NeitherIsItWhereAnotherFileIsOpenedThere) {
+  tFileTraceDestination other;
+  configureWith(other, "nowhere");
+  KeEnterGuardedRegion();
+  EXPECT_EQ(other.open(), 0u);
+  file.put("dropped");
+  EXPECT_EQ(ntoshost::fileCallsSeen(), 0u);
+  KeLeaveGuardedRegion();
+  file.put("seen");
+  EXPECT_EQ(drive.read("one.out"), "seen");
+}
+
 TEST_F(FileWriteCalls, TextsThatAreLostAreCounted) {
   u64 const before = tFileTraceDestination::countLostTexts();
   put("kept");
