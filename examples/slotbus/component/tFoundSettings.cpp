@@ -22,7 +22,9 @@ tFoundSettings::tFoundSettings(nOXDIAG100::tConfigurable& target) : target(targe
 }
 
 bool tFoundSettings::keep() {
-  return read(kept);
+  if (read(kept)) return true;
+  kept.clear();
+  return false;
 }
 
 void tFoundSettings::giveBack() {

@@ -26,6 +26,25 @@ std::string traceSettings() {
   return text.substr(0, text.find(" --calibrate"));
 }
 
+// Its settings are longer at each inquiry, as if others set more between two of them.
+class tGrowing : public tConfigurable {
+ public:
+  u32 timesConfigured = 0;
+
+  void configure() override {}
+  void configure(int, char**) override { ++timesConfigured; }
+  void inquire(char* buffer, unsigned int size, unsigned int* needed) override {
+    text += text;
+    if (size != 0) buffer[text.copy(buffer, size - 1)] = '\0';
+    *needed = static_cast<unsigned int>(text.size() + 1);
+  }
+  void pushConfiguration() override {}
+  void popConfiguration() override {}
+
+ private:
+  std::string text = "--on ";
+};
+
 class FoundSettings : public testing::Test {
  protected:
   void TearDown() override { tTrace::getInstance().popConfiguration(); }
@@ -110,4 +129,16 @@ TEST_F(FoundSettings, ThatWereNotKeptAreNotGivenBack) {
   trace.configure("--threadid on");
   found.giveBack();
   EXPECT_EQ(trace.threadIdIsEnabled(), 1u);
+}
+
+TEST_F(FoundSettings, ThatWereKeptInPartAreNotGivenBack) {
+  tGrowing growing;
+  tFoundSettings found(growing);
+  ntoshost::failNth(ntoshost::kFaultMemory, 2);
+  EXPECT_FALSE(found.keep());
+  ntoshost::clearFaults();
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);
+  found.giveBack();
+  ntoshost::clearFaults();
+  EXPECT_EQ(growing.timesConfigured, 0u);
 }
