@@ -8,9 +8,9 @@
 //     tStateRequest const request = {reinterpret_cast<u64>(&answer), sizeof(answer), 0};
 //     ... deliver kStateName and the address of `request`, as for the tunnel
 //
-// The answer is written in one piece, as it is at one moment for each number in it. An address that
-// cannot be read or written ends the request; nothing is reported then, and `size` stays what it
-// was. All numbers are little-endian, all addresses the program's own.
+// Each number of the answer is as it is at one moment, and `size` is written last. Where the
+// request cannot be read, or the answer cannot be written to its end, nothing is reported, and
+// `size` stays what it was. All numbers are little-endian, all addresses the program's own.
 
 #include "compiler/types.h"
 

@@ -21,6 +21,19 @@ void copyBuild(char (&to)[tStateAnswer::kBuildSize], char const* from) {
   }
 }
 
+u32 smaller(u32 left, u32 right) {
+  return left < right ? left : right;
+}
+
+// The size comes last, for it says that there is an answer behind it.
+void writeAnswer(u64 address, tStateAnswer const& answer, u32 length) {
+  auto const* const bytes = reinterpret_cast<u8 const*>(&answer);
+  u32 const ofSize = smaller(length, sizeof(answer.size));
+  u32 const rest = length - ofSize;
+  if (vexCopyToUser(address + ofSize, bytes + ofSize, rest) != rest) return;
+  vexCopyToUser(address, bytes, ofSize);
+}
+
 tStateAnswer makeAnswer() {
   tStateAnswer answer = {};
   answer.size = sizeof(answer);
@@ -60,8 +73,7 @@ void tStateDispatcher::dispatch(u64 request) {
   tStateRequest wanted;
   if (vexCopyFromUser(&wanted, request, sizeof(wanted)) != sizeof(wanted)) return;
   tStateAnswer const answer = makeAnswer();
-  u32 const size = wanted.size < sizeof(answer) ? wanted.size : u32{sizeof(answer)};
-  vexCopyToUser(wanted.address, &answer, size);
+  writeAnswer(wanted.address, answer, smaller(wanted.size, sizeof(answer)));
 }
 
 }  // namespace nOXDIAG100

@@ -12,10 +12,12 @@
 #include <memory>
 #include <string>
 
+#include "oxdiagk/stateRequest.h"
 #include "oxdiagk/tTrace.h"
 #include "support/tRecordingConfigurable.h"
 #include "support/tunnelRecords.h"
 #include "trace/startedModules.h"
+#include "vexk/iLib.h"
 
 namespace {
 
@@ -353,4 +355,15 @@ TEST(TunnelMemory, AProcessThatIsGoneIsNotServed) {
   waitpid(user.pid, nullptr, 0);
   request.send();
   EXPECT_STREQ(recorder.calls(), "");
+}
+
+TEST(StateMemory, AnAnswerThatIsCutByTheEndOfMemoryLeavesItsSizeAlone) {
+  for (size_t room = 0; room < sizeof(tStateAnswer); ++room) {
+    tLastBytes const answer(room);
+    tStateRequest const request = {answer.address(), sizeof(tStateAnswer), 0};
+    i32 status = 0;
+    iLib::deliver(kStateName, sizeof(kStateName) - 1, addressOf(&request), status);
+    size_t const ofSize = std::min(room, sizeof(u32));
+    EXPECT_EQ(answer.text(ofSize), std::string(ofSize, '\0')) << room;
+  }
 }
