@@ -5,7 +5,10 @@
 #include <sys/mman.h>
 
 #include <csignal>
+#include <thread>
 
+#include "ntos/irql.h"
+#include "ntos/pool.h"
 #include "ntoshost/executive.h"
 #include "visitedDriver.h"
 
@@ -126,4 +129,23 @@ TEST_F(DriverImagesDeathTest, OtherFaultsAreWhatTheyWere) {
       mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
   EXPECT_EXIT(*place = 1, testing::KilledBySignal(SIGSEGV), "^$");
   munmap(const_cast<char*>(place), 4096);
+}
+
+TEST_F(DriverImagesDeathTest, ASentSignalIsWhatItWas) {
+  unload();
+  EXPECT_EXIT(raise(SIGSEGV), testing::KilledBySignal(SIGSEGV), "^$");
+}
+
+// A thread that is made by a raised one has no rights on paged memory until its first fault there.
+TEST_F(DriverImagesDeathTest, AreWatchedAfterAFaultInPagedMemoryThatIsServed) {
+  constexpr u32 kTag = ntosPoolTag("page");
+  char volatile* const bytes = find<char>("visitedBytes");
+  auto* const block = static_cast<u8*>(ExAllocatePoolWithTag(PagedPool, 40, kTag));
+  unload();
+  KIRQL previous;
+  KeRaiseIrql(DISPATCH_LEVEL, &previous);
+  std::thread([block] { *block = 1; }).join();
+  KeLowerIrql(previous);
+  ExFreePoolWithTag(block, kTag);
+  EXPECT_DEATH(bytes[0] = 1, "ntos: A thread touches the image of the driver");
 }

@@ -4,6 +4,7 @@
 #include <link.h>
 #include <sys/mman.h>
 
+#include "faultHandler.h"
 #include "io/deviceTable.h"
 #include "io/unmappedImages.h"
 #include "ntoshost/violation.h"
@@ -84,7 +85,7 @@ MappedImage::MappedImage(DRIVER_OBJECT const* driver)
 // there before is left alone, and the image is not remembered.
 void MappedImage::unmap() const {
   if (section == nullptr) return;
-  watchUnmappedImages();
+  installFaultHandler();
   dlclose(section);
   if (isInTheProgram(start)) {
     violation("The image of the driver %s at %p stays mapped after its unloading.", name, start);

@@ -1,11 +1,11 @@
 #include "io/unmappedImages.h"
 
 #include <pthread.h>
-#include <signal.h>
 #include <string.h>
 #include <sys/mman.h>
 #include <ucontext.h>
 
+#include "faultHandler.h"
 #include "ntoshost/violation.h"
 
 namespace ntoshost {
@@ -25,10 +25,8 @@ struct Place {
 };
 
 constinit pthread_mutex_t g_lock = PTHREAD_MUTEX_INITIALIZER;
-constinit pthread_once_t g_once = PTHREAD_ONCE_INIT;
 constinit Place g_places[kCapacity] = {};
 constinit u32 g_next = 0;
-constinit struct sigaction g_former = {};
 
 Place const* find(u64 address) {
   for (Place const& place : g_places) {
@@ -48,24 +46,11 @@ void judge(u64 address, char const* what) {
             place->name, address - place->start);
 }
 
-// What is none of ours is left to the former handler, by faulting once more.
-void handleFault(int, siginfo_t* fault, void* context) {
-  judge(instructionOf(context), "runs in");
-  judge(reinterpret_cast<u64>(fault->si_addr), "touches");
-  sigaction(SIGSEGV, &g_former, nullptr);
-}
-
-void install() {
-  struct sigaction action = {};
-  action.sa_sigaction = handleFault;
-  action.sa_flags = SA_SIGINFO | SA_ONSTACK;
-  sigaction(SIGSEGV, &action, &g_former);
-}
-
 }  // namespace
 
-void watchUnmappedImages() {
-  pthread_once(&g_once, install);
+void requireNoUnmappedImage(u64 address, void const* signalContext) {
+  judge(instructionOf(signalContext), "runs in");
+  judge(address, "touches");
 }
 
 void rememberUnmappedImage(MappedImage const& image) {

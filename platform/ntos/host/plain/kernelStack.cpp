@@ -1,5 +1,6 @@
 #include "stack/kernelStack.h"
 
+#include "faultHandler.h"
 #include "ntoshost/stack.h"
 
 namespace ntoshost {
@@ -10,6 +11,9 @@ void runOnKernelStack(void (*function)(void* context), void* context) {
 
 StackBounds kernelStackAround(u64) {
   return {};
+}
+
+void requireNoStackOverflow(u64) {
 }
 
 bool hasKernelStacks() {

@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include "faultHandler.h"
 #include "ntoshost/pool.h"
 
 namespace ntoshost {
@@ -24,6 +25,10 @@ PagedAccess::PagedAccess() : m_wasShut(false) {
 }
 
 PagedAccess::~PagedAccess() {
+}
+
+bool servePagedFault(u64, u32, void*) {
+  return false;
 }
 
 bool isPagedPoolGuarded() {

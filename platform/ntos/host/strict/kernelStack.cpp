@@ -4,11 +4,11 @@
 #include <signal.h>
 #include <sys/mman.h>
 
+#include "faultHandler.h"
 #include "io/currentDriver.h"
 #include "ntoshost/stack.h"
 #include "ntoshost/violation.h"
 #include "stack/sanitized.h"
-#include "strict/faultHandler.h"
 
 // A stack is one mapping: the stack on which signals are handled, the guard, the stack, a guard. It
 // is never given back to the system: when its thread ends another one has it. So the marks of all

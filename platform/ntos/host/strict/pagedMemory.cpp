@@ -6,13 +6,13 @@
 #include <sys/mman.h>
 #include <ucontext.h>
 
+#include "faultHandler.h"
 #include "io/currentDriver.h"
 #include "irqlCheck.h"
 #include "ntoshost/pool.h"
 #include "ntoshost/violation.h"
 #include "pool/poolState.h"
 #include "stack/sanitized.h"
-#include "strict/faultHandler.h"
 
 // Each thread has its own rights on a protection key, in a register that takes no system call to
 // write. So one thread at DISPATCH_LEVEL is refused what the others may go on to use.

@@ -1,4 +1,4 @@
-#include "strict/faultHandler.h"
+#include "faultHandler.h"
 
 #include <pthread.h>
 #include <signal.h>
@@ -30,6 +30,7 @@ bool isServed(siginfo_t const& information, void* context) {
   if (information.si_code <= 0) return false;
   u64 const address = reinterpret_cast<u64>(information.si_addr);
   requireNoStackOverflow(address);
+  requireNoUnmappedImage(address, context);
   return information.si_code == SEGV_PKUERR &&
          servePagedFault(address, information.si_pkey, context);
 }
