@@ -142,6 +142,17 @@ TEST_F(ControlDriver, GivesItsDeviceASecurityOfItsOwn) {
             FILE_DEVICE_SECURE_OPEN);
 }
 
+TEST_F(ControlDriver, LetsInAdministratorsAndTheSystemAlone) {
+  constexpr u32 kSystem = 0;
+  constexpr u32 kStranger = 54'321;
+  ntoshost::setCallerUser(kStranger);
+  EXPECT_EQ(tProgram().status, STATUS_ACCESS_DENIED);
+  ntoshost::setCallerUser(kSystem);
+  EXPECT_EQ(tProgram().status, STATUS_SUCCESS);
+  ntoshost::setCallerUser(ntoshost::kOwnUser);
+  EXPECT_EQ(tProgram().status, STATUS_SUCCESS);
+}
+
 TEST_F(ControlDriver, Refuses32bitPrograms) {
   tProgram program;
   ntoshost::set32bitProcess(true);

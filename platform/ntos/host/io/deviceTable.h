@@ -13,7 +13,6 @@ struct DEVOBJ_EXTENSION {
   bool isDeleted;
   bool isExclusive;
   bool isPhysical;  // reported to the PnP manager, or made by it
-  bool hasOwnSecurity;
   bool isShut;  // the PnP manager lets nobody open the stack
   POWER_STATE systemState;
   POWER_STATE deviceState;

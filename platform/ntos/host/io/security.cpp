@@ -1,6 +1,7 @@
 #include "ntos/security.h"
 
 #include "file/filesState.h"
+#include "io/accessList.h"
 #include "io/deviceTable.h"
 #include "irqlCheck.h"
 #include "ntoshost/devices.h"
@@ -8,7 +9,7 @@
 #include "ntoshost/userMemory.h"
 #include "ntoshost/violation.h"
 
-// Who may open a device. Nobody is asked who he is: it is noted that there is a list.
+// Who may open a device, as its driver says it.
 
 namespace ntoshost {
 namespace {
@@ -27,11 +28,17 @@ void requireKernelHandle(u32 attributes, ACCESS_MASK access, KPROCESSOR_MODE mod
       kOpen);
 }
 
-void requireList(SECURITY_DESCRIPTOR_RELATIVE const& security, u32 parts) {
-  bool const isSound = security.Revision == SECURITY_DESCRIPTOR_REVISION &&
-                       (security.Control & SE_SELF_RELATIVE) != 0 &&
-                       (security.Control & SE_DACL_PRESENT) != 0 && security.Dacl != 0;
-  if (isSound && parts == DACL_SECURITY_INFORMATION) return;
+bool hasList(SECURITY_DESCRIPTOR_RELATIVE const& descriptor) {
+  return descriptor.Revision == SECURITY_DESCRIPTOR_REVISION &&
+         (descriptor.Control & SE_SELF_RELATIVE) != 0 &&
+         (descriptor.Control & SE_DACL_PRESENT) != 0 && descriptor.Dacl != 0;
+}
+
+DeviceSecurity requireList(SECURITY_DESCRIPTOR_RELATIVE const& descriptor, u32 parts) {
+  DeviceSecurity security;
+  bool const isSound = parts == DACL_SECURITY_INFORMATION && hasList(descriptor) &&
+                       readAccessList(descriptor, security);
+  if (isSound) return security;
   violation("%s was given something else than a list of those who may.", kSet);
 }
 
@@ -54,7 +61,7 @@ HANDLE addHandle(DEVICE_OBJECT* device) {
 bool hasOwnSecurity(DEVICE_OBJECT* device) {
   DevicesLock const lock;
   requireDevice(device, "hasOwnSecurity");
-  return recordOf(device).hasOwnSecurity;
+  return recordOf(device).security.isSet;
 }
 
 void set32bitProcess(bool is32bit) {
@@ -79,12 +86,13 @@ NTSTATUS ObOpenObjectByPointer(void* object, u32 attributes, void*, ACCESS_MASK 
 NTSTATUS ZwSetSecurityObject(HANDLE handle, u32 parts, void const* descriptor) {
   using namespace ntoshost;
   requireIrqlAtMost(PASSIVE_LEVEL, kSet);
-  requireList(*static_cast<SECURITY_DESCRIPTOR_RELATIVE const*>(descriptor), parts);
+  DeviceSecurity const security =
+      requireList(*static_cast<SECURITY_DESCRIPTOR_RELATIVE const*>(descriptor), parts);
   if (injectFault(kFaultSecurity)) return STATUS_INSUFFICIENT_RESOURCES;
   DEVICE_OBJECT* const device = findObject(handle);
   if (device == nullptr) return STATUS_INVALID_HANDLE;
   DevicesLock const lock;
-  recordOf(device).hasOwnSecurity = true;
+  recordOf(device).security = security;
   return STATUS_SUCCESS;
 }
 

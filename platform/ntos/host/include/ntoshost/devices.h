@@ -117,7 +117,7 @@ DeviceCounts countDevices();
 // existence. 0 for one that nobody refers to.
 u64 referencesOn(DEVICE_OBJECT* device);
 
-// Whether somebody has given the device a list of its own of who may open it.
+// Whether the device has a list of its own of who may open it, see "ntoshost/security.h".
 bool hasOwnSecurity(DEVICE_OBJECT* device);
 
 // Prints them on standard error, one line each.

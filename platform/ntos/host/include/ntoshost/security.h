@@ -8,6 +8,10 @@
 //     ntoshost::setCallerUser(1000);
 //     status = ntoshost::openDevice(name, &file);  // STATUS_ACCESS_DENIED: no right to write
 //
+// A driver says the same with ZwSetSecurityObject, and the later one counts. Its list may have
+// entries that allow; those for others than the system, administrators, users, authenticated users
+// and everyone count for nothing.
+//
 // openDevice asks for generic read and write access, and is refused before the driver sees a
 // request. The checks are of the calling thread's user: root is the system and an administrator,
 // the user that runs the program an administrator, and all are everyone.
