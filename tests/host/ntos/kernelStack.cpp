@@ -1,6 +1,7 @@
 // The stack that drivers run on.
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <thread>
 
@@ -150,6 +151,11 @@ TEST_F(KernelStackDeathTest, TheEntryOfADriverRunsThere) {
   DRIVER_OBJECT* driver = nullptr;
   EXPECT_DEATH(ntoshost::loadDriver("deep", entry, &driver),
                "has overflown within the driver \\\\Driver\\\\deep\\.");
+}
+
+TEST_F(KernelStackDeathTest, AThreadEndsOutsideDrivers) {
+  EXPECT_DEATH(std::thread([&] { inDispatch([] { pthread_exit(nullptr); }); }).join(),
+               "ntos: A thread ended within the driver \\\\Driver\\\\tester\\.\n$");
 }
 
 TEST_F(KernelStackDeathTest, TheDepthIsForgottenWhileNoDriverRuns) {

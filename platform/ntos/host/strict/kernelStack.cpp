@@ -135,6 +135,7 @@ void leaveSignalStack(KernelStack const& stack) {
 // At the end of the thread.
 void giveBack(void* thread) {
   KernelStack* const stack = static_cast<KernelStack*>(thread);
+  if (isInUse(*stack)) violation("A thread ended within %s.", CurrentDriverText().text);
   leaveSignalStack(*stack);
   g_stack = nullptr;
   StacksLock const lock;

@@ -7,6 +7,8 @@
 // 24 KiB for each thread; what a driver calls from there is on it too. Below it lie 64 KiB that
 // nobody may touch: who comes there is stopped with a sentence that names the driver.
 //
+// A thread that ends within a driver's routine is stopped with a sentence, too.
+//
 // A host program's frames are those of its own compiler, without optimisation perhaps, so a depth
 // here is not that on Windows to the byte.
 //
