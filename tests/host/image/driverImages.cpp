@@ -8,7 +8,10 @@
 #include <thread>
 
 #include "ntos/irql.h"
+#include "ntos/mutex.h"
 #include "ntos/pool.h"
+#include "ntos/removeLock.h"
+#include "ntos/wait.h"
 #include "ntoshost/executive.h"
 #include "visitedDriver.h"
 
@@ -148,4 +151,24 @@ TEST_F(DriverImagesDeathTest, AreWatchedAfterAFaultInPagedMemoryThatIsServed) {
   KeLowerIrql(previous);
   ExFreePoolWithTag(block, kTag);
   EXPECT_DEATH(bytes[0] = 1, "ntos: A thread touches the image of the driver");
+}
+
+TEST_F(DriverImagesDeathTest, OneWithAnOwnedMutexIsNotUnloaded) {
+  auto* const mutex = reinterpret_cast<KMUTEX*>(find<char>("visitedBytes"));
+  KeInitializeMutex(mutex, 0);
+  KeWaitForSingleObject(mutex, Executive, KernelMode, 0, nullptr);
+  EXPECT_DEATH(ntoshost::stopDriver(driver),
+               "ntos: The image of the driver \\\\Driver\\\\visited goes while a thread owns the "
+               "mutex at 0x[0-9a-f]+ in it\\.\n$");
+  KeReleaseMutex(mutex, 0);
+}
+
+TEST_F(DriverImagesDeathTest, OneWithARemoveLockThatIsHeldIsNotUnloaded) {
+  auto* const lock = reinterpret_cast<IO_REMOVE_LOCK*>(find<char>("visitedBytes"));
+  IoInitializeRemoveLock(lock, ntosPoolTag("lock"));
+  EXPECT_EQ(IoAcquireRemoveLock(lock, this), STATUS_SUCCESS);
+  EXPECT_DEATH(ntoshost::stopDriver(driver),
+               "ntos: The image of the driver \\\\Driver\\\\visited goes while the remove lock at "
+               "0x[0-9a-f]+ in it is held\\.\n$");
+  IoReleaseRemoveLock(lock, this);
 }

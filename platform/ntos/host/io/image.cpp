@@ -6,8 +6,10 @@
 
 #include "faultHandler.h"
 #include "io/deviceTable.h"
+#include "io/removeLocks.h"
 #include "io/unmappedImages.h"
 #include "ntoshost/violation.h"
+#include "wait/heldLocks.h"
 
 namespace ntoshost {
 namespace {
@@ -61,6 +63,19 @@ bool isMapped(char const* file) {
   return known != nullptr;
 }
 
+// What others would find in it by its address.
+void requireUnlocked(MappedImage const& image) {
+  void const* const removeLock = forgetRemoveLocks(image.start, image.size);
+  if (removeLock != nullptr) {
+    violation("The image of the driver %s goes while the remove lock at %p in it is held.",
+              image.name, removeLock);
+  }
+  void const* const lock = ownedLockWithin(image.start, image.size);
+  if (lock == nullptr) return;
+  violation("The image of the driver %s goes while a thread owns the mutex at %p in it.",
+            image.name, lock);
+}
+
 }  // namespace
 
 NTSTATUS mapImage(DRIVER_OBJECT* driver, char const* file) {
@@ -85,6 +100,7 @@ MappedImage::MappedImage(DRIVER_OBJECT const* driver)
 // there before is left alone, and the image is not remembered.
 void MappedImage::unmap() const {
   if (section == nullptr) return;
+  requireUnlocked(*this);
   installFaultHandler();
   dlclose(section);
   if (isInTheProgram(start)) {

@@ -11,7 +11,8 @@
 //     ntoshost::stopDriver(driver);
 //
 // The place of an unmapped image stays empty. A thread that returns there, calls into it or touches
-// it stops the program with one sentence. PASSIVE_LEVEL, thread safe.
+// it stops the program with one sentence, and so does an image that goes while a thread owns a
+// mutex in it or a remove lock in it is held. PASSIVE_LEVEL, thread safe.
 
 namespace ntoshost {
 
