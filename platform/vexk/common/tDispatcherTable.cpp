@@ -1,10 +1,10 @@
 #include "tDispatcherTable.h"
 
 #include "ntos/wait.h"
-#include "tReturnWatch.h"
 #include "vexk/statusCodes.h"
 #include "vexkntos/tCriticalRegionGuard.h"
 #include "vexkntos/tFastMutexGuard.h"
+#include "vexkntos/tReturnWatch.h"
 
 constinit tDispatcherTable vexDispatcherTable;
 

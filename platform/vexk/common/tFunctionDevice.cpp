@@ -1,7 +1,5 @@
 #include "common/tFunctionDevice.h"
 
-#include "common/tReturnWatch.h"
-
 #include "ntos/io.h"
 #include "ntos/pool.h"
 #include "ntos/wait.h"
@@ -9,6 +7,7 @@
 #include "vexk/statusCodes.h"
 #include "vexkntos/droppedRelations.h"
 #include "vexkntos/handlerOf.h"
+#include "vexkntos/tReturnWatch.h"
 
 namespace {
 

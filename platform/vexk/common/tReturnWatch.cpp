@@ -1,4 +1,4 @@
-#include "tReturnWatch.h"
+#include "vexkntos/tReturnWatch.h"
 
 #include "ntos/irql.h"
 #include "ntos/thread.h"

@@ -2,14 +2,18 @@
 
 #include "package/windows/wdm/requestEnds.h"
 #include "package/windows/wdm/tChildDevice.h"
+#include "vexkntos/tReturnWatch.h"
 
 namespace nOXDIAG100 {
 namespace {
+
+constexpr char kControl[] = "a child device";
 
 i32 callHandler(iDeviceHandler& handler, IRP& irp) {
   auto const& control = IoGetCurrentIrpStackLocation(&irp)->Parameters.DeviceIoControl;
   u64 information = 0;
   i32 status = 0;
+  tReturnWatch const watch(kControl, sizeof(kControl) - 1);
   handler.handleDeviceControl(control.IoControlCode, control.Type3InputBuffer,
                               control.InputBufferLength, irp.UserBuffer, control.OutputBufferLength,
                               &information, &status);

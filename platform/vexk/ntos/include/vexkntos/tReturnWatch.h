@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ntos/types.h"
+#include "vexk/api.h"
 
 // Watches a request from its beginning to its return. A thread that returns to its program while it
 // holds a lock, or is in a critical region, is stopped by the kernel with the whole system; a line
@@ -9,8 +10,8 @@
 class tReturnWatch {
  public:
   // `what`: of the request, for the line; any text of `length` characters.
-  tReturnWatch(char const* what, size_t length);
-  ~tReturnWatch();
+  VEX_API tReturnWatch(char const* what, size_t length);
+  VEX_API ~tReturnWatch();
   tReturnWatch(tReturnWatch const&) = delete;
   tReturnWatch& operator=(tReturnWatch const&) = delete;
 
