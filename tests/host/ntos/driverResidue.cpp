@@ -146,10 +146,12 @@ TEST_F(DriverResidueDeathTest, ARequestIsFreed) {
   IoFreeIrp(request);
 }
 
-TEST_F(DriverResidue, AMutexTakenOutsideTheDriverMayBeOwned) {
-  KeWaitForSingleObject(&m_mutex, Executive, KernelMode, 0, nullptr);
-  EXPECT_EQ(unload(), "");
-  KeReleaseMutex(&m_mutex, 0);
+TEST_F(DriverResidue, AMutexOfAnotherDriverMayBeOwned) {
+  within(m_driver, [&] {
+    KeWaitForSingleObject(&m_mutex, Executive, KernelMode, 0, nullptr);
+    EXPECT_EQ(unload(), "");
+    KeReleaseMutex(&m_mutex, 0);
+  });
 }
 
 }  // namespace
