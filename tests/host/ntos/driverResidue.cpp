@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "ntos/sync.h"
+#include "ntoshost/images.h"
 #include "testDriver.h"
 
 namespace {
@@ -135,6 +136,19 @@ TEST_F(DriverResidueDeathTest, AMutexIsNotLeftOwned) {
   };
   EXPECT_DEATH(ntoshost::unloadDriver(m_leaver), "has unloaded while a thread owns the mutex");
   m_leaver->DriverUnload = [](DRIVER_OBJECT*) {};
+}
+
+TEST_F(DriverResidueDeathTest, NoDriverIsUnloadedWithinItself) {
+  auto const entry = [](DRIVER_OBJECT* driver, UNICODE_STRING*) {
+    driver->DriverUnload = [](DRIVER_OBJECT*) {};
+    return ntoshost::unloadDriver(driver);
+  };
+  DRIVER_OBJECT* driver = nullptr;
+  EXPECT_DEATH(
+      ntoshost::loadDriver("hasty", entry, &driver),
+      "ntos: The driver \\\\Driver\\\\hasty is unloaded by a thread that runs in it\\.\n$");
+  EXPECT_DEATH(within(m_leaver, [&] { within(m_driver, [&] { ntoshost::stopDriver(m_leaver); }); }),
+               "\\\\Driver\\\\leaver is unloaded by a thread that runs in it\\.");
 }
 
 TEST_F(DriverResidueDeathTest, ARequestIsFreed) {

@@ -8,6 +8,9 @@ namespace ntoshost {
 // DriverUnload, and all that is called from there. Null outside of them.
 DRIVER_OBJECT* currentDriver();
 
+// Whether the calling thread has yet to return into the driver: it runs it, or one that it called.
+bool isWithinDriver(DRIVER_OBJECT const* driver);
+
 // From here to its end the calling thread runs this driver.
 class DriverScope {
  public:
@@ -17,7 +20,10 @@ class DriverScope {
   DriverScope& operator=(DriverScope const&) = delete;
 
  private:
-  DRIVER_OBJECT* const m_outer;
+  friend bool isWithinDriver(DRIVER_OBJECT const* driver);
+
+  DRIVER_OBJECT* const m_driver;
+  DriverScope const* const m_outer;
 };
 
 // It, for the sentences: "the driver \Driver\name", or "no driver".

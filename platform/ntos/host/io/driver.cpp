@@ -85,7 +85,14 @@ void discard(DRIVER_OBJECT* driver, char const* call) {
   destroyDriver(driver, call);
 }
 
+// Stops the program when the thread would return into the driver.
+void requireOutside(DRIVER_OBJECT* driver) {
+  if (!isWithinDriver(driver)) return;
+  violation("The driver %s is unloaded by a thread that runs in it.", DriverText(driver).text);
+}
+
 void unload(DRIVER_OBJECT* driver, char const* call) {
+  requireOutside(driver);
   forgetAssignments(driver);
   forgetRootDriver(driver);
   runDriver(driver, [&] {

@@ -29,6 +29,7 @@ NTSTATUS loadDriver(char const* name, DRIVER_INITIALIZE* entry, DRIVER_OBJECT** 
 // Runs DriverUnload and forgets the driver; no device of it may be left then.
 // STATUS_INVALID_DEVICE_REQUEST when it has no DriverUnload, STATUS_DEVICE_BUSY when a device of it
 // is open or in the stack of a physical device that the PnP manager knows: nothing happens then.
+// Stops the program when the calling thread has yet to return into the driver.
 NTSTATUS unloadDriver(DRIVER_OBJECT* driver);
 
 // What a driver leaves. Blocks of the pool, requests and mutexes belong to the driver whose routine
