@@ -13,7 +13,7 @@ struct DEVOBJ_EXTENSION {
   bool isDeleted;
   bool isExclusive;
   bool isPhysical;  // reported to the PnP manager, or made by it
-  bool isShut;  // the PnP manager lets nobody open the stack
+  bool isShut;      // the PnP manager lets nobody open the stack
   POWER_STATE systemState;
   POWER_STATE deviceState;
   ntoshost::DeviceSecurity security;
