@@ -18,8 +18,8 @@ namespace ntoshost {
 namespace {
 
 constexpr u64 kPageSize = 4096;
-constexpr u64 kSignalStackSize = 32 * 1024;
-constexpr u64 kGuardBelow = 64 * 1024;
+constexpr u64 kSignalStackSize = u64{32} * 1024;
+constexpr u64 kGuardBelow = u64{64} * 1024;
 constexpr u64 kWholeSize = kSignalStackSize + kGuardBelow + kKernelStackSize + kPageSize;
 constexpr u64 kUntouched = 0x6B6B'6B6B'6B6B'6B6B;
 

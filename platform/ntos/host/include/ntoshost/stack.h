@@ -17,7 +17,7 @@
 
 namespace ntoshost {
 
-constexpr u64 kKernelStackSize = 24 * 1024;  // bytes
+constexpr u64 kKernelStackSize = u64{24} * 1024;  // bytes
 
 // Whether drivers run on stacks of that size here.
 bool hasKernelStacks();
