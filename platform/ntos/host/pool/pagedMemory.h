@@ -31,7 +31,7 @@ class PagedAccess {
   PagedAccess& operator=(PagedAccess const&) = delete;
 
  private:
-  bool const m_wasShut;
+  [[maybe_unused]] bool const m_wasShut;  // the strict executive's
 };
 
 }  // namespace ntoshost
