@@ -68,7 +68,8 @@ STEPS = {
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
 }
-WHEN_NAMED = {"host-debug", "host-rounds"}  # hardly show anything new, and take long
+# Each takes long and hardly shows anything that the others do not: `./dev prove` runs them.
+WHEN_NAMED = {"tidy", "twins", "host-debug", "host-rounds"}
 
 
 def guarded(name, function):
@@ -92,6 +93,8 @@ def run_step(name, number, count):
 
 
 def main(names):
+    if names == ["--long"]:
+        names = [name for name in STEPS if name in WHEN_NAMED]
     unknown = [name for name in names if name not in STEPS]
     if unknown:
         print("steps: " + " ".join(STEPS))
