@@ -1,4 +1,5 @@
-// The driver kit's own headers give the kernel's numbers the values of source/trace/kernelNames.h.
+// The driver kit's own headers give the kernel's numbers the values of the table that
+// cmake/kernelNames.py makes of them.
 
 // mingw-w64 defines these two twice, in winnt's intrinsics and in wdm.h: the latter may stay.
 #define __INTRINSIC_DEFINED_InterlockedBitTestAndSet

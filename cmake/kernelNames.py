@@ -1,10 +1,9 @@
 #!/usr/bin/env python3
-"""The names of the kernel's numbers, from the driver kit headers of mingw-w64.
+"""The names of the kernel's numbers, from the driver kit's headers.
 
-usage: kernelNames.py    writes source/trace/kernelNames.h anew
+usage: kernelNames.py KIT FILE    KIT: the folder of ntstatus.h and ddk/wdm.h
 
-The file is kept in the repository: a build needs no driver kit, and the names of a version of the
-library are the same wherever it is built. A check of ./dev test compares it with the headers.
+Writes a C++ header for source/trace/tNumberByName.cpp, unless the file says the same already.
 
 Where several names stand for one number, the one that the header defines first is taken, so 0 is
 STATUS_SUCCESS. Of the interrupt request levels those of x64 in LEVELS are taken.
@@ -12,9 +11,8 @@ STATUS_SUCCESS. Of the interrupt request levels those of x64 in LEVELS are taken
 
 import pathlib
 import re
+import sys
 
-TABLE = pathlib.Path(__file__).resolve().parents[2] / "source/trace/kernelNames.h"
-KIT = pathlib.Path("/usr/share/mingw-w64/include")
 LEVELS = ("PASSIVE_LEVEL", "APC_LEVEL", "DISPATCH_LEVEL", "CLOCK_LEVEL", "IPI_LEVEL", "HIGH_LEVEL")
 
 # The first minor code of each major code, in the order of the header.
@@ -23,8 +21,8 @@ MINORS = {"IRP_MN_SCSI_CLASS": 0x0F, "IRP_MN_START_DEVICE": 0x1B, "IRP_MN_WAIT_W
 
 HEAD = """#pragma once
 
-// Names of the kernel's numbers, each table sorted by number. Made by tools/dev/kernelNames.py from
-// the driver kit headers of mingw-w64; a minor code has its major code in the second byte.
+// Names of the kernel's numbers, each table sorted by number. Made by cmake/kernelNames.py; a minor
+// code has its major code in the second byte.
 
 // clang-format off
 """
@@ -76,9 +74,9 @@ def table(name, rows, digits):
     return f"\n#define OXDIAG_{name}(X) \\\n" + " \\\n".join(lines) + "\n"
 
 
-def make_text():
-    status_header = (KIT / "ntstatus.h").read_text()
-    kernel_header = (KIT / "ddk/wdm.h").read_text()
+def make_text(kit):
+    status_header = (kit / "ntstatus.h").read_text()
+    kernel_header = (kit / "ddk/wdm.h").read_text()
     return HEAD + "".join([
         table("STATUS_NAMES", statuses(status_header), 8),
         table("IRP_MAJOR_NAMES", majors(kernel_header), 2),
@@ -89,5 +87,11 @@ def make_text():
     ])
 
 
+def write(text, file):
+    if not file.exists() or file.read_text() != text:
+        file.parent.mkdir(parents=True, exist_ok=True)
+        file.write_text(text)
+
+
 if __name__ == "__main__":
-    TABLE.write_text(make_text())
+    write(make_text(pathlib.Path(sys.argv[1])), pathlib.Path(sys.argv[2]))
