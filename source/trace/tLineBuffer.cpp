@@ -127,6 +127,12 @@ OXDIAG_MIXES_TEXT void tLineBuffer::appendPieces(char const* from, char const* e
   }
 }
 
+OXDIAG_MIXES_TEXT void tLineBuffer::appendLine(char const* line, u64 length,
+                                               tDestinationSlot& slot) {
+  if (loadRelaxed(writePosition) != &text[0]) return append(line, length, slot);
+  slot.send(line, static_cast<u32>(length));
+}
+
 OXDIAG_MIXES_TEXT void tLineBuffer::endPiece(tDestinationSlot& slot) {
   char* const position = loadRelaxed(writePosition);
   *position = '\n';

@@ -109,7 +109,7 @@ char* writeAllCharacters(char* to, u8 const* bytes) {
   return to + sizeof(words);
 }
 
-// Writes the row of the first `length` bytes, at most a whole row; returns the end of its text.
+// Writes the line of the first `length` bytes, at most a whole row; returns its end.
 char* writeRow(char* to, u8 const* bytes, u32 length, u32 unit) {
   to = writeColon(writeAddress(to, bytes));
   if (length == kBytesPerRow) {
@@ -119,6 +119,7 @@ char* writeRow(char* to, u8 const* bytes, u32 length, u32 unit) {
     to = writeColon(writeGroups(to, bytes, length, unit));
     to = writeCharacters(to, bytes, length);
   }
+  *to++ = '\n';
   return to;
 }
 
@@ -134,8 +135,7 @@ tTrace& tTrace::put(void const* address, u32 length, u32 unitSize) {
     u32 const count = smaller(length, bytesPerRow);
     char const* const end = writeRow(text, bytes, count, unit);
     if (isWriting()) {
-      parts.buffer.append(text, static_cast<u64>(end - text), parts.slot);
-      parts.buffer.endPiece(parts.slot);
+      parts.buffer.appendLine(text, static_cast<u64>(end - text), parts.slot);
     }
     bytes += count;
     length -= count;

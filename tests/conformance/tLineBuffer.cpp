@@ -71,6 +71,34 @@ bool isPrefixRight(u32 before, u32 length) {
 
 }  // namespace
 
+TEST(LineBuffer, AWholeLineGoesOutAtOnce) {
+  tBufferedLine line;
+  line.letters[kCapacity - 1] = '\n';
+  line.buffer.appendLine(line.letters, kCapacity, line.slot);
+  EXPECT_EQ(u32{1}, line.record.pieceCount());
+  EXPECT_TRUE(line.pieceIs(0, line.letters, kCapacity));
+  EXPECT_EQ(u64{0}, line.buffer.getLength());
+}
+
+TEST(LineBuffer, AWholeLineStaysBehindWhatIsInFrontOfIt) {
+  tBufferedLine line;
+  line.letters[9] = '\n';
+  line.fill(4);
+  line.buffer.appendLine(line.letters + 4, 6, line.slot);
+  EXPECT_EQ(u32{1}, line.record.pieceCount());
+  EXPECT_TRUE(line.pieceIs(0, line.letters, 10));
+}
+
+TEST(LineBuffer, AWholeLineThatDoesNotFitFillsThePieceAndIsTheNext) {
+  tBufferedLine line;
+  line.letters[kCapacity + 9] = '\n';
+  line.fill(kCapacity - 4);
+  line.buffer.appendLine(line.letters + kCapacity - 4, 14, line.slot);
+  EXPECT_EQ(u32{2}, line.record.pieceCount());
+  EXPECT_TRUE(line.pieceIs(0, line.letters, kCapacity));
+  EXPECT_TRUE(line.pieceIs(1, line.letters + kCapacity, 10));
+}
+
 TEST(LineBuffer, ALineStaysUntilItIsEnded) {
   tBufferedLine line;
   line.fill(kCapacity - 1);
