@@ -10,7 +10,7 @@ namespace {
 constexpr u32 kMicrosecondsOfDistress = 10000;  // when the system is out of descriptors
 constexpr u32 kStuckMilliseconds = 100;         // memory that is there comes sooner
 constexpr u32 kMicrosecondsBetweenLooks = 1000;
-constexpr u32 kLooksAtTheEnd = 100;
+constexpr u32 kLooksAtTheEnd = 500;  // one suffices, but on a machine that is busy
 
 bool fail(int error) {
   errno = error;
