@@ -115,8 +115,9 @@ iTraceDestination& tFileTraceDestination::put(char const* text, unsigned int len
     block.clear();
   }
   bool const isEnded = writeBlock(block.getBytes(), block.getLength());
-  if (!isWhole || (!isEnded && block.getLength() != 0))
+  if (!isWhole || (!isEnded && block.getLength() != 0)) {
     __atomic_fetch_add(&lostTexts, 1, __ATOMIC_RELAXED);
+  }
   return *this;
 }
 

@@ -1,24 +1,6 @@
 #include "conformance/harness.h"
 #include "oxdiagk/tStatus2.h"
-#include "support/prefixedStream.h"
-
-namespace {
-
-constinit nOXDIAG100::tTrace* stream = nullptr;
-constinit u32 streamUses = 0;
-
-nOXDIAG100::tTrace& useStream() {
-  ++streamUses;
-  return *stream;
-}
-
-}  // namespace
-
-#define OXDIAG_COMPONENT "rack"
-#define OXDIAG_COMPONENT_VERSION tSSVersion(1, 0, 0, tSSVersion::kPhaseReleased, 7, 0)
-#define OXDIAG_TRACE_FILE "source/port.cpp"
-#define OXDIAG_TRACE_STREAM useStream()
-#include "oxdiagk/traceMacros.h"
+#include "support/macroStream.h"
 
 namespace {
 

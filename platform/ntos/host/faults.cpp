@@ -5,11 +5,15 @@
 #include <stdlib.h>
 #include <time.h>
 
+#include "compiler/compiler.h"
 #include "ntoshost/violation.h"
 #include "standardError.h"
 
 namespace ntoshost {
 namespace {
+
+using nCompiler::loadAcquire;
+using nCompiler::storeRelease;
 
 constexpr u64 kNever = ~u64{0};
 
@@ -23,16 +27,6 @@ constinit pthread_once_t g_once = PTHREAD_ONCE_INIT;
 constinit u64 g_seen = 0;
 constinit u64 g_injected = 0;
 
-template <class T>
-T load(T const& value) {
-  return __atomic_load_n(&value, __ATOMIC_ACQUIRE);
-}
-
-template <class T>
-void store(T& value, T newValue) {
-  __atomic_store_n(&value, newValue, __ATOMIC_RELEASE);
-}
-
 struct Plan {
   u32 kinds;
   u64 first;
@@ -42,14 +36,14 @@ struct Plan {
 };
 
 void follow(Plan const& plan) {
-  store(g_kinds, 0u);
-  store(g_seen, u64{0});
-  store(g_injected, u64{0});
-  store(g_first, plan.first);
-  store(g_last, plan.last);
-  store(g_seed, plan.seed);
-  store(g_chance, plan.chance);
-  store(g_kinds, plan.kinds);
+  storeRelease(g_kinds, 0u);
+  storeRelease(g_seen, u64{0});
+  storeRelease(g_injected, u64{0});
+  storeRelease(g_first, plan.first);
+  storeRelease(g_last, plan.last);
+  storeRelease(g_seed, plan.seed);
+  storeRelease(g_chance, plan.chance);
+  storeRelease(g_kinds, plan.kinds);
 }
 
 // A number from all bits of both (the finalizer of splitmix64).
@@ -118,9 +112,9 @@ void arm(u32 kinds, u64 first, u64 last) {
 }
 
 bool isToFail(u64 number) {
-  u32 const chance = load(g_chance);
-  if (chance != 0) return mix(load(g_seed), number) % kFaultChances < chance;
-  return number >= load(g_first) && number <= load(g_last);
+  u32 const chance = loadAcquire(g_chance);
+  if (chance != 0) return mix(loadAcquire(g_seed), number) % kFaultChances < chance;
+  return number >= loadAcquire(g_first) && number <= loadAcquire(g_last);
 }
 
 }  // namespace
@@ -150,19 +144,19 @@ u64 failRandomly(u32 kinds, u32 chance, u64 seed) {
 
 void clearFaults() {
   heedEnvironment();
-  store(g_kinds, 0u);
+  storeRelease(g_kinds, 0u);
 }
 
 u64 fallibleCallsSeen() {
-  return load(g_seen);
+  return loadAcquire(g_seen);
 }
 u64 faultsInjected() {
-  return load(g_injected);
+  return loadAcquire(g_injected);
 }
 
 bool injectFault(u32 kind) {
   heedEnvironment();
-  if ((load(g_kinds) & kind) == 0) return false;
+  if ((loadAcquire(g_kinds) & kind) == 0) return false;
   u64 const number = __atomic_add_fetch(&g_seen, 1, __ATOMIC_ACQ_REL);
   if (!isToFail(number)) return false;
   __atomic_add_fetch(&g_injected, 1, __ATOMIC_ACQ_REL);

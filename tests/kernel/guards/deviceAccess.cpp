@@ -1,51 +1,17 @@
 // Who is let in by the device over which programs send requests, whichever module has it.
 
 #include "conformance/harness.h"
+#include "driver/tOpenDevice.h"
 #include "guards/tWatchedImport.h"
 #include "ntos/io.h"
 #include "ntos/security.h"
 #include "ntos/status.h"
-#include "ntos/string.h"
-#include "vexkwindows/requestDevice.h"
 #include "wine/wineKernel.h"
 
 namespace {
 
 constexpr ACCESS_MASK kReadControl = 0x20000;
 constexpr u32 kDescriptorSize = 256;
-
-// The device, open while the object lives.
-class tOpenedDevice {
- public:
-  tOpenedDevice() {
-    UNICODE_STRING name;
-    OBJECT_ATTRIBUTES attributes;
-    IO_STATUS_BLOCK result;
-    RtlInitUnicodeString(&name, kRequestDeviceLink);
-    InitializeObjectAttributes(&attributes, &name, OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE,
-                               nullptr, nullptr);
-    status = ZwCreateFile(&handle, GENERIC_READ | GENERIC_WRITE | SYNCHRONIZE, &attributes, &result,
-                          nullptr, FILE_ATTRIBUTE_NORMAL, FILE_SHARE_READ | FILE_SHARE_WRITE,
-                          FILE_OPEN, FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0);
-  }
-  ~tOpenedDevice() {
-    if (NT_SUCCESS(status)) ZwClose(handle);
-  }
-  tOpenedDevice(tOpenedDevice const&) = delete;
-  tOpenedDevice& operator=(tOpenedDevice const&) = delete;
-
-  NTSTATUS deliver() {
-    tRequestInput input = {};
-    tRequestOutput output = {};
-    IO_STATUS_BLOCK result = {};
-    input.nameLength = 1;
-    return ZwDeviceIoControlFile(handle, nullptr, nullptr, nullptr, &result, kRequestDeliver,
-                                 &input, sizeof(input), &output, sizeof(output));
-  }
-
-  NTSTATUS status;
-  HANDLE handle = nullptr;
-};
 
 // What one entry says; the identifier follows it.
 struct tEntry {
@@ -98,7 +64,7 @@ NTSTATUS querySecurity(void* descriptor, u32 size) {
 }  // namespace
 
 TEST(DeviceAccess, TheListNamesTheSystemAndAdministratorsAlone) {
-  tOpenedDevice device;
+  tOpenDevice device;
   ASSERT_EQ(device.status, STATUS_SUCCESS);
   tAnswer const is64Bit(false);
   ASSERT_EQ(device.deliver(), STATUS_SUCCESS);
@@ -117,7 +83,7 @@ TEST(DeviceAccess, TheListNamesTheSystemAndAdministratorsAlone) {
 }
 
 TEST(DeviceAccess, ProgramsOf32BitsAreRefused) {
-  tOpenedDevice device;
+  tOpenDevice device;
   ASSERT_EQ(device.status, STATUS_SUCCESS);
   tAnswer const is32Bit(true);
   EXPECT_EQ(device.deliver(), STATUS_NOT_SUPPORTED);
