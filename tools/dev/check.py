@@ -45,16 +45,20 @@ STEPS = {
     "headers": ("every public header alone, on Linux and Windows", compileChecks.check_headers),
     "kit": ("public headers beside the driver kit's, and for the vendor's compiler",
             besideKit.check),
+    "kit-alone": ("each public header by itself beside the driver kit's", besideKit.check_alone),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
+    "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
+                  lambda: programs.check("host-plain", "bare_tests", "bare")),
     "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-clang", "host_tests")),
     "host-tsan": ("thread tests, g++, thread sanitizer",
                   lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
     "packages": ("what is installed, in the hands of clients", packages.check),
-    "fuzz": ("fuzz targets over their corpora", fuzz.check),
+    "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
+    "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
     "twins": ("the same modules from two clones at different paths", twins.check),
@@ -68,8 +72,9 @@ STEPS = {
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
 }
-# Each takes long and hardly shows anything that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"tidy", "twins", "host-debug", "host-rounds"}
+# Each takes long and shows little that the others do not: `./dev prove` runs them.
+WHEN_NAMED = {"tidy", "twins", "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug",
+              "host-rounds"}
 
 
 def guarded(name, function):

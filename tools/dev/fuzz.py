@@ -13,6 +13,7 @@ import workshop
 
 PRESET = "host-fuzz"
 THREAD_PRESET = "host-fuzz-thread"
+REPLAY_PRESET = "host-clang"
 CORPORA = workshop.TOP / "tests/fuzz/corpus"
 DICTIONARIES = workshop.TOP / "tests/fuzz/words"
 FOUND = workshop.OUT / "fuzz"
@@ -25,7 +26,7 @@ ALLOCATION_LIMIT = 256  # MiB for one allocation
 LIMITS = [f"-timeout={INPUT_TIME_LIMIT}", f"-rss_limit_mb={MEMORY_LIMIT}",
           f"-malloc_limit_mb={ALLOCATION_LIMIT}"]
 REPLAY_TIME_LIMIT = 300
-REPLAY_RUNS = 2000
+RUNS_OF_A_CHECK = 20000
 
 USAGE = """usage: ./dev fuzz [--thread] [TARGET | all] [SECONDS]
        ./dev fuzz --list
@@ -150,29 +151,38 @@ def main(arguments):
     return fuzz(preset, known if name == "all" else [name], int(seconds))
 
 
-def replay(target):
-    """Every input of the committed corpus, and a fixed number of inputs made from them."""
+def run_for_check(preset, target, inputs_of):
+    """What is wrong with a target over the inputs, if anything is."""
     corpus = sorted((CORPORA / target).glob("*"))
-    folder = workshop.tree(PRESET) / "runs" / target
+    folder = workshop.tree(preset) / "runs" / f"fuzz.{target}"
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     limit = ["timeout", "-k", "5", REPLAY_TIME_LIMIT]
-    options = [*LIMITS, f"-artifact_prefix={folder}/"]
-    for inputs in (corpus, [f"-runs={REPLAY_RUNS}", "-seed=1", folder, CORPORA / target]):
-        code, output = workshop.run([*limit, *call(PRESET, target, *options, *inputs)],
-                                    env=environment())
-        if code != 0 or not corpus:
-            return f"{target}: exit code {code}, {len(corpus)} inputs\n{told(output)}"
+    options = [*LIMITS, f"-artifact_prefix={folder}/", *inputs_of(corpus, folder, target)]
+    code, output = workshop.run([*limit, *call(preset, target, *options)], env=environment())
+    if code != 0 or not corpus:
+        return f"{target}: exit code {code}, {len(corpus)} inputs\n{told(output)}"
     return ""
 
 
-def check():
-    workshop.build(PRESET, "fuzz_targets")
-    names = targets(PRESET)
-    complaints = workshop.in_parallel(replay, names)
+def check_targets(preset, inputs_of):
+    workshop.build(preset, "fuzz_targets")
+    names = targets(preset)
+    complaints = workshop.in_parallel(lambda name: run_for_check(preset, name, inputs_of), names)
     failed = [f"fuzz {name}" for name, complaint in zip(names, complaints) if complaint]
     return workshop.Outcome(len(names) - len(failed), failed or ([] if names else ["fuzz: none"]),
                             "\n".join(filter(None, complaints)))
+
+
+def check_corpora():
+    """Every committed input, in the tree that the tests have anyway: that needs no coverage."""
+    return check_targets(REPLAY_PRESET, lambda corpus, folder, target: corpus)
+
+
+def check_runs():
+    """A fixed number of inputs that are made from the committed ones."""
+    return check_targets(PRESET, lambda corpus, folder, target: [
+        f"-runs={RUNS_OF_A_CHECK}", "-seed=1", folder, CORPORA / target])
 
 
 if __name__ == "__main__":

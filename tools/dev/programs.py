@@ -36,14 +36,14 @@ class Run:
         self.output = case.findtext("system-out") or ""
 
 
-def run_programs(preset):
-    """The runs of all programs, whose reports are those of now."""
+def run_programs(preset, labels):
+    """The runs of the programs with the labels, whose reports are those of now."""
     runs = workshop.tree(preset) / "runs"
     for report in runs.glob("*/report.json"):
         report.unlink()
     summary = runs / "summary.xml"
     summary.unlink(missing_ok=True)
-    _, output = workshop.run(["ctest", "--preset", preset, "-j", workshop.CORES,
+    _, output = workshop.run(["ctest", "--preset", preset, "-j", workshop.CORES + 1, *labels,
                               "--output-junit", summary,
                               "--test-output-size-passed", MOST_OUTPUT,
                               "--test-output-size-failed", MOST_OUTPUT], cwd=workshop.TOP)
@@ -93,9 +93,10 @@ def read_report(report, reasons):
     return {name: result_of(test, reasons.get(name)) for name, test in tests.items()}
 
 
-def check(preset, target):
+def check(preset, target, label=None):
     workshop.build(preset, target)
-    outcomes = [outcome_of(preset, run) for run in run_programs(preset)]
+    labels = ["-L", f"^{label}$"] if label else []
+    outcomes = [outcome_of(preset, run) for run in run_programs(preset, labels)]
     failed = [name for outcome in outcomes for name in outcome.failed]
     skipped = [name for outcome in outcomes for name in outcome.skipped]
     if not outcomes:

@@ -14,7 +14,7 @@ namespace {
 
 // In every build: a round takes most of a millisecond under the sanitizers. The fuzz target
 // assertionOptions goes on from here.
-constexpr int kRounds = 12'500;
+constexpr int kRounds = roundsOf(100'000);
 constexpr int kRoundsOfSeries = roundsOf(25'000);
 constexpr u32 kMostWords = 16;
 constexpr int kListsForOneObject = 5;

@@ -5,12 +5,12 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "documents/tDocument.h"
+#include "patterns.h"
 
 namespace {
 
@@ -31,7 +31,7 @@ std::string sourcesBelow(char const* folder) {
 
 // String literals that stand behind each other are one.
 std::string joined(std::string const& code) {
-  return std::regex_replace(code, std::regex("\"\\s*\n\\s*\""), "");
+  return replaceAll(code, "\"\\s*\n\\s*\"", "");
 }
 
 std::vector<std::string> cellsOf(std::string const& row) {
@@ -43,12 +43,7 @@ std::vector<std::string> cellsOf(std::string const& row) {
 
 // What stands between backquotes.
 std::vector<std::string> quotedIn(std::string const& text) {
-  static std::regex const quoted("`([^`]*)`");
-  std::vector<std::string> found;
-  for (std::sregex_iterator each(text.begin(), text.end(), quoted), end; each != end; ++each) {
-    found.push_back((*each)[1]);
-  }
-  return found;
+  return findAll(text, "`([^`]*)`");
 }
 
 // Calls visit(cells) for each row of the tables of rules: rule, verdict, sentences, tests.

@@ -1,8 +1,7 @@
 // The runs of the demo that README.md shows.
 
-#include <regex>
-
 #include "documents/tDocument.h"
+#include "patterns.h"
 #include "slotbus/demoTest.h"
 
 namespace {
@@ -19,8 +18,7 @@ class ReadmeSamples : public tDemoTest {
 // Of a macro call over several lines one compiler takes the first line, the other the last; the
 // number is followed by padding.
 std::string withoutLineNumbers(std::string const& text) {
-  static std::regex const prefix("\\[slotbus--[0-9]+--([A-Za-z]+\\.cpp)-+\\]");
-  return std::regex_replace(text, prefix, "[$1]");
+  return replaceAll(text, "\\[slotbus--[0-9]+--([A-Za-z]+\\.cpp)-+\\]", "[$1]");
 }
 
 constexpr std::string_view kCommand = "$ ./dev demo";

@@ -1,10 +1,10 @@
 // The report of a status that docs/status.md shows, beside the one that the tool makes of it.
 
-#include <regex>
 #include <sstream>
 
 #include "documents/tDocument.h"
 #include "oxdiagreport/textFormat.h"
+#include "patterns.h"
 #include "slotbus/savedStatuses.h"
 
 namespace {
@@ -26,8 +26,7 @@ std::string blockBehind(std::string const& introduction) {
 }
 
 std::string withoutTime(std::string const& text) {
-  return std::regex_replace(text, std::regex("Time: [0-9]+ [A-Z][a-z]+ [0-9]{4}, [0-9:]{8} UTC"),
-                            "Time: T");
+  return replaceAll(text, "Time: [0-9]+ [A-Z][a-z]+ [0-9]{4}, [0-9:]{8} UTC", "Time: T");
 }
 
 }  // namespace

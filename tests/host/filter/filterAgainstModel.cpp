@@ -15,11 +15,11 @@ using nOXDIAG100::readNumber;
 using nOXDIAG100::tTraceFilter;
 
 constexpr int kExpressions = roundsOf(120'000);
-constexpr int kNoises = 30'000;
-constexpr int kSequences = 10'000;
+constexpr int kNoises = roundsOf(240'000);
+constexpr int kSequences = roundsOf(80'000);
 constexpr int kStepsOfASequence = 6;
 constexpr int kLines = 4;
-constexpr int kNumbers = 200'000;
+constexpr int kNumbers = roundsOf(1'600'000);
 
 std::string told(tModelLine const& line) {
   return "component " + line.component + " version " + line.version + " line " +

@@ -4,6 +4,7 @@
 #include <random>
 
 #include "oxdiagk/tTraceFilter.h"
+#include "rounds.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
 #include "vexk/sync.h"
@@ -13,7 +14,7 @@ namespace {
 using nOXDIAG100::tLineClock;
 using nOXDIAG100::tTrace;
 
-constexpr u32 kRounds = 100'000;
+constexpr u32 kRounds = roundsOf(100'000);
 constexpr u64 kNeverMeasured = ~0ull / 2;
 constexpr tSSVersion kVersion(1, 2, 3, tSSVersion::kPhaseBeta, 45, 0);
 

@@ -4,12 +4,12 @@
 
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
 #include "oxdiagk/tunnelRequest.h"
 #include "package/loadOutcome.h"
+#include "patterns.h"
 #include "tImage.h"
 #include "tPlatform.h"
 #include "trace/capturedPrint.h"
@@ -43,10 +43,10 @@ u32 acquireThroughTunnel() {
 }
 
 bool isLifeEvent(std::string const& text, std::string const& turn) {
-  return std::regex_match(
-      text, std::regex("oxdiagk\\.dll " + turn +
-                       ": [0-9.]+[dabf][0-9]+ [-0-9]+ [:0-9]+ oxdiagk/linux/x86_64/[^ ]+, ssMain "
-                       "at [0-9A-Fa-fx]+"));
+  std::string const pattern = "oxdiagk\\.dll " + turn +
+                              ": [0-9.]+[dabf][0-9]+ [-0-9]+ [:0-9]+ oxdiagk/linux/x86_64/[^ ]+, "
+                              "ssMain at [0-9A-Fa-fx]+";
+  return !partsOf(text, pattern).empty();
 }
 
 class ModuleLife : public testing::Test {

@@ -8,11 +8,13 @@
 #include "instructionCount.h"
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
+#include "ntoshost/stack.h"
 #include "oxdiagk/module.h"
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "qelmk/module.h"
+#include "rounds.h"
 #include "support/assertSwitches.h"
 #include "support/recordingDestination.h"
 #include "vexk/module.h"
@@ -23,7 +25,7 @@ using nOXDIAG100::tAssertConfiguration;
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tVEXTraceDestination;
 
-constexpr u32 kMany = 100'000;
+constexpr u32 kMany = roundsOf(800'000);
 
 u64 printedSwitches = 0;
 
@@ -64,8 +66,10 @@ TEST(ManySaved, AreGivenBackAtTheEnd) {
   ASSERT_EQ(oxdiagkInitialize(nullptr), STATUS_SUCCESS);
   tTrace& trace = tTrace::getInstance();
   tAssertConfiguration& contracts = tAssertConfiguration::getInstance();
-  expectNothingMeasured(trace);
-  expectOneRestored(contracts);
+  if (ntoshost::hasKernelStacks()) {  // a sanitizer's own instructions take a minute to count
+    expectNothingMeasured(trace);
+    expectOneRestored(contracts);
+  }
   printedSwitches = 0;
   for (u32 push = 0; push < kMany; ++push) trace.pushConfiguration();
   for (u32 push = 0; push < kMany; ++push) contracts.pushConfiguration();

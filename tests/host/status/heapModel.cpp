@@ -3,6 +3,7 @@
 #include <random>
 #include <vector>
 
+#include "rounds.h"
 #include "startedHeap.h"
 #include "tMapModel.h"
 
@@ -11,7 +12,7 @@ using nOXDIAG100::kStatusHeapFull;
 
 namespace {
 
-constexpr u32 kOperations = 1'000'000;
+constexpr u32 kOperations = roundsOf(3'200'000);
 
 struct tBlock {
   u8* address;
@@ -145,7 +146,7 @@ class tRun {
 
 }  // namespace
 
-TEST(StatusHeapModel, AMillionRandomOperationsDoWhatTheModelDoes) {
+TEST(StatusHeapModel, RandomOperationsDoWhatTheModelDoes) {
   tStartedHeap const started;
   tRun run(20240229);
   for (u32 i = 0; i != kOperations; ++i) {

@@ -6,9 +6,10 @@
 #include <random>
 
 #include "content.h"
+#include "rounds.h"
 #include "testAllocator.h"
 
-constexpr int kModelSteps = 100000;
+constexpr int kModelSteps = roundsOf(800'000);
 constexpr size_t kModelLongest = 60;  // elements; then both start anew, so a step stays cheap
 
 class StlModel : public StlTest {

@@ -21,6 +21,7 @@
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "rounds.h"
 #include "startedModules.h"
 
 namespace {
@@ -32,7 +33,7 @@ using tWords = std::vector<std::string>;
 
 // In every build: a round takes a millisecond under the sanitizers. The fuzz target traceOptions
 // goes on from here.
-constexpr int kRounds = 12'500;
+constexpr int kRounds = roundsOf(100'000);
 
 class tGenerator {
  public:

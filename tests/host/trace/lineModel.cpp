@@ -3,6 +3,7 @@
 #include <random>
 
 #include "keptLines.h"
+#include "rounds.h"
 #include "startedModules.h"
 
 namespace {
@@ -71,7 +72,7 @@ void act(std::mt19937& random, tOwnTrace& trace, tModel& model) {
 
 TEST(TraceLines, RandomSequencesArriveAsTheModelSays) {
   std::mt19937 random(7);
-  for (int sequence = 0; sequence < 3'000; ++sequence) {
+  for (int sequence = 0; sequence < roundsOf(24'000); ++sequence) {
     tKeptLines kept;
     tOwnTrace trace(kept);
     tModel model;

@@ -27,6 +27,7 @@
 #include <string>
 
 #include "oxdiagk/tTrace.h"
+#include "rounds.h"
 #include "trace/tTraceFormatter.h"
 
 namespace {
@@ -34,7 +35,7 @@ namespace {
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tTraceFormatter;
 
-constexpr int kFormatCount = 300'000;
+constexpr int kFormatCount = roundsOf(2'400'000);
 constexpr size_t kMostConversions = 5;
 constexpr size_t kMostArguments = kMostConversions * 3;  // width, precision, value
 constexpr char kUntouched = '\x5A';
