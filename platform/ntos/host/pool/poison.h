@@ -3,14 +3,13 @@
 #include <stddef.h>
 
 // Memory that nobody may touch: the address sanitizer, when it is in the program, reports the
-// access where it happens. Without it these do nothing.
+// access where it happens. Without it these do nothing. The executive itself may have been built
+// without the sanitizer.
 
-#if __has_include(<sanitizer/asan_interface.h>)
-#include <sanitizer/asan_interface.h>
-#else
-#define ASAN_POISON_MEMORY_REGION(address, size) ((void)(address), (void)(size))
-#define ASAN_UNPOISON_MEMORY_REGION(address, size) ((void)(address), (void)(size))
-#endif
+extern "C" {
+[[gnu::weak]] void __asan_poison_memory_region(void const volatile* address, size_t size);
+[[gnu::weak]] void __asan_unpoison_memory_region(void const volatile* address, size_t size);
+}
 
 // For the few functions that look at such memory.
 #define NTOSHOST_SEES_POISON __attribute__((no_sanitize("address"), noinline))
@@ -18,10 +17,10 @@
 namespace ntoshost {
 
 inline void poison(void* address, size_t size) {
-  ASAN_POISON_MEMORY_REGION(address, size);
+  if (__asan_poison_memory_region != nullptr) __asan_poison_memory_region(address, size);
 }
 inline void unpoison(void* address, size_t size) {
-  ASAN_UNPOISON_MEMORY_REGION(address, size);
+  if (__asan_unpoison_memory_region != nullptr) __asan_unpoison_memory_region(address, size);
 }
 
 }  // namespace ntoshost

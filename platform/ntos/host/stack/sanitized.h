@@ -1,19 +1,18 @@
 #pragma once
 
+// A sanitizer's runtime, when one is in the program. The executive itself may have been built
+// without it: a driver and its tests link the installed one.
+extern "C" {
+[[gnu::weak]] void __asan_init();
+[[gnu::weak]] void __tsan_init();
+}
+
 namespace ntoshost {
 
 // Whether a sanitizer is in the program: frames are bigger there, and stacks and memory faults are
 // the sanitizer's.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
-#else
-constexpr bool kIsSanitized = false;
-#endif
+inline bool isSanitized() {
+  return __asan_init != nullptr || __tsan_init != nullptr;
+}
 
 }  // namespace ntoshost

@@ -178,7 +178,7 @@ __attribute__((naked, noinline)) void callAt(void (*)(void*), void*, void*) {
 }  // namespace
 
 void runOnKernelStack(void (*function)(void* context), void* context) {
-  if (kIsSanitized || isOnStack()) return function(context);
+  if (isSanitized() || isOnStack()) return function(context);
   KernelStack& stack = stackOfThread();
   setInUse(stack, true);
   callAt(function, context, stack.high());
@@ -201,7 +201,7 @@ void requireNoStackOverflow(u64 address) {
 }
 
 bool hasKernelStacks() {
-  return !kIsSanitized;
+  return !isSanitized();
 }
 
 u64 deepestKernelStack() {

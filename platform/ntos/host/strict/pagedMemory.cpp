@@ -52,7 +52,7 @@ void setRights(bool isOpen) {
 
 bool hasKey() {
   if (readKey() == kUnasked) {
-    int const key = kIsSanitized ? kNone : pkey_alloc(0, 0);
+    int const key = isSanitized() ? kNone : pkey_alloc(0, 0);
     if (key >= 0) installFaultHandler();
     __atomic_store_n(&g_key, key >= 0 ? key : kNone, __ATOMIC_RELEASE);
   }
