@@ -143,6 +143,14 @@ def page_checks():
             yield f"sample {name or 'without a name'} of {page.name}", code == 0, output
 
 
+def driver_check():
+    """The driver that is tested on Linux is one for the kit, which knows nothing of the library."""
+    folder = workshop.TOP / "examples/letterbox"
+    code, output = compile_with([*CLANG, *KIT, f"-I{folder}", "-fsyntax-only"],
+                                (folder / "driver.cpp").read_text())
+    return "examples/letterbox with the kit", code == 0, output
+
+
 def outcome_of(results):
     failed = [(name, output) for name, held, output in results if not held]
     text = "\n".join(f"{name}:\n{output}" for name, output in failed)
@@ -155,6 +163,7 @@ def check():
     results += [names_check(), vendor_check("clang-cl", []),
                 vendor_check("the vendor's branch", ["-U__clang__", f"-I{SOURCES}/msvc"])]
     results += page_checks()
+    results.append(driver_check())
     return outcome_of(results)
 
 

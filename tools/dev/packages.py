@@ -6,6 +6,7 @@ import shutil
 import subprocess
 import tempfile
 
+import letterbox
 import workshop
 
 PRESET = "host-release"
@@ -126,6 +127,7 @@ CHECKS = {
     "installed tools": check_tools,
     "examples/hello finds the package": check_example,
     "a client chooses its executive": check_client,
+    **letterbox.CHECKS,
     "pkg-config": check_pkg_config,
     "a package that was moved": check_moved,
     "add_subdirectory": check_subdirectory,
