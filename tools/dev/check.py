@@ -14,12 +14,14 @@ import control  # noqa: E402
 import demos  # noqa: E402
 import dialect  # noqa: E402
 import fuzz  # noqa: E402
+import handbook  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
 import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
 import packages  # noqa: E402
+import pages  # noqa: E402
 import programs  # noqa: E402
 import scripts  # noqa: E402
 import toolNames  # noqa: E402
@@ -47,6 +49,7 @@ STEPS = {
             besideKit.check),
     "kit-alone": ("each public header by itself beside the driver kit's", besideKit.check_alone),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
+    "documents": ("what pages and headers name is there", pages.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
     "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
@@ -67,14 +70,15 @@ STEPS = {
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "tidy": ("clang-tidy", lint.check_tidy),
+    "handbook": ("the handbook as a site", handbook.check),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-debug", "host_tests")),
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"tidy", "twins", "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug",
-              "host-rounds"}
+WHEN_NAMED = {"tidy", "handbook", "twins", "kit-alone", "fuzz-runs", "host-plain", "host-tsan",
+              "host-debug", "host-rounds"}
 
 
 def guarded(name, function):

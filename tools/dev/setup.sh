@@ -17,6 +17,7 @@ peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)
 counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
+pages=(mkdocs python3-pygments doxygen)              # the handbook
 packaging=(pkgconf)                                  # what is installed, as clients find it
 
 packages_for() {
@@ -25,10 +26,11 @@ packages_for() {
     bench) echo "${host[@]}" "${peers[@]}" ;;
     budget) echo "${host[@]}" "${counting[@]}" ;;
     kernel) echo "${host[@]}" "${windows[@]}" "${wine[@]}" ;;
+    docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
-      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" ;;
+      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" "${pages[@]}" ;;
     *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
   esac
 }

@@ -6,7 +6,7 @@
 #include "compiler/types.h"
 #include "stl/linkage.h"
 
-// Status code of an exhausted allocator.
+// The memory is exhausted.
 constexpr i32 kStatusOutOfMemory = -50352;
 
 // Returns a block of at least `size` bytes, aligned to 16; size 0 gives a block of its own too.

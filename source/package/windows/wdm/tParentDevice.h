@@ -12,7 +12,10 @@
 
 namespace nOXDIAG100 {
 
+// The bus is being removed.
 constexpr i32 kStatusBusRemoved = -50300;
+
+// A child that is present has the instance number.
 constexpr i32 kStatusChildExists = -50303;
 
 class tParentDevice final : public iChildBus, public LIST_ENTRY {
