@@ -2,7 +2,8 @@
 #
 #   oxdiag_library(NAME SOURCES ... DEPENDS ... [DEFINES ...])
 #       One library of the product (vexk, qelmk, oxdiagk, a component). On the host a static
-#       library; on the kernel targets a set of objects that a module links.
+#       library, as for programs on Windows; on the kernel targets a set of objects that a module
+#       links.
 #
 #   oxdiag_kernel_module(NAME TYPE dll|sys DESCRIPTION text LIBRARIES ... IMPORTS ... [ENTRY symbol])
 #       windows only: links the objects of LIBRARIES into NAME.dll or NAME.sys with its PDB and,
@@ -31,7 +32,7 @@ set(OXDIAG_TOOL "${CMAKE_COMMAND}" -P "${CMAKE_CURRENT_LIST_DIR}/callTool.cmake"
 
 function(oxdiag_library name)
   cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;DEFINES" ${ARGN})
-  if(OXDIAG_TARGET STREQUAL "host")
+  if(OXDIAG_TARGET MATCHES "^(host|windows-tools)$")
     add_library(${name} STATIC ${ARG_SOURCES})
   else()
     add_library(${name} OBJECT ${ARG_SOURCES})

@@ -1,14 +1,20 @@
-"""Programs for Windows, under Wine: oxdiagctl as far as nobody has to answer it, and the branch of
-platform/compiler for the vendor's compiler."""
+"""Programs for Windows, under Wine: oxdiagctl as far as nobody has to answer it, oxdiagreport beside
+the one for Linux, and the branch of platform/compiler for the vendor's compiler."""
 
+import pathlib
+import re
 import subprocess
+import tempfile
 
+import demos
 import versions
 import wine
 import workshop
 
 PRESET = "windows-tools"
 PROGRAM = workshop.tree(PRESET) / "tools/oxdiagctl/oxdiagctl.exe"
+REPORT = workshop.tree(PRESET) / "tools/oxdiagreport/oxdiagreport.exe"
+REPORT_HERE = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
 DEFAULT = r"\\.\oxdiag"
 FOLDER = r"C:\windows"  # opening one as a file is denied
 FILE = r"C:\windows\win.ini"  # no device: it knows no device controls
@@ -47,6 +53,33 @@ BRANCH_COMPILER = [
     f"-I{workshop.TOP}/platform/compiler/windows/include"]
 
 
+# Name, arguments of oxdiagreport in a folder with statuses, whether they come as standard input.
+REPORTS = [
+    ("text", ["whole"], False),
+    ("JSON in German", ["--format", "json", "--language", "german", "wh\u00f6le \u03b1"], False),
+    ("standard input", [], True),
+    ("help", ["--help"], False),
+    ("a file that is cut off", ["cut"], False),
+    ("an empty file", ["empty"], False),
+    ("no statuses", ["noise"], False),
+    ("a folder", ["."], False),
+    ("no such file", ["nothing"], False),
+    ("a path", ["/nowhere/nothing"], False),
+    ("a wrong word", ["--format", "yaml", "whole"], False),
+]
+
+# What every Windows has.
+SYSTEM_LIBRARIES = {"kernel32.dll", "msvcrt.dll", "ntdll.dll", "shell32.dll", "user32.dll",
+                    "advapi32.dll", "ws2_32.dll"}
+
+
+def every_program():
+    """The programs that the build makes, by their paths."""
+    rules = (workshop.tree(PRESET) / "build.ninja").read_text()
+    return [workshop.tree(PRESET) / path
+            for path in sorted(set(re.findall(r"^build (tools/\S+\.exe):", rules, re.M)))]
+
+
 def build_branch():
     made = BRANCH_PROGRAM.with_suffix(".o")
     workshop.demand([*BRANCH_COMPILER, "-c", BRANCH, "-o", made])
@@ -59,6 +92,53 @@ def run_program(arguments, program=PROGRAM):
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, timeout=wine.CALL_LIMIT)
     return done.returncode, done.stdout.replace("\r", ""), done.stderr.replace("\r", "")
+
+
+def write_statuses(folder):
+    demos.save_on_host(folder / "whole")
+    raw = (folder / "whole").read_bytes()
+    (folder / "wh\u00f6le \u03b1").write_bytes(raw)
+    (folder / "cut").write_bytes(raw[:777])
+    (folder / "empty").write_bytes(b"")
+    (folder / "noise").write_bytes(bytes(range(256)) * 4096)
+
+
+def run_report(program, case, folder):
+    """Exit code, standard output to the byte, and what it complained of."""
+    _, arguments, has_input = case
+    environment = dict(wine.environment(), WINEDEBUG="-all", LC_ALL="C.UTF-8")
+    with open(folder / ("whole" if has_input else "empty"), "rb") as file:
+        done = subprocess.run([*program, *arguments], cwd=folder, env=environment, stdin=file,
+                              stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              timeout=wine.CALL_LIMIT)
+    return done.returncode, done.stdout, done.stderr.replace(b"\r", b"")
+
+
+def report_check(case, folder):
+    ours = run_report([REPORT_HERE], case, folder)
+    theirs = run_report(["wine", REPORT], case, folder)
+    return f"oxdiagreport.exe {case[0]}", "" if ours == theirs else f"{ours}\n{theirs}"
+
+
+def report_checks():
+    """Both programs say the same of the same files."""
+    with tempfile.TemporaryDirectory() as name:
+        folder = pathlib.Path(name)
+        write_statuses(folder)
+        return [report_check(case, folder) for case in REPORTS]
+
+
+def alone_check(program):
+    """No library of the compiler's has to come with it."""
+    text = workshop.demand(["llvm-readobj", "--coff-imports", program])
+    names = {name.lower() for name in re.findall(r"^\s+Name: (\S+\.dll)$", text, re.M | re.I)}
+    extra = [name for name in names - SYSTEM_LIBRARIES if not name.startswith("api-ms-win-")]
+    return f"{program.name} needs what every Windows has", ", ".join(sorted(extra))
+
+
+def property_check(program):
+    title, wrong = versions.property_check(program)
+    return title, ", ".join(wrong)
 
 
 def check_case(case):
@@ -76,17 +156,23 @@ def check_branch():
     return "" if (code, seen) == (0, "0 faults\n") else f"vendor's branch: {code}\n{seen}{errors}"
 
 
+def wine_checks():
+    wine.create_prefix()
+    try:
+        return [*((f"oxdiagctl.exe {case[0]}", check_case(case)) for case in CASES),
+                *report_checks(), ("the vendor's branch runs", check_branch())]
+    finally:
+        wine.stop_server()
+
+
 def check():
     workshop.build(PRESET)
+    workshop.build("host-plain", "slotbus_demo", "oxdiagreport")
     build_branch()
     with wine.alone():
-        wine.create_prefix()
-        try:
-            complaints = [check_case(case) for case in CASES] + [check_branch()]
-        finally:
-            wine.stop_server()
-    title, wrong = versions.property_check(PROGRAM)
-    complaints.append(", ".join(wrong))
-    titles = [*(f"oxdiagctl.exe {case[0]}" for case in CASES), "the vendor's branch runs", title]
-    failed = [name for name, seen in zip(titles, complaints) if seen]
-    return workshop.Outcome(len(titles) - len(failed), failed, "\n".join(filter(None, complaints)))
+        results = wine_checks()
+    for program in every_program():
+        results += [property_check(program), alone_check(program)]
+    failed = [title for title, complaint in results if complaint]
+    return workshop.Outcome(len(results) - len(failed), failed,
+                            "\n".join(complaint for _, complaint in results if complaint))

@@ -1,10 +1,11 @@
 #include "oxdiagreport/inputFile.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
+
+#include "oxdiagreport/system.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ std::optional<std::string> readInput(std::string const& name, std::string& probl
   std::string reason;
   std::optional<std::string> bytes;
   bool const isStandard = name == "-";
-  int const file = isStandard ? STDIN_FILENO : open(name.c_str(), O_RDONLY | O_CLOEXEC);
+  int const file = isStandard ? openStandardInput() : openForReading(name);
   if (file < 0) {
     reason = std::strerror(errno);
   } else {

@@ -6,6 +6,7 @@
 #include "oxdiagreport/inputFile.h"
 #include "oxdiagreport/jsonFormat.h"
 #include "oxdiagreport/reportOptions.h"
+#include "oxdiagreport/system.h"
 #include "oxdiagreport/tLanguage.h"
 #include "oxdiagreport/tStatusFile.h"
 #include "oxdiagreport/textFormat.h"
@@ -54,8 +55,9 @@ int runReport(tReportOptions const& options, std::string const& bytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  prepareStandardOutput();
   int exitCode = kExitGood;
-  auto const options = readOptions(argc, argv, exitCode);
+  auto const options = readOptions(commandWords(argc, argv), exitCode);
   if (!options) return exitCode;
   std::string problem;
   auto const bytes = readInput(options->file, problem);

@@ -3,10 +3,10 @@
 #include <CLI/CLI.hpp>
 #include <map>
 
-#include "ntoshost/strength.h"
 #include "options/helpEnd.h"
 #include "options/toolVersion.h"
 #include "oxdiagreport/exitCodes.h"
+#include "oxdiagreport/system.h"
 
 namespace {
 
@@ -31,13 +31,14 @@ std::map<std::string, tFormat> const kFormats = {{"text", tFormat::kText},
 
 }  // namespace
 
-std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) {
+std::optional<tReportOptions> readOptions(std::vector<std::string> const& words, int& exitCode) {
   tReportOptions options;
   CLI::App app(kDescription, "oxdiagreport");
   app.get_formatter()->column_width(18);
   app.footer(kFooter);
+  app.allow_windows_style_options(false);  // a path may begin with a slash
   app.set_version_flag("--version", std::string("oxdiagreport ") + getToolVersion() +
-                                        "\nexecutive: " + ntoshost::getStrength());
+                                        "\nexecutive: " + getExecutiveName());
   std::string format = "text";
   app.add_option("FILE", options.file, "The saved statuses; by default, or as -, standard input")
       ->type_name("");
@@ -48,7 +49,8 @@ std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode) 
       ->check(CLI::IsMember({"english", "german"}))
       ->type_name("LANGUAGE");
   try {
-    app.parse(argc, argv);
+    // The last word first.
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
   } catch (CLI::ParseError const& problem) {
     bool const isHelp = app.exit(problem) == 0;
     exitCode = isHelp ? endOfHelp("oxdiagreport", kExitGood, kExitNoOutput) : int{kExitUsage};

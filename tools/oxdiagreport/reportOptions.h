@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 enum class tFormat { kText, kJson };
 
@@ -12,6 +13,6 @@ struct tReportOptions {
   std::string language = "english";
 };
 
-// Reads the command line. Returns nothing when the program has to end at once, for --help or a
-// usage error, which have been printed then; `exitCode` is set in that case.
-std::optional<tReportOptions> readOptions(int argc, char** argv, int& exitCode);
+// Reads the words of the command line. Returns nothing when the program has to end at once, for
+// --help or a usage error, which have been printed then; `exitCode` is set in that case.
+std::optional<tReportOptions> readOptions(std::vector<std::string> const& words, int& exitCode);

@@ -1,0 +1,41 @@
+# The programs for people, on Linux and for Windows.
+#
+#   oxdiag_program(NAME DESCRIPTION text SOURCES ... LIBRARIES ...)
+#       One program. For Windows it stands alone, without any DLL of its compiler's, and tells its
+#       version in its header and file properties, with DESCRIPTION.
+#       On Linux cmake --install puts it into place, with its manual page NAME.1 and its completion
+#       NAME.bash, which lie beside its CMakeLists.txt.
+#
+# The target oxdiag_command_line is the library that reads a command line.
+
+add_library(oxdiag_command_line INTERFACE)
+if(OXDIAG_TARGET STREQUAL "host")
+  find_package(CLI11 REQUIRED)
+  target_link_libraries(oxdiag_command_line INTERFACE CLI11::CLI11)
+else()
+  # The library's folder is the one of all headers of the machine that builds; only it is wanted.
+  file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
+  file(CREATE_LINK /usr/include/CLI "${CMAKE_BINARY_DIR}/include/CLI" SYMBOLIC)
+  target_include_directories(oxdiag_command_line SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+endif()
+
+function(oxdiag_program name)
+  cmake_parse_arguments(ARG "" "DESCRIPTION" "SOURCES;LIBRARIES" ${ARGN})
+  add_executable(${name} ${ARG_SOURCES})
+  target_link_libraries(${name} PRIVATE ${ARG_LIBRARIES} oxdiag_warnings)
+  set_property(GLOBAL APPEND PROPERTY OXDIAG_PROGRAMS ${name})
+  if(NOT OXDIAG_TARGET STREQUAL "windows-tools")
+    return()
+  endif()
+  target_link_options(${name} PRIVATE -static -s -Wl,--no-insert-timestamp)
+  # CMake itself says 0.0 before the libraries.
+  string(REPLACE "." ",--minor-image-version," image_version "${OXDIAG_VERSION_IMAGE}")
+  target_link_libraries(${name} PRIVATE "-Wl,--major-image-version,${image_version}")
+  set(resource "${CMAKE_CURRENT_BINARY_DIR}/${name}.rc")
+  oxdiag_version_resource(${name} TYPE exe OUTPUT "${resource}" DESCRIPTION "${ARG_DESCRIPTION}")
+  add_custom_command(
+    OUTPUT "${resource}.o"
+    COMMAND x86_64-w64-mingw32-windres "${resource}" "${resource}.o"
+    DEPENDS "${resource}" VERBATIM)
+  target_sources(${name} PRIVATE "${resource}.o")
+endfunction()

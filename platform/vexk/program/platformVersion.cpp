@@ -1,0 +1,5 @@
+#include "common/platformVersion.h"
+
+tPlatformVersion getPlatformVersion() {
+  return {kVexVersion, kVexOldestCompatible};
+}

@@ -1,0 +1,75 @@
+#include "oxdiagreport/system.h"
+
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+// Behind the one that it needs.
+#include <shellapi.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+std::string utf8Of(wchar_t const* text) {
+  int const size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+  std::string utf8(static_cast<size_t>(size), '\0');
+  WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+  utf8.resize(utf8.size() - 1);
+  return utf8;
+}
+
+std::wstring wideOf(std::string const& utf8) {
+  int const size = MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, nullptr, 0);
+  std::wstring text(static_cast<size_t>(size), L'\0');
+  MultiByteToWideChar(CP_UTF8, 0, utf8.c_str(), -1, text.data(), size);
+  return text;
+}
+
+bool isFolder(std::wstring const& name) {
+  DWORD const attributes = GetFileAttributesW(name.c_str());
+  return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+unsigned int formerCodePage = 0;
+
+void restoreCodePage() {
+  SetConsoleOutputCP(formerCodePage);
+}
+
+}  // namespace
+
+std::vector<std::string> commandWords(int, char**) {
+  int count = 0;
+  wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+  std::vector<std::string> utf8;
+  for (int index = 1; index < count; ++index) utf8.push_back(utf8Of(words[index]));
+  LocalFree(words);
+  return utf8;
+}
+
+int openForReading(std::string const& name) {
+  std::wstring const wide = wideOf(name);
+  // The runtime would say of a folder that access is denied.
+  if (isFolder(wide)) errno = EISDIR;
+  return isFolder(wide) ? -1 : _wopen(wide.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+}
+
+int openStandardInput() {
+  int const file = _fileno(stdin);
+  if (file >= 0) _setmode(file, _O_BINARY);
+  return file;
+}
+
+void prepareStandardOutput() {
+  _setmode(_fileno(stdout), _O_BINARY);
+  formerCodePage = GetConsoleOutputCP();
+  if (formerCodePage == 0) return;  // no console
+  SetConsoleOutputCP(CP_UTF8);
+  std::atexit(&restoreCodePage);
+}
+
+std::string getExecutiveName() {
+  return "none";
+}
