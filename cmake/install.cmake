@@ -1,6 +1,6 @@
 # cmake --install: the library for clients on the host, found by find_package(oxdiagk CONFIG) and by
-# pkg-config, and the tools. The headers lie in a folder of their own, because some have names that
-# others use too.
+# pkg-config, and the tools with their manual pages and completions: the components `development`
+# and `tools`. The headers lie in a folder of their own, because some have names that others use too.
 
 include(GNUInstallDirs)
 include(CMakePackageConfigHelpers)
@@ -45,7 +45,14 @@ foreach(name IN ITEMS oxdiagk oxdiagk-executive)
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 endforeach()
 
-if(OXDIAG_TOOLS)
-  install(TARGETS oxdiagctl oxdiagreport
-    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
-endif()
+# The target `installed` is what has to be built for all of it.
+get_property(programs GLOBAL PROPERTY OXDIAG_PROGRAMS)
+foreach(program IN LISTS programs)
+  get_target_property(folder ${program} SOURCE_DIR)
+  install(TARGETS ${program} RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT tools)
+  install(FILES "${folder}/${program}.1"
+    DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT tools)
+  install(FILES "${folder}/${program}.bash" RENAME ${program}
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
+endforeach()
+add_custom_target(installed DEPENDS oxdiagk qelmk vexk ntos_strict ntos_plain ${programs})

@@ -7,6 +7,7 @@ import subprocess
 import tempfile
 
 import letterbox
+import manuals
 import workshop
 
 PRESET = "host-release"
@@ -103,13 +104,24 @@ def check_subdirectory(_, work):
             check_careless(work / "subdirectory"))
 
 
+def tool_complaints(program):
+    name, prefix = program.name, program.parents[1]
+    code, output = run(program, "--version")
+    page = next(prefix.glob(f"share/man/man1/{name}.1*"), None)
+    completion = prefix / f"share/bash-completion/completions/{name}"
+    loaded = workshop.run(["bash", "-c", f"source '{completion}' && complete -p {name}"])[0]
+    return [complaint for held, complaint in [
+        (code == 0 and output.startswith(f"{name} "), f"{name} --version: {code} {output!r}"),
+        (loaded == 0, f"there is no completion for {name}"),
+        (page is not None, f"there is no manual page of {name}"),
+    ] if not held] + (manuals.complaints(page, program) if page else [])
+
+
 def check_tools(prefix, _):
-    wrong = []
-    for tool in ("oxdiagctl", "oxdiagreport"):
-        code, output = run(pathlib.Path(prefix) / "bin" / tool, "--version")
-        if code != 0 or not output.startswith(f"{tool} "):
-            wrong.append(f"{tool} --version: {code} {output!r}")
-    return wrong
+    """Each with a manual page of its options and a completion."""
+    programs = sorted((pathlib.Path(prefix) / "bin").iterdir())
+    wrong = [line for program in programs for line in tool_complaints(program)]
+    return wrong if len(programs) >= 2 else ["tools are missing"]
 
 
 def check_readme(*_):
@@ -135,7 +147,7 @@ CHECKS = {
 
 
 def check():
-    workshop.build(PRESET)
+    workshop.build(PRESET, "installed")
     failed, output = [], []
     with tempfile.TemporaryDirectory() as folder:
         work = pathlib.Path(folder)

@@ -18,7 +18,7 @@ counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
 pages=(mkdocs python3-pygments doxygen)              # the handbook
-packaging=(pkgconf)                                  # what is installed, as clients find it
+packaging=(pkgconf mandoc)                           # what is installed, as clients find it
 
 packages_for() {
   case "$1" in
