@@ -13,6 +13,7 @@ import compileChecks  # noqa: E402
 import control  # noqa: E402
 import demos  # noqa: E402
 import dialect  # noqa: E402
+import distribution  # noqa: E402
 import fuzz  # noqa: E402
 import handbook  # noqa: E402
 import images  # noqa: E402
@@ -64,11 +65,12 @@ STEPS = {
     "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
-    "twins": ("the same modules from two clones at different paths", twins.check),
+    "twins": ("the same modules and packages from two clones at different paths", twins.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
     "control": ("programs for Windows, under Wine", control.check),
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
+    "dist": ("the archive for Windows, unpacked", distribution.check),
     "tidy": ("clang-tidy", lint.check_tidy),
     "handbook": ("the handbook as a site", handbook.check),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
@@ -77,8 +79,8 @@ STEPS = {
                     lambda: programs.check("host-rounds", "host_tests")),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"tidy", "handbook", "twins", "kit-alone", "fuzz-runs", "host-plain", "host-tsan",
-              "host-debug", "host-rounds"}
+WHEN_NAMED = {"dist", "tidy", "handbook", "twins", "kit-alone", "fuzz-runs", "host-plain",
+              "host-tsan", "host-debug", "host-rounds"}
 
 
 def guarded(name, function):

@@ -2,15 +2,20 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
 
+import debianPackages
 import letterbox
 import manuals
+import release
 import workshop
 
 PRESET = "host-release"
+PAGE = workshop.TOP / "docs/installing.md"
+TYPED = re.compile(r"^```debian ?(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 CLIENT = workshop.TOP / "tests/install"
 HELLO = workshop.TOP / "examples/hello"
 
@@ -124,12 +129,67 @@ def check_tools(prefix, _):
     return wrong if len(programs) >= 2 else ["tools are missing"]
 
 
+# What stands for the system's programs where a page is typed: the packages go into a root of their
+# own, and what they depend on is on this machine.
+STAND_INS = {"sudo": 'exec "$@"', "apt-get": """verb=$1; shift
+exec dpkg --root="$ROOT" --force-not-root --force-depends --force-bad-path \\
+  --log="$ROOT/dpkg.log" "--$verb" "$@" """}
+
+
+def prepare_root(work):
+    """An empty root, and the environment of somebody for whom it is the machine."""
+    root, tools = work / "root", work / "stand-ins"
+    debianPackages.prepare_root(root)
+    tools.mkdir()
+    for name, text in STAND_INS.items():
+        (tools / name).write_text(f"#!/bin/sh\n{text}\n")
+        (tools / name).chmod(0o755)
+    return dict(os.environ, ROOT=str(root), PATH=f"{tools}:{root}/usr/bin:{os.environ['PATH']}",
+                CMAKE_PREFIX_PATH=f"{root}/usr", PKG_CONFIG_PATH=f"{root}/usr/lib/pkgconfig")
+
+
+def type_block(name, block, folder, environment):
+    """What is wrong with a block of the page, and what it printed."""
+    code, output = workshop.run(["sh", "-ec", block], cwd=folder, env=environment)
+    return ([] if code == 0 else [f"docs/installing.md, {name or block}: {code}\n{output}"]), output
+
+
+def licence_complaints(package):
+    told = workshop.demand(["dpkg-deb", "--field", package, "Description"])
+    return [] if release.LICENCE in told else [f"{package.name} says nothing of a licence"]
+
+
+def left_in(root):
+    """Files that the packages brought."""
+    return [str(path) for path in (root / "usr").rglob("*") if path.is_file()]
+
+
+def check_debian(_, work):
+    """The packages in an empty root, by the lines of docs/installing.md."""
+    folder, root = work / "debian", work / "root"
+    shutil.copytree(HELLO, folder)
+    wrong = [line for package in debianPackages.make(folder) for line in licence_complaints(package)]
+    environment = prepare_root(work)
+    for name, block in TYPED.findall(PAGE.read_text()):
+        failed, output = type_block(name, block, folder, environment)
+        wrong += failed
+        if name == "install":
+            wrong += check_tools(root / "usr", work) if not failed else []
+        elif name == "remove":
+            wrong += [f"{path} is left behind" for path in left_in(root)]
+        elif not output.endswith(greeting()):
+            wrong.append(f"docs/installing.md, {block}: {output}")
+    return wrong
+
+
 def check_readme(*_):
     """The page shows the example as it is, but for the comment at its head."""
     source = (HELLO / "hello.cpp").read_text().split("\n\n", 1)[1]
     project = (HELLO / "CMakeLists.txt").read_text()
     lines = project[project.index("find_package"):]
     page = (workshop.TOP / "README.md").read_text()
+    if release.LICENCE not in page:
+        return ["README.md says nothing of a licence"]
     return [f"README.md does not show {name}" for name, text in
             (("hello.cpp", source), ("its CMakeLists.txt", lines)) if text not in page]
 
@@ -143,6 +203,7 @@ CHECKS = {
     "pkg-config": check_pkg_config,
     "a package that was moved": check_moved,
     "add_subdirectory": check_subdirectory,
+    "Debian packages": check_debian,
 }
 
 

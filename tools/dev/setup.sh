@@ -19,18 +19,22 @@ mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, dri
 lint=(clang-format clang-tidy)
 pages=(mkdocs python3-pygments doxygen)              # the handbook
 packaging=(pkgconf mandoc)                           # what is installed, as clients find it
+packing=(dpkg-dev binutils)                          # the Debian packages
 
 packages_for() {
   case "$1" in
     demo) echo "${host[@]}" ;;
     bench) echo "${host[@]}" "${peers[@]}" ;;
     budget) echo "${host[@]}" "${counting[@]}" ;;
+    dist) echo "${host[@]}" "${windows[@]}" "${mingw[@]}" "${peers[@]}" "${packing[@]}" ;;
     kernel) echo "${host[@]}" "${windows[@]}" "${wine[@]}" ;;
     docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
-    everything | build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
-      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" "${pages[@]}" ;;
+    everything | prove) packages_for test && echo "${pages[@]}" ;;
+    build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
+      "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
+      "${packing[@]}" ;;
     *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
   esac
 }

@@ -1,12 +1,15 @@
-"""That two clones at different paths make the same modules, byte for byte, PDBs included."""
+"""That two clones at different paths make the same modules, byte for byte, PDBs included, and the
+same packages."""
 
 import os
 import pathlib
 import shutil
 import tempfile
 
+import debianPackages
 import images
 import moduleFiles
+import windowsArchive
 import workshop
 
 PRESET = "windows"
@@ -27,18 +30,22 @@ def environment():
 
 
 def build_clone(top):
-    """File name -> its bytes, of everything that is made of the family."""
+    """File name -> its bytes, of everything that is made of the family, and of its packages."""
     shutil.copytree(workshop.TOP, top, ignore=left_out, symlinks=True)
     settings = {"cwd": top, "env": environment()}
     workshop.demand(["cmake", "--preset", PRESET], **settings)
     targets = [f"{pathlib.Path(image).stem}.module" for image in images.FAMILY]
     workshop.demand(["cmake", "--build", "--preset", PRESET, "-j", workshop.CORES,
                      "--target", *targets], **settings)
-    return {path.name: path.read_bytes() for path in (top / "out" / PRESET / "modules").iterdir()}
+    workshop.demand(["python3", "tools/dev/dist.py"], **settings)
+    return {path.name: path.read_bytes() for folder in (f"out/{PRESET}/modules", "out/dist")
+            for path in (top / folder).iterdir()}
 
 
 def complaints(one, other):
     wanted = {name for image in images.FAMILY for name in (image, moduleFiles.pdb_of(image).name)}
+    wanted |= {f"{windowsArchive.name()}.zip", *map(debianPackages.file_name,
+                                                    debianPackages.COMPONENTS)}
     return [f"{name} is made by every clone" for name in sorted(wanted - set(one))] + \
         [f"{name} is the same in every clone" for name in sorted(set(one) | set(other))
          if one.get(name) != other.get(name)]

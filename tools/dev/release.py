@@ -1,0 +1,49 @@
+"""What every package that is made here says of itself."""
+
+import hashlib
+import os
+import re
+
+import versions
+import workshop
+
+LICENCE = "The owner has not chosen a licence yet."
+
+
+def version():
+    """As the sources say it, such as 2.0.0d1."""
+    return versions.Version().text
+
+
+def debian_version():
+    """In Debian's order, where a tilde comes before the end: d, a, b are before the release, f is."""
+    release, letter, build = re.fullmatch(r"([\d.]+)([dabf])(\d+)", version()).groups()
+    mark = {"d": "~~d", "a": "~a", "b": "~b", "f": "+f"}[letter]
+    return f"{release}{mark}{build}"
+
+
+def source_time():
+    """Seconds since 1970: SOURCE_DATE_EPOCH, else the time of the commit, else of the file that holds
+    the version. What is made of the same sources is the same at any time."""
+    given = os.environ.get("SOURCE_DATE_EPOCH", "")
+    code, told = workshop.run(["git", "log", "-1", "--format=%ct"], cwd=workshop.TOP)
+    if given:
+        return int(given)
+    if code == 0 and told.strip():
+        return int(told)
+    return int((workshop.TOP / "cmake/version.cmake").stat().st_mtime)
+
+
+def filled(template, **words):
+    """The text of a template, with each @NAME@ replaced."""
+    text = template.read_text()
+    for name, value in words.items():
+        text = text.replace(f"@{name}@", value)
+    left = re.search(r"@[A-Z_]+@", text)
+    if left:
+        raise workshop.Failure(f"{template.name}: nothing for {left.group()}")
+    return text
+
+
+def digest(path):
+    return hashlib.sha256(path.read_bytes()).hexdigest()
