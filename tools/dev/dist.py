@@ -1,6 +1,7 @@
 """./dev dist [FOLDER]: the Debian packages and the archive for Windows."""
 
 import argparse
+import os
 import pathlib
 import sys
 import tempfile
@@ -14,14 +15,12 @@ MAKERS = [("Debian packages", debianPackages.make), ("archive for Windows", wind
 
 
 def folder_of(name):
-    """The folder, made if it is missing; otherwise the program ends with a sentence."""
+    """The folder, made if it is missing."""
+    if not str(name):
+        sys.exit("dist: the name of the folder is empty")
     folder = pathlib.Path(name).resolve()
-    try:
-        folder.mkdir(parents=True, exist_ok=True)
-        with tempfile.TemporaryFile(dir=folder):
-            return folder
-    except OSError as error:
-        sys.exit(f"dist: cannot write into '{name}': {error.strerror}")
+    folder.mkdir(parents=True, exist_ok=True)
+    return folder
 
 
 def arguments(given):
@@ -32,11 +31,35 @@ def arguments(given):
     return parser.parse_args(given)
 
 
-def main(given):
-    folder = folder_of(arguments(given).folder)
-    made = [path for title, make in MAKERS for path in workshop.step(title, make, folder)]
+def make_all(folder):
+    """Whole files in the folder, or what was there before."""
+    with tempfile.TemporaryDirectory(prefix=".making-", dir=folder) as work:
+        made = [path for title, make in MAKERS
+                for path in workshop.step(title, make, pathlib.Path(work))]
+        return [path.replace(folder / path.name) for path in made]
+
+
+def print_sums(made):
     for path in made:
         print(f"{release.digest(path)}  {path.stat().st_size:>9}  {path}")
+    sys.stdout.flush()
+
+
+def end(place, error):
+    sys.exit(f"dist: {place}: {error.strerror or error}")
+
+
+def main(given):
+    name = arguments(given).folder
+    try:
+        made = make_all(folder_of(name))
+    except OSError as error:
+        end(name, error)
+    try:
+        print_sums(made)
+    except OSError as error:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())  # for what was not written
+        end("standard output", error)
     return 0
 
 
