@@ -66,6 +66,7 @@ NTSTATUS querySecurity(void* descriptor, u32 size) {
 TEST(DeviceAccess, TheListNamesTheSystemAndAdministratorsAlone) {
   tOpenDevice device;
   ASSERT_EQ(device.status, STATUS_SUCCESS);
+  device.name("nobody");
   tAnswer const is64Bit(false);
   ASSERT_EQ(device.deliver(), STATUS_SUCCESS);
   ASSERT_TRUE(askingDevice != nullptr);
@@ -85,6 +86,7 @@ TEST(DeviceAccess, TheListNamesTheSystemAndAdministratorsAlone) {
 TEST(DeviceAccess, ProgramsOf32BitsAreRefused) {
   tOpenDevice device;
   ASSERT_EQ(device.status, STATUS_SUCCESS);
+  device.name("nobody");
   tAnswer const is32Bit(true);
   EXPECT_EQ(device.deliver(), STATUS_NOT_SUPPORTED);
   EXPECT_TRUE(askingDevice != nullptr);
