@@ -38,10 +38,12 @@
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/assertion.h"
 
-// Statuses: a code and where it was set, in one statement; the fixed memory behind them.
+// Statuses: a code and where it was set, in one statement; the fixed memory behind them;
+// the modules on its call stack, for those who save it.
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/statusMacros.h"
 #include "oxdiagk/tStatus2Heap.h"
+#include "oxdiagk/tStatus2ModuleList.h"
 
 // Descriptions of statuses: typed values, and the vocabulary that makes a report of them.
 #include "oxdiagk/tStatus2Description.h"

@@ -14,6 +14,7 @@ namespace nOXDIAG100 {
 
 class iStatus2Description;
 class tStatus2Implementation;
+class tStatus2ModuleList;
 
 // A code (0 success, positive a warning, negative an error) and, when it was set by the macros of
 // "oxdiagk/statusMacros.h", a detail: the component, file and line that set it, the call stack at
@@ -130,6 +131,12 @@ class OXDIAG_API tStatus2 {
   // then a full heap is kStatusOutOfMemory in `status` too.
   void writeExternal(nQELM100::iObjectWriter& writer, i32& status) const;
   void readExternal(nQELM100::iObjectReader& reader, i32& status);
+
+  // The same form with a list of modules (see tStatus2ModuleList), which every reader of statuses
+  // passes over: the length in front of the form counts the list's characters too, and they follow
+  // the flag. Without modules nothing is different.
+  void writeExternal(nQELM100::iObjectWriter& writer, tStatus2ModuleList const& modules,
+                     i32& status) const;
 
  private:
   friend class tStatusSetter;

@@ -1,6 +1,7 @@
 #include "oxdiagk/tStatus2.h"
 
 #include "oxdiagk/iStatus2Description.h"
+#include "oxdiagk/tStatus2ModuleList.h"
 #include "qelmk/iObjectReader.h"
 #include "qelmk/iObjectWriter.h"
 #include "qelmk/mergeStatus.h"
@@ -103,6 +104,16 @@ void tStatus2::writeExternal(nQELM100::iObjectWriter& writer, i32& status) const
   writer.writeU32(kFixedLength, status);
   writer.writeI32(code, status);
   writer.writeU32(implementation != nullptr ? 1 : 0, status);
+  if (implementation != nullptr) implementation->writeExternal(writer, status);
+}
+
+void tStatus2::writeExternal(nQELM100::iObjectWriter& writer, tStatus2ModuleList const& modules,
+                             i32& status) const {
+  if (status < 0) return;
+  writer.writeU32(kFixedLength + modules.getWrittenSize(), status);
+  writer.writeI32(code, status);
+  writer.writeU32(implementation != nullptr ? 1 : 0, status);
+  modules.writeExternal(writer, status);
   if (implementation != nullptr) implementation->writeExternal(writer, status);
 }
 

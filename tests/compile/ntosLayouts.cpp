@@ -6,6 +6,7 @@
 #include "ntos/driver.h"
 #include "ntos/file.h"
 #include "ntos/format.h"
+#include "ntos/image.h"
 #include "ntos/io.h"
 #include "ntos/irql.h"
 #include "ntos/pool.h"

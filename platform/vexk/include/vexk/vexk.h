@@ -15,6 +15,7 @@
 #include "vexk/iDeviceHandler.h"
 #include "vexk/iLib.h"
 #include "vexk/kernelTypes.h"
+#include "vexk/loadedModule.h"
 #include "vexk/memory.h"
 #include "vexk/module.h"
 #include "vexk/moduleInfo.h"
