@@ -158,6 +158,8 @@ def demo_parser():
                         help="option words of the assertions")
     parser.add_argument("--capture", action="store_const", const="1",
                         help="trace into a buffer, and print it at the end")
+    parser.add_argument("--modules", action="store_const", const="1",
+                        help="with --save: the modules on the call stacks too")
     parser.add_argument("--save", metavar="NAME",
                         help="a file on drive C: for the statuses of what is wrong")
     return parser
@@ -202,6 +204,7 @@ def demo_input(options):
     return files, {"slotbus": {
         "RackFile": rack, "Filter": options.filter, "Trace": options.trace,
         "Assert": options.assertions, "Capture": options.capture,
+        "Modules": options.modules,
         "Save": options.save and rf"C:\{options.save}"}}
 
 

@@ -70,9 +70,13 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
          "Where serial port 1 ends; by default in a terminal of its\nown, which is named on "
          "standard error")
       ->type_name("FILE");
-  app.add_option("--save", options.save,
-                 "A file for the statuses of what is wrong, to be read by\noxdiagreport")
-      ->type_name("FILE");
+  auto* const save = app.add_option("--save", options.save,
+                                    "A file for the statuses of what is wrong, to be read by\n"
+                                    "oxdiagreport")
+                         ->type_name("FILE");
+  app.add_flag("--modules", options.savesModules,
+               "Save the modules on the call stacks too, for\noxdiagreport --symbols")
+      ->needs(save);
   auto* const serve = app.add_flag("--serve", options.serves,
                                    "Stay until Ctrl-C, so that oxdiagctl can change the\ntrace");
   app.add_option("--at", options.socket, "The socket for oxdiagctl; by default where it looks")

@@ -13,6 +13,7 @@ struct tDemoOptions {
   std::optional<std::string> driveC;  // the folder that is drive C:, by default the current one
   std::optional<std::string> serial;  // a file for serial port 1 instead of a terminal
   std::optional<std::string> save;    // a file for the statuses of what is wrong
+  bool savesModules = false;          // with the modules on their call stacks
   bool serves = false;                // stay until Ctrl-C, and let oxdiagctl change the settings
   std::optional<std::string> socket;  // where it is to look, instead of the place by default
   bool checksOnly = false;            // only report what is wrong with the options

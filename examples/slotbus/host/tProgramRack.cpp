@@ -24,7 +24,7 @@ void tProgramRack::read(iRackTaker& taker) {
 }
 
 void tProgramRack::readAndSave(iRackTaker& taker) {
-  tStatusRecord record;
+  tStatusRecord record(options.savesModules);
   if (!record.allocate()) return fail("there is no memory for the statuses");
   readAsAsked(&record, taker);
   std::string reason;

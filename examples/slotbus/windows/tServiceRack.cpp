@@ -40,7 +40,7 @@ void tServiceRack::read(iRackTaker& taker) {
 }
 
 void tServiceRack::readAndSave(wchar_t const* file, iRackTaker& taker) {
-  tStatusRecord record;
+  tStatusRecord record(isSet(key, L"Modules"));
   tStatus2 status;
   if (!record.allocate()) OXDIAG_SET_STATUS(status, kStatusOutOfMemory);
   readAsAsked(status.isError() ? nullptr : &record, taker);

@@ -13,11 +13,11 @@
 #include "translators/english/tEnglishTranslator.h"
 
 // The bytes that reading a rack's text saves.
-inline std::string savedBytes(std::string const& text) {
+inline std::string savedBytes(std::string const& text, bool hasModules = false) {
   tKeepingDestination destination;
   tKeepingStream stream(destination);
   nSLOTBUS100::tRack rack;
-  nSLOTBUS100::tStatusRecord record;
+  nSLOTBUS100::tStatusRecord record(hasModules);
   EXPECT_TRUE(record.allocate());
   nSLOTBUS100::tRackReader reader(rack, stream, &record);
   reader.read(nSLOTBUS100::tTextSpan(text.data(), text.size()));

@@ -60,7 +60,7 @@ TEST(SlotbusRecord, HasRoomForAllFailuresThatAreTold) {
 }
 
 TEST(SlotbusRecord, OnlyCountsWhatDoesNotFit) {
-  tStatusRecord record;
+  tStatusRecord record(false);
   ASSERT_TRUE(record.allocate());
   tStatus2 const status(-5);
   u32 added = 0;
@@ -77,7 +77,7 @@ TEST(SlotbusRecord, OnlyCountsWhatDoesNotFit) {
 }
 
 TEST(SlotbusRecord, WithoutMemoryOnlyCounts) {
-  tStatusRecord record;
+  tStatusRecord record(false);
   ntoshost::failFrom(ntoshost::kFaultMemory, 1);
   EXPECT_FALSE(record.allocate());
   ntoshost::clearFaults();
