@@ -6,17 +6,25 @@
 #       On Linux cmake --install puts it into place, with its manual page NAME.1 and its completion
 #       NAME.bash, which lie beside its CMakeLists.txt.
 #
-# The target oxdiag_command_line is the library that reads a command line.
+# The targets oxdiag_command_line and oxdiag_json are the libraries that read a command line and write
+# JSON.
 
 add_library(oxdiag_command_line INTERFACE)
+add_library(oxdiag_json INTERFACE)
 if(OXDIAG_TARGET STREQUAL "host")
   find_package(CLI11 REQUIRED)
+  find_package(nlohmann_json REQUIRED)
   target_link_libraries(oxdiag_command_line INTERFACE CLI11::CLI11)
+  target_link_libraries(oxdiag_json INTERFACE nlohmann_json::nlohmann_json)
 else()
-  # The library's folder is the one of all headers of the machine that builds; only it is wanted.
+  # Their folder is the one of all headers of the machine that builds; only they are wanted.
   file(MAKE_DIRECTORY "${CMAKE_BINARY_DIR}/include")
-  file(CREATE_LINK /usr/include/CLI "${CMAKE_BINARY_DIR}/include/CLI" SYMBOLIC)
-  target_include_directories(oxdiag_command_line SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+  foreach(library CLI nlohmann)
+    file(CREATE_LINK "/usr/include/${library}" "${CMAKE_BINARY_DIR}/include/${library}" SYMBOLIC)
+  endforeach()
+  foreach(library oxdiag_command_line oxdiag_json)
+    target_include_directories(${library} SYSTEM INTERFACE "${CMAKE_BINARY_DIR}/include")
+  endforeach()
 endif()
 
 function(oxdiag_program name)

@@ -2,7 +2,9 @@
 driver, and the report tool reads what both saved."""
 
 import collections
+import json
 import pathlib
+import re
 import sys
 import tempfile
 
@@ -17,6 +19,8 @@ import checkStatuses  # noqa: E402
 
 TRACED_FILE = "oxdiag-demo.out"
 SAVED_FILE = "oxdiag-demo.statuses"
+
+WORDS = str(workshop.TOP / "examples/slotbus/words/english.words")
 
 FAULTY = str(kernel.FAULTY_RACK)
 
@@ -69,17 +73,17 @@ def save_on_host(path):
     workshop.run([program, FAULTY, "--save", path])
 
 
-def save_in_kernel():
+def save_in_kernel(*more):
     path = wine.DRIVE_C / SAVED_FILE
     path.unlink(missing_ok=True)
-    kernel.run_demo(kernel.demo_options([FAULTY, "--save", SAVED_FILE]))
+    kernel.run_demo(kernel.demo_options([FAULTY, "--save", SAVED_FILE, *more]))
     return path
 
 
 def report(path):
     """What the tool prints, without the lines that differ from run to run."""
     program = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
-    code, output = workshop.run([program, path])
+    code, output = workshop.run([program, "--words", WORDS, path])
     lines = [line for line in output.splitlines() if not line.startswith("  Time: ")]
     return lines if code == 0 and lines else [f"oxdiagreport ended with {code}", path.name, output]
 
@@ -97,10 +101,52 @@ def compare_saved():
     return "statuses saved by program and driver", differences
 
 
+def function_around(lines, line):
+    """The name of the function in whose definition the line is, and the lines of that."""
+    first = max(number for number, text in enumerate(lines[:line], 1)
+                if re.match(r"\w.*\w\(.*\{$", text))
+    last = lines.index("}", line) + 1
+    return re.match(r".*?(\w+)\(", lines[first - 1])[1], range(first, last + 1)
+
+
+def places_of(status):
+    """Function, file and line of the call that set the status, as the report tells them."""
+    return [(place["function"].split("(")[0].split("::")[-1], place["file"].replace("\\", "/"),
+             place["line"]) for place in status["origin"]["frames"][1]["places"]]
+
+
+def wrong_symbols(statuses):
+    """Of several calls at the end of one function the compiler may make one, with any line of it.
+    Most lines are those that the statuses themselves tell."""
+    wrong, exact = [], 0
+    for status in statuses:
+        file, line = status["origin"]["file"], status["origin"]["line"]
+        name, body = function_around((workshop.TOP / file).read_text().splitlines(), line)
+        found = [place[2] for place in places_of(status)
+                 if place[0] == name and place[1].endswith(file) and place[2] in body]
+        exact += line in found
+        if not found:
+            wrong.append(f"{name} in {file}:{line} is told as {places_of(status)}")
+    if exact * 2 <= len(statuses):
+        wrong.append(f"only {exact} of {len(statuses)} lines are right")
+    return wrong
+
+
+def compare_symbols():
+    """Function, file and line of the driver's failures, by its PDB."""
+    title = "symbols of the statuses saved by the driver"
+    program = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
+    code, output = workshop.run([program, "--format", "json", "--symbols",
+                                 workshop.tree("windows") / "modules", save_in_kernel("--modules")])
+    if code != 0:
+        return title, [f"oxdiagreport ended with {code}", output]
+    return title, wrong_symbols(json.loads(output))
+
+
 def check():
     kernel.build()
     workshop.build("host-plain", "slotbus_demo", "oxdiagreport")
-    results = [*map(compare, RUNS), compare_saved()]
+    results = [*map(compare, RUNS), compare_saved(), compare_symbols()]
     failed = [title for title, differences in results if differences]
     output = "\n".join(line for _, differences in results for line in differences)
     return workshop.Outcome(len(results) - len(failed), failed, output)

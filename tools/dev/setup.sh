@@ -6,7 +6,7 @@
 #   setup.sh --list [VERB]    only prints the packages
 set -euo pipefail
 
-host=(cmake ninja-build python3 g++ libcli11-dev      # programs for Linux, the workshop itself,
+host=(cmake ninja-build python3 g++ libcli11-dev nlohmann-json3-dev  # programs for Linux, the workshop itself,
       mingw-w64-common)                               # and the kernel's names
 tests=(libgtest-dev libgmock-dev)
 sanitizers=(clang libclang-rt-14-dev lld llvm)       # second compiler, and what it links with

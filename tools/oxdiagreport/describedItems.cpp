@@ -2,15 +2,38 @@
 
 #include "oxdiagk/iVariantReportable.h"
 #include "oxdiagk/tStatus2Description.h"
+#include "oxdiagk/tStringProxyReportable.h"
 #include "oxdiagreport/reportText.h"
+#include "oxdiagreport/tRawValues.h"
 #include "qelmk/dynamicCast.h"
 
 using nOXDIAG100::iReportableTranslator;
 using nOXDIAG100::iVariantReportable;
 using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
+using nOXDIAG100::tStringProxyReportable;
+using tJson = nlohmann::ordered_json;
 
 namespace {
+
+// A text that a class has to look up is the number that it is looked up by.
+tJson stringsOf(tStringProxyReportable const& proxy) {
+  tStatus2 status;
+  std::string const lookup = utf8Of(proxy.getLookupClassName(status).c_str());
+  auto values = tJson::array();
+  for (i32 id : proxy.getStringIDs(status)) values.push_back({{"string", id}, {"of", lookup}});
+  return values;
+}
+
+tJson valuesOf(iVariantReportable const& reportable) {
+  auto const* const proxy = nQELM100::dynamicCast<tStringProxyReportable>(&reportable);
+  if (proxy != nullptr) return stringsOf(*proxy);
+  tRawValues raw;
+  tStatus2 status;
+  _STL::wstring unused;
+  reportable.generateReport(raw, unused, status);
+  return raw.getValues();
+}
 
 tDescribedItem itemAt(tStatus2Description const& description, u32 index,
                       iReportableTranslator const& translator) {
@@ -24,6 +47,7 @@ tDescribedItem itemAt(tStatus2Description const& description, u32 index,
   iVariantReportable const* const reportable = description.getReportablePtrAtIndex(index, status);
   if (reportable != nullptr) reportable->generateReport(translator, text, status);
   item.text = utf8Of(text);
+  if (reportable != nullptr) item.values = valuesOf(*reportable);
   if (status.isError()) item.text += " (" + std::to_string(status.getCode()) + ")";
   return item;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
@@ -9,8 +10,9 @@
 // One item of a status' description.
 struct tDescribedItem {
   i32 usageType;
-  std::string className;  // of the reportable
-  std::string text;       // in the language, UTF-8
+  std::string className;          // of the reportable
+  std::string text;               // in the language, UTF-8
+  nlohmann::ordered_json values;  // as tRawValues says
 };
 
 // The items of the description, in its order; none when there is no description, or one of a class

@@ -17,14 +17,24 @@ char const* const kFooter =
     "Text has one status a paragraph: its number in the file, its code and origin, and\n"
     "its description in the language asked for. JSON is one array of objects.\n"
     "\n"
+    "A call stack is shown when the modules on it were saved with the status. Symbols\n"
+    "are those of the very build that saved it, and are read by llvm-symbolizer.\n"
+    "\n"
+    "A file of words is UTF-8 text, one word a line:\n"
+    "  component slotbus\n"
+    "  usage 1 line\n"
+    "  property 5 form of a number\n"
+    "  value 5 1 decimal digits\n"
+    "\n"
     "Examples:\n"
     "  slotbus_demo --save rack.statuses; oxdiagreport rack.statuses\n"
+    "  oxdiagreport --words english.words --symbols build rack.statuses\n"
     "  oxdiagreport --format json --language german <rack.statuses\n"
     "\n"
     "Exit code: 0 everything was printed, 1 the file is damaged or no file of statuses\n"
-    "(what stands before the damage is printed), 2 the file cannot be read, 3 the\n"
-    "library cannot be started, 4 the output cannot be written, 64 the command line is\n"
-    "wrong.";
+    "(what stands before the damage is printed), or a file of words is wrong, 2 a file\n"
+    "or folder cannot be read, 3 the library cannot be started, 4 the output cannot be\n"
+    "written, 64 the command line is wrong.";
 
 std::map<std::string, tFormat> const kFormats = {{"text", tFormat::kText},
                                                  {"json", tFormat::kJson}};
@@ -48,6 +58,14 @@ std::optional<tReportOptions> readOptions(std::vector<std::string> const& words,
   app.add_option("--language", options.language, "english (by default) or german")
       ->check(CLI::IsMember({"english", "german"}))
       ->type_name("LANGUAGE");
+  app.add_option("--words", options.words,
+                 "What a component's numbers are called, see below; may be\ngiven more than once")
+      ->type_name("FILE")
+      ->allow_extra_args(false);
+  app.add_option("--symbols", options.symbols,
+                 "Modules as they were built, with their PDB beside them or\ndebugging information "
+                 "in them: function, file and line of\neach frame are shown")
+      ->type_name("FOLDER");
   try {
     // The last word first.
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));

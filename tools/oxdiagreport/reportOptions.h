@@ -11,6 +11,8 @@ struct tReportOptions {
   std::string file = "-";  // "-" is standard input
   tFormat format = tFormat::kText;
   std::string language = "english";
+  std::vector<std::string> words;      // files with the words of components
+  std::optional<std::string> symbols;  // a folder with symbols of modules
 };
 
 // Reads the words of the command line. Returns nothing when the program has to end at once, for

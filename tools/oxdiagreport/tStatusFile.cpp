@@ -39,6 +39,7 @@ bool tStatusFile::read(nOXDIAG100::tStatus2& status) {
   tBinaryObjectReader reader(bytes.data() + position, bytes.size() - position, code);
   status.readExternal(reader, code);
   if (code < 0) return fail(code, position + reader.getFailurePosition());
+  modules = modulesOfStatus(bytes.substr(position, reader.getPosition()));
   position += reader.getPosition();
   return true;
 }

@@ -2,8 +2,10 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "oxdiagk/tStatus2.h"
+#include "oxdiagreport/savedModules.h"
 
 // A file of saved statuses: streams of "qelmk/binaryStream.h", one a status, with nothing between
 // them. An empty file has none.
@@ -22,6 +24,9 @@ class tStatusFile {
   // part with the offset, and `status` what was read up to there.
   bool read(nOXDIAG100::tStatus2& status);
 
+  // The modules that were saved with the status that was read last.
+  std::vector<tSavedModule> const& getModules() const { return modules; }
+
   std::string const& getProblem() const { return problem; }
 
  private:
@@ -29,5 +34,6 @@ class tStatusFile {
 
   std::string_view bytes;
   size_t position = 0;  // of the next stream
+  std::vector<tSavedModule> modules;
   std::string problem;
 };

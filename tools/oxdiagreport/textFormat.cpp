@@ -1,5 +1,7 @@
 #include "oxdiagreport/textFormat.h"
 
+#include <cstdio>
+
 #include "oxdiagreport/describedItems.h"
 #include "oxdiagreport/reportText.h"
 
@@ -30,12 +32,40 @@ std::string indented(std::string const& text) {
   return lines;
 }
 
+std::string hexadecimal(u64 number) {
+  char text[24];
+  std::snprintf(text, sizeof(text), "0x%llX", static_cast<unsigned long long>(number));
+  return text;
+}
+
+std::string textOf(tSourcePlace const& place) {
+  std::string text = place.function.empty() ? "?" : place.function;
+  if (place.file.empty()) return text;
+  return text + " (" + place.file + ":" + std::to_string(place.line) + ")";
+}
+
+std::string textOf(tFrame const& frame, tLanguage::tWords const& words) {
+  constexpr char kIndent[] = "    ";
+  if (frame.module.empty()) {
+    return kIndent + hexadecimal(frame.address) + " (" + words.unknownModule + ")\n";
+  }
+  std::string const place =
+      kIndent + utf8Of(frame.module.c_str()) + "+" + hexadecimal(frame.offset);
+  std::string text;
+  for (tSourcePlace const& call : frame.places) text += place + " " + textOf(call) + "\n";
+  if (!text.empty()) return text;
+  return place + (frame.problem.empty() ? "" : " (" + frame.problem + ")") + "\n";
+}
+
 }  // namespace
 
-std::string textOf(tStatus2 const& status, size_t number, tLanguage const& language) {
+std::string textOf(tStatus2 const& status, size_t number, tLanguage const& language,
+                   std::vector<tFrame> const& frames) {
   std::string text = headOf(status, number, language) + "\n";
   for (tDescribedItem const& item : describedItems(status, language)) {
     text += indented(item.text) + "\n";
   }
+  if (!frames.empty()) text += "  " + std::string(language.getWords().callStack) + ":\n";
+  for (tFrame const& frame : frames) text += textOf(frame, language.getWords());
   return withoutControls(text);
 }

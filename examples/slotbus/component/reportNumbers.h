@@ -1,7 +1,7 @@
 #pragma once
 
-// The numbers in the descriptions that the component attaches to its statuses. What they are called
-// is told by the tables in slotbus/words. They are stable, like the status codes: a report may be
+// The numbers in the descriptions that the component attaches to its statuses. The files in
+// slotbus/words tell what they are called. They are stable, like the status codes: a report may be
 // made of statuses that an older driver saved.
 
 #include "ntos/types.h"

@@ -43,6 +43,21 @@ class tVocabulary {
         propertyCount(Properties),
         enumValueCount(EnumValues) {}
 
+  // The same of tables whose lengths are not known to the compiler.
+  template <class tEntry>
+  struct tTable {
+    tEntry const* entries;
+    size_t count;
+  };
+  tVocabulary(tTable<tWord> usageTypeWords, tTable<tWord> propertyWords,
+              tTable<tEnumWord> enumValueWords)
+      : usageTypes(usageTypeWords.entries),
+        properties(propertyWords.entries),
+        enumValues(enumValueWords.entries),
+        usageTypeCount(static_cast<u32>(usageTypeWords.count)),
+        propertyCount(static_cast<u32>(propertyWords.count)),
+        enumValueCount(static_cast<u32>(enumValueWords.count)) {}
+
   // The word, or null when there is none.
   wchar_t const* findUsageType(i32 usageType) const;
   wchar_t const* findProperty(i32 propertyID) const;

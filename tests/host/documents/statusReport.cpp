@@ -34,8 +34,13 @@ std::string withoutTime(std::string const& text) {
 TEST(StatusReport, IsThatOfTheDocument) {
   std::string const rack = std::string(kLinesInFront, '\n') + "1O | 5400102 | A | d\n";
   std::string report;
+  tWordFile words;
+  std::string problem;
+  ASSERT_TRUE(words.add(
+      readInput(OXDIAG_SOURCE_DIR "/examples/slotbus/words/english.words", problem).value(),
+      problem));
   forEachStatus(savedBytes(rack), [&](nOXDIAG100::tStatus2 const& status) {
-    if (report.empty()) report = textOf(status, 1, tLanguage("english"));
+    if (report.empty()) report = textOf(status, 1, tLanguage("english", words), {});
   });
   EXPECT_NE(report.find("Time: "), std::string::npos);
   EXPECT_EQ(withoutTime(blockBehind("prints one paragraph a status:")), withoutTime(report));

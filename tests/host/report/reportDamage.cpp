@@ -23,13 +23,16 @@ tReadFile readFile(std::string const& bytes) {
   std::unique_ptr<char[]> const kept(new char[bytes.size()]);
   bytes.copy(kept.get(), bytes.size());
   tStatusFile file(std::string_view(kept.get(), bytes.size()));
-  tLanguage const language("english");
+  tWordFile const words;
+  tLanguage const language("english", words);
+  tCallStackReader stacks;
   tReadFile done;
   tStatus2 status;
   while (!file.isAtEnd() && file.read(status)) {
     ++done.statuses;
-    EXPECT_FALSE(textOf(status, 1, language).empty());
-    EXPECT_FALSE(jsonOf(status, language).empty());
+    auto const frames = stacks.framesOf(status, file.getModules());
+    EXPECT_FALSE(textOf(status, 1, language, frames).empty());
+    EXPECT_FALSE(jsonOf(status, language, frames, file.getModules()).empty());
   }
   done.isWhole = file.isAtEnd();
   done.problem = file.getProblem();
@@ -71,7 +74,7 @@ TEST(ReportDamage, AFileCutAtAnyByteIsToldAtAByteInIt) {
 
 TEST(ReportDamage, AFileChangedAtAnyByteIsReadOrToldOf) {
   u64 const before = ntoshost::outstandingBlocks();
-  std::string const bytes = savedBytes("1O | 1 | A | d\n1 | 1 | A | d");
+  std::string const bytes = savedBytes("1O | 1 | A | d\n1 | 1 | A | d", true);
   u32 told = 0;
   for (size_t place = 0; place < bytes.size(); ++place) {
     for (int const change : {0x01, 0x80, 0xFF}) {
@@ -86,6 +89,14 @@ TEST(ReportDamage, AFileChangedAtAnyByteIsReadOrToldOf) {
   }
   EXPECT_GT(told, 100U);
   EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+}
+
+TEST(ReportDamage, AFileWithModulesIsReadAsOneWithout) {
+  std::string const bytes = savedBytes(kRack, true);
+  EXPECT_GT(bytes.size(), savedBytes(kRack).size());
+  tReadFile const done = readFile(bytes);
+  EXPECT_TRUE(done.isWhole);
+  EXPECT_EQ(done.statuses, 2U);
 }
 
 TEST(ReportDamage, BytesBehindAStatusAreNoStatus) {

@@ -2,7 +2,9 @@
 
 #include "oxdiagk/statusMacros.h"
 #include "oxdiagk/tIntrinsicTypeReportable.h"
+#include "oxdiagk/tSSTimeAbsoluteReportable.h"
 #include "oxdiagk/tStatus2Description.h"
+#include "oxdiagk/tStringProxyReportable.h"
 #include "oxdiagreport/jsonFormat.h"
 #include "oxdiagreport/reportText.h"
 #include "oxdiagreport/textFormat.h"
@@ -46,7 +48,16 @@ tStatus2 statusWith(_STL::wstring const& text, char const* component) {
   return status;
 }
 
-tLanguage const kEnglish("english");
+tWordFile const kNoWords;
+tLanguage const kEnglish("english", kNoWords);
+
+std::string jsonOf(tStatus2 const& status, tLanguage const& language) {
+  return jsonOf(status, language, {}, {});
+}
+
+std::string textOf(tStatus2 const& status, u32 number, tLanguage const& language) {
+  return textOf(status, number, language, {});
+}
 
 }  // namespace
 
@@ -60,8 +71,42 @@ TEST_F(OxdiagReportJson, OfARackHasItsParts) {
             "[-61007, 1, 2, 3, 4, 6, 8, 9]\n");
   EXPECT_EQ(parsed(json, "data[0]['description'][1]"),
             "{'usageType': 1, 'class': 'nOXDIAG100::tIntrinsicTypeReportable<u32>', 'text': 'Line: "
-            "1'}\n");
+            "1', 'values': [1]}\n");
   EXPECT_EQ(parsed(json, "data[1]['kind'], data[1]['description']"), "warning []\n");
+}
+
+TEST_F(OxdiagReportJson, HasTheValuesAsTheyAre) {
+  std::string const json = report({save("1O | 1 | A | d\n"), "--format", "json"}).output;
+  EXPECT_EQ(parsed(json, "[item['values'] for item in data[0]['description']][:-1]"),
+            "[[], [1], [{'property': 1}], ['1O'], [1, 99], [{'property': 5, 'value': 1}, "
+            "{'property': 5, 'value': 2}], ['{6D1F20C4-8A57-4B3E-910C-5E27B84413F9}']]\n");
+  EXPECT_EQ(
+      parsed(json,
+             "__import__('re').fullmatch(r'\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d[.]\\d{7}Z', "
+             "data[0]['description'][-1]['values'][0]) is not None"),
+      "True\n");
+}
+
+TEST_F(OxdiagReportJson, HasEveryKindOfValue) {
+  tStatus2 making;
+  tStatus2Description description(making);
+  _STL::vector<i64> numbers;
+  numbers.push_back(-9223372036854775807LL - 1);
+  numbers.push_back(9223372036854775807LL);
+  description.addReportItem(1, tIntrinsicTypeReportable<i64>(numbers, making), making);
+  description.addReportItem(2, tIntrinsicTypeReportable<u64>(~u64{0}, making), making);
+  description.addReportItem(3, tIntrinsicTypeReportable<i32>(-5, making), making);
+  description.addReportItem(4, nOXDIAG100::tStringProxyReportable(7, "nX::tTexts", making), making);
+  description.addReportItem(5, tIntrinsicTypeReportable<u32>(making), making);
+  nOXDIAG100::tSSTimeAbsoluteReportable const time(
+      tSSTimeAbsolute::ofKernelTime(u64{134'082'846'001'234'567}), making);
+  description.addReportItem(6, time, making);
+  EXPECT_EQ(making.getCode(), 0);
+  tStatus2 status(-7);
+  status.setDescription(description);
+  EXPECT_EQ(parsed(jsonOf(status, kEnglish), "[item['values'] for item in data['description']]"),
+            "[[-9223372036854775808, 9223372036854775807], [18446744073709551615], [-5], "
+            "[{'string': 7, 'of': 'nX::tTexts'}], [], ['2025-11-22T11:30:00.1234567Z']]\n");
 }
 
 TEST_F(OxdiagReportJson, IsAWholeArrayInFrontOfDamage) {

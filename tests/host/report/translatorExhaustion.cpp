@@ -43,9 +43,9 @@ void renderWithoutMemory(iReportableTranslator const& translator) {
 }  // namespace
 
 TEST(TranslatorExhaustion, OfTheEnglishOneIsTold) {
-  renderWithoutMemory(nTRANSLATORS100::tEnglishTranslator(nSLOTBUS100::kEnglishWords));
+  renderWithoutMemory(nTRANSLATORS100::tEnglishTranslator(slotbusWords("english")));
 }
 
 TEST(TranslatorExhaustion, OfTheGermanOneIsTold) {
-  renderWithoutMemory(nTRANSLATORS100::tGermanTranslator(nSLOTBUS100::kGermanWords));
+  renderWithoutMemory(nTRANSLATORS100::tGermanTranslator(slotbusWords("german")));
 }

@@ -6,6 +6,7 @@
 #include "slotbus/component/component.h"
 #include "slotbus/component/failureDescription.h"
 #include "slotbus/component/reportNumbers.h"
+#include "slotbus/component/statusSentences.h"
 
 using namespace nSLOTBUS100;
 using nOXDIAG100::tStatus2;
@@ -105,18 +106,28 @@ TEST(SlotbusDescriptions, TellTheTime) {
 }
 
 TEST(SlotbusDescriptions, HaveWordsForEveryCodeInBothLanguages) {
+  auto const english = slotbusWords("english");
+  auto const german = slotbusWords("german");
   for (i32 code = kStatusTextNotPlain; code >= kStatusInstanceTaken; --code) {
-    EXPECT_NE(kEnglishWords.findUsageType(code), nullptr) << code;
-    EXPECT_NE(kGermanWords.findUsageType(code), nullptr) << code;
+    EXPECT_NE(english.findUsageType(code), nullptr) << code;
+    EXPECT_NE(german.findUsageType(code), nullptr) << code;
   }
   for (i32 number = kUsageLine; number <= kUsageTime; ++number) {
-    EXPECT_NE(kEnglishWords.findUsageType(number), nullptr) << number;
-    EXPECT_NE(kGermanWords.findUsageType(number), nullptr) << number;
+    EXPECT_NE(english.findUsageType(number), nullptr) << number;
+    EXPECT_NE(german.findUsageType(number), nullptr) << number;
   }
   for (i32 number = kPropertySlot; number <= kPropertyNumberForm; ++number) {
-    EXPECT_NE(kEnglishWords.findProperty(number), nullptr) << number;
-    EXPECT_NE(kGermanWords.findProperty(number), nullptr) << number;
+    EXPECT_NE(english.findProperty(number), nullptr) << number;
+    EXPECT_NE(german.findProperty(number), nullptr) << number;
   }
+}
+
+TEST(SlotbusDescriptions, SayWhatTheTraceSays) {
+  auto const english = slotbusWords("english");
+#define SLOTBUS_EXPECT_WORD(code, text) \
+  EXPECT_EQ(_STL::wstring(english.findUsageType(code)), _STL::wstring(L"" text)) << code;
+  SLOTBUS_STATUS_SENTENCES(SLOTBUS_EXPECT_WORD)
+#undef SLOTBUS_EXPECT_WORD
 }
 
 TEST(SlotbusDescriptions, AreOnlyForErrors) {

@@ -2,15 +2,31 @@
 
 // What a rack's statuses look like when they were saved and read back.
 
+#include <map>
+#include <string>
 #include <vector>
 
 #include "oxdiagk/tStatus2Description.h"
+#include "oxdiagreport/inputFile.h"
 #include "oxdiagreport/reportText.h"
+#include "oxdiagreport/tWordFile.h"
 #include "qelmk/dynamicCast.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "slotbus/slotbusSupport.h"
-#include "slotbus/words/words.h"
 #include "translators/english/tEnglishTranslator.h"
+
+// The words of the slot bus in a language.
+inline nTRANSLATORS100::tVocabulary slotbusWords(std::string const& language) {
+  static std::map<std::string, tWordFile> files;
+  auto const [place, isNew] = files.try_emplace(language);
+  std::string problem;
+  if (isNew) {
+    auto const text =
+        readInput(OXDIAG_SOURCE_DIR "/examples/slotbus/words/" + language + ".words", problem);
+    EXPECT_TRUE(text && place->second.add(*text, problem)) << problem;
+  }
+  return place->second.find("slotbus");
+}
 
 // The bytes that reading a rack's text saves.
 inline std::string savedBytes(std::string const& text, bool hasModules = false) {
@@ -51,7 +67,7 @@ inline std::string reportOf(nOXDIAG100::tStatus2 const& status) {
   auto const* const description =
       nQELM100::dynamicCast<nOXDIAG100::tStatus2Description>(status.getDescription());
   if (description == nullptr) return "(no description)";
-  nTRANSLATORS100::tEnglishTranslator const translator(nSLOTBUS100::kEnglishWords, L"; ");
+  nTRANSLATORS100::tEnglishTranslator const translator(slotbusWords("english"), L"; ");
   nOXDIAG100::tStatus2 rendering;
   _STL::wstring report;
   description->generateReport(translator, report, rendering);

@@ -1,0 +1,182 @@
+// Call stacks with the modules that were saved with them, and with symbols.
+
+#include <nlohmann/json.hpp>
+
+#include "oxdiagreport/savedModules.h"
+#include "oxdiagreport/tSymbolFolder.h"
+#include "report/reportTest.h"
+
+namespace {
+
+using nlohmann::json;
+
+class OxdiagReportModules : public tReportTest {
+ protected:
+  json reportJson(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.end(), {"--format", "json"});
+    tRun const done = report(std::move(arguments));
+    EXPECT_EQ(done.exitCode, 0);
+    EXPECT_EQ(done.errors, "");
+    return json::parse(done.output, nullptr, false);
+  }
+
+  std::string const kRack = "1O | 1 | A | d\n1 | 1 | A | d\n";
+  std::string const kDemoFolder = std::filesystem::path(kDemo).parent_path().string();
+};
+
+template <class tNumber>
+std::string bytesOf(tNumber number) {
+  return std::string(reinterpret_cast<char const*>(&number), sizeof(number));
+}
+
+std::string entry(u64 base, u64 size, std::string const& identity, std::string const& name,
+                  std::string const& more = "") {
+  std::string const content = bytesOf(base) + bytesOf(size) + bytesOf(u8{1}) +
+                              bytesOf(static_cast<u8>(identity.size())) +
+                              bytesOf(static_cast<u8>(name.size())) + identity + name + more;
+  return bytesOf(static_cast<u16>(content.size())) + content;
+}
+
+std::string listOf(u8 count, std::string const& entries) {
+  return "MODS" + bytesOf(static_cast<u32>(entries.size() + 1)) + bytesOf(count) + entries;
+}
+
+}  // namespace
+
+TEST_F(OxdiagReportModules, AreShownWithOffsetsWithoutSymbols) {
+  std::string const text = report({save(kRack, true)}).output;
+  EXPECT_TRUE(contains(text, "\n  Call stack:\n    slotbus_demo+0x")) << text;
+  EXPECT_FALSE(contains(text, "tRackLine.cpp:65)")) << text;
+  json const data = reportJson({save(kRack, true)});
+  json const& frame = data[0]["origin"]["frames"][0];
+  EXPECT_EQ(frame["module"], "slotbus_demo");
+  json const& module = data[0]["origin"]["modules"][0];
+  EXPECT_EQ(frame["address"].get<u64>(), module["base"].get<u64>() + frame["offset"].get<u64>());
+  EXPECT_EQ(module["identityKind"], "build id");
+  EXPECT_EQ(module["identity"].get<std::string>().size(), 40U);
+}
+
+TEST_F(OxdiagReportModules, AreNotThereWhenTheyWereNotSaved) {
+  EXPECT_FALSE(contains(report({save(kRack)}).output, "Call stack"));
+  json const data = reportJson({save(kRack)});
+  EXPECT_TRUE(data[0]["origin"]["modules"].empty());
+  EXPECT_TRUE(data[0]["origin"]["frames"][0]["module"].is_null());
+  std::string const text = report({save(kRack), "--symbols", kDemoFolder}).output;
+  EXPECT_TRUE(contains(text, "(unknown module)\n")) << text;
+}
+
+// The truth is what the status itself says of its origin, and the order of the calls.
+TEST_F(OxdiagReportModules, SymbolsAreThoseOfTheFrames) {
+  json const data = reportJson({save(kRack, true), "--symbols", kDemoFolder});
+  json const& origin = data[0]["origin"];
+  std::vector<std::string> const calls = {
+      "nOXDIAG100::tStatus2::_allocateImplementationObject(",
+      "nOXDIAG100::tStatusSetter::setWithStackTrace(", "nSLOTBUS100::tRackLine::readSlot(",
+      "nSLOTBUS100::tRackLine::read(", "nSLOTBUS100::tRackReader::readLine("};
+  for (size_t index = 0; index < calls.size(); ++index) {
+    json const& place = origin["frames"][index]["places"][0];
+    EXPECT_EQ(place["function"].get<std::string>().substr(0, calls[index].size()), calls[index]);
+  }
+  json const& setter = origin["frames"][2]["places"][0];
+  std::string const file = setter["file"];
+  EXPECT_TRUE(file.ends_with(origin["file"].get<std::string>())) << file;
+  EXPECT_EQ(setter["line"], origin["line"]);
+  std::string const text = report({save(kRack, true), "--symbols", kDemoFolder}).output;
+  EXPECT_TRUE(contains(text, "tRackLine.cpp:" + std::to_string(origin["line"].get<u32>()) + ")\n"))
+      << text;
+}
+
+TEST_F(OxdiagReportModules, SymbolsThatAreMissingAreToldOf) {
+  std::string const file = save(kRack, true);
+  tRun const nothing = report({file, "--symbols", pathOf("")});
+  EXPECT_EQ(nothing.exitCode, 0);
+  EXPECT_TRUE(contains(nothing.output, "(no such file in the folder)\n")) << nothing.output;
+  std::filesystem::copy_file(kReport, pathOf("slotbus_demo"));
+  EXPECT_TRUE(contains(report({file, "--symbols", pathOf("")}).output,
+                       "(the file in the folder is of another build)\n"));
+}
+
+TEST_F(OxdiagReportModules, ABrokenModuleIsToldOf) {
+  std::string const file = save(kRack, true);
+  std::filesystem::copy_file(kDemo, pathOf("slotbus_demo"));
+  std::filesystem::resize_file(pathOf("slotbus_demo"), 4096);
+  tRun const done = report({file, "--symbols", pathOf("")});
+  EXPECT_EQ(done.exitCode, 0);
+  EXPECT_TRUE(contains(done.output, "(no symbols for it)\n")) << done.output;
+}
+
+TEST_F(OxdiagReportModules, WithoutSymbolizerThereAreOffsetsAndOneSentence) {
+  std::string const command =
+      "PATH= " + std::string(kReport) + " --symbols " + kDemoFolder + " " + save(kRack, true);
+  tRun const done = runProgram({"/bin/sh", "-c", command});
+  EXPECT_EQ(done.exitCode, 0);
+  EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+  EXPECT_TRUE(contains(done.errors, "llvm-symbolizer is not on PATH")) << done.errors;
+  EXPECT_TRUE(contains(done.output, "    slotbus_demo+0x")) << done.output;
+}
+
+TEST_F(OxdiagReportModules, ASymbolizerThatEndsOrTalksNonsenseDoesNoHarm) {
+  for (char const* program : {"exit 3", "echo nonsense; echo '[1,{}'; sleep 0.3", "yes '{}'",
+                              "echo '{\"Symbol\": [3, {\"Line\": -1}]}'"}) {
+    write("llvm-symbolizer", "#!/bin/sh\n" + std::string(program) + "\n");
+    std::filesystem::permissions(pathOf("llvm-symbolizer"), std::filesystem::perms::owner_all);
+    std::string const command = "PATH=" + pathOf("") + ":$PATH " + kReport + " --symbols " +
+                                kDemoFolder + " " + save("1O | 1 | A | d\n1 | 1 | A | d", true);
+    tRun const done = runProgram({"/bin/sh", "-c", command});
+    EXPECT_EQ(done.exitCode, 0) << program;
+    EXPECT_TRUE(contains(done.output, "    slotbus_demo+0x")) << done.output;
+  }
+}
+
+TEST_F(OxdiagReportModules, AFolderThatIsNoneGetsOneSentence) {
+  for (std::string const& name : {pathOf("absent"), write("file", "x")}) {
+    tRun const done = report({save(kRack, true), "--symbols", name});
+    EXPECT_EQ(done.exitCode, 2);
+    EXPECT_EQ(done.output, "");
+    EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+  }
+}
+
+TEST(SavedModules, AreReadFieldByField) {
+  auto const modules =
+      modulesIn(listOf(2, entry(0x1000, 0x200, "id", "a.dll") + entry(1, 2, "", "")));
+  ASSERT_EQ(modules.size(), 2U);
+  EXPECT_EQ(modules[0].base, 0x1000U);
+  EXPECT_EQ(modules[0].size, 0x200U);
+  EXPECT_EQ(modules[0].identityKind, 1);
+  EXPECT_EQ(modules[0].identity, "id");
+  EXPECT_EQ(modules[0].name, "a.dll");
+  EXPECT_EQ(modules[1].name + modules[1].identity, "");
+}
+
+TEST(SavedModules, WhatANewerWriterAddsIsPassedOver) {
+  auto const modules = modulesIn(listOf(1, entry(1, 2, "id", "a", "more")) + "NEXT record");
+  ASSERT_EQ(modules.size(), 1U);
+  EXPECT_EQ(modules[0].name, "a");
+}
+
+TEST(SavedModules, AListThatIsCutAnywhereIsNone) {
+  std::string const list = listOf(2, entry(1, 2, "id", "a.dll") + entry(3, 4, "xy", "b"));
+  for (size_t size = 0; size < list.size(); ++size) {
+    EXPECT_TRUE(modulesIn(list.substr(0, size)).empty()) << size;
+  }
+  EXPECT_EQ(modulesIn(list).size(), 2U);
+}
+
+TEST(SavedModules, AListThatContradictsItselfIsNone) {
+  EXPECT_TRUE(modulesIn(listOf(3, entry(1, 2, "id", "a") + entry(3, 4, "", "b"))).empty());
+  EXPECT_TRUE(modulesIn("MODX" + listOf(1, entry(1, 2, "", "")).substr(4)).empty());
+  std::string lying = listOf(1, entry(1, 2, "id", "a"));
+  lying[9 + 2 + 8 + 8 + 2] = '\xFF';  // the length of the name
+  EXPECT_TRUE(modulesIn(lying).empty());
+}
+
+TEST(SavedModules, AreFoundByAddress) {
+  std::vector<tSavedModule> const modules = {{0x1000, 0x100, 0, "", "a"},
+                                             {~u64{0} - 9, 10, 0, "", "b"}};
+  EXPECT_EQ(findModule(modules, 0xFFF), nullptr);
+  EXPECT_EQ(findModule(modules, 0x1000), &modules[0]);
+  EXPECT_EQ(findModule(modules, 0x10FF), &modules[0]);
+  EXPECT_EQ(findModule(modules, 0x1100), nullptr);
+  EXPECT_EQ(findModule(modules, ~u64{0} - 1), &modules[1]);
+}

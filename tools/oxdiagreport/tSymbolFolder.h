@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "oxdiagreport/savedModules.h"
+
+// A folder, with folders in it, of modules as they were built: a PE image has its PDB beside it, an
+// ELF file its debugging information in it. A file is that of a module when its name is and when it
+// has the module's identity in it. For a file without that information, one with the same name and
+// the ending .debug is taken.
+class tSymbolFolder {
+ public:
+  // Returns false when the folder cannot be read; `problem` is then one sentence part.
+  bool open(std::string const& folder, std::string& problem);
+
+  // The file of the module. Empty when there is none; `problem` then says why.
+  std::string find(tSavedModule const& module, std::string& problem) const;
+
+ private:
+  std::multimap<std::string, std::string> files;  // by name without ending, in small letters
+};

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "compiler/types.h"
+#include "oxdiagreport/tChildProgram.h"
+
+// A function that was being executed, and where.
+struct tSourcePlace {
+  std::string function;
+  std::string file;  // empty when it is not known
+  u64 line;          // 0 when it is not known
+};
+
+// LLVM's symbolizer, llvm-symbolizer of Debian's package llvm, as a program that answers until this
+// object ends.
+class tSymbolizer {
+ public:
+  // Finds the program on PATH and starts it. Returns false when there is none; `problem` is then
+  // one sentence part.
+  bool start(std::string& problem);
+
+  // What is at `offset` from the base of the module in `file`, innermost first: the functions that
+  // the compiler put into one another. Empty when nothing is known, or the program does not answer.
+  std::vector<tSourcePlace> find(std::string const& file, u64 offset);
+
+ private:
+  bool readLine(std::string& line);
+
+  tChildProgram program;
+  std::string received;
+};
