@@ -2,14 +2,22 @@
 
 #include <unistd.h>
 
+#include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "oxdiagview/exitCodes.h"
 #include "oxdiagview/standardStreams.h"
 #include "oxdiagview/tByteSource.h"
+#include "oxdiagview/tFilteredSink.h"
+#include "oxdiagview/tJsonLines.h"
 #include "oxdiagview/tOutput.h"
+#include "oxdiagview/tPerfetto.h"
+#include "oxdiagview/tRingFinder.h"
+#include "oxdiagview/tSummary.h"
 #include "oxdiagview/tTextView.h"
 #include "oxdiagview/tTraceReader.h"
 #include "oxdiagview/tickRate.h"
@@ -58,21 +66,81 @@ void readAll(tByteSource& source, tTraceReader& reader, tOutput& output) {
   }
 }
 
-int show(tViewOptions const& options) {
-  tByteSource source(options.file);
-  if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
-  tOutput output(stdout);
-  tTextView view(output, isColored(options.color));
-  tTraceReader reader(view, options.ticksPerSecond.value_or(measureTickRate()));
+std::string rateText(tViewOptions const& options, uint64_t ticksPerSecond) {
+  char text[64];
+  std::snprintf(text, sizeof(text), "by a counter of %.4g GHz%s",
+                static_cast<double>(ticksPerSecond) / 1e9,
+                options.ticksPerSecond ? "" : ", as this computer has");
+  return text;
+}
+
+std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t ticksPerSecond,
+                                      tOutput& output) {
+  if (options.wantsSummary) {
+    return std::make_unique<tSummary>(output, rateText(options, ticksPerSecond));
+  }
+  if (options.wantsJsonLines) return std::make_unique<tJsonLines>(output);
+  if (!options.perfettoFile.empty()) return std::make_unique<tPerfetto>(output);
+  return std::make_unique<tTextView>(output, isColored(options.color));
+}
+
+// The newest text of the recorders in a dump, one behind the other.
+int readDump(tByteSource& source, tTraceReader& reader) {
+  tRingFinder finder;
+  for (std::string_view bytes = source.read(); !bytes.empty(); bytes = source.read()) {
+    finder.feed(bytes);
+  }
+  finder.finish();
+  for (tRingFinder::tRing const& ring : finder.getRings()) {
+    std::fprintf(stderr,
+                 "oxdiag-view: a recorder at byte %" PRIu64 ": %" PRIu64 " KiB, %" PRIu64
+                 " bytes were written, %zu are here.\n",
+                 ring.offset, ring.capacity / 1024, ring.written, ring.text.size());
+    reader.feed(ring.text);
+    if (!ring.text.ends_with('\n')) reader.feed("\n");
+  }
+  return finder.getRings().empty() ? kExitNoRing : kExitGood;
+}
+
+int readInput(tViewOptions const& options, tByteSource& source, tTraceReader& reader,
+              tOutput& output) {
+  if (options.isDump) return readDump(source, reader);
   if (options.follows && options.file != "-") {
     follow(source, reader, output);
   } else {
     readAll(source, reader, output);
   }
+  return kExitGood;
+}
+
+int show(tViewOptions const& options, tByteSource& source, tOutput& output) {
+  uint64_t const ticksPerSecond = options.ticksPerSecond.value_or(measureTickRate());
+  std::unique_ptr<iRecordSink> const view = makeView(options, ticksPerSecond, output);
+  iRecordSink* sink = view.get();
+  std::optional<tFilteredSink> filtered;
+  if (!options.filter.empty()) sink = &filtered.emplace(options.filter, *sink);
+  tTraceReader reader(*sink, ticksPerSecond);
+  int const exitCode = readInput(options, source, reader, output);
   reader.finish();
   output.flush();
-  if (!output.isGood()) return complain("cannot write to standard output", kExitNoOutput);
-  return source.hasFailed() ? complain(source.getProblem(), kExitNoFile) : int{kExitGood};
+  if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
+  if (exitCode != kExitGood) return complain("there is no recorder in the dump", exitCode);
+  return kExitGood;
+}
+
+// Into the file that was asked for, or standard output.
+int run(tViewOptions const& options) {
+  tByteSource source(options.file);
+  if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
+  bool const isFile = !options.perfettoFile.empty() && options.perfettoFile != "-";
+  std::string const name = isFile ? "'" + options.perfettoFile + "'" : "standard output";
+  std::FILE* const file = isFile ? std::fopen(options.perfettoFile.c_str(), "wb") : stdout;
+  if (file == nullptr) return complain("cannot write to " + name, kExitNoOutput);
+  tOutput output(file);
+  int const exitCode = show(options, source, output);
+  bool const isClosed = !isFile || std::fclose(file) == 0;
+  return output.isGood() && isClosed ? exitCode
+                                     : complain("cannot write to " + name, kExitNoOutput);
 }
 
 }  // namespace
@@ -82,5 +150,5 @@ int main(int argc, char** argv) {
   int exitCode = oxdiagview::kExitGood;
   oxdiagview::prepareStandardStreams();
   auto const options = oxdiagview::readOptions(argc, argv, exitCode);
-  return options ? oxdiagview::show(*options) : exitCode;
+  return options ? oxdiagview::run(*options) : exitCode;
 }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace oxdiagview {
+
+// The few largest of very many, the largest first. Of equal ones the first that came is kept.
+template <class tItem>
+class tLargest {
+ public:
+  explicit tLargest(size_t most) : most(most) {}
+
+  void add(long long size, tItem item) {
+    if (items.size() == most && items.back().first >= size) return;
+    auto const isSmaller = [](long long wanted, auto const& other) { return wanted > other.first; };
+    auto const place = std::upper_bound(items.begin(), items.end(), size, isSmaller);
+    items.insert(place, {size, std::move(item)});
+    if (items.size() > most) items.pop_back();
+  }
+
+  std::vector<std::pair<long long, tItem>> const& getItems() const { return items; }
+
+ private:
+  size_t const most;
+  std::vector<std::pair<long long, tItem>> items;
+};
+
+}  // namespace oxdiagview

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "oxdiagview/tRecord.h"
+
+namespace oxdiagview {
+
+// The blocks that have begun and not ended, of each thread. Of a trace without thread ids all lines
+// are of thread 0.
+//
+// Memory is bounded: of very many threads or very deep ones the blocks that began first are
+// forgotten.
+class tOpenBlocks {
+ public:
+  struct tBlock {
+    std::string name;
+    std::string place;    // file and line
+    uint64_t number = 0;  // of the line at which it began
+    std::optional<uint64_t> time;
+  };
+  using tThread = std::vector<tBlock>;  // the innermost block is the last
+
+  static constexpr size_t kMostThreads = 4096;
+  static constexpr size_t kMostDepth = 256;
+
+  void begin(tRecord const& record);
+
+  // The block that `record` ends, the innermost of its name, and behind it those within it, which
+  // have lost their ends. Empty if no block of the name has begun.
+  tThread end(tRecord const& record);
+
+  std::unordered_map<uint32_t, tThread> const& getThreads() const { return threads; }
+
+ private:
+  std::unordered_map<uint32_t, tThread> threads;
+};
+
+// File and line of a record, such as a.cpp:17; empty if it shows neither.
+std::string placeOf(tRecord const& record);
+
+}  // namespace oxdiagview

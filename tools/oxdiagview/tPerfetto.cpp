@@ -1,0 +1,135 @@
+#include "oxdiagview/tPerfetto.h"
+
+#include <algorithm>
+#include <cinttypes>
+#include <cstdio>
+
+#include "oxdiagview/jsonText.h"
+
+namespace oxdiagview {
+namespace {
+
+constexpr uint64_t kNanosecondsPerLine = 1000;
+constexpr size_t kMostThreads = 100'000;
+constexpr char kNoEnd[] = "its end is not in the trace";
+constexpr char kNoBeginning[] = "its beginning is not in the trace";
+
+std::string hexadecimal(uint32_t number) {
+  char text[16];
+  std::snprintf(text, sizeof(text), "0x%" PRIX32, number);
+  return text;
+}
+
+void appendMember(std::string& json, std::string_view name, std::string_view text) {
+  if (json.back() != '{') json += ',';
+  appendJsonText(json, name);
+  json += ':';
+  appendJsonText(json, text);
+}
+
+}  // namespace
+
+tPerfetto::tPerfetto(tOutput& output) : output(output) {
+  output.put("{\"displayTimeUnit\":\"ns\",\"traceEvents\":[\n");
+}
+
+void tPerfetto::take(tRecord const& given) {
+  if (!given.hasPrefix) return;
+  tRecord record = given;
+  noteTime(record);
+  noteThread(record.thread.value_or(0));
+  if (record.kind == tKind::kBlockBegin) {
+    blocks.begin(record);
+  } else if (record.kind == tKind::kBlockEnd) {
+    takeBlockEnd(record);
+  } else {
+    putInstant(record);
+  }
+}
+
+// A counter that goes back, of another processor, stands still here.
+void tPerfetto::noteTime(tRecord& record) {
+  uint64_t const time = record.time.value_or(record.number * kNanosecondsPerLine);
+  if (!firstTime) firstTime = time;
+  lastTime = std::max(lastTime, time < *firstTime ? 0 : time - *firstTime);
+  record.time = lastTime;
+}
+
+void tPerfetto::noteThread(uint32_t thread) {
+  if (threads.size() >= kMostThreads || !threads.insert(thread).second) return;
+  beginEvent("thread_name", "M", thread);
+  json += ",\"args\":{";
+  appendMember(json, "name", thread == 0 ? "trace" : "thread " + hexadecimal(thread));
+  json += '}';
+  endEvent();
+}
+
+void tPerfetto::takeBlockEnd(tRecord const& record) {
+  uint32_t const thread = record.thread.value_or(0);
+  tOpenBlocks::tThread const ended = blocks.end(record);
+  if (ended.empty()) {
+    tOpenBlocks::tBlock const block = {std::string(record.function), placeOf(record), 0, 0};
+    return putSlice(block, thread, kNoBeginning, record.code);
+  }
+  putSlice(ended.front(), thread, nullptr, record.code);
+  for (size_t index = 1; index < ended.size(); ++index) {
+    putSlice(ended[index], thread, kNoEnd, std::nullopt);
+  }
+}
+
+void tPerfetto::putSlice(tOpenBlocks::tBlock const& block, uint32_t thread, char const* remark,
+                         std::optional<int32_t> code) {
+  uint64_t const begin = block.time.value_or(0);
+  beginEvent(block.name.empty() ? "(block)" : block.name, "X", thread);
+  putMicroseconds("ts", begin);
+  putMicroseconds("dur", lastTime - begin);
+  json += ",\"cat\":\"block\",\"args\":{";
+  if (!block.place.empty()) appendMember(json, "place", block.place);
+  if (code) appendMember(json, "status", std::to_string(*code));
+  if (remark != nullptr) appendMember(json, "remark", remark);
+  json += '}';
+  endEvent();
+}
+
+void tPerfetto::putInstant(tRecord const& record) {
+  beginEvent(record.text, "i", record.thread.value_or(0));
+  putMicroseconds("ts", *record.time);
+  json += record.kind == tKind::kAssertion ? ",\"s\":\"t\",\"cat\":\"assertion\""
+                                           : ",\"s\":\"t\",\"cat\":\"line\"";
+  json += ",\"args\":{";
+  std::string const place = placeOf(record);
+  if (!place.empty()) appendMember(json, "place", place);
+  if (record.verbosity) appendMember(json, "verbosity", std::to_string(*record.verbosity));
+  json += '}';
+  endEvent();
+}
+
+void tPerfetto::beginEvent(std::string_view name, char const* phase, uint32_t thread) {
+  json = hasEvents ? ",\n{" : "{";
+  hasEvents = true;
+  appendMember(json, "name", name);
+  appendMember(json, "ph", phase);
+  json += ",\"pid\":1,\"tid\":" + std::to_string(thread);
+}
+
+void tPerfetto::putMicroseconds(char const* member, uint64_t nanoseconds) {
+  char text[64];
+  std::snprintf(text, sizeof(text), ",\"%s\":%" PRIu64 ".%03" PRIu64, member, nanoseconds / 1000,
+                nanoseconds % 1000);
+  json += text;
+}
+
+void tPerfetto::endEvent() {
+  json += '}';
+  output.put(json);
+}
+
+void tPerfetto::finish() {
+  for (auto const& [thread, open] : blocks.getThreads()) {
+    for (tOpenBlocks::tBlock const& block : open) putSlice(block, thread, kNoEnd, std::nullopt);
+  }
+  output.put("\n]}\n");
+  output.flush();
+}
+
+}  // namespace oxdiagview
