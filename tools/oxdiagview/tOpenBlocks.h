@@ -25,8 +25,8 @@ class tOpenBlocks {
   };
   using tThread = std::vector<tBlock>;  // the innermost block is the last
 
-  static constexpr size_t kMostThreads = 4096;
-  static constexpr size_t kMostDepth = 256;
+  static constexpr size_t kMostThreads = 1024;
+  static constexpr size_t kMostDepth = 64;
 
   void begin(tRecord const& record);
 

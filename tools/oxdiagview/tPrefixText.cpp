@@ -45,15 +45,18 @@ bool isHexadecimal(std::string_view part) {
 
 // With a folder, or an ending as those of sources.
 bool isFileName(std::string_view part) {
-  if (part.find_first_of("/\\") != part.npos) return true;
+  if (part.find('/') != part.npos || part.find('\\') != part.npos) return true;
   size_t const dot = part.rfind('.');
   if (dot == part.npos || dot == 0) return false;
   std::string_view const ending = part.substr(dot + 1);
   return !ending.empty() && ending.size() <= 4 && isLetter(ending[0]);
 }
 
-bool isControl(char character) {
-  return static_cast<unsigned char>(character) < ' ';
+// Looks at all, since hardly any has one: that is faster than to stop at the first.
+bool hasControls(std::string_view text) {
+  unsigned int controls = 0;
+  for (char const character : text) controls |= static_cast<unsigned char>(character) < ' ' ? 1 : 0;
+  return controls != 0;
 }
 
 // Where the prefix ends: behind "] ", of which a tool may have taken the blank at a line's end.
@@ -66,13 +69,24 @@ size_t findEnd(std::string_view line) {
   return head.npos;
 }
 
+// Or the end.
+size_t findSeparator(std::string_view content) {
+  for (size_t place = content.find('-'); place != content.npos;
+       place = content.find('-', place + 1)) {
+    if (content.substr(place, kSeparator.size()) == kSeparator) return place;
+  }
+  return content.size();
+}
+
 }  // namespace
 
 tLook lookOf(std::string_view part) {
   if (part.empty()) return tLook::kNothing;
-  if (countDigits(part) == part.size() && part.size() <= kMostDigits) return tLook::kNumber;
-  if (isHexadecimal(part)) return tLook::kHexadecimal;
-  if (isVersion(part)) return tLook::kVersion;
+  if (isDigit(part[0])) {
+    if (part.size() <= kMostDigits && countDigits(part) == part.size()) return tLook::kNumber;
+    if (isHexadecimal(part)) return tLook::kHexadecimal;
+    if (isVersion(part)) return tLook::kVersion;
+  }
   return isFileName(part) ? tLook::kFileName : tLook::kText;
 }
 
@@ -82,7 +96,7 @@ bool tPrefixText::read(std::string_view line) {
   if (end == line.npos) return false;
   length = std::min(end + 2, line.size());
   std::string_view content = line.substr(1, end - 1);
-  if (std::any_of(content.begin(), content.end(), isControl)) return false;
+  if (hasControls(content)) return false;
   size_t const last = content.find_last_not_of('-');
   size_t const used = last == content.npos ? 0 : last + 1;
   padding = content.size() - used;
@@ -94,7 +108,7 @@ bool tPrefixText::cut(std::string_view content) {
   if (content.empty()) return padding != 0;
   for (;;) {
     if (count == kMostParts) return false;
-    size_t const end = std::min(content.find(kSeparator), content.size());
+    size_t const end = findSeparator(content);
     std::string_view const part = content.substr(0, end);
     if (part.starts_with(' ') || part.ends_with(' ')) return false;
     parts[count] = part;

@@ -1,7 +1,8 @@
 #include "oxdiagview/tTextView.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <charconv>
+#include <iterator>
 
 #include "oxdiagview/timeText.h"
 
@@ -19,6 +20,7 @@ constexpr uint32_t kMostDepth = 60;  // levels that are shown; text stays on the
 constexpr uint32_t kFailure = 140;   // verbosities from here to
 constexpr uint32_t kResult = 150;    // here are of failures
 
+constexpr std::string_view kMicro = "µ";
 constexpr std::string_view kTab = "    ";
 constexpr std::string_view kPlain = "";
 constexpr std::string_view kEnd = "\x1b[0m";
@@ -57,32 +59,48 @@ bool isControl(char character) {
   return byte < ' ' || byte == 0x7F;
 }
 
+// Looks at all, since few texts have one: that is faster than to stop at the first.
+bool hasControls(std::string_view text) {
+  unsigned int controls = 0;
+  for (char const character : text) controls |= isControl(character) ? 1 : 0;
+  return controls != 0;
+}
+
+std::string hexadecimal(uint32_t number) {
+  char digits[16] = "0x";
+  char* const end = std::to_chars(digits + 2, std::end(digits), number, 16).ptr;
+  std::transform(digits + 2, end, digits + 2, [](char digit) {
+    return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit;
+  });
+  return std::string(digits, end);
+}
+
 // Characters, where bytes of UTF-8 that go on with one do not count.
 size_t widthOf(std::string_view text) {
-  return static_cast<size_t>(std::count_if(text.begin(), text.end(), [](char character) {
-    return (static_cast<unsigned char>(character) & 0xC0) != 0x80;
-  }));
+  unsigned int width = 0;
+  for (char const character : text) width += (character & 0xC0) != 0x80 ? 1 : 0;
+  return width;
 }
 
 }  // namespace
 
 void tTextView::take(tRecord const& record) {
   columns.clear();
-  if (record.hasPrefix) putColumns(record);
+  if (record.hasPrefix) {
+    textColumn = 0;
+    putColumns(record);
+  }
   if (!columns.empty()) {
     putColor(kFaint);
     output.put(columns);
     putColor(kEnd);
   }
-  if (record.hasPrefix) textColumn = widthOf(columns);
   putText(record);
 }
 
 void tTextView::putColumns(tRecord const& record) {
   putTimes(record);
-  char thread[24];
-  if (record.thread) std::snprintf(thread, sizeof(thread), "0x%X", *record.thread);
-  if (record.thread) putRight(thread, kThreadWidth);
+  if (record.thread) putRight(hexadecimal(*record.thread), kThreadWidth);
   if (record.verbosity) putRight(std::to_string(*record.verbosity), kVerbosityWidth);
   putPlace(record);
 }
@@ -101,21 +119,42 @@ void tTextView::putTimes(tRecord const& record) {
 }
 
 void tTextView::putPlace(tRecord const& record) {
-  std::string place(record.component);
-  if (!record.version.empty()) place += (place.empty() ? "" : " ") + std::string(record.version);
-  if (!record.file.empty()) place += (place.empty() ? "" : " ") + std::string(record.file);
-  if (record.sourceLine) place += (place.empty() ? "" : ":") + std::to_string(*record.sourceLine);
-  if (place.empty()) return;
-  std::replace_if(place.begin(), place.end(), isControl, '?');
-  placeWidth = std::max(placeWidth, std::min(widthOf(place), kMostPlace));
-  columns += place;
-  columns.append(placeWidth - std::min(widthOf(place), placeWidth) + kGap, ' ');
+  size_t const begin = columns.size();
+  auto const putPart = [&](std::string_view part, char separator) {
+    if (part.empty()) return;
+    if (columns.size() != begin) columns += separator;
+    columns += part;
+  };
+  putPart(record.component, ' ');
+  putPart(record.version, ' ');
+  putPart(record.file, ' ');
+  char digits[16];
+  if (record.sourceLine) {
+    char const* const end = std::to_chars(digits, std::end(digits), *record.sourceLine).ptr;
+    putPart(std::string_view(digits, static_cast<size_t>(end - digits)), ':');
+  }
+  if (columns.size() != begin) padPlace(begin);
 }
 
+void tTextView::padPlace(size_t begin) {
+  std::string_view const place = std::string_view(columns).substr(begin);
+  if (hasControls(place)) {
+    std::replace_if(columns.begin() + static_cast<ptrdiff_t>(begin), columns.end(), isControl, '?');
+  }
+  size_t const width = widthOf(place);
+  placeWidth = std::max(placeWidth, std::min(width, kMostPlace));
+  columns.append(placeWidth - std::min(width, placeWidth) + kGap, ' ');
+  textColumn += std::max(placeWidth, width) + kGap;
+}
+
+// Of `text` no byte is beyond ASCII but in a span's unit.
 void tTextView::putRight(std::string_view text, size_t width) {
-  columns.append(width - std::min(widthOf(text), width), ' ');
+  bool const hasMicro = text.size() > 2 && text[text.size() - 2] == kMicro.back();
+  size_t const used = text.size() - (hasMicro ? kMicro.size() - 1 : 0);
+  columns.append(width - std::min(used, width), ' ');
   columns += text;
   columns.append(kGap, ' ');
+  textColumn += std::max(width, used) + kGap;
 }
 
 void tTextView::putText(tRecord const& record) {
@@ -132,8 +171,7 @@ void tTextView::putText(tRecord const& record) {
 
 // A tab is of use only at the beginning of a line, where the text never is.
 void tTextView::putSafely(std::string_view text) {
-  bool const isSafe = std::none_of(text.begin(), text.end(), isControl);
-  if (isSafe) return output.put(text);
+  if (!hasControls(text)) return output.put(text);
   for (char const character : text) {
     if (character == '\t') output.put(kTab);
     if (character != '\t') output.put(isControl(character) ? '?' : character);

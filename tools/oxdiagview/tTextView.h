@@ -24,6 +24,7 @@ class tTextView : public iRecordSink {
   void putColumns(tRecord const& record);
   void putTimes(tRecord const& record);
   void putPlace(tRecord const& record);
+  void padPlace(size_t begin);
   void putText(tRecord const& record);
   void putRight(std::string_view text, size_t width);
   void putSafely(std::string_view text);

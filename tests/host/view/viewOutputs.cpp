@@ -10,8 +10,8 @@ namespace {
 class ViewOutputs : public tViewTest {
  protected:
   tRun check(char const* script, std::string const& file) const {
-    return runProgram(
-        {"python3", std::string(OXDIAG_SOURCE_DIR "/tests/host/view/") + script, pathOf(file)});
+    return runProgram({"python3", "-I", "-S",
+                       std::string(OXDIAG_SOURCE_DIR "/tests/host/view/") + script, pathOf(file)});
   }
 
   // What the script says of the trace as slices.

@@ -1,0 +1,62 @@
+// Times in a person's units, and rates as somebody writes them.
+
+#include "oxdiagview/timeText.h"
+
+#include <gtest/gtest.h>
+
+#include "oxdiagview/tickRate.h"
+
+using oxdiagview::clockText;
+using oxdiagview::readTickRate;
+using oxdiagview::spanText;
+
+TEST(TimeText, SpansHaveThreeDigitsThatCount) {
+  EXPECT_EQ(spanText(0), "0 ns");
+  EXPECT_EQ(spanText(999), "999 ns");
+  EXPECT_EQ(spanText(1000), "1.00 µs");
+  EXPECT_EQ(spanText(1234), "1.23 µs");
+  EXPECT_EQ(spanText(9994), "9.99 µs");
+  EXPECT_EQ(spanText(9995), "10.0 µs");
+  EXPECT_EQ(spanText(99949), "99.9 µs");
+  EXPECT_EQ(spanText(99950), "100 µs");
+  EXPECT_EQ(spanText(999499), "999 µs");
+  EXPECT_EQ(spanText(999500), "1.00 ms");
+  EXPECT_EQ(spanText(999499999), "999 ms");
+  EXPECT_EQ(spanText(999500000), "1.00 s");
+  EXPECT_EQ(spanText(1'050'000'000), "1.05 s");
+  EXPECT_EQ(spanText(-16'240), "-16.2 µs");
+}
+
+TEST(TimeText, LongSpansAreInTwoUnits) {
+  constexpr int64_t kSecond = 1'000'000'000;
+  EXPECT_EQ(spanText(59'900'000'000), "59.9 s");
+  EXPECT_EQ(spanText(60 * kSecond), "1 min 00 s");
+  EXPECT_EQ(spanText(3599 * kSecond), "59 min 59 s");
+  EXPECT_EQ(spanText(7800 * kSecond), "2 h 10 min");
+  EXPECT_EQ(spanText(90'000 * kSecond), "1 d 01 h");
+  EXPECT_EQ(spanText(INT64_MIN), "-106751 d 23 h");
+}
+
+TEST(TimeText, ClocksAreSeconds) {
+  EXPECT_EQ(clockText(0), "0.000000");
+  EXPECT_EQ(clockText(16'240'999), "0.016240");
+  EXPECT_EQ(clockText(3'600'000'001'000), "3600.000001");
+  EXPECT_EQ(clockText(-1'500'000'000), "-1.500000");
+}
+
+TEST(TickRate, IsWrittenWithAUnitOrWithout) {
+  EXPECT_EQ(readTickRate("2400000000"), 2'400'000'000u);
+  EXPECT_EQ(readTickRate("2.4GHz"), 2'400'000'000u);
+  EXPECT_EQ(readTickRate("2400MHz"), 2'400'000'000u);
+  EXPECT_EQ(readTickRate("10GHz"), 10'000'000'000u);
+  for (char const* text :
+       {"", "0", "-1", "fast", "2.4 GHz", "2.4ghz", "11GHz", "0.5", "1e9", "nan", "inf"}) {
+    EXPECT_EQ(readTickRate(text), std::nullopt) << text;
+  }
+}
+
+TEST(TickRate, OfThisComputerIsThatOfAProcessor) {
+  uint64_t const rate = oxdiagview::measureTickRate();
+  EXPECT_GT(rate, 100'000'000u);
+  EXPECT_LT(rate, 10'000'000'000u);
+}
