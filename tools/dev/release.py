@@ -15,11 +15,15 @@ def version():
     return versions.Version().text
 
 
-def debian_version():
-    """In Debian's order, where a tilde comes before the end: d, a, b are before the release, f is."""
-    release, letter, build = re.fullmatch(r"([\d.]+)([dabf])(\d+)", version()).groups()
+def in_debians_order(text):
+    """A tilde comes before the end there: d, then a, then b are before the release, f is behind."""
+    release, letter, build = re.fullmatch(r"([\d.]+)([dabf])(\d+)", text).groups()
     mark = {"d": "~~d", "a": "~a", "b": "~b", "f": "+f"}[letter]
     return f"{release}{mark}{build}"
+
+
+def debian_version():
+    return in_debians_order(version())
 
 
 def source_time():
