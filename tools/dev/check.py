@@ -9,6 +9,7 @@ sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 
 import besideKit  # noqa: E402
 import budget  # noqa: E402
+import commands  # noqa: E402
 import compileChecks  # noqa: E402
 import control  # noqa: E402
 import demos  # noqa: E402
@@ -61,6 +62,7 @@ STEPS = {
                   lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
     "packages": ("what is installed, in the hands of clients", packages.check),
+    "commands": ("the commands of the pages, typed", commands.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
     "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
     "windows": ("Windows modules, warnings as errors", windows_build),
@@ -72,6 +74,7 @@ STEPS = {
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "dist": ("the archive for Windows, unpacked", distribution.check),
     "tidy": ("clang-tidy", lint.check_tidy),
+    "commands-long": ("the commands of the pages that take long, typed", commands.check_long),
     "handbook": ("the handbook as a site", handbook.check),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-debug", "host_tests")),
@@ -79,7 +82,7 @@ STEPS = {
                     lambda: programs.check("host-rounds", "host_tests")),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"dist", "tidy", "handbook", "twins", "kit-alone", "fuzz-runs", "host-plain",
+WHEN_NAMED = {"dist", "tidy", "handbook", "commands-long", "twins", "kit-alone", "fuzz-runs", "host-plain",
               "host-tsan", "host-debug", "host-rounds"}
 
 
