@@ -8,5 +8,8 @@
 #include <stdio.h>
 #include <wchar.h>
 
+// mingw-w64 has this one for programs only, in winnt.h; the kernel exports it as well.
+extern "C" PVOID NTAPI RtlPcToFileHeader(PVOID PcValue, PVOID* BaseOfImage);
+
 #include "abiChecks.h"
 #include "kernelAbi.h"
