@@ -121,7 +121,7 @@ void runOurLock(benchmark::State& state) {
     return;
   }
   for ([[maybe_unused]] auto run : state) {
-    lock->acquire(kSyncWaitForever);
+    static_cast<void>(lock->acquire(kSyncWaitForever));
     lock->release();
   }
   syncClose(lock);

@@ -39,7 +39,7 @@ void measureLock() {
   iSync* lock = syncOpen(nullptr, tSyncDescriptor{}, status);
   demand(lock != nullptr, "lock acquired and released");
   measurePath("lock acquired and released", [&] {
-    lock->acquire(kSyncWaitForever);
+    static_cast<void>(lock->acquire(kSyncWaitForever));
     lock->release();
   });
   syncClose(lock);

@@ -63,10 +63,10 @@ class OXDIAG_API iTraceDestination {
   // Writes the settings as option text, preceded by a blank, such as " --destination vex".
   //
   // With a buffer and a size (in bytes) the text is copied with its terminator, never past the
-  // buffer, and buffer[size - 1] becomes a terminator in any case. `required`, unless null, gets
+  // buffer, and buffer[size - 1] becomes a terminator in any case. `needed`, unless null, gets
   // the length of the whole text plus one. Returns where copying stopped: the place of the
   // terminator, `buffer + size` when the text was cut, or a null buffer as it is.
-  virtual char* inquire(char* buffer, unsigned int size, unsigned int* required) = 0;
+  virtual char* inquire(char* buffer, unsigned int size, unsigned int* needed) = 0;
 
   // Prepares for output. Returns 1 on success and 0 on failure; after a failure nothing is held.
   // May be called when it is open already, by switches within each other.
@@ -81,7 +81,7 @@ class OXDIAG_API iTraceDestination {
  protected:
   // inquire() for a destination whose whole settings are the one text `settings`.
   static char* inquireText(char const* settings, char* buffer, unsigned int size,
-                           unsigned int* required);
+                           unsigned int* needed);
 
   // Sends every trace stream of the module whose destination this is back to the debugger, with
   // "--destination vex". The destination still receives their lines about it, is asked for its

@@ -57,7 +57,7 @@ class OXDIAG_API tCTFTraceDestination : public iTraceDestination {
   void configure(int argc, char** const argv) override;
 
   // " --destination ctf", which describes the capture: no option of the trace stream selects one.
-  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+  char* inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   u32 open() override;
   void close() override;

@@ -69,7 +69,7 @@ class OXDIAG_API tFileTraceDestination : public iTraceDestination {
 
   // " --destination file " and the name of the last open(), as it is. The mode is left out on
   // purpose: what is restored from this text appends.
-  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+  char* inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   // Opens or creates the file, emptied first in the mode "overwrite", unless someone else has it
   // open in a way that forbids that. A file that is open is closed first. Returns 1, or 0 when the

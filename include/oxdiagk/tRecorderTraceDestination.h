@@ -13,7 +13,7 @@ namespace nOXDIAG100 {
 // write elsewhere: what it holds is what a crash dump shows. When the system stops, the recorder
 // puts the beginnings of lines that its streams have not ended behind the rest, and gives the ring
 // to the dump, as data of its own with the GUID kDumpGuid; a dump of the whole memory has it
-// anyway. How it is found there is told by tRecorderRing.
+// anyway. "oxdiagk/tRecorderRing.h" says how it is found there.
 //
 // Thread safety: any number of threads may put at once, and each text stands in the ring in one
 // piece. A text that is being copied while the ring comes round to it, 64 KiB of other text later,
@@ -58,7 +58,7 @@ class OXDIAG_API tRecorderTraceDestination : public iTraceDestination {
   void configure(int argc, char** const argv) override;
 
   // " --destination recorder 64", with " vex" behind it when texts are handed on.
-  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+  char* inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   // Takes the memory, unless it is there in this size. What was recorded stays, as far as it fits.
   // Returns 1, or 0 without memory; then everything stays as it is.

@@ -66,7 +66,7 @@ class OXDIAG_API tSerialTraceDestination : public iTraceDestination {
 
   // " --destination serial 115200". The rates 2000 and 1800 have no word here; in its place stands
   // " --destination serial " again, which chooses no rate when it is read back.
-  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+  char* inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   // Takes the bus of the system and programs the port with the rate chosen. Returns 0, and holds
   // nothing, when there is no bus or no memory for it; inquire() then still tells the former rate.

@@ -26,7 +26,7 @@ class OXDIAG_API tVEXTraceDestination : public iTraceDestination {
   void configure(int argc, char** const argv) override;
 
   // " --destination vex"
-  char* inquire(char* buffer, unsigned int size, unsigned int* required) override;
+  char* inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   u32 open() override;
   void close() override;

@@ -17,8 +17,8 @@ void iTraceDestination::close() {
 }
 
 char* iTraceDestination::inquireText(char const* settings, char* buffer, unsigned int size,
-                                     unsigned int* required) {
-  return tInquiryText(buffer, size).append(settings).finish(required);
+                                     unsigned int* needed) {
+  return tInquiryText(buffer, size).append(settings).finish(needed);
 }
 
 }  // namespace nOXDIAG100

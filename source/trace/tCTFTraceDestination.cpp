@@ -40,8 +40,8 @@ void tCTFTraceDestination::configure(int argc, char** const argv) {
   iTraceDestination::configure(argc, argv);
 }
 
-char* tCTFTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
-  return inquireText(" --destination ctf", buffer, size, required);
+char* tCTFTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  return inquireText(" --destination ctf", buffer, size, needed);
 }
 
 u32 tCTFTraceDestination::open() {

@@ -135,12 +135,9 @@ void tFileTraceDestination::configure(int argc, char** const argv) {
   }
 }
 
-char* tFileTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
+char* tFileTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* needed) {
   tNameText const name(activeName);
-  return tInquiryText(buffer, size)
-      .append(" --destination file ")
-      .append(name.text)
-      .finish(required);
+  return tInquiryText(buffer, size).append(" --destination file ").append(name.text).finish(needed);
 }
 
 u32 tFileTraceDestination::open() {

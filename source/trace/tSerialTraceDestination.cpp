@@ -64,10 +64,10 @@ void tSerialTraceDestination::configure(int argc, char** const argv) {
   for (int index = 0; argv != nullptr && index < argc; ++index) setDivisor(argv[index]);
 }
 
-char* tSerialTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
+char* tSerialTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* needed) {
   char const* const baud = getSerialBaud(activeDivisor);
   tInquiryText text(buffer, size);
-  return text.append(kSettings).append(baud == nullptr ? kSettings : baud).finish(required);
+  return text.append(kSettings).append(baud == nullptr ? kSettings : baud).finish(needed);
 }
 
 u32 tSerialTraceDestination::open() {

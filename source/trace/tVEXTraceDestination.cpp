@@ -38,8 +38,8 @@ void tVEXTraceDestination::configure(int argc, char** const argv) {
   iTraceDestination::configure(argc, argv);
 }
 
-char* tVEXTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
-  return inquireText(" --destination vex", buffer, size, required);
+char* tVEXTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* needed) {
+  return inquireText(" --destination vex", buffer, size, needed);
 }
 
 u32 tVEXTraceDestination::open() {

@@ -19,8 +19,7 @@ void openLine(tTrace& trace) {
 // Whether the calling thread owns the lock behind this handle: only an owner can release it.
 bool isOwner(iSync& lock) {
   if (lock.release() < 0) return false;
-  lock.acquire(kSyncWaitForever);
-  return true;
+  return lock.acquire(kSyncWaitForever) == 0;
 }
 
 class TraceMutex : public tRecordedStream {};

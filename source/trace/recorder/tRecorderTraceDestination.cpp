@@ -68,11 +68,11 @@ void tRecorderTraceDestination::configure(int argc, char** const argv) {
   }
 }
 
-char* tRecorderTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* required) {
+char* tRecorderTraceDestination::inquire(char* buffer, unsigned int size, unsigned int* needed) {
   tInquiryText text(buffer, size);
   text.append(" --destination recorder ").appendNumber(kiB);
   if (loadRelaxed(handsOn)) text.append(" vex");
-  return text.finish(required);
+  return text.finish(needed);
 }
 
 u32 tRecorderTraceDestination::open() {

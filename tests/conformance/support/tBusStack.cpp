@@ -54,7 +54,7 @@ tBusStack::tBusStack() : testDriver(&dispatch) {
   tFunctionDeviceDescription const description = {testDriver.get(), floorDevice,
                                                   FILE_DEVICE_BUS_EXTENDER,
                                                   tModuleGUID::of(kTestBusType), kTestBusNumber};
-  vexAddFunctionDevice(description, *this);
+  static_cast<void>(vexAddFunctionDevice(description, *this));
   function = testDriver.newestDevice();
 }
 

@@ -65,7 +65,7 @@ tFunctionStack::tFunctionStack(u32 floorFlags) : testDriver(&dispatch) {
   floor->Flags &= ~DO_DEVICE_INITIALIZING;
   tFunctionDeviceDescription const description = {testDriver.get(), floor, FILE_DEVICE_BUS_EXTENDER,
                                                   tModuleGUID::of(kStackBusType), kStackBusNumber};
-  vexAddFunctionDevice(description, component);
+  static_cast<void>(vexAddFunctionDevice(description, component));
   device = testDriver.newestDevice();
 }
 

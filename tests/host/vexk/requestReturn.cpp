@@ -88,7 +88,7 @@ TEST_F(RequestReturn, ASuspendedOneDoesNotHoldUpTheEndOfItsModule) {
 TEST_F(RequestReturn, OneThatGivesBackWhatItTookIsNotMentioned) {
   tOpenLock lock(kLockName);
   EXPECT_EQ(printOf([&] {
-              lock->acquire(kSyncWaitForever);
+              EXPECT_EQ(lock->acquire(kSyncWaitForever), 0);
               lock->release();
             }),
             "");
@@ -117,8 +117,8 @@ TEST_F(RequestReturn, OneThatStaysInARegionIsNamed) {
 
 TEST_F(RequestReturn, WhatTheThreadHadBeforeDoesNotCount) {
   tOpenLock lock(kLockName);
-  lock->acquire(kSyncWaitForever);
-  EXPECT_EQ(printOf([&] { lock->acquire(kSyncWaitForever); }), "");
+  EXPECT_EQ(lock->acquire(kSyncWaitForever), 0);
+  EXPECT_EQ(printOf([&] { EXPECT_EQ(lock->acquire(kSyncWaitForever), 0); }), "");
   lock->release();
   lock->release();
 }

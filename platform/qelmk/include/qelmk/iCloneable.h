@@ -16,7 +16,7 @@ class QELM_API iCloneable : public virtual tObject {
   // A new object of the same class with equal content, owned by the caller, who destroys it through
   // its class (tClass::deleteInstance). Null with the reason in `status` on failure; a negative
   // `status` on entry is kept and nothing is made. IRQL <= DISPATCH_LEVEL.
-  virtual iCloneable* clone(i32& status) const = 0;
+  [[nodiscard]] virtual iCloneable* clone(i32& status) const = 0;
 };
 
 }  // namespace nQELM100

@@ -6,7 +6,7 @@
 
 namespace nQELM100 {
 
-// The first error wins; a warning gives way to an error and to nothing else. Any IRQL.
+// The first error wins; an error replaces a warning, and nothing else does. Any IRQL.
 inline void mergeStatus(i32& status, i32 code) {
   if (status == 0 || (status > 0 && code < 0)) status = code;
 }

@@ -33,5 +33,5 @@ struct tFunctionDeviceDescription {
 //   STATUS_INSUFFICIENT_RESOURCES  no memory for the device
 //   STATUS_NO_SUCH_DEVICE          the physical device's stack takes no more devices
 // PASSIVE_LEVEL.
-VEX_API i32 vexAddFunctionDevice(tFunctionDeviceDescription const& description,
-                                 iDeviceComponent& component);
+[[nodiscard]] VEX_API i32 vexAddFunctionDevice(tFunctionDeviceDescription const& description,
+                                               iDeviceComponent& component);

@@ -53,7 +53,7 @@ class iSync {
   //   kStatusSyncTooDeep      the thread owns it kSyncMaximumDepth times
   //   kStatusSyncIrqlTooHigh  called above APC_LEVEL; nothing was waited for
   //   kStatusSyncFailed       the kernel refused the wait
-  virtual i32 acquire(u32 timeoutMilliseconds) = 0;
+  [[nodiscard]] virtual i32 acquire(u32 timeoutMilliseconds) = 0;
 
   // Gives one acquisition back. Returns 0, or kStatusSyncNotOwner with nothing changed when the
   // calling thread does not own the lock.
@@ -70,7 +70,8 @@ class iSync {
 //   kStatusOutOfMemory     no memory for the lock or the handle; nothing was opened
 //   kStatusNotInitialized  the platform layer is not running
 // A negative `status` on entry is kept and nothing is opened. IRQL <= APC_LEVEL; any thread.
-VEX_API iSync* syncOpen(char const* name, tSyncDescriptor const& descriptor, i32& status);
+[[nodiscard]] VEX_API iSync* syncOpen(char const* name, tSyncDescriptor const& descriptor,
+                                      i32& status);
 
 // Closes a handle and clears the pointer; null is fine and does nothing. Returns 0, or
 //   kStatusBadArgument  not an open handle (closed before through a copy of the pointer, for

@@ -17,5 +17,5 @@
 #include "compiler/types.h"
 #include "vexk/api.h"
 
-VEX_API size_t vexCopyFromUser(void* to, u64 userAddress, size_t length);
+[[nodiscard]] VEX_API size_t vexCopyFromUser(void* to, u64 userAddress, size_t length);
 VEX_API size_t vexCopyToUser(u64 userAddress, void const* from, size_t length);
