@@ -20,8 +20,8 @@
 //       OXDIAG_SET_STATUS(status, writeToPort(device.slot));   // a result of 0 changes nothing
 //     }
 //
-// The first error wins: a status that holds an error keeps it and its origin. A warning gives way
-// to an error, and to nothing else. A code of 0 changes nothing, and costs one comparison.
+// The first error wins: a status that holds an error keeps it and its origin. An error replaces a
+// warning, and nothing else does. A code of 0 changes nothing, and costs one comparison.
 //
 // `status` (tStatus2&) and `code` (i32) are evaluated once, in any order. `description`
 // (iStatus2Description const&, cloned) is evaluated only when the code is taken, and then once; it

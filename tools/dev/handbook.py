@@ -28,8 +28,9 @@ SCRIPTS = {"jquery-3.6.0.min.js": pathlib.Path("/usr/share/javascript/jquery/jqu
            "theme_extra.js": HOME / "theme_extra.js"}
 
 # Pages that stand elsewhere, or are composed.
-OTHERS = {"CONTRIBUTING.md": "contributing.md", "CHANGELOG.md": "changelog.md"}
-NAMED_PAGE = re.compile(r"(?<![\w/\[`])(?<!\]\()`?(?:docs/([\w-]+\.md)|(CONTRIBUTING\.md|CHANGELOG\.md))"
+OTHERS = {"README.md": "overview.md", "CONTRIBUTING.md": "contributing.md",
+          "CHANGELOG.md": "changelog.md"}
+NAMED_PAGE = re.compile(r"(?<![\w/\[`])(?<!\]\()`?(?:docs/([\w-]+\.md)|((?:README|CONTRIBUTING|CHANGELOG)\.md))"
                         r"`?(?![\w/\]])")
 CODE = re.compile(r"(?<!`)`([^`\n]+)`(?!`)")
 HEADER = re.compile(r"(?:include/)?((?:oxdiagk/|vexk/|qelmk/|stl/|ntos/|ntoshost/|vexkhost/|vexkwindows/)?\w+\.h)")
@@ -118,6 +119,8 @@ def with_links(line, index, page):
 
 
 def title_of(page):
+    if page == OTHERS["README.md"]:
+        return "Overview"
     source = next((name for name, target in OTHERS.items() if target == page), f"docs/{page}")
     path = workshop.TOP / source
     return path.read_text().split("\n", 1)[0].lstrip("# ") if path.exists() else page
@@ -161,18 +164,31 @@ def class_page(by_page, index):
     return text
 
 
+MAIN_PAGE = """# The public headers
+
+Every class, function and macro that a client may use, from the comments of the headers.
+
+- [Classes by name](annotated.html)
+- [Headers](files.html)
+- [The handbook](../index.html), which tells the ideas; its page
+  [Classes and headers](../classes.html) has each header beside the page of its idea.
+"""
+
+
 def run_doxygen():
     shutil.rmtree(SITE, ignore_errors=True)
     SITE.mkdir(parents=True)
     layout = WORK / "layout.xml"
     workshop.demand(["doxygen", "-l", layout], cwd=WORK)
+    (WORK / "mainpage.md").write_text(MAIN_PAGE)
     tab = '<tab type="user" visible="yes" url="../index.html" title="Handbook"/>'
     text = re.sub(r'<tab type="mainpage"[^>]*/>', tab, layout.read_text())
     layout.write_text(re.sub(r"<nestedclasses [^>]*/>", "", text))  # it links to private ones
     folders = [workshop.TOP / folder for folder in headerPages.FOLDERS]
     inputs = " ".join(str(path) for path in headerPages.headers().values())
     settings = (HOME / "Doxyfile").read_text() + f"""
-INPUT = {inputs}
+INPUT = {WORK}/mainpage.md {inputs}
+USE_MDFILE_AS_MAINPAGE = {WORK}/mainpage.md
 INCLUDE_PATH = {" ".join(map(str, folders))}
 STRIP_FROM_PATH = {" ".join(map(str, folders))}
 STRIP_FROM_INC_PATH = {" ".join(map(str, folders))}

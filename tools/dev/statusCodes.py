@@ -25,7 +25,7 @@ set a code is said by the component name in the status: one number may mean two 
 The codes of the example are in `examples/slotbus/component/statusCodes.h`. What a dispatch routine or
 the start of a module returns is an NTSTATUS of the kernel, not one of these codes.
 
-| code | name | cause | what to do | told in |
+| code | name | cause | what to do | stated in |
 |---|---|---|---|---|
 """
 
@@ -71,8 +71,8 @@ def places(name, number):
     headers = headers_that_tell(name, number)
     if not headers:
         return "the library alone"
-    shown = ", ".join(f"`{header}`" for header in headers[:4])
-    return f"{shown} and {len(headers) - 4} more" if len(headers) > 4 else shown
+    shown = ", ".join(f"`{header}`" for header in headers[:2])
+    return f"{shown} and {len(headers) - 2} more" if len(headers) > 2 else shown
 
 
 def table():
