@@ -23,6 +23,12 @@ foreach(folder IN ITEMS
     COMPONENT development FILES_MATCHING PATTERN "*.h")
 endforeach()
 
+# How debuggers show the objects of the library; docs/debugging.md tells how to load them.
+install(FILES
+  "${PROJECT_SOURCE_DIR}/tools/debugger/oxdiagk.natvis"
+  "${PROJECT_SOURCE_DIR}/tools/debugger/oxdiagk-gdb.py"
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/oxdiagk/debugger" COMPONENT development)
+
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/oxdiagkConfig.cmake.in"
   "${CMAKE_CURRENT_BINARY_DIR}/package/oxdiagkConfig.cmake"

@@ -6,6 +6,7 @@ import traceback
 import workshop
 
 sys.path.insert(0, str(workshop.TOP / "tests/compile"))
+sys.path.insert(0, str(workshop.TOP / "tests/debugger"))
 
 import besideKit  # noqa: E402
 import budget  # noqa: E402
@@ -16,12 +17,14 @@ import demos  # noqa: E402
 import dialect  # noqa: E402
 import distribution  # noqa: E402
 import fuzz  # noqa: E402
+import gdbViews  # noqa: E402
 import handbook  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
 import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
+import natvisView  # noqa: E402
 import packages  # noqa: E402
 import pages  # noqa: E402
 import programs  # noqa: E402
@@ -53,6 +56,7 @@ STEPS = {
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "documents": ("what pages and headers name is there", pages.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
+    "natvis": ("every expression of the views for WinDbg and Visual Studio", natvisView.check),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
     "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
                   lambda: programs.check("host-plain", "bare_tests", "bare")),
@@ -73,6 +77,7 @@ STEPS = {
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "dist": ("the archive for Windows, unpacked", distribution.check),
+    "gdb": ("the views for GDB, of programs by g++ and clang", gdbViews.check),
     "tidy": ("clang-tidy", lint.check_tidy),
     "commands-long": ("the commands of the pages that take long, typed", commands.check_long),
     "handbook": ("the handbook as a site", handbook.check),
@@ -82,8 +87,8 @@ STEPS = {
                     lambda: programs.check("host-rounds", "host_tests")),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"dist", "tidy", "handbook", "commands-long", "twins", "kit-alone", "fuzz-runs", "host-plain",
-              "host-tsan", "host-debug", "host-rounds"}
+WHEN_NAMED = {"dist", "gdb", "tidy", "handbook", "commands-long", "twins", "kit-alone", "fuzz-runs",
+              "host-plain", "host-tsan", "host-debug", "host-rounds"}
 
 
 def guarded(name, function):

@@ -6,8 +6,9 @@
 #   setup.sh --list [VERB]    only prints the packages
 set -euo pipefail
 
-host=(cmake ninja-build python3 g++ libcli11-dev nlohmann-json3-dev  # programs for Linux, the workshop itself,
-      mingw-w64-common)                               # and the kernel's names
+host=(cmake ninja-build python3 g++                  # programs for Linux, the workshop itself,
+      libcli11-dev nlohmann-json3-dev
+      mingw-w64-common)                              # and the kernel's names
 tests=(libgtest-dev libgmock-dev)
 sanitizers=(clang libclang-rt-14-dev lld llvm)       # second compiler, and what it links with
 windows=(clang lld llvm python3-pefile)              # the modules and their inspection
@@ -18,6 +19,7 @@ counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
 pages=(mkdocs python3-pygments doxygen)              # the handbook
+debugger=(gdb)                                       # its views
 packaging=(pkgconf mandoc)                           # what is installed, as clients find it
 packing=(dpkg-dev binutils)                          # the Debian packages
 
@@ -31,7 +33,7 @@ packages_for() {
     docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
-    everything | prove) packages_for test && echo "${pages[@]}" ;;
+    everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
       "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
       "${packing[@]}" ;;
