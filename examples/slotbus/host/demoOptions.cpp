@@ -41,11 +41,12 @@ char const* const kExamplesAndCodes =
     "  slotbus_demo --trace '--timestamp --timedelta --prefixwidth 70'\n"
     "  slotbus_demo --trace '--destination file C:/rack.out overwrite'\n"
     "  slotbus_demo --assert '--category default --break off'\n"
+    "  slotbus_demo --crash                    the last lines are in a crash dump\n"
     "\n"
-    "Exit code: 0 the rack is good or was served until Ctrl-C, 1 something in it is\n"
-    "wrong, 2 the file cannot be read, 3 the library cannot be started, 4 the output\n"
-    "cannot be written, 64 the command line is wrong; an option word that the library\n"
-    "would pass over is.";
+    "Exit code: 0 the rack is good, was served until Ctrl-C, or the machine crashed\n"
+    "as it was to, 1 something in it is wrong, 2 the file cannot be read, 3 the\n"
+    "library cannot be started, 4 the output cannot be written, 64 the command line\n"
+    "is wrong; an option word that the library would pass over is.";
 
 std::string makeFooter() {
   return kVerbositiesAndFilter + describeOptions(kTraceLanguage, "--") +
@@ -61,8 +62,9 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
       ->type_name("WORDS");
   app.add_option("--assert", options.assertions, "Option words of the assertions, see below")
       ->type_name("WORDS");
-  app.add_flag("--capture", options.captures,
-               "Trace into a buffer, whatever the destination, and print\nit at the end");
+  auto* const capture =
+      app.add_flag("--capture", options.captures,
+                   "Trace into a buffer, whatever the destination, and print\nit at the end");
   app.add_option("--drive-c", options.driveC, "The folder that is C: to the trace; by default .")
       ->type_name("DIR");
   app.add_option(
@@ -82,6 +84,14 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
   app.add_option("--at", options.socket, "The socket for oxdiagctl; by default where it looks")
       ->type_name("SOCKET")
       ->needs(serve);
+  auto* const crash =
+      app.add_flag("--crash", options.crashes,
+                   "Stop the machine when the rack is read, with the last\nlines in its crash dump")
+          ->excludes(serve)
+          ->excludes(capture);
+  app.add_option("--dump", options.dump, "The crash dump; by default a new temporary file")
+      ->type_name("FILE")
+      ->needs(crash);
   app.add_flag("--check-only", options.checksOnly)->group("");
 }
 

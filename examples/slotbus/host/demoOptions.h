@@ -16,6 +16,8 @@ struct tDemoOptions {
   bool savesModules = false;          // with the modules on their call stacks
   bool serves = false;                // stay until Ctrl-C, and let oxdiagctl change the settings
   std::optional<std::string> socket;  // where it is to look, instead of the place by default
+  bool crashes = false;               // stop the machine when the rack is read
+  std::optional<std::string> dump;    // the file of its crash dump, instead of a temporary one
   bool checksOnly = false;            // only report what is wrong with the options
   bool isFirstTry = false;            // nothing was typed behind the program's name
 };

@@ -8,6 +8,7 @@
 #include "options/filterCheck.h"
 #include "options/tOptionCheck.h"
 #include "oxdiagk/tAssertConfiguration.h"
+#include "slotbus/host/crash.h"
 #include "slotbus/host/demoOptions.h"
 #include "slotbus/host/serve.h"
 #include "slotbus/host/tEndWatch.h"
@@ -71,9 +72,16 @@ int plugIn(tDemoOptions const& options, tRackFile const& file, tTrace& trace, tS
   tRackMachine machine(rack);
   if (!machine.isRunning()) return complain("the driver cannot be started", kExitNoModule);
   if (rack.getResult() == kExitNoOutput) return complain(rack.getProblem(), kExitNoOutput);
+  if (options.crashes) crashInLine(machine, trace);
   if (serving == nullptr) return rack.getResult();
   auto const problem = serve(machine, *serving, options.socket);
   return problem ? complain(*problem, kExitNoOutput) : kExitGood;
+}
+
+// What a machine on a customer's desk would have on all day. The lines are seen here as well.
+void recordFlight(tDemoOptions const& options, tTrace& trace) {
+  bool const isChosen = tOptionWordList(options.trace).hasPair("--destination", "recorder");
+  if (!isChosen) trace.configure("--destination recorder 64 vex");
 }
 
 int runRack(tDemoOptions const& options, tRackFile const& file, tServing* serving) {
@@ -82,6 +90,7 @@ int runRack(tDemoOptions const& options, tRackFile const& file, tServing* servin
   tTrace& trace = tTrace::getInstance();
   tAssertConfiguration::getInstance().configure(options.assertions.c_str());
   trace.configure(options.trace.c_str());
+  if (options.crashes) recordFlight(options, trace);
   if (options.filter) applyFilter(*options.filter, trace);
   return plugIn(options, file, trace, serving);
 }
@@ -141,6 +150,9 @@ int runConnected(tDemoOptions const& options, tRackFile const& file) {
     return complain(*problem, kExitNoOutput);
   }
   ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);
+  if (options.crashes) {
+    return runUntilCrash([&] { return runRack(options, file, nullptr); }, options.dump);
+  }
   int const result = runRack(options, file, serving ? &*serving : nullptr);
   ntoshost::requireNoDevices("slotbus_demo");
   ntoshost::requireNoOutstanding("slotbus_demo");

@@ -1,12 +1,10 @@
 #include "slotbus/host/serve.h"
 
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 
+#include "slotbus/host/toolPlace.h"
 #include "slotbus/host/traceFile.h"
 #include "vexkhost/requestServer.h"
 #include "vexkhost/requestSocket.h"
@@ -14,22 +12,11 @@
 namespace {
 
 constexpr std::chrono::seconds kPause{2};
-constexpr char kPlaceInBuild[] = "tools/oxdiagctl/oxdiagctl";
-
-// The tool of the same build, so that its line can be copied; its name where it is elsewhere.
-std::string findControl() {
-  std::error_code problem;
-  auto const program = std::filesystem::read_symlink("/proc/self/exe", problem);
-  if (problem) return "oxdiagctl";
-  auto const build = program.parent_path().parent_path().parent_path();
-  std::string const control = (build / kPlaceInBuild).string();
-  return access(control.c_str(), X_OK) == 0 ? control : "oxdiagctl";
-}
 
 void explainHowToReach(std::optional<std::string> const& socket) {
   char place[vexkhost::kRequestPathSize] = {};
   vexkhost::getRequestSocketPath(place);
-  std::string const control = findControl() + (socket ? " --at " + *socket : "");
+  std::string const control = findTool("oxdiagctl") + (socket ? " --at " + *socket : "");
   std::fprintf(stderr,
                "serving at %s until Ctrl-C; in another terminal:\n"
                "  %s trace                        how the trace is set\n"
