@@ -9,6 +9,7 @@ sys.path.insert(0, str(workshop.TOP / "tests/compile"))
 sys.path.insert(0, str(workshop.TOP / "tests/debugger"))
 
 import besideKit  # noqa: E402
+import browser  # noqa: E402
 import budget  # noqa: E402
 import commands  # noqa: E402
 import compileChecks  # noqa: E402
@@ -85,10 +86,11 @@ STEPS = {
                    lambda: programs.check("host-debug", "host_tests")),
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
+    "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
 WHEN_NAMED = {"dist", "gdb", "tidy", "handbook", "commands-long", "twins", "kit-alone", "fuzz-runs",
-              "host-plain", "host-tsan", "host-debug", "host-rounds"}
+              "host-plain", "host-tsan", "host-debug", "host-rounds", "browser"}
 
 
 def guarded(name, function):

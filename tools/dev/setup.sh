@@ -20,6 +20,7 @@ mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, dri
 lint=(clang-format clang-tidy)
 pages=(mkdocs python3-pygments doxygen)              # the handbook
 debugger=(gdb)                                       # its views
+browser=(chromium chromium-driver fonts-dejavu-core) # the page of a trace, as people see it
 packaging=(pkgconf mandoc)                           # what is installed, as clients find it
 packing=(dpkg-dev binutils)                          # the Debian packages
 
@@ -33,7 +34,7 @@ packages_for() {
     docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
-    everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" ;;
+    everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
       "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
       "${packing[@]}" ;;

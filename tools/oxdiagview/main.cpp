@@ -5,11 +5,13 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "oxdiagview/exitCodes.h"
+#include "oxdiagview/page/tPageFormat.h"
 #include "oxdiagview/standardStreams.h"
 #include "oxdiagview/tByteSource.h"
 #include "oxdiagview/tFilteredSink.h"
@@ -74,6 +76,10 @@ std::string rateText(tViewOptions const& options, uint64_t ticksPerSecond) {
   return text;
 }
 
+std::string titleOf(tViewOptions const& options) {
+  return options.file == "-" ? "standard input" : options.file;
+}
+
 std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t ticksPerSecond,
                                       tOutput& output) {
   if (options.wantsSummary) {
@@ -81,6 +87,7 @@ std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t tick
   }
   if (options.wantsJsonLines) return std::make_unique<tJsonLines>(output);
   if (!options.perfettoFile.empty()) return std::make_unique<tPerfetto>(output);
+  if (!options.htmlFile.empty()) return std::make_unique<tPageFormat>(output, titleOf(options));
   return std::make_unique<tTextView>(output, isColored(options.color));
 }
 
@@ -128,17 +135,27 @@ int show(tViewOptions const& options, tByteSource& source, tOutput& output) {
   return kExitGood;
 }
 
+// The file that was asked for; nothing for standard output.
+std::string outputFileOf(tViewOptions const& options) {
+  std::string const& name = options.htmlFile.empty() ? options.perfettoFile : options.htmlFile;
+  return name == "-" ? "" : name;
+}
+
 // Into the file that was asked for, or standard output.
 int run(tViewOptions const& options) {
   tByteSource source(options.file);
   if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
-  bool const isFile = !options.perfettoFile.empty() && options.perfettoFile != "-";
-  std::string const name = isFile ? "'" + options.perfettoFile + "'" : "standard output";
-  std::FILE* const file = isFile ? std::fopen(options.perfettoFile.c_str(), "wb") : stdout;
+  std::string const path = outputFileOf(options);
+  std::string const name = path.empty() ? "standard output" : "'" + path + "'";
+  std::error_code isNoFile;
+  if (std::filesystem::equivalent(options.file, path, isNoFile)) {
+    return complain(name + " is the trace itself", kExitUsage);
+  }
+  std::FILE* const file = path.empty() ? stdout : std::fopen(path.c_str(), "wb");
   if (file == nullptr) return complain("cannot write to " + name, kExitNoOutput);
   tOutput output(file);
   int const exitCode = show(options, source, output);
-  bool const isClosed = !isFile || std::fclose(file) == 0;
+  bool const isClosed = path.empty() || std::fclose(file) == 0;
   return output.isGood() && isClosed ? exitCode
                                      : complain("cannot write to " + name, kExitNoOutput);
 }

@@ -33,6 +33,7 @@ char const* const kFooter =
     "  oxdiag-view --filter 'verb>=140 || comp==rack' rack.out\n"
     "  oxdiag-view --summary rack.out\n"
     "  oxdiag-view --perfetto rack.json rack.out    for ui.perfetto.dev\n"
+    "  oxdiag-view --html rack.html rack.out        for a browser\n"
     "  oxdiag-view --dump memory.dmp\n"
     "\n"
     "Exit code: 0 everything was shown, 1 there is no recorder in the dump, 2 the file\n"
@@ -71,16 +72,22 @@ void addOutput(CLI::App& app, tViewOptions& options) {
                  "Write the blocks as slices of their threads into FILE,\n"
                  "in the trace event format")
       ->type_name("FILE");
+  app.add_option("--html", options.htmlFile,
+                 "Write a page for a browser into FILE, which folds,\n"
+                 "searches, filters and zooms")
+      ->type_name("FILE");
 }
 
 // What cannot be meant together.
 char const* findContradiction(tViewOptions const& options) {
   bool const wantsPerfetto = !options.perfettoFile.empty();
-  int const outputs = options.wantsSummary + options.wantsJsonLines + wantsPerfetto;
-  if (outputs > 1) return "--summary, --jsonl and --perfetto exclude each other";
+  bool const wantsPage = !options.htmlFile.empty();
+  int const outputs = options.wantsSummary + options.wantsJsonLines + wantsPerfetto + wantsPage;
+  if (outputs > 1) return "--summary, --jsonl, --perfetto and --html exclude each other";
   if (!options.follows) return nullptr;
   if (options.isDump) return "--follow excludes --dump, which does not grow";
   if (options.wantsSummary) return "--follow excludes --summary, which needs the end";
+  if (wantsPage) return "--follow excludes --html, which needs the end";
   return wantsPerfetto ? "--follow excludes --perfetto, which needs the end" : nullptr;
 }
 

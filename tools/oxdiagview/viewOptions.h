@@ -16,6 +16,7 @@ struct tViewOptions {
   bool wantsSummary = false;
   bool wantsJsonLines = false;
   std::string perfettoFile;  // empty: none
+  std::string htmlFile;      // empty: none
   std::string filter;        // empty: everything is shown
   tColorChoice color = tColorChoice::kAuto;
   std::optional<uint64_t> ticksPerSecond;  // none: those of this computer
