@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "oxdiagview/recordColor.h"
 #include "oxdiagview/timeText.h"
 
 namespace oxdiagview {
@@ -17,42 +18,8 @@ constexpr size_t kMostPlace = 44;
 constexpr size_t kGap = 2;  // blanks between columns
 constexpr size_t kBlanksPerLevel = 2;
 constexpr uint32_t kMostDepth = 60;  // levels that are shown; text stays on the screen
-constexpr uint32_t kFailure = 140;   // verbosities from here to
-constexpr uint32_t kResult = 150;    // here are of failures
-
 constexpr std::string_view kMicro = "µ";
 constexpr std::string_view kTab = "    ";
-constexpr std::string_view kPlain = "";
-constexpr std::string_view kEnd = "\x1b[0m";
-constexpr std::string_view kFaint = "\x1b[90m";
-constexpr std::string_view kRed = "\x1b[31m";
-constexpr std::string_view kBoldRed = "\x1b[1;31m";
-constexpr std::string_view kYellow = "\x1b[33m";
-constexpr std::string_view kCyan = "\x1b[36m";
-
-bool isError(std::optional<int32_t> code) {
-  return code && *code < 0;
-}
-
-std::string_view colorOf(tRecord const& record) {
-  switch (record.kind) {
-    case tKind::kAssertion:
-      return record.category == "warning" ? kYellow : kBoldRed;
-    case tKind::kBlockBegin:
-    case tKind::kBlockEnd:
-      return isError(record.code) ? kRed : kCyan;
-    case tKind::kStatus:
-      return isError(record.code) ? kRed : kFaint;
-    case tKind::kDump:
-    case tKind::kForeign:
-    case tKind::kLegend:
-      return kFaint;
-    case tKind::kLine:
-      break;
-  }
-  bool const isFailure = record.verbosity >= kFailure && record.verbosity < kResult;
-  return isFailure ? kRed : kPlain;
-}
 
 bool isControl(char character) {
   unsigned char const byte = static_cast<unsigned char>(character);
@@ -93,7 +60,7 @@ void tTextView::take(tRecord const& record) {
   if (!columns.empty()) {
     putColor(kFaint);
     output.put(columns);
-    putColor(kEnd);
+    putColor(kNoColor);
   }
   putText(record);
 }
@@ -165,7 +132,7 @@ void tTextView::putText(tRecord const& record) {
   putColor(color);
   putSafely(record.text);
   if (record.isCut) output.put(" ... (cut)");
-  if (!color.empty()) putColor(kEnd);
+  if (!color.empty()) putColor(kNoColor);
   output.put('\n');
 }
 

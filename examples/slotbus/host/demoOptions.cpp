@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <iostream>
+#include <map>
 
 #include "ntoshost/strength.h"
 #include "options/helpEnd.h"
@@ -48,12 +49,16 @@ char const* const kExamplesAndCodes =
     "library cannot be started, 4 the output cannot be written, 64 the command line\n"
     "is wrong; an option word that the library would pass over is.";
 
+std::map<std::string, tColorChoice> const kColorChoices = {{"auto", tColorChoice::kAuto},
+                                                           {"always", tColorChoice::kAlways},
+                                                           {"never", tColorChoice::kNever}};
+
 std::string makeFooter() {
   return kVerbositiesAndFilter + describeOptions(kTraceLanguage, "--") +
          describeOptions(kAssertLanguage, "--") + kExamplesAndCodes;
 }
 
-void addOptions(CLI::App& app, tDemoOptions& options) {
+void addOptions(CLI::App& app, tDemoOptions& options, std::string& color) {
   app.add_option("FILE", options.file,
                  "The rack to read, at most 1 MiB; by default\n" + options.file)
       ->type_name("");
@@ -65,6 +70,10 @@ void addOptions(CLI::App& app, tDemoOptions& options) {
   auto* const capture =
       app.add_flag("--capture", options.captures,
                    "Trace into a buffer, whatever the destination, and print\nit at the end");
+  app.add_option("--color", color,
+                 "auto (by default: on a terminal, without NO_COLOR), always,\nnever")
+      ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
+      ->type_name("WHEN");
   app.add_option("--drive-c", options.driveC, "The folder that is C: to the trace; by default .")
       ->type_name("DIR");
   app.add_option(
@@ -106,7 +115,8 @@ std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
   app.footer(makeFooter());
   app.set_version_flag("--version", std::string("slotbus_demo ") + getToolVersion() +
                                         "\nexecutive: " + ntoshost::getStrength());
-  addOptions(app, options);
+  std::string color = "auto";
+  addOptions(app, options, color);
   try {
     app.parse(argc, argv);
   } catch (CLI::ParseError const& problem) {
@@ -114,5 +124,6 @@ std::optional<tDemoOptions> readOptions(int argc, char** argv, int& exitCode) {
     exitCode = isHelp ? endOfHelp("slotbus_demo", kExitGood, kExitNoOutput) : int{kExitUsage};
     return std::nullopt;
   }
+  options.color = kColorChoices.at(color);
   return options;
 }

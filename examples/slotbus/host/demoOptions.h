@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+enum class tColorChoice { kAuto, kAlways, kNever };
+
 // What the user typed.
 struct tDemoOptions {
   std::string file;
@@ -18,8 +20,9 @@ struct tDemoOptions {
   std::optional<std::string> socket;  // where it is to look, instead of the place by default
   bool crashes = false;               // stop the machine when the rack is read
   std::optional<std::string> dump;    // the file of its crash dump, instead of a temporary one
-  bool checksOnly = false;            // only report what is wrong with the options
-  bool isFirstTry = false;            // nothing was typed behind the program's name
+  tColorChoice color = tColorChoice::kAuto;  // of the trace on standard output
+  bool checksOnly = false;                   // only report what is wrong with the options
+  bool isFirstTry = false;                   // nothing was typed behind the program's name
 };
 
 // Exit codes of the demo.

@@ -11,6 +11,7 @@
 #include "slotbus/host/crash.h"
 #include "slotbus/host/demoOptions.h"
 #include "slotbus/host/serve.h"
+#include "slotbus/host/tColoredPrint.h"
 #include "slotbus/host/tEndWatch.h"
 #include "slotbus/host/tModules.h"
 #include "slotbus/host/tOptionWordList.h"
@@ -39,6 +40,21 @@ int complain(std::string const& sentence, int exitCode) {
 // The trace is what the demo is about, so it goes where a program's result goes.
 void printToStandardOutput(void*, char const* text, size_t length) {
   std::fwrite(text, 1, length, stdout);
+}
+
+void printInColors(void* print, char const* text, size_t length) {
+  static_cast<tColoredPrint*>(print)->put({text, length});
+}
+
+bool isColored(tColorChoice choice) {
+  return choice == tColorChoice::kAuto ? wantsColors() : choice == tColorChoice::kAlways;
+}
+
+// The trace goes to standard output, with or without colors.
+void connectOutput(tDemoOptions const& options, std::optional<tColoredPrint>& colors) {
+  if (isColored(options.color)) colors.emplace(stdout);
+  ntoshost::setDebugPrintSink(colors ? printInColors : printToStandardOutput,
+                              colors ? &*colors : nullptr);
 }
 
 void applyFilter(std::string expression, tTrace& trace) {
@@ -149,7 +165,8 @@ int runConnected(tDemoOptions const& options, tRackFile const& file) {
   if (auto const problem = connectDevices(options, serialPort, watch ? &*watch : nullptr)) {
     return complain(*problem, kExitNoOutput);
   }
-  ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);
+  std::optional<tColoredPrint> colors;
+  connectOutput(options, colors);
   if (options.crashes) {
     return runUntilCrash([&] { return runRack(options, file, nullptr); }, options.dump);
   }
@@ -157,6 +174,8 @@ int runConnected(tDemoOptions const& options, tRackFile const& file) {
   ntoshost::requireNoDevices("slotbus_demo");
   ntoshost::requireNoOutstanding("slotbus_demo");
   ntoshost::requireNoHandles("slotbus_demo");
+  ntoshost::setDebugPrintSink(printToStandardOutput, nullptr);
+  colors.reset();
   if (options.isFirstTry && result == kExitGood) suggestNext();
   return checkOutput(options, serialPort, result);
 }
