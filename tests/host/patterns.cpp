@@ -17,7 +17,7 @@ std::vector<std::string> partsOf(std::string const& text, std::string const& pat
   return {parts.begin(), parts.end()};
 }
 
-std::vector<std::string> findAll(std::string const& text, char const* pattern) {
+std::vector<std::string> findAll(std::string const& text, std::string const& pattern) {
   std::regex const searched(pattern);
   std::vector<std::string> found;
   for (std::sregex_iterator each(text.begin(), text.end(), searched), end; each != end; ++each) {

@@ -14,4 +14,4 @@ std::string replaceFirst(std::string const& text, char const* pattern, char cons
 std::vector<std::string> partsOf(std::string const& text, std::string const& pattern);
 
 // The pattern's first group, wherever it is found.
-std::vector<std::string> findAll(std::string const& text, char const* pattern);
+std::vector<std::string> findAll(std::string const& text, std::string const& pattern);

@@ -15,7 +15,7 @@ def build(presets):
 
 def demo(arguments):
     workshop.step("build the demo", workshop.build, "host-release", "slotbus_demo", "oxdiagreport",
-                  "oxdiagctl")
+                  "oxdiagctl", "oxdiag-view")
     program = workshop.tree("host-release") / "examples/slotbus/slotbus_demo"
     os.execv(program, ["slotbus_demo", *arguments])
 

@@ -5,6 +5,7 @@ import pathlib
 import re
 import shutil
 import subprocess
+import sys
 import tempfile
 
 import debianPackages
@@ -12,6 +13,10 @@ import letterbox
 import manuals
 import release
 import workshop
+
+sys.path.insert(0, str(workshop.TOP / "tests/install"))
+
+import quickstart  # noqa: E402
 
 PRESET = "host-release"
 PAGE = workshop.TOP / "docs/installing.md"
@@ -194,7 +199,18 @@ def check_readme(*_):
             (("hello.cpp", source), ("its CMakeLists.txt", lines)) if text not in page]
 
 
+def check_quickstart(_, work):
+    """The page installs into a folder of its own."""
+    page = (workshop.TOP / "docs/quickstart.md").read_text()
+    folder = work / "quickstart"
+    folder.mkdir()
+    variables = {"OXDIAG": str(workshop.TOP), "PREFIX": str(work / "quickstart prefix")}
+    usage = workshop.demand([workshop.TOP / "dev"])
+    return quickstart.unknown_verbs(page, usage) + quickstart.follow(page, folder, variables)
+
+
 CHECKS = {
+    "docs/quickstart.md": check_quickstart,
     "README.md shows examples/hello": check_readme,
     "installed tools": check_tools,
     "examples/hello finds the package": check_example,

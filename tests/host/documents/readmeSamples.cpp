@@ -1,5 +1,8 @@
 // The runs of the demo that README.md shows.
 
+#include <utility>
+#include <vector>
+
 #include "documents/tDocument.h"
 #include "patterns.h"
 #include "slotbus/demoTest.h"
@@ -22,6 +25,24 @@ std::string withoutLineNumbers(std::string const& text) {
 }
 
 constexpr std::string_view kCommand = "$ ./dev demo";
+constexpr std::string_view kPictured = "./dev demo";
+constexpr std::string_view kCut = "\u2026";
+
+std::string withoutMarkup(std::string const& xml) {
+  std::string text = replaceAll(xml, "<[^>]*>", "");
+  for (auto const& [entity, character] :
+       {std::pair("&lt;", "<"), std::pair("&gt;", ">"), std::pair("&amp;", "&")}) {
+    text = replaceAll(text, entity, character);
+  }
+  return text;
+}
+
+// The texts of these elements of a picture, without their markup.
+std::vector<std::string> textsOf(std::string const& picture, std::string const& element) {
+  std::vector<std::string> texts = findAll(picture, "<" + element + "([ >].*)</" + element + ">");
+  for (std::string& text : texts) text = withoutMarkup("<" + text);
+  return texts;
+}
 
 }  // namespace
 
@@ -41,11 +62,33 @@ TEST_F(ReadmeSamples, EveryRunOfTheDemoShowsWhatThePageSays) {
   EXPECT_EQ(runs, 1);
 }
 
+// In the order of the picture, whatever is left out between them.
+TEST_F(ReadmeSamples, ThePictureShowsWhatTheDemoTraces) {
+  std::string const picture = tDocument("docs/trace.svg").getText();
+  std::vector<std::string> const commands = textsOf(picture, "desc");
+  ASSERT_EQ(commands.size(), 1U);
+  ASSERT_TRUE(commands[0].starts_with(kPictured)) << commands[0];
+  std::string seen = withoutLineNumbers(runDemo(commands[0].substr(kPictured.size())));
+  seen = replaceAll(seen, "\t", "    ");
+  size_t place = 0;
+  size_t lines = 0;
+  for (std::string line : textsOf(picture, "text")) {
+    if (line == "...") continue;
+    bool const isCut = line.ends_with(kCut);
+    line = withoutLineNumbers(line.substr(0, line.size() - (isCut ? kCut.size() : 0)));
+    place = seen.find(line + (isCut ? "" : "\n"), place);
+    ASSERT_NE(place, std::string::npos) << line;
+    ++lines;
+  }
+  EXPECT_GT(lines, 15U);
+}
+
 TEST_F(ReadmeSamples, EveryFileThatIsNamedIsThere) {
   std::string const text = tDocument("README.md").getText();
-  for (char const* name : {"examples/slotbus/README.md", "docs/tracing.md", "docs/options.md",
-                           "docs/destinations.md", "docs/configuring.md", "docs/windows.md",
-                           "docs/status.md", "docs/testing.md", "cmake/version.cmake"}) {
+  for (char const* name :
+       {"examples/slotbus/README.md", "docs/tracing.md", "docs/options.md", "docs/destinations.md",
+        "docs/configuring.md", "docs/windows.md", "docs/status.md", "docs/testing.md",
+        "docs/quickstart.md", "docs/trace.svg", "cmake/version.cmake"}) {
     EXPECT_TRUE(contains(text, name)) << name;
     EXPECT_TRUE(std::filesystem::exists(std::string(OXDIAG_SOURCE_DIR "/") + name)) << name;
   }
