@@ -1,5 +1,5 @@
 """Programs for Windows, under Wine: oxdiagctl as far as nobody has to answer it, oxdiagreport beside
-the one for Linux, and the branch of platform/compiler for the vendor's compiler."""
+the one for Linux, oxdiag-view, and the branch of platform/compiler for the vendor's compiler."""
 
 import pathlib
 import re
@@ -15,6 +15,7 @@ PRESET = "windows-tools"
 PROGRAM = workshop.tree(PRESET) / "tools/oxdiagctl/oxdiagctl.exe"
 REPORT = workshop.tree(PRESET) / "tools/oxdiagreport/oxdiagreport.exe"
 REPORT_HERE = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
+VIEW = workshop.tree(PRESET) / "tools/oxdiagview/oxdiag-view.exe"
 DEFAULT = r"\\.\oxdiag"
 FOLDER = r"C:\windows"  # opening one as a file is denied
 FILE = r"C:\windows\win.ini"  # no device: it knows no device controls
@@ -39,6 +40,25 @@ CASES = [
      f"oxdiagctl: access to {FOLDER} is denied; administrators only, run it as one.\n", ""),
     ("something else listens", ["--at", FILE, "list"], 1,
      f"oxdiagctl: at {FILE}, something else listens.\n", ""),
+]
+
+
+# What oxdiag-view shows of a trace with line ends of a file of Windows.
+TRACE = (b"[rack--17--a.cpp--0x1A--5000000000000--100----------] the first\r\n"
+         b"[rack--18--a.cpp--0x1A--5000000016000--60-----------] open; {\r\n"
+         b"[rack--19--a.cpp--0x1A--5000000017000--140----------]   \xC3\xA4 failed\r\n")
+SHOWN = ("   0.000000                 0x1A   100  rack a.cpp:17         the first\n"
+         "   0.000016    +16.0 \u00B5s     0x1A    60  rack a.cpp:18         open; {\n"
+         "   0.000017    +1.00 \u00B5s     0x1A   140  rack a.cpp:19           \u00E4 failed\n")
+
+# Name, arguments in front of the trace's name, exit code, the whole of standard output or a part.
+VIEW_CASES = [
+    ("a trace", ["--rate", "1GHz"], 0, SHOWN),
+    ("the library's filter", ["--rate", "1GHz", "--filter", "verb>=140 && file==a.cpp"], 0,
+     "   0.000000                 0x1A   140  rack a.cpp:19           \u00E4 failed\n"),
+    ("a dump without a recorder", ["--dump"], 1, ""),
+    ("slices", ["--perfetto", "-"], 0, '"name":"open","ph":"X"'),
+    ("no trace", ["nowhere.out", "--filter", "verb>=1", "--follow"], 64, ""),
 ]
 
 
@@ -88,7 +108,7 @@ def build_branch():
 
 def run_program(arguments, program=PROGRAM):
     environment = dict(wine.environment(), WINEDEBUG="-all")
-    done = subprocess.run(["wine", program, *arguments], env=environment, text=True,
+    done = subprocess.run(["wine", program, *arguments], env=environment, encoding="utf-8",
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, timeout=wine.CALL_LIMIT)
     return done.returncode, done.stdout.replace("\r", ""), done.stderr.replace("\r", "")
@@ -150,6 +170,18 @@ def check_case(case):
     return f"{name}: exit code {seen[0]}\n{seen[1]}{seen[2]}"
 
 
+def check_view(case):
+    """The same for oxdiag-view. It has written bytes as they are: no line has another end."""
+    name, arguments, code, part = case
+    with tempfile.TemporaryDirectory() as folder:
+        trace = pathlib.Path(folder) / "trace.out"
+        trace.write_bytes(TRACE)
+        seen = run_program([*arguments, trace], VIEW)
+    if seen[0] == code and part in seen[1] and (part or not seen[1]):
+        return ""
+    return f"oxdiag-view, {name}: exit code {seen[0]}\n{seen[1]}{seen[2]}"
+
+
 def check_branch():
     """The same for what the vendor's branch is made of."""
     code, seen, errors = run_program([], BRANCH_PROGRAM)
@@ -160,7 +192,9 @@ def wine_checks():
     wine.create_prefix()
     try:
         return [*((f"oxdiagctl.exe {case[0]}", check_case(case)) for case in CASES),
-                *report_checks(), ("the vendor's branch runs", check_branch())]
+                *report_checks(),
+                *((f"oxdiag-view.exe {case[0]}", check_view(case)) for case in VIEW_CASES),
+                ("the vendor's branch runs", check_branch())]
     finally:
         wine.stop_server()
 
