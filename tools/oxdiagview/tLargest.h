@@ -13,8 +13,11 @@ class tLargest {
  public:
   explicit tLargest(size_t most) : most(most) {}
 
+  // Whether add() would keep an item of this size.
+  bool takes(long long size) const { return items.size() < most || items.back().first < size; }
+
   void add(long long size, tItem item) {
-    if (items.size() == most && items.back().first >= size) return;
+    if (!takes(size)) return;
     auto const isSmaller = [](long long wanted, auto const& other) { return wanted > other.first; };
     auto const place = std::upper_bound(items.begin(), items.end(), size, isSmaller);
     items.insert(place, {size, std::move(item)});

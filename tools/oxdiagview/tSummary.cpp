@@ -59,9 +59,8 @@ void tSummary::count(tCounts& counts, std::string_view name) {
 void tSummary::takeTime(tRecord const& record) {
   if (!record.time) return;
   if (!firstTime) firstTime = lastTime = latestTime = *record.time;
-  if (*record.time > lastTime) {
-    gaps.add(static_cast<long long>(*record.time - lastTime), record.number);
-  }
+  auto const gap = static_cast<long long>(*record.time - lastTime);
+  if (gap > 0 && gaps.takes(gap)) gaps.add(gap, {record.number, placeOf(record)});
   lastTime = *record.time;
   latestTime = std::max(latestTime, lastTime);
 }
@@ -163,8 +162,9 @@ void tSummary::putGaps() {
   if (gaps.getItems().empty()) return;
   putLine(std::string());
   putLine("Longest times without a line, and the line behind");
-  for (auto const& [gap, number] : gaps.getItems()) {
-    putLine(span(static_cast<uint64_t>(gap)) + rightOf(std::to_string(number), 10));
+  for (auto const& [gap, end] : gaps.getItems()) {
+    putLine(span(static_cast<uint64_t>(gap)) + rightOf(std::to_string(end.number), 10) +
+            (end.place.empty() ? "" : "  " + end.place));
   }
 }
 

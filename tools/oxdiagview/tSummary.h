@@ -62,7 +62,11 @@ class tSummary : public iRecordSink {
   std::set<uint32_t> threads;
   tOpenBlocks blocks;
   std::map<std::string, tBlockTimes> times;  // by name and place
-  tLargest<uint64_t> gaps{kShown};           // the line behind each
+  struct tGapEnd {
+    uint64_t number = 0;
+    std::string place;
+  };
+  tLargest<tGapEnd> gaps{kShown};  // the line behind each
   std::optional<uint64_t> firstTime;
   uint64_t lastTime = 0;
   uint64_t latestTime = 0;

@@ -147,25 +147,31 @@ TEST_F(ViewOutputs, SummaryCountsAndMeasures) {
           stamped("0x1", 2001, "} gone") + stamped("0x1", 2002, "open; {"),
       {"--summary"});
   EXPECT_EQ(done.exitCode, 0);
-  EXPECT_EQ(
-      done.output,
-      "13 lines, of which 11 with a prefix and 0 that are not of the trace\n"
-      "2.00 ms from the first line to the last, by a counter of 1 GHz\n"
-      "2 threads\n"
-      "\nComponents\n        11  rack\n"
-      "\nVerbosities\n        11  60\n"
-      "\nAssertions that did not hold\n         2  warning\n         1  mine\n"
-      "\nStatuses written, by code\n         1  -5\n"
-      "\nStatuses at the ends of blocks, by code\n         1  -7\n"
-      "\nSlowest blocks: longest, on average, how often, the line where the longest begins\n"
-      "   2.00 ms   2.00 ms       1         1  outer (a.cpp:17)\n"
-      "   6.00 µs   5.00 µs       2         9  inner (a.cpp:17)\n"
-      "1 block without an end in the trace\n"
-      "1 block without a beginning in the trace\n"
-      "\nLongest times without a line, and the line behind\n"
-      "   1.00 ms         7\n    964 µs        11\n   10.0 µs         2\n   10.0 µs         9\n"
-      "   6.00 µs        10\n   5.00 µs         3\n   4.00 µs         8\n   1.00 µs         4\n"
-      "   1.00 µs        12\n   1.00 µs        13\n");
+  EXPECT_EQ(done.output,
+            "13 lines, of which 11 with a prefix and 0 that are not of the trace\n"
+            "2.00 ms from the first line to the last, by a counter of 1 GHz\n"
+            "2 threads\n"
+            "\nComponents\n        11  rack\n"
+            "\nVerbosities\n        11  60\n"
+            "\nAssertions that did not hold\n         2  warning\n         1  mine\n"
+            "\nStatuses written, by code\n         1  -5\n"
+            "\nStatuses at the ends of blocks, by code\n         1  -7\n"
+            "\nSlowest blocks: longest, on average, how often, the line where the longest begins\n"
+            "   2.00 ms   2.00 ms       1         1  outer (a.cpp:17)\n"
+            "   6.00 µs   5.00 µs       2         9  inner (a.cpp:17)\n"
+            "1 block without an end in the trace\n"
+            "1 block without a beginning in the trace\n"
+            "\nLongest times without a line, and the line behind\n"
+            "   1.00 ms         7  a.cpp:17\n"
+            "    964 µs        11  a.cpp:17\n"
+            "   10.0 µs         2  a.cpp:17\n"
+            "   10.0 µs         9  a.cpp:17\n"
+            "   6.00 µs        10  a.cpp:17\n"
+            "   5.00 µs         3  a.cpp:17\n"
+            "   4.00 µs         8  a.cpp:17\n"
+            "   1.00 µs         4  a.cpp:17\n"
+            "   1.00 µs        12  a.cpp:17\n"
+            "   1.00 µs        13  a.cpp:17\n");
 }
 
 TEST_F(ViewOutputs, SummaryOfNothingSaysSo) {
