@@ -2,14 +2,18 @@
 
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
 #include <fstream>
 
 #include "vexk/loadedModule.h"
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr size_t kMostFiles = 100'000;
+constexpr u32 kMostDepth = 16;  // of folders in one another
+constexpr size_t kGuidSize = 16;
+constexpr char kOtherBuild[] = "the file in the folder is of another build";
 constexpr size_t kChunk = size_t{1} << 20;
 
 std::string inSmallLetters(std::string text) {
@@ -20,7 +24,7 @@ std::string inSmallLetters(std::string text) {
 }
 
 std::string withoutEnding(std::string const& name) {
-  return inSmallLetters(std::filesystem::path(name).stem().string());
+  return inSmallLetters(fs::path(name).stem().string());
 }
 
 // How the module's own file holds its identity.
@@ -30,20 +34,21 @@ std::string markOf(tSavedModule const& module) {
   return size + std::string("\3\0\0\0GNU\0", 8) + module.identity;
 }
 
-bool isModule(std::string_view start) {
-  return start.starts_with("MZ") || start.starts_with(
+bool isModule(std::string const& name) {
+  std::string start(4, '\0');
+  std::ifstream(name, std::ios::binary).read(start.data(), 4);
+  return start.starts_with("MZ") || start ==
                                         "\x7F"
-                                        "ELF");
+                                        "ELF";
 }
 
-bool isModuleWith(std::string const& name, std::string const& mark) {
+bool holds(std::string const& name, std::string const& mark) {
   std::ifstream file(name, std::ios::binary);
   std::string kept;
   std::string chunk(kChunk, '\0');
-  for (bool isFirst = true; file; isFirst = false) {
+  while (file) {
     file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
     kept.append(chunk, 0, static_cast<size_t>(file.gcount()));
-    if (isFirst && !isModule(kept)) return false;
     if (kept.find(mark) != std::string::npos) return true;
     kept.erase(0, kept.size() - std::min(kept.size(), mark.size()));
   }
@@ -51,26 +56,30 @@ bool isModuleWith(std::string const& name, std::string const& mark) {
 }
 
 bool hasEnding(std::string const& name, char const* ending) {
-  return std::filesystem::path(name).extension() == ending;
+  return inSmallLetters(fs::path(name).extension().string()) == ending;
 }
 
 }  // namespace
 
 bool tSymbolFolder::open(std::string const& folder, std::string& problem) {
-  namespace fs = std::filesystem;
   std::error_code error;
-  fs::recursive_directory_iterator place(folder, fs::directory_options::skip_permission_denied,
-                                         error);
-  while (!error && place != fs::recursive_directory_iterator()) {
-    std::error_code unknown;
-    std::string const name = place->path().filename().string();
-    if (place->is_regular_file(unknown)) files.emplace(withoutEnding(name), place->path().string());
-    if (files.size() > kMostFiles) break;
-    place.increment(error);
-  }
+  add(folder, kMostDepth, error);
   if (error) problem = "cannot read the folder '" + folder + "': " + error.message();
-  if (files.size() > kMostFiles) problem = "there are too many files in '" + folder + "'";
+  if (files.size() >= kMostFiles) problem = "there are too many files in '" + folder + "'";
   return problem.empty();
+}
+
+// A folder inside that cannot be read, or goes away meanwhile, is as good as empty.
+void tSymbolFolder::add(fs::path const& folder, u32 depth, std::error_code& error) {
+  fs::directory_iterator place(folder, error);
+  for (; !error && place != fs::directory_iterator(); place.increment(error)) {
+    std::error_code inside;
+    if (files.size() >= kMostFiles) return;
+    if (place->is_symlink(inside) && place->is_directory(inside)) continue;
+    if (depth != 0 && place->is_directory(inside)) add(place->path(), depth - 1, inside);
+    if (!place->is_regular_file(inside)) continue;
+    files.emplace(withoutEnding(place->path().filename().string()), place->path().string());
+  }
 }
 
 std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem) const {
@@ -81,12 +90,30 @@ std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem
   for (std::string const& stem : {withoutEnding(module.name), inSmallLetters(module.name)}) {
     auto const [first, last] = files.equal_range(stem);
     for (auto file = first; file != last; ++file) {
-      problem = "the file in the folder is of another build";
-      if (!isModuleWith(file->second, markOf(module))) continue;
-      if (found.empty() || hasEnding(file->second, ".debug")) found = file->second;
+      std::string const& name = file->second;
+      if (!isModule(name)) continue;
+      problem = kOtherBuild;
+      if (!holds(name, markOf(module)) || !hasSymbols(name, module, problem)) continue;
+      if (found.empty() || hasEnding(name, ".debug")) found = name;
     }
   }
   if (problem.empty()) problem = "no such file in the folder";
   if (!found.empty()) problem.clear();
   return found;
+}
+
+// The symbolizer takes the PDB beside an image for that of the image, whatever it is of.
+bool tSymbolFolder::hasSymbols(std::string const& image, tSavedModule const& module,
+                               std::string& problem) const {
+  if (module.identityKind != kModulePdbIdentity) return true;
+  problem = "there is no PDB beside the file";
+  fs::path const path(image);
+  auto const [first, last] = files.equal_range(withoutEnding(path.filename().string()));
+  for (auto file = first; file != last; ++file) {
+    fs::path const other(file->second);
+    if (other.parent_path() != path.parent_path() || !hasEnding(file->second, ".pdb")) continue;
+    if (holds(file->second, module.identity.substr(0, kGuidSize))) return true;
+    problem = "the PDB beside the file is of another build";
+  }
+  return false;
 }

@@ -1,15 +1,16 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <string>
-#include <vector>
+#include <system_error>
 
 #include "oxdiagreport/savedModules.h"
 
 // A folder, with folders in it, of modules as they were built: a PE image has its PDB beside it, an
 // ELF file its debugging information in it. A file is that of a module when its name is and when it
-// has the module's identity in it. For a file without that information, one with the same name and
-// the ending .debug is taken.
+// has the module's identity in it, as its PDB must have. For a file without that information, one
+// with the same name and the ending .debug is taken.
 class tSymbolFolder {
  public:
   // Returns false when the folder cannot be read; `problem` is then one sentence part.
@@ -19,5 +20,8 @@ class tSymbolFolder {
   std::string find(tSavedModule const& module, std::string& problem) const;
 
  private:
+  void add(std::filesystem::path const& folder, u32 depth, std::error_code& error);
+  bool hasSymbols(std::string const& image, tSavedModule const& module, std::string& problem) const;
+
   std::multimap<std::string, std::string> files;  // by name without ending, in small letters
 };

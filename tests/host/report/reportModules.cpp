@@ -5,6 +5,7 @@
 #include "oxdiagreport/savedModules.h"
 #include "oxdiagreport/tSymbolFolder.h"
 #include "report/reportTest.h"
+#include "vexk/loadedModule.h"
 
 namespace {
 
@@ -96,6 +97,25 @@ TEST_F(OxdiagReportModules, SymbolsThatAreMissingAreToldOf) {
                        "(the file in the folder is of another build)\n"));
 }
 
+TEST_F(OxdiagReportModules, SymbolsAreFoundInFoldersInsideAndBesideLinksThatLeadNowhere) {
+  std::string const file = save(kRack, true);
+  std::filesystem::create_directories(pathOf("a/b"));
+  std::filesystem::create_directory_symlink(pathOf("a"), pathOf("a/b/up"));
+  std::filesystem::create_symlink(pathOf("absent"), pathOf("a/slotbus_demo"));
+  std::filesystem::copy_file(kDemo, pathOf("a/b/slotbus_demo"));
+  std::string const text = report({file, "--symbols", pathOf("a")}).output;
+  EXPECT_TRUE(contains(text, "nSLOTBUS100::tRackLine::readSlot(")) << text;
+}
+
+TEST_F(OxdiagReportModules, AFileWithTheDebuggingInformationApartIsTaken) {
+  std::string const file = save(kRack, true);
+  std::string const apart = pathOf("slotbus_demo.debug");
+  ASSERT_EQ(runProgram({"objcopy", "--only-keep-debug", kDemo, apart}).exitCode, 0);
+  ASSERT_EQ(runProgram({"objcopy", "--strip-debug", kDemo, pathOf("slotbus_demo")}).exitCode, 0);
+  std::string const text = report({file, "--symbols", pathOf("")}).output;
+  EXPECT_TRUE(contains(text, "component/tRackLine.cpp:")) << text;
+}
+
 TEST_F(OxdiagReportModules, ABrokenModuleIsToldOf) {
   std::string const file = save(kRack, true);
   std::filesystem::copy_file(kDemo, pathOf("slotbus_demo"));
@@ -135,6 +155,29 @@ TEST_F(OxdiagReportModules, AFolderThatIsNoneGetsOneSentence) {
     EXPECT_EQ(done.output, "");
     EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
   }
+}
+
+TEST_F(OxdiagReportModules, AnImageNeedsItsOwnPdbBesideIt) {
+  std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
+  tSavedModule const module = {0x1000, 0x1000, kModulePdbIdentity, identity, "slotbus"};
+  auto const found = [&] {
+    tSymbolFolder folder;
+    std::string problem;
+    EXPECT_TRUE(folder.open(pathOf(""), problem)) << problem;
+    std::string const name = folder.find(module, problem);
+    return name.empty() ? problem : std::filesystem::path(name).filename().string();
+  };
+  EXPECT_EQ(found(), "no such file in the folder");
+  write("slotbus.pdb", "PDB " + identity.substr(0, 16));
+  EXPECT_EQ(found(), "no such file in the folder");
+  write("SlotBus.SYS", "MZ RSDS");
+  EXPECT_EQ(found(), "the file in the folder is of another build");
+  write("SlotBus.SYS", "MZ RSDS" + identity);
+  EXPECT_EQ(found(), "SlotBus.SYS");
+  write("slotbus.pdb", "PDB 0123456789abcdeX");
+  EXPECT_EQ(found(), "the PDB beside the file is of another build");
+  std::filesystem::remove(pathOf("slotbus.pdb"));
+  EXPECT_EQ(found(), "there is no PDB beside the file");
 }
 
 TEST(SavedModules, AreReadFieldByField) {
