@@ -101,7 +101,7 @@ bool tWordFile::add(std::string_view text, std::string& problem) {
     if (line.ends_with('\r')) line.remove_suffix(1);
     line = withoutBlanks(line);
     if (line.empty() || line.starts_with('#') || addLine(line, problem)) continue;
-    problem = "line " + std::to_string(number) + ": " + problem;
+    problem.insert(0, "line " + std::to_string(number) + ": ");
     return false;
   }
   for (auto& [name, component] : components) makeTables(component);

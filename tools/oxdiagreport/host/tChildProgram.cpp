@@ -49,7 +49,7 @@ std::string tChildProgram::findOnPath(std::string const& name) {
   char const* const variable = std::getenv("PATH");
   std::istringstream path(variable != nullptr ? variable : "");
   for (std::string folder; std::getline(path, folder, ':');) {
-    std::string const file = (folder.empty() ? "." : folder) + "/" + name;
+    std::string file = (folder.empty() ? "." : folder) + "/" + name;
     if (access(file.c_str(), X_OK) == 0) return file;
   }
   return "";
