@@ -181,8 +181,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   // Moves the stream to `next`: announces it by a line on the former destination, asks that one
   // for its settings, closes it and opens `next`. When that fails the former destination is
   // configured as it was and opened again; when that fails too, the debugger print takes over. Both
-  // are reported by lines of the stream. The lines are written while the stream is enabled, also within
-  // a line that is hidden.
+  // are reported by lines of the stream. The lines are written while the stream is enabled, also
+  // within a line that is hidden.
   //
   // A destination may be used by several streams: the first that takes it opens it, the last that
   // leaves it closes it. Taken by a stream that has it already, it is closed and opened again for

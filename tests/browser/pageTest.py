@@ -15,6 +15,8 @@ import unittest
 import webDriver
 
 FIELDS = "--timestamp --timedelta --threadid --verbosity --prefixwidth 110"
+STAMP = re.compile(rb"(--0x[0-9A-F]+--)(\d+)")
+TICKS = 5000            # between two lines
 MOST_ROWS = 100         # that a page may have as elements, whatever the trace
 MANY_LINES = 200_000
 PATIENCE = 10           # seconds until something must be seen
@@ -57,11 +59,18 @@ def make_page(name, trace):
     return page
 
 
+def at_even_times(lines):
+    """The lines as if the same time had passed between all of them, whatever the machine was doing."""
+    first = int(STAMP.search(lines[0])[2])
+    return [STAMP.sub(lambda found: found[1] + str(first + number * TICKS).encode(), line, count=1)
+            for number, line in enumerate(lines)]
+
+
 def demo_trace():
     rack = pathlib.Path(__file__).resolve().parents[2] / "examples/slotbus/faulty.txt"
     done = subprocess.run([Places.demo, rack, "--filter", "verbosity>=60", "--trace", FIELDS],
                           stdout=subprocess.PIPE, check=False)
-    lines = done.stdout.splitlines(keepends=True)
+    lines = at_even_times(done.stdout.splitlines(keepends=True))
     # Another component, another thread, and both kinds of a mark.
     lines[5] = lines[5].replace(b"[slotbus--", b"[rack--", 1)
     lines[6] = re.sub(rb"0x[0-9A-F]+", b"0x7", lines[6], count=1)
@@ -354,6 +363,14 @@ class Strangers(PageTest):
         self.open("empty", b"")
         self.assertEqual(self.browser.text("#nothing"), "The trace is empty.")
         self.browser.keys("nmNM[]" + webDriver.DOWN + webDriver.END)
+
+    def test_without_times_the_time_line_counts_lines(self):
+        self.open("plain", nasty_trace())
+        count = len(nasty_trace().splitlines())
+        label = self.browser.label(self.browser.find("#timeLine"))
+        self.assertIn(f"from line 1 to line {count}", label)
+        self.browser.drag("#timeLine canvas", 0.0, 0.4)
+        self.await_(lambda: 0 < self.shown() < count, "the drag has no effect")
 
     def test_a_policy_keeps_other_scripts_out(self):
         self.browser.run("""

@@ -123,7 +123,7 @@ class TimeLine {
   }
 
   spanText(span) {
-    return this.model.hasTimes ? this.model.spanText(span) : `${countText(Math.round(span))} lines`;
+    return this.model.hasTimes ? this.model.spanText(span) : `${countText(Math.round(span) + 1)} lines`;
   }
 
   show(lines, selected) {
