@@ -5,6 +5,7 @@ another page, a header or a class, the site has a link, and each page ends with 
 idea. Doxygen's first warning is the end of it.
 """
 
+import json
 import os
 import pathlib
 import re
@@ -35,6 +36,7 @@ NAMED_PAGE = re.compile(r"(?<![\w/\[`])(?<!\]\()`?(?:docs/([\w-]+\.md)|((?:READM
 CODE = re.compile(r"(?<!`)`([^`\n]+)`(?!`)")
 HEADER = re.compile(r"(?:include/)?((?:oxdiagk/|vexk/|qelmk/|stl/|ntos/|ntoshost/|vexkhost/|vexkwindows/)?\w+\.h)")
 CLASS = re.compile(r"(?:nOXDIAG100::|nQELM100::|_STL::|ntoshost::|vexkhost::)?([A-Za-z]\w+)")
+NAMED_BLOCK = re.compile(r"^(```\w+) \w+$")  # the name is for the tests
 FENCE = re.compile(r"^(```|    )")
 
 
@@ -130,6 +132,7 @@ def composed(text, index, page):
     lines, within = [], False
     for line in text.splitlines():
         within ^= line.startswith("```")
+        line = NAMED_BLOCK.sub(r"\1", line)
         is_code = within or FENCE.match(line) is not None
         lines.append(line if is_code else with_links(line, index, page))
     return "\n".join(lines) + "\n"
@@ -214,6 +217,17 @@ def run_mkdocs():
     return output
 
 
+def put_search():
+    """Ours in place of mkdocs', which cannot read its index when the site is opened as a file."""
+    folder = SITE / "search"
+    found = json.loads((folder / "search_index.json").read_text())["docs"]
+    sections = [each for each in found if "#" in each["location"]]  # the others are whole pages
+    shutil.rmtree(folder)
+    folder.mkdir()
+    (folder / "index.js").write_text("window.handbookIndex = " + json.dumps(sections) + ";\n")
+    shutil.copy(HOME / "search.js", folder / "main.js")
+
+
 def build():
     """Doxygen's and mkdocs' complaints end it. Returns the site's first page."""
     shutil.rmtree(WORK, ignore_errors=True)
@@ -225,6 +239,7 @@ def build():
     complaints = [line for line in run_mkdocs().splitlines() if "reference/" not in line]
     if complaints:
         raise workshop.Failure("\n".join(complaints))
+    put_search()
     return SITE / "index.html"
 
 
