@@ -274,12 +274,18 @@ def fetched_complaints():
 
 
 def class_complaints():
-    """A class of a public header that no page of the site leads to."""
+    """Classes of public headers that the page of their idea, or the list, does not lead to."""
     index = Index(WORK / "reference.xml")
-    page = (SITE / "classes.html").read_text()
-    return [f"{name} is not in classes.html" for header in headerPages.headers()
-            for name in index.classes_of(header)
-            if name in index.classes and f'href="reference/{index.classes[name]}"' not in page]
+    wrong = []
+    for page, headers in headerPages.by_page().items():
+        if not headers:
+            continue
+        texts = {name: (SITE / f"{name}.html").read_text() for name in (page, "classes")}
+        wrong += [f"{name} is not in {place}.html" for header in headers
+                  for name in index.classes_of(header) if name in index.classes
+                  for place, text in texts.items()
+                  if f'href="reference/{index.classes[name]}"' not in text]
+    return wrong if index.members else ["the reference has no headers"]
 
 
 def check():
