@@ -65,6 +65,7 @@ VIEW_CASES = [
 # gcc has not all of the vendor's intrinsics, clang does; the one header that neither has comes last.
 BRANCH = workshop.TOP / "tests/compile/kit/vendorBranch.cpp"
 BRANCH_PROGRAM = workshop.tree(PRESET) / "vendorBranch.exe"
+KERNEL_CALLS = workshop.tree(PRESET) / "tests/program/kernelCalls.exe"
 BRANCH_COMPILER = [
     "clang++", "--target=x86_64-w64-mingw32", "-fms-extensions", "-std=c++20", "-O2", "-Wall",
     "-Wextra", "-Werror", "-fno-exceptions", "-fno-rtti", "-nostdinc++",
@@ -182,10 +183,10 @@ def check_view(case):
     return f"oxdiag-view, {name}: exit code {seen[0]}\n{seen[1]}{seen[2]}"
 
 
-def check_branch():
-    """The same for what the vendor's branch is made of."""
-    code, seen, errors = run_program([], BRANCH_PROGRAM)
-    return "" if (code, seen) == (0, "0 faults\n") else f"vendor's branch: {code}\n{seen}{errors}"
+def check_faults(program):
+    """The same of a program that counts its faults itself."""
+    code, seen, errors = run_program([], program)
+    return "" if (code, seen) == (0, "0 faults\n") else f"{program.name}: {code}\n{seen}{errors}"
 
 
 def wine_checks():
@@ -194,7 +195,8 @@ def wine_checks():
         return [*((f"oxdiagctl.exe {case[0]}", check_case(case)) for case in CASES),
                 *report_checks(),
                 *((f"oxdiag-view.exe {case[0]}", check_view(case)) for case in VIEW_CASES),
-                ("the vendor's branch runs", check_branch())]
+                ("the vendor's branch runs", check_faults(BRANCH_PROGRAM)),
+                ("the kernel calls of programs", check_faults(KERNEL_CALLS))]
     finally:
         wine.stop_server()
 
