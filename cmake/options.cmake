@@ -44,9 +44,10 @@ elseif(OXDIAG_TARGET STREQUAL "windows")
     --target=x86_64-pc-windows-msvc -O2 -g -gcodeview -fms-extensions -ffreestanding -fno-exceptions -fno-rtti
     -mno-implicit-float -fno-threadsafe-statics -fstack-protector-strong "SHELL:-Xclang -cfguard"
     -fno-jump-tables -Wno-language-extension-token)
-  # The same files from a clone at another path: no absolute path gets into an object.
+  # The same files from a clone at another path: no absolute path gets into an object. Neither do the
+  # colors of messages, which a compiler cache would ask for, and the debug information tell.
   target_compile_options(oxdiag_warnings INTERFACE
-    -ffile-compilation-dir=. "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=.")
+    -fno-color-diagnostics -ffile-compilation-dir=. "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=.")
   set_property(GLOBAL PROPERTY RULE_LAUNCH_COMPILE
     "${CMAKE_COMMAND} \"-DTOP=${PROJECT_SOURCE_DIR}\" -P \"${CMAKE_CURRENT_LIST_DIR}/callCompiler.cmake\" --")
 elseif(OXDIAG_TARGET STREQUAL "metal")
