@@ -57,12 +57,15 @@ size_t countFields(tFieldSet fields) {
   return static_cast<size_t>(std::popcount(fields));
 }
 
-int countLooks(uint32_t signature) {
-  return (std::bit_width(signature) - 1) / static_cast<int>(tPrefixText::kBitsOfALook);
+// The highest bit is in front of the looks.
+size_t countLooks(uint32_t signature) {
+  return (static_cast<size_t>(std::bit_width(signature)) - 1) / tPrefixText::kBitsOfALook;
 }
 
+// `index` is below the count.
 tLook lookAt(uint32_t signature, size_t index) {
-  size_t const behind = static_cast<size_t>(countLooks(signature)) - index - 1;
+  size_t const count = countLooks(signature);
+  size_t const behind = index < count ? count - index - 1 : 0;
   constexpr uint32_t kMask = (1u << tPrefixText::kBitsOfALook) - 1;
   return static_cast<tLook>(signature >> (behind * tPrefixText::kBitsOfALook) & kMask);
 }
@@ -103,8 +106,7 @@ void tLayoutTable::findUsual() {
   }
   if (most != nullptr) usual = solve(*most);
   for (tShape const& shape : shapes) {
-    if (countLooks(shape.signature) > static_cast<int>(countFields(fullest)))
-      fullest = solve(shape);
+    if (countLooks(shape.signature) > countFields(fullest)) fullest = solve(shape);
   }
 }
 
@@ -174,7 +176,7 @@ tFieldSet tLayoutTable::solve(tShape const& shape) const {
   tFieldSet best = 0;
   int bestCost = tColumn::kNever;
   for (tFieldSet fields = 1; fields <= kAllFields; ++fields) {
-    if (std::popcount(fields) != countLooks(shape.signature)) continue;
+    if (countFields(fields) != countLooks(shape.signature)) continue;
     int const cost = getCost(shape, fields);
     if (cost < bestCost) best = fields;
     bestCost = std::min(cost, bestCost);
