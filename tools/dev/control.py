@@ -90,8 +90,8 @@ REPORTS = [
 ]
 
 # What every Windows has.
-SYSTEM_LIBRARIES = {"kernel32.dll", "msvcrt.dll", "ntdll.dll", "shell32.dll", "user32.dll",
-                    "advapi32.dll", "ws2_32.dll"}
+SYSTEM_LIBRARIES = {"kernel32.dll", "msvcrt.dll", "ntdll.dll", "user32.dll", "advapi32.dll",
+                    "ws2_32.dll"}
 
 
 def every_program():

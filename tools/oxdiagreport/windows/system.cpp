@@ -3,12 +3,15 @@
 #include <fcntl.h>
 #include <io.h>
 #include <windows.h>
-// Behind the one that it needs.
-#include <shellapi.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+
+// Of the runtime, which documents it without a header: the words of the command line as UTF-16. The
+// shell's own function for that would start all that has to do with windows.
+extern "C" int __cdecl __wgetmainargs(int* count, wchar_t*** words, wchar_t*** environment,
+                                      int expandsWildcards, int* newMode);
 
 #include "oxdiagreport/windows/wideText.h"
 
@@ -29,10 +32,12 @@ void restoreCodePage() {
 
 std::vector<std::string> commandWords(int, char**) {
   int count = 0;
-  wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
+  wchar_t** words = nullptr;
+  wchar_t** environment = nullptr;
+  int newMode = 0;
+  __wgetmainargs(&count, &words, &environment, 0, &newMode);
   std::vector<std::string> utf8;
   for (int index = 1; index < count; ++index) utf8.push_back(utf8Of(words[index]));
-  LocalFree(words);
   return utf8;
 }
 
