@@ -1,4 +1,4 @@
-"""The Debian packages: oxdiagk-tools and liboxdiagk-dev, of what cmake --install puts into place."""
+"""The Debian packages oxdiagk-tools and liboxdiagk-dev, of what cmake --install puts into place."""
 
 import email.utils
 import gzip

@@ -173,7 +173,8 @@ def check_debian(_, work):
     """The packages in an empty root, by the lines of docs/installing.md."""
     folder, root = work / "debian", work / "root"
     shutil.copytree(HELLO, folder)
-    wrong = [line for package in debianPackages.make(folder) for line in licence_complaints(package)]
+    wrong = [line for package in debianPackages.make(folder)
+             for line in licence_complaints(package)]
     environment = prepare_root(work)
     for name, block in TYPED.findall(PAGE.read_text()):
         failed, output = type_block(name, block, folder, environment)

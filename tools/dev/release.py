@@ -27,8 +27,8 @@ def debian_version():
 
 
 def source_time():
-    """Seconds since 1970: SOURCE_DATE_EPOCH, else the time of the commit, else of the file that holds
-    the version. What is made of the same sources is the same at any time."""
+    """Seconds since 1970: SOURCE_DATE_EPOCH, else the time of the commit, else of the file that
+    holds the version. What is made of the same sources is the same at any time."""
     given = os.environ.get("SOURCE_DATE_EPOCH", "")
     code, told = workshop.run(["git", "log", "-1", "--format=%ct"], cwd=workshop.TOP)
     if given:

@@ -21,7 +21,7 @@ import driverPackages  # noqa: E402
 
 TEMPLATES = workshop.TOP / "packaging/windows"
 LIBRARIES = ["vexk.dll", "qelmk.dll", "oxdiagk.dll"]
-# The kernel's names that the modules import, for who has no driver kit; the last one is linked whole.
+# For who has no driver kit: the kernel's names, and what a driver has of a language runtime.
 IMPORT_LIBRARIES = ["ntoskrnl.lib", "driverRuntime.lib"]
 HEADER_FOLDERS = ["include", *(f"platform/{part}/{place}" for part in
                                ("compiler", "vexk", "qelmk", "stl")
@@ -60,7 +60,8 @@ CONTENTS = {
 }
 
 VERSION_FILE = """set(PACKAGE_VERSION {version})
-if(PACKAGE_FIND_VERSION_MAJOR STREQUAL "{major}" AND NOT PACKAGE_FIND_VERSION VERSION_GREATER "{version}")
+if(PACKAGE_FIND_VERSION_MAJOR STREQUAL "{major}" AND
+   NOT PACKAGE_FIND_VERSION VERSION_GREATER "{version}")
   set(PACKAGE_VERSION_COMPATIBLE TRUE)
 endif()
 """
@@ -156,7 +157,8 @@ def put_page_and_sums(top):
     page = release.filled(TEMPLATES / "README.txt.in", VERSION=release.version(),
                           CONTENTS=table(contents()))
     (top / "README.txt").write_bytes(page.replace("\n", "\r\n").encode("ascii"))
-    sums = [f"{release.digest(path)}  {path.relative_to(top).as_posix()}\n" for path in files_of(top)]
+    sums = [f"{release.digest(path)}  {path.relative_to(top).as_posix()}\n"
+            for path in files_of(top)]
     (top / "SHA256SUMS").write_text("".join(sums))
 
 
@@ -168,7 +170,8 @@ def unnamed(top):
             for path in contents()}
     named = {file for found in held.values() for file in found}
     return [f"README.txt does not name {file}" for file in files if file not in named] + \
-        [f"README.txt names {path}, which is not there" for path, found in held.items() if not found]
+        [f"README.txt names {path}, which is not there"
+         for path, found in held.items() if not found]
 
 
 def assemble(top):
