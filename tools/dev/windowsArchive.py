@@ -26,7 +26,7 @@ IMPORT_LIBRARIES = ["ntoskrnl.lib", "driverRuntime.lib"]
 HEADER_FOLDERS = ["include", *(f"platform/{part}/{place}" for part in
                                ("compiler", "vexk", "qelmk", "stl")
                                for place in ("include", "windows/include"))]
-NOTES = ["windows", "tracing", "options", "destinations", "configuring", "status"]
+NOTES = ["windows", "tracing", "options", "destinations", "configuring", "status", "viewing"]
 EXAMPLE = workshop.TOP / "examples/hello-driver"
 
 # What README.txt says of each file, or of all files of a folder; of the programs what they say of
