@@ -38,6 +38,11 @@ OWNERS = [
     ("*", r"\./dev kernel demo", "tools/dev/demos.py"),
     ("*", r"\./dev metal", "tools/dev/metal.py"),
     ("*", r"\./dev docs", "tools/dev/handbook.py"),
+    ("*", r"\./dev dist", "tools/dev/distribution.py"),
+    ("*", r"\./dev kernel demo .* --save rack\.statuses --modules", "tools/dev/demos.py"),
+    ("*", r"\./dev demo --crash", "tests/host/slotbus/demoCrash.cpp"),
+    ("*", r".*oxdiag-view --dump DUMP", "tests/host/slotbus/demoCrash.cpp"),
+    ("docs/status.md", r"oxdiagreport --symbols .*", "tests/host/report/reportModules.cpp"),
     ("*", r"\./dev budget( --write)?", "tools/dev/budget.py"),
 ]
 
@@ -54,7 +59,9 @@ TYPED = {
     "./dev demo --help": None,
     "./dev demo examples/slotbus/faulty.txt --save out/rack.statuses":  # a rack with wrong lines
         "./dev demo examples/slotbus/faulty.txt --save out/rack.statuses; test $? -eq 1",
-    "out/host-release/tools/oxdiagreport/oxdiagreport out/rack.statuses": None,
+    "out/host-release/tools/oxdiagreport/oxdiagreport --words examples/slotbus/words/english.words "
+    "out/rack.statuses": None,
+    "./dev demo | out/host-release/tools/oxdiagview/oxdiag-view --html rack.html": None,
     "./dev demo --serve": None,
     "out/host-release/tools/oxdiagctl/oxdiagctl trace --timestamp on": None,
     "./dev fuzz --list": None,

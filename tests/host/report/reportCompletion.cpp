@@ -23,9 +23,9 @@ class ReportCompletion : public tReportTest {
 }  // namespace
 
 TEST_F(ReportCompletion, OffersOptions) {
-  EXPECT_EQ(offered("--"), "--format --help --language --version\n");
-  EXPECT_EQ(offered("--format json --"), "--language\n");
-  EXPECT_EQ(offered("--language german --format json --"), "\n");
+  EXPECT_EQ(offered("--"), "--format --help --language --symbols --version --words\n");
+  EXPECT_EQ(offered("--format json --"), "--language --symbols --words\n");
+  EXPECT_EQ(offered("--language german --format json --symbols . --"), "--words\n");
   EXPECT_EQ(offered("--help ''"), "\n");
 }
 
@@ -33,6 +33,8 @@ TEST_F(ReportCompletion, OffersValuesOfAnOption) {
   EXPECT_EQ(offered("--format ''"), "json text\n");
   EXPECT_EQ(offered("--language g"), "german\n");
   EXPECT_EQ(offered("--format r"), "\n");
+  EXPECT_EQ(offered("--words ra"), "rack.statuses\n");
+  EXPECT_EQ(offered("--symbols r"), "\n");
 }
 
 TEST_F(ReportCompletion, OffersOneFile) {

@@ -23,9 +23,9 @@ class ViewCompletion : public tDemoTest {
 }  // namespace
 
 TEST_F(ViewCompletion, OffersOptions) {
-  EXPECT_EQ(
-      offered("--"),
-      "--color --dump --filter --follow --help --jsonl --perfetto --rate --summary --version\n");
+  EXPECT_EQ(offered("--"),
+            "--color --dump --filter --follow --help --html --jsonl --perfetto --rate --summary "
+            "--version\n");
   EXPECT_EQ(offered("--follow --f"), "--filter\n");
   EXPECT_EQ(offered("--help ''"), "\n");
 }
@@ -34,6 +34,7 @@ TEST_F(ViewCompletion, OffersValuesOfAnOption) {
   EXPECT_EQ(offered("--color a"), "always auto\n");
   EXPECT_EQ(offered("--filter ''"), "\n");
   EXPECT_EQ(offered("--perfetto r"), "rack.out\n");
+  EXPECT_EQ(offered("--html r"), "rack.out\n");
 }
 
 TEST_F(ViewCompletion, OffersOneFile) {
