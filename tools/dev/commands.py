@@ -61,7 +61,8 @@ TYPED = {
         "./dev demo examples/slotbus/faulty.txt --save out/rack.statuses; test $? -eq 1",
     "out/host-release/tools/oxdiagreport/oxdiagreport --words examples/slotbus/words/english.words "
     "out/rack.statuses": None,
-    "./dev demo | out/host-release/tools/oxdiagview/oxdiag-view --html rack.html": None,
+    "./dev demo | out/host-release/tools/oxdiagview/oxdiag-view --html rack.html":  # says nothing
+        "./dev demo | out/host-release/tools/oxdiagview/oxdiag-view --html rack.html; ls rack.html",
     "./dev demo --serve": None,
     "out/host-release/tools/oxdiagctl/oxdiagctl trace --timestamp on": None,
     "./dev fuzz --list": None,
@@ -170,7 +171,7 @@ def type_pair(folder, environment):
 
 
 def check():
-    workshop.build("host-release", "slotbus_demo", "oxdiagreport", "oxdiagctl")
+    workshop.build("host-release", "slotbus_demo", "oxdiagreport", "oxdiagctl", "oxdiag-view")
     results = [("each has a test", complaints())]
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
