@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "control/controlTest.h"
+#include "shellCompletion.h"
 
 namespace {
 
@@ -27,10 +28,9 @@ class Completion : public tControlTest {
 
   // What may stand for the last of these words, in order.
   std::string offered(std::string const& words) const {
-    std::string const script =
-        "PATH=" OXDIAG_BINARY_DIR "/tools/oxdiagctl:$PATH; source " OXDIAG_SOURCE_DIR
-        "/tools/oxdiagctl/oxdiagctl.bash; COMP_WORDS=(oxdiagctl " +
-        words + "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _oxdiagctl; echo ${COMPREPLY[@]}";
+    std::string const script = "PATH=" OXDIAG_BINARY_DIR "/tools/oxdiagctl:$PATH; " +
+                               completionOf("oxdiagctl", "oxdiagctl", words) +
+                               "echo ${COMPREPLY[@]}";
     return runProgram({"bash", "-c", script}).output;
   }
 };

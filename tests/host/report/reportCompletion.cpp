@@ -1,6 +1,7 @@
 // What the shell offers behind words of oxdiagreport.
 
 #include "report/reportTest.h"
+#include "shellCompletion.h"
 
 namespace {
 
@@ -10,12 +11,8 @@ class ReportCompletion : public tReportTest {
   std::string offered(std::string const& words) const {
     write("rack.statuses", "");
     write("red.txt", "");
-    std::string const script = "cd '" + pathOf("") +
-                               "' && source " OXDIAG_SOURCE_DIR
-                               "/tools/oxdiagreport/oxdiagreport.bash; COMP_WORDS=(oxdiagreport " +
-                               words +
-                               "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _oxdiagreport; echo "
-                               "$(printf '%s\\n' \"${COMPREPLY[@]}\" | sort)";
+    std::string const script = "cd '" + pathOf("") + "' && " +
+                               completionOf("oxdiagreport", "oxdiagreport", words) + kPrintSorted;
     return runProgram({"bash", "-c", script}).output;
   }
 };

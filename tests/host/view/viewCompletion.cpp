@@ -1,5 +1,6 @@
 // What the shell offers behind words of oxdiag-view.
 
+#include "shellCompletion.h"
 #include "slotbus/demoTest.h"
 
 namespace {
@@ -9,13 +10,8 @@ class ViewCompletion : public tDemoTest {
   // What may stand for the last of these words, sorted, in a folder with a trace.
   std::string offered(std::string const& words) const {
     write("rack.out", "");
-    std::string const script =
-        "cd '" + pathOf("") +
-        "' && source " OXDIAG_SOURCE_DIR
-        "/tools/oxdiagview/oxdiag-view.bash; COMP_WORDS=(oxdiag-view " +
-        words +
-        "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _oxdiag_view; echo $(printf '%s\\n' "
-        "\"${COMPREPLY[@]}\" | sort)";
+    std::string const script = "cd '" + pathOf("") + "' && " +
+                               completionOf("oxdiagview", "oxdiag-view", words) + kPrintSorted;
     return runProgram({"bash", "-c", script}).output;
   }
 };
