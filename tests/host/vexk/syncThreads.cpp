@@ -212,7 +212,7 @@ TEST(VexkHostSyncThreadsDeathTest, AnOwnerThatEndsStopsTheProgram) {
       {
         tRunningPlatform const platform;
         tOpenLock const lock(nullptr);
-        std::thread([&] { lock->acquire(kSyncWaitForever); }).join();
+        std::thread([&] { EXPECT_EQ(lock->acquire(kSyncWaitForever), 0); }).join();
       },
       "A thread ended within a critical region");
 }
