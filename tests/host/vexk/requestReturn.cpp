@@ -96,7 +96,7 @@ TEST_F(RequestReturn, OneThatGivesBackWhatItTookIsNotMentioned) {
 
 TEST_F(RequestReturn, OneThatKeepsALockIsNamedWithTheLock) {
   tOpenLock lock(kLockName);
-  EXPECT_EQ(printOf([&] { lock->acquire(kSyncWaitForever); }),
+  EXPECT_EQ(printOf([&] { EXPECT_EQ(lock->acquire(kSyncWaitForever), 0); }),
             "[vexk] the request to nTEST://nReturn returns while its thread holds the lock "
             "'nTEST::_mutex'\n");
   lock->release();
@@ -104,7 +104,7 @@ TEST_F(RequestReturn, OneThatKeepsALockIsNamedWithTheLock) {
 
 TEST_F(RequestReturn, APrivateLockHasNoName) {
   tOpenLock lock(nullptr);
-  EXPECT_EQ(printOf([&] { lock->acquire(kSyncWaitForever); }),
+  EXPECT_EQ(printOf([&] { EXPECT_EQ(lock->acquire(kSyncWaitForever), 0); }),
             "[vexk] the request to nTEST://nReturn returns while its thread holds the lock ''\n");
   lock->release();
 }
