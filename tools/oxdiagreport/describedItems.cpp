@@ -47,7 +47,7 @@ tDescribedItem itemAt(tStatus2Description const& description, u32 index,
   iVariantReportable const* const reportable = description.getReportablePtrAtIndex(index, status);
   if (reportable != nullptr) reportable->generateReport(translator, text, status);
   item.text = utf8Of(text);
-  if (reportable != nullptr) item.values = valuesOf(*reportable);
+  item.values = reportable != nullptr ? valuesOf(*reportable) : tJson::array();
   if (status.isError()) item.text += " (" + std::to_string(status.getCode()) + ")";
   return item;
 }

@@ -56,6 +56,18 @@ std::string utf8Of(char const* bytes) {
   return utf8;
 }
 
+std::string inOneLine(std::string_view utf8) {
+  std::string line;
+  for (char const character : withoutControls(utf8)) {
+    if (character == '\n') {
+      line += "\\x0A";
+    } else {
+      line += character;
+    }
+  }
+  return line;
+}
+
 std::string withoutControls(std::string_view utf8) {
   std::string shown;
   for (size_t index = 0; index < utf8.size(); ++index) {

@@ -15,3 +15,6 @@ std::string utf8Of(char const* bytes);
 
 // Control characters as \xNN, except line feeds, so that no text can steer a terminal.
 std::string withoutControls(std::string_view utf8);
+
+// The same of a text that has to stay in one line: line feeds too.
+std::string inOneLine(std::string_view utf8);

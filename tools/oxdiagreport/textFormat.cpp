@@ -50,9 +50,10 @@ std::string textOf(tFrame const& frame, tLanguage::tWords const& words) {
     return kIndent + hexadecimal(frame.address) + " (" + words.unknownModule + ")\n";
   }
   std::string const place =
-      kIndent + utf8Of(frame.module.c_str()) + "+" + hexadecimal(frame.offset);
+      kIndent + inOneLine(utf8Of(frame.module.c_str())) + "+" + hexadecimal(frame.offset);
   std::string text;
-  for (tSourcePlace const& call : frame.places) text += place + " " + textOf(call) + "\n";
+  for (tSourcePlace const& call : frame.places)
+    text += place + " " + inOneLine(textOf(call)) + "\n";
   if (!text.empty()) return text;
   return place + (frame.problem.empty() ? "" : " (" + frame.problem + ")") + "\n";
 }
@@ -61,7 +62,7 @@ std::string textOf(tFrame const& frame, tLanguage::tWords const& words) {
 
 std::string textOf(tStatus2 const& status, size_t number, tLanguage const& language,
                    std::vector<tFrame> const& frames) {
-  std::string text = headOf(status, number, language) + "\n";
+  std::string text = inOneLine(headOf(status, number, language)) + "\n";
   for (tDescribedItem const& item : describedItems(status, language)) {
     text += indented(item.text) + "\n";
   }

@@ -8,6 +8,7 @@
 #include "oxdiagreport/jsonFormat.h"
 #include "oxdiagreport/reportText.h"
 #include "oxdiagreport/textFormat.h"
+#include "qelmk/tBinaryObjectWriter.h"
 #include "report/reportTest.h"
 #include "slotbus/slotbusSupport.h"
 
@@ -149,6 +150,55 @@ TEST_F(OxdiagReportJson, TextSteersNoTerminal) {
     EXPECT_GE(static_cast<unsigned char>(text[index + 1]), 0xA0) << index;
   }
   EXPECT_NE(text.find("a\\x1B[2J\\x9B"), std::string::npos);
+}
+
+TEST_F(OxdiagReportJson, SteersNoTerminalEither) {
+  tSourcePlace const place = {"f\xC2\x9B", "\x7F.cpp", 1};
+  std::string const json = jsonOf(statusWith(everyUnit(), "a\x1B[2J\x9B\x7F"), kEnglish,
+                                  {{1, "m\x9B", 1, {place}, ""}}, {{1, 2, 0, "", "\x9D"}});
+  for (size_t index = 0; index < json.size(); ++index) {
+    unsigned char const byte = static_cast<unsigned char>(json[index]);
+    EXPECT_TRUE(byte == '\n' || (byte >= ' ' && byte != 0x7F)) << index;
+    if (byte != 0xC2) continue;
+    EXPECT_GE(static_cast<unsigned char>(json[index + 1]), 0xA0) << index;
+  }
+  EXPECT_EQ(parsed(json, "ascii(data['origin']['frames'][0]['places'][0]['function'])"),
+            "'f\\x9b'\n");
+}
+
+TEST_F(OxdiagReportJson, NoNameBeginsALineOfText) {
+  tStatus2 status;
+#define OXDIAG_COMPONENT "a\nStatus 2: success"
+  OXDIAG_SET_STATUS(status, -7);
+#undef OXDIAG_COMPONENT
+  tSourcePlace const place = {"f\nStatus 3", "g\nStatus 4", 1};
+  std::string const text = textOf(
+      status, 1, kEnglish, {{1, "m\nStatus 5", 1, {place}, ""}, {2, "n\nStatus 6", 1, {}, ""}});
+  EXPECT_TRUE(text.starts_with("Status 1: error -7, a\\x0AStatus 2: success, ")) << text;
+  EXPECT_EQ(text.find("\nStatus"), std::string::npos) << text;
+  EXPECT_NE(text.find("    m\\x0AStatus 5+0x1 f\\x0AStatus 3 (g\\x0AStatus 4:1)\n"),
+            std::string::npos)
+      << text;
+}
+
+TEST_F(OxdiagReportJson, AnItemWithoutValueHasNoValues) {
+  tStatus2 making;
+  tStatus2Description const description(making);
+  tStatus2 status(-7);
+  status.setDescription(description);
+  i32 code = 0;
+  std::string bytes(1000, '\0');
+  nQELM100::tBinaryObjectWriter writer(bytes.data(), bytes.size());
+  status.writeExternal(writer, code);
+  writer.finish(code);
+  ASSERT_EQ(code, 0);
+  bytes.resize(writer.getSize());
+  std::string const kNoItems("tStatus2Description\4\0\0\0\0\0\0\0", 27);
+  size_t const place = bytes.find(kNoItems);
+  ASSERT_NE(place, std::string::npos);
+  bytes.replace(place + 19, 8, std::string("\14\0\0\0\1\0\0\0\3\0\0\0\0\0\0\0", 16));
+  tRun const done = reportWithoutWords({write("item.statuses", bytes), "--format", "json"});
+  EXPECT_EQ(parsed(done.output, "data[0]['description'][0]['values']"), "[]\n") << done.errors;
 }
 
 TEST_F(OxdiagReportJson, LineBreaksInTextAreIndented) {
