@@ -89,7 +89,7 @@ int runReport(tReportOptions const& options, std::string const& bytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  prepareStandardOutput();
+  prepareStandardStreams();
   int exitCode = kExitGood;
   auto const options = readOptions(commandWords(argc, argv), exitCode);
   if (!options) return exitCode;

@@ -13,8 +13,9 @@ std::vector<std::string> commandWords(int argc, char** argv);
 int openForReading(std::string const& name);
 int openStandardInput();
 
-// Call first: standard output takes bytes as they are, and a terminal takes them for UTF-8.
-void prepareStandardOutput();
+// Call first: the descriptors of the standard streams are nobody else's, standard output takes
+// bytes as they are, and a terminal takes them for UTF-8.
+void prepareStandardStreams();
 
 // What stands for the kernel beneath the library in this program.
 std::string getExecutiveName();

@@ -148,6 +148,26 @@ TEST_F(OxdiagReportModules, ASymbolizerThatEndsOrTalksNonsenseDoesNoHarm) {
   }
 }
 
+TEST_F(OxdiagReportModules, AFolderOnThePathIsNoSymbolizer) {
+  std::filesystem::create_directories(pathOf("bin/llvm-symbolizer"));
+  std::string const command = "PATH=" + pathOf("bin") + ":$PATH " + kReport + " --symbols " +
+                              kDemoFolder + " " + save(kRack, true);
+  tRun const done = runProgram({"/bin/sh", "-c", command});
+  EXPECT_EQ(done.errors, "");
+  EXPECT_TRUE(contains(done.output, "nSLOTBUS100::tRackLine::readSlot(")) << done.output;
+}
+
+// The output would go into the stream of the symbolizer.
+TEST_F(OxdiagReportModules, AClosedStandardOutputIsNotThatOfTheSymbolizer) {
+  for (char const* closed : {">&-", "<&- >&-"}) {
+    std::string const command =
+        std::string(kReport) + " --symbols " + kDemoFolder + " " + save(kRack, true) + " " + closed;
+    tRun const done = runProgram({"/bin/sh", "-c", command});
+    EXPECT_EQ(done.exitCode, 4) << closed;
+    EXPECT_EQ(done.errors, "oxdiagreport: cannot write to standard output.\n") << closed;
+  }
+}
+
 TEST_F(OxdiagReportModules, AFolderThatIsNoneGetsOneSentence) {
   for (std::string const& name : {pathOf("absent"), write("file", "x")}) {
     tRun const done = report({save(kRack, true), "--symbols", name});

@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <spawn.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -14,6 +15,12 @@
 #include <sstream>
 
 namespace {
+
+bool isProgram(std::string const& file) {
+  struct stat about = {};
+  return stat(file.c_str(), &about) == 0 && S_ISREG(about.st_mode) &&
+         access(file.c_str(), X_OK) == 0;
+}
 
 // The environment without what makes a symbolizer ask the network.
 std::vector<char*> localEnvironment() {
@@ -50,7 +57,7 @@ std::string tChildProgram::findOnPath(std::string const& name) {
   std::istringstream path(variable != nullptr ? variable : "");
   for (std::string folder; std::getline(path, folder, ':');) {
     std::string file = (folder.empty() ? "." : folder) + "/" + name;
-    if (access(file.c_str(), X_OK) == 0) return file;
+    if (isProgram(file)) return file;
   }
   return "";
 }

@@ -54,7 +54,7 @@ int openStandardInput() {
   return file;
 }
 
-void prepareStandardOutput() {
+void prepareStandardStreams() {
   _setmode(_fileno(stdout), _O_BINARY);
   formerCodePage = GetConsoleOutputCP();
   if (formerCodePage == 0) return;  // no console
