@@ -155,7 +155,8 @@ u8 const* tImageHeaders::bytesAt(u32 place, u32 count) const {
   if (count == 0 || place > size || count > size - place) return nullptr;
   if (!isInKeptSection(place, count)) return nullptr;
   u32 const last = place + count - 1;
-  for (u32 page = place; page < last; page = (page | (kPageSize - 1)) + 1) {
+  // Wider than a place: behind the last page of 4 GiB there is no other.
+  for (u64 page = place; page < last; page = (page | (kPageSize - 1)) + 1) {
     if (!isPresent(base + page)) return nullptr;
   }
   return isPresent(base + last) ? base + place : nullptr;

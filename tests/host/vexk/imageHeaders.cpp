@@ -27,6 +27,13 @@ bool isPresent(void const* address) {
   return place < pages.size && place / kPage != pages.missing;
 }
 
+// The same, and besides what is asked for behind the first look, which is at the headers.
+u32 looks = 0;
+
+bool isPresentOnce(void const* address) {
+  return ++looks == 2 || isPresent(address);
+}
+
 constexpr u32 kSignature = 0x80;
 constexpr u32 kOptional = kSignature + 24;
 constexpr u32 kDirectories = kOptional + 112;
@@ -108,6 +115,22 @@ TEST(ImageHeaders, TellSizeIdentityAndTheNameOfThePdb) {
   EXPECT_EQ(module.identityKind, kModulePdbIdentity);
   ASSERT_EQ(module.identitySize, 20);
   for (u32 i = 0; i != 20; ++i) EXPECT_EQ(module.identity[i], i + 1);
+}
+
+// The page behind the last one of 4 GiB is not the first one.
+TEST(ImageHeaders, AnImageThatClaimsAllPlacesEnds) {
+  tImage image;
+  image.put<u32>(kOptional + 56, ~0U);
+  image.put<u32>(kSections + 8, ~0U - kData);
+  image.put<u32>(kDirectories + 6 * 8, ~0U - 100);
+  image.put<u32>(kDirectories + 6 * 8 + 4, 28);
+  looks = 0;
+  pages = {image.bytes.data(), image.bytes.size()};
+  tImageHeaders const headers(image.bytes.data(), isPresentOnce);
+  tLoadedModule module = {};
+  headers.describe(module);
+  EXPECT_EQ(module.identitySize, 0);
+  EXPECT_EQ(looks, 3U);  // at the headers, the place of the directory and its last byte
 }
 
 TEST(ImageHeaders, TheNameOfTheExportsIsTaken) {
