@@ -39,7 +39,8 @@ void tCallStackReader::addPlaces(tSavedModule const& module, tFrame& frame) {
 }
 
 tCallStackReader::tFile const& tCallStackReader::fileOf(tSavedModule const& module) {
-  auto const [place, isNew] = files.try_emplace(module.name + '\0' + module.identity);
+  auto const [place, isNew] =
+      files.try_emplace({module.name, module.identityKind, module.identity});
   if (isNew) place->second.name = folder.find(module, place->second.problem);
   return place->second;
 }

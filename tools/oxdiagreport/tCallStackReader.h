@@ -2,6 +2,7 @@
 
 #include <map>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "oxdiagk/tStatus2.h"
@@ -44,5 +45,5 @@ class tCallStackReader {
   bool isAsked = false;
   tSymbolFolder folder;
   tSymbolizer symbolizer;
-  std::map<std::string, tFile> files;  // by name and identity
+  std::map<std::tuple<std::string, u8, std::string>, tFile> files;  // by name and identity
 };

@@ -13,6 +13,7 @@ namespace {
 constexpr size_t kMostFiles = 100'000;
 constexpr u32 kMostDepth = 16;  // of folders in one another
 constexpr size_t kGuidSize = 16;
+constexpr size_t kPdbIdentitySize = kGuidSize + sizeof(u32);
 constexpr char kOtherBuild[] = "the file in the folder is of another build";
 constexpr size_t kChunk = size_t{1} << 20;
 
@@ -23,8 +24,23 @@ std::string inSmallLetters(std::string text) {
   return text;
 }
 
-std::string withoutEnding(std::string const& name) {
-  return inSmallLetters(fs::path(name).stem().string());
+// A name that is no Unicode has no text on Windows.
+std::string textOf(fs::path const& path) {
+  try {
+    return path.string();
+  } catch (fs::filesystem_error const&) {
+    return "";
+  }
+}
+
+std::string withoutEnding(fs::path const& name) {
+  return inSmallLetters(textOf(name.stem()));
+}
+
+// Part of an identity would be that of more than one build.
+bool isIdentified(tSavedModule const& module) {
+  if (module.identityKind == kModuleBuildId) return !module.identity.empty();
+  return module.identityKind == kModulePdbIdentity && module.identity.size() == kPdbIdentitySize;
 }
 
 // How the module's own file holds its identity.
@@ -34,7 +50,7 @@ std::string markOf(tSavedModule const& module) {
   return size + std::string("\3\0\0\0GNU\0", 8) + module.identity;
 }
 
-bool isModule(std::string const& name) {
+bool isModule(fs::path const& name) {
   std::string start(4, '\0');
   std::ifstream(name, std::ios::binary).read(start.data(), 4);
   return start.starts_with("MZ") || start ==
@@ -42,7 +58,7 @@ bool isModule(std::string const& name) {
                                         "ELF";
 }
 
-bool holds(std::string const& name, std::string const& mark) {
+bool holds(fs::path const& name, std::string const& mark) {
   std::ifstream file(name, std::ios::binary);
   std::string kept;
   std::string chunk(kChunk, '\0');
@@ -55,8 +71,8 @@ bool holds(std::string const& name, std::string const& mark) {
   return false;
 }
 
-bool hasEnding(std::string const& name, char const* ending) {
-  return inSmallLetters(fs::path(name).extension().string()) == ending;
+bool hasEnding(fs::path const& name, char const* ending) {
+  return inSmallLetters(textOf(name.extension())) == ending;
 }
 
 }  // namespace
@@ -78,19 +94,22 @@ void tSymbolFolder::add(fs::path const& folder, u32 depth, std::error_code& erro
     if (place->is_symlink(inside) && place->is_directory(inside)) continue;
     if (depth != 0 && place->is_directory(inside)) add(place->path(), depth - 1, inside);
     if (!place->is_regular_file(inside)) continue;
-    files.emplace(withoutEnding(place->path().filename().string()), place->path().string());
+    if (!textOf(place->path()).empty()) files.emplace(withoutEnding(place->path()), place->path());
   }
 }
 
 std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem) const {
-  if (module.identity.empty()) problem = "no identity was saved";
+  if (module.identity.empty())
+    problem = "no identity was saved";
+  else if (!isIdentified(module))
+    problem = "its identity is none that this program knows";
   if (!problem.empty()) return "";
-  std::string found;
+  fs::path found;
   // The name of a module may lack an ending, or have a dot in it that begins none.
   for (std::string const& stem : {withoutEnding(module.name), inSmallLetters(module.name)}) {
     auto const [first, last] = files.equal_range(stem);
     for (auto file = first; file != last; ++file) {
-      std::string const& name = file->second;
+      fs::path const& name = file->second;
       if (!isModule(name)) continue;
       problem = kOtherBuild;
       if (!holds(name, markOf(module)) || !hasSymbols(name, module, problem)) continue;
@@ -99,20 +118,19 @@ std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem
   }
   if (problem.empty()) problem = "no such file in the folder";
   if (!found.empty()) problem.clear();
-  return found;
+  return found.string();
 }
 
 // The symbolizer takes the PDB beside an image for that of the image, whatever it is of.
-bool tSymbolFolder::hasSymbols(std::string const& image, tSavedModule const& module,
+bool tSymbolFolder::hasSymbols(fs::path const& image, tSavedModule const& module,
                                std::string& problem) const {
   if (module.identityKind != kModulePdbIdentity) return true;
   problem = "there is no PDB beside the file";
-  fs::path const path(image);
-  auto const [first, last] = files.equal_range(withoutEnding(path.filename().string()));
+  auto const [first, last] = files.equal_range(withoutEnding(image));
   for (auto file = first; file != last; ++file) {
-    fs::path const other(file->second);
-    if (other.parent_path() != path.parent_path() || !hasEnding(file->second, ".pdb")) continue;
-    if (holds(file->second, module.identity.substr(0, kGuidSize))) return true;
+    fs::path const& other = file->second;
+    if (other.parent_path() != image.parent_path() || !hasEnding(other, ".pdb")) continue;
+    if (holds(other, module.identity.substr(0, kGuidSize))) return true;
     problem = "the PDB beside the file is of another build";
   }
   return false;

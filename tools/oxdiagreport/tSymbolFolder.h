@@ -21,7 +21,9 @@ class tSymbolFolder {
 
  private:
   void add(std::filesystem::path const& folder, u32 depth, std::error_code& error);
-  bool hasSymbols(std::string const& image, tSavedModule const& module, std::string& problem) const;
+  bool hasSymbols(std::filesystem::path const& image, tSavedModule const& module,
+                  std::string& problem) const;
 
-  std::multimap<std::string, std::string> files;  // by name without ending, in small letters
+  std::multimap<std::string, std::filesystem::path>
+      files;  // by name without ending, in small letters
 };

@@ -200,6 +200,33 @@ TEST_F(OxdiagReportModules, AnImageNeedsItsOwnPdbBesideIt) {
   EXPECT_EQ(found(), "there is no PDB beside the file");
 }
 
+// Part of an identity would fit more than one build.
+TEST_F(OxdiagReportModules, AnIdentityHasAKindAndAllOfItsBytes) {
+  std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
+  write("slotbus.pdb", "PDB " + identity.substr(0, 16));
+  write("slotbus.sys", "MZ RSDS" + identity);
+  std::string const note("\x14\0\0\0\3\0\0\0GNU\0", 12);
+  write("demo",
+        "\x7F"
+        "ELF" +
+            note + identity);
+  auto const problemOf = [&](u8 kind, std::string const& saved, char const* name) {
+    tSymbolFolder folder;
+    std::string problem;
+    EXPECT_TRUE(folder.open(pathOf(""), problem)) << problem;
+    bool const isFound = !folder.find({1, 1, kind, saved, name}, problem).empty();
+    EXPECT_EQ(isFound, problem.empty());
+    return problem;
+  };
+  std::string const kNone = "its identity is none that this program knows";
+  EXPECT_EQ(problemOf(kModulePdbIdentity, identity, "slotbus"), "");
+  EXPECT_EQ(problemOf(kModulePdbIdentity, identity.substr(0, 3), "slotbus"), kNone);
+  EXPECT_EQ(problemOf(kModulePdbIdentity, "", "slotbus"), "no identity was saved");
+  EXPECT_EQ(problemOf(kModuleBuildId, identity, "demo"), "");
+  EXPECT_EQ(problemOf(kModuleUnidentified, identity, "demo"), kNone);
+  EXPECT_EQ(problemOf(3, identity, "demo"), kNone);
+}
+
 TEST(SavedModules, AreReadFieldByField) {
   auto const modules =
       modulesIn(listOf(2, entry(0x1000, 0x200, "id", "a.dll") + entry(1, 2, "", "")));

@@ -52,16 +52,28 @@ std::intptr_t spawn(std::string const& file, std::vector<std::string> const& arg
   return numberOf(started.hProcess);
 }
 
+std::wstring environmentVariable(wchar_t const* name) {
+  std::wstring value(GetEnvironmentVariableW(name, nullptr, 0), L'\0');
+  DWORD const length =
+      GetEnvironmentVariableW(name, value.data(), static_cast<DWORD>(value.size()));
+  value.resize(length < value.size() ? length : 0);
+  return value;
+}
+
 void closeIfOpen(HANDLE handle) {
   if (handle != INVALID_HANDLE_VALUE) CloseHandle(handle);
 }
 
 }  // namespace
 
+// Without a path of ours the system would look into the current folder too, which may hold what
+// came from strangers, such as the file of statuses.
 std::string tChildProgram::findOnPath(std::string const& name) {
+  std::wstring const path = environmentVariable(L"PATH");
   wchar_t found[MAX_PATH];
+  if (path.empty()) return "";
   DWORD const length =
-      SearchPathW(nullptr, wideOf(name).c_str(), L".exe", MAX_PATH, found, nullptr);
+      SearchPathW(path.c_str(), wideOf(name).c_str(), L".exe", MAX_PATH, found, nullptr);
   return length != 0 && length < MAX_PATH ? utf8Of(found) : "";
 }
 
