@@ -31,6 +31,9 @@ GOOD = {
                r'usage 4 = .*values = 1 texts = \{"1O"\}.*'
                r"usage 5 = .*propertyID = 5, values = 1 elements = \{1\}.*"
                r"frame 0 = .*_allocateImplementationObject.*frame 1 = .*main",
+    "steering": r"error -5, a\\x1b\[2J\\n, .*texts = \{\"\\x1b\[2J\\x9b\"\}.*",
+    "ring": r"error -6, samples, .*description = 8 items = "
+            r"\{(usage 1 = \{value = <unreadable>\}(, )?){8}\}.*",
     "text": r'"narrow \\"text\\""$',
     "wide": r'"wide (ä|\\303\\244|\\344)"$',
     "numbers": r"3 elements = \{0, 10, 20\}$",
@@ -68,8 +71,23 @@ def compile_program(name, compiler, folder):
 # Run in GDB: prints what is shown for each question, or the error, as JSON between two lines.
 ASKING = """
 import gdb, json
+def ring_items():
+    pointer = gdb.parse_and_eval("samples.ring.implementation->description")
+    description = pointer.cast(pointer.dynamic_type)
+    gdb.set_convenience_variable("ring", description)
+    return [f"$ring->implementation->items.items_[{{index}}].reportable" for index in range(8)]
+def ask_of_ring():
+    kept = {{item: int(gdb.parse_and_eval(item)) for item in ring_items()}}
+    for item in kept:
+        gdb.execute(f"set variable {{item}} = (void*)$ring", to_string=True)
+    shown = gdb.execute("print samples.ring", to_string=True)
+    for item, value in kept.items():
+        gdb.execute(f"set variable {{item}} = {{value}}", to_string=True)
+    return shown
 def ask(expression):
     try:
+        if expression == "samples.ring":
+            return ask_of_ring()
         if expression.startswith("member "):
             kind = gdb.parse_and_eval("samples." + expression[7:]).type.pointer()
             place = gdb.parse_and_eval("&garbage").cast(kind)

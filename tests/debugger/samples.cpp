@@ -26,6 +26,8 @@ struct tSamples {
   tStatus2 plainCode{-5};
   tStatus2 warning{61001};
   tStatus2 failure;
+  tStatus2 steering;  // with texts that would steer a terminal
+  tStatus2 ring;      // items whose values are their own description
   _STL::string text;
   _STL::wstring wide;
   _STL::vector<u32> numbers;
@@ -53,9 +55,35 @@ void describe(tStatus2& status) {
   status.setDescription(description);
 }
 
+#undef OXDIAG_COMPONENT
+#define OXDIAG_COMPONENT "a\x1B[2J\n"
+
+void steer(tStatus2& status) {
+  OXDIAG_SET_STATUS(status, -5);
+  tStatus2 own;
+  tStatus2Description description(own);
+  _STL::wstring const text(L"\x1B[2J\x9B");
+  description.addReportItem(4, tIntrinsicTypeReportable<_STL::wstring>(text, own), own);
+  status.setDescription(description);
+}
+
+#undef OXDIAG_COMPONENT
+#define OXDIAG_COMPONENT "samples"
+
+// The debugger puts the description into the items: it sees what is private.
+void turnRound(tStatus2& status) {
+  OXDIAG_SET_STATUS(status, -6);
+  tStatus2 own;
+  tStatus2Description description(own);
+  for (u32 i = 0; i != 8; ++i) description.addHeader(1, own);
+  status.setDescription(description);
+}
+
 void fill(tSamples& samples) {
   OXDIAG_SET_STATUS(samples.failure, -61007);
   describe(samples.failure);
+  steer(samples.steering);
+  turnRound(samples.ring);
   samples.text = _STL::string("narrow \"text\"");
   samples.wide = _STL::wstring(L"wide \u00E4");
   for (u32 i = 0; i != 3; ++i) samples.numbers.push_back(i * 10);

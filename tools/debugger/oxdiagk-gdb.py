@@ -50,6 +50,12 @@ def guarded_children(method):
     return children
 
 
+def shown(text):
+    """A text that GDB prints as it is: the memory may be a stranger's, and steers no terminal."""
+    return "".join(character if character.isprintable() else ascii(character)[1:-1]
+                   for character in text)
+
+
 def read(address, size):
     return bytes(gdb.selected_inferior().read_memory(int(address), size))
 
@@ -58,23 +64,23 @@ def text_at(pointer, length, width):
     """The text of that many characters; a pointer to nothing is no text."""
     if int(pointer) == 0 or length == 0:
         return ""
-    shown = min(length, MOST_CHARACTERS)
+    kept = min(length, MOST_CHARACTERS)
     encoding = "utf-8" if width == 1 else "utf-16-le"
-    text = read(pointer, shown * width).decode(encoding, "replace")
-    return text if shown == length else text + "..."
+    text = read(pointer, kept * width).decode(encoding, "replace")
+    return text if kept == length else text + "..."
 
 
 def text_in(array):
     """The terminated text in an array of characters."""
     content = read(array.address, array.type.sizeof)
-    return content.split(b"\0")[0].decode("utf-8", "replace")
+    return shown(content.split(b"\0")[0].decode("utf-8", "replace"))
 
 
 def terminated_text(pointer):
     for length in range(MOST_CHARACTERS):
         if read(int(pointer) + length, 1) == b"\0":
-            return text_at(pointer, length, 1)
-    return text_at(pointer, MOST_CHARACTERS, 1) + "..."
+            return shown(text_at(pointer, length, 1))
+    return shown(text_at(pointer, MOST_CHARACTERS, 1)) + "..."
 
 
 def word_of(words, number, otherwise):
@@ -244,12 +250,23 @@ class ItemPrinter(Printer):
     @guarded_children
     def children(self):
         if int(self.value["reportable"]) != 0:
-            yield "value", dynamic(self.value["reportable"])
+            value = dynamic(self.value["reportable"])
+            # A description is no value: its items might lead back here, and each of theirs again.
+            is_value = "tStatus2Description" not in str(getattr(value, "type", ""))
+            yield "value", value if is_value else UNREADABLE
 
 
-class ReportItemPrinter(ItemPrinter):
-    def __init__(self, value):
-        super().__init__(value["content"])
+class ReportItemPrinter(Printer):
+    def content(self):
+        return ItemPrinter(self.value["content"])
+
+    @guarded
+    def to_string(self):
+        return self.content().to_string()
+
+    @guarded_children
+    def children(self):
+        yield from self.content().children()
 
 
 class DescriptionPrinter(Printer):
@@ -304,7 +321,7 @@ class WideTextListPrinter(Printer):
             if length > left:
                 yield "...", UNREADABLE
                 return
-            yield f"[{index}]", f'"{text_at(characters, length, 2)}"'
+            yield f"[{index}]", f'"{shown(text_at(characters, length, 2))}"'
             characters += length + 1
             left -= length + 1
 
@@ -353,10 +370,10 @@ class FilterTermPrinter(Printer):
     @guarded
     def to_string(self):
         text = self.value["text"]
-        shown = str(int(self.value["number"])) if int(text) == 0 else terminated_text(text)
+        operand = str(int(self.value["number"])) if int(text) == 0 else terminated_text(text)
         return (word_of(CONNECTORS, self.value["connector"], "? ")
                 + word_of(FIELDS, self.value["field"], "?")
-                + word_of(OPERATORS, self.value["operation"], " without operator ") + shown)
+                + word_of(OPERATORS, self.value["operation"], " without operator ") + operand)
 
 
 class FilterPrinter(Printer):
