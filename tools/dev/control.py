@@ -3,6 +3,7 @@ the one for Linux, oxdiag-view, and the branch of platform/compiler for the vend
 
 import pathlib
 import re
+import shutil
 import subprocess
 import tempfile
 
@@ -124,10 +125,10 @@ def write_statuses(folder):
     (folder / "noise").write_bytes(bytes(range(256)) * 4096)
 
 
-def run_report(program, case, folder):
+def run_report(program, case, folder, **more):
     """Exit code, standard output to the byte, and what it complained of."""
     _, arguments, has_input = case
-    environment = dict(wine.environment(), WINEDEBUG="-all", LC_ALL="C.UTF-8")
+    environment = dict(wine.environment(), WINEDEBUG="-all", LC_ALL="C.UTF-8", **more)
     with open(folder / ("whole" if has_input else "empty"), "rb") as file:
         done = subprocess.run([*program, *arguments], cwd=folder, env=environment, stdin=file,
                               stdout=subprocess.PIPE, stderr=subprocess.PIPE,
@@ -141,12 +142,30 @@ def report_check(case, folder):
     return f"oxdiagreport.exe {case[0]}", "" if ours == theirs else f"{ours}\n{theirs}"
 
 
+def symbols_checks(folder):
+    """A symbolizer is taken from PATH, and none that lies beside the statuses. Modules are found in
+    a folder with a name that no code page has. The symbolizer here knows nothing."""
+    symbols = folder / "s\u00f6 \u03b1"
+    symbols.mkdir()
+    shutil.copyfile(demos.DEMO, symbols / demos.DEMO.name)
+    shutil.copyfile(REPORT, folder / "llvm-symbolizer.exe")
+    demos.save_on_host(folder / "modules", "--modules")
+    case = ("", ["--symbols", symbols.name, "modules"], False)
+    runs = {"no symbolizer": ({}, b"demo+0x", b"llvm-symbolizer is not on PATH"),
+            "a symbolizer": ({"WINEPATH": f"Z:{folder}"}, b" (no symbols for it)\n", b"")}
+    for name, (more, part, sentence) in runs.items():
+        code, output, errors = seen = run_report(["wine", REPORT], case, folder, **more)
+        is_said = sentence in errors and bool(sentence) == bool(errors)
+        is_good = code == 0 and part in output and is_said
+        yield f"oxdiagreport.exe {name}", "" if is_good else str(seen)
+
+
 def report_checks():
     """Both programs say the same of the same files."""
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         write_statuses(folder)
-        return [report_check(case, folder) for case in REPORTS]
+        return [*(report_check(case, folder) for case in REPORTS), *symbols_checks(folder)]
 
 
 def alone_check(program):

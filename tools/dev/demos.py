@@ -23,6 +23,7 @@ SAVED_FILE = "oxdiag-demo.statuses"
 WORDS = str(workshop.TOP / "examples/slotbus/words/english.words")
 
 FAULTY = str(kernel.FAULTY_RACK)
+DEMO = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
 
 Run = collections.namedtuple("Run", "title arguments file", defaults=[None])
 
@@ -46,11 +47,10 @@ def read(path):
 
 
 def host_text(run, folder):
-    program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
     arguments = run.arguments
     if FAULTY not in arguments:
         arguments = [kernel.DEFAULT_RACK, *arguments]
-    _, output = workshop.run([program, "--drive-c", folder, *arguments])
+    _, output = workshop.run([DEMO, "--drive-c", folder, *arguments])
     return read(folder / run.file) if run.file else output
 
 
@@ -68,9 +68,8 @@ def compare(run):
         checkDemo.find_differences(host, kernel_text(run))
 
 
-def save_on_host(path):
-    program = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
-    workshop.run([program, FAULTY, "--save", path])
+def save_on_host(path, *more):
+    workshop.run([DEMO, FAULTY, "--save", path, *more])
 
 
 def save_in_kernel(*more):

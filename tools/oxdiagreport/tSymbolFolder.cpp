@@ -24,10 +24,11 @@ std::string inSmallLetters(std::string text) {
   return text;
 }
 
-// A name that is no Unicode has no text on Windows.
+// In UTF-8, on Linux the bytes as they are. A name that is no Unicode has no text on Windows.
 std::string textOf(fs::path const& path) {
   try {
-    return path.string();
+    std::u8string const text = path.u8string();
+    return std::string(text.begin(), text.end());
   } catch (fs::filesystem_error const&) {
     return "";
   }
@@ -79,7 +80,7 @@ bool hasEnding(fs::path const& name, char const* ending) {
 
 bool tSymbolFolder::open(std::string const& folder, std::string& problem) {
   std::error_code error;
-  add(folder, kMostDepth, error);
+  add(std::u8string(folder.begin(), folder.end()), kMostDepth, error);
   if (error) problem = "cannot read the folder '" + folder + "': " + error.message();
   if (files.size() >= kMostFiles) problem = "there are too many files in '" + folder + "'";
   return problem.empty();
@@ -118,7 +119,7 @@ std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem
   }
   if (problem.empty()) problem = "no such file in the folder";
   if (!found.empty()) problem.clear();
-  return found.string();
+  return textOf(found);
 }
 
 // The symbolizer takes the PDB beside an image for that of the image, whatever it is of.
