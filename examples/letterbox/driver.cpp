@@ -124,9 +124,14 @@ static NTSTATUS DispatchOpen(PDEVICE_OBJECT, PIRP Irp) {
 }
 
 static NTSTATUS DispatchPower(PDEVICE_OBJECT Device, PIRP Irp) {
+  BOX* Box = BoxOf(Device);
   PoStartNextPowerIrp(Irp);
+  NTSTATUS Status = IoAcquireRemoveLock(&Box->RemoveLock, Irp);
+  if (!NT_SUCCESS(Status)) return Complete(Irp, Status, 0);
   IoSkipCurrentIrpStackLocation(Irp);
-  return PoCallDriver(BoxOf(Device)->Lower, Irp);
+  Status = PoCallDriver(Box->Lower, Irp);
+  IoReleaseRemoveLock(&Box->RemoveLock, Irp);
+  return Status;
 }
 
 static NTSTATUS SetEvent(PDEVICE_OBJECT, PIRP, PVOID Event) {
@@ -195,7 +200,12 @@ static NTSTATUS DispatchPnp(PDEVICE_OBJECT Device, PIRP Irp) {
 }
 
 static NTSTATUS DispatchOther(PDEVICE_OBJECT Device, PIRP Irp) {
-  return PassDown(BoxOf(Device), Irp);
+  BOX* Box = BoxOf(Device);
+  NTSTATUS Status = IoAcquireRemoveLock(&Box->RemoveLock, Irp);
+  if (!NT_SUCCESS(Status)) return Complete(Irp, Status, 0);
+  Status = PassDown(Box, Irp);
+  IoReleaseRemoveLock(&Box->RemoveLock, Irp);
+  return Status;
 }
 
 static NTSTATUS Attach(PDEVICE_OBJECT Device, PDEVICE_OBJECT Physical) {
