@@ -23,10 +23,14 @@ u32 hundredNanoseconds(tSSTimeAbsolute const& time) {
   return static_cast<u32>(std::min(rounded, kInSecond - 1));
 }
 
+// ISO 8601 has a sign in front of a year with more than four digits.
+constexpr u64 kLastPlainYear = 9999;
+
 std::string isoText(tSSTimeAbsolute const& time) {
   nTRANSLATORS100::tCalendarTime const calendar(time);
   char text[80];
-  std::snprintf(text, sizeof(text), "%04llu-%02u-%02uT%02u:%02u:%02u.%07uZ",
+  std::snprintf(text, sizeof(text), "%s%04llu-%02u-%02uT%02u:%02u:%02u.%07uZ",
+                calendar.year > kLastPlainYear ? "+" : "",
                 static_cast<unsigned long long>(calendar.year), calendar.month, calendar.day,
                 calendar.hour, calendar.minute, calendar.second, hundredNanoseconds(time));
   return text;

@@ -12,8 +12,9 @@
 //     use(raw.getValues());
 //
 // A number is a JSON number, a text a text, a GUID a text in braces, a time a text as ISO 8601
-// says, with 7 decimals of the second and Z; a property is {"property": 1}, a value of a property
-// {"property": 5, "value": 1}. A range has its two bounds, an empty list nothing.
+// says, with 7 decimals of the second and Z, and + in front of a year beyond 9999; a property is
+// {"property": 1}, a value of a property {"property": 5, "value": 1}. A range has its two bounds,
+// an empty list nothing.
 class tRawValues final : public nTRANSLATORS100::tTranslatorBase {
   QELM_DECLARE_CLASS(tRawValues, nTRANSLATORS100::tTranslatorBase)
 

@@ -110,6 +110,21 @@ TEST_F(OxdiagReportJson, HasEveryKindOfValue) {
             "[{'string': 7, 'of': 'nX::tTexts'}], [], ['2025-11-22T11:30:00.1234567Z']]\n");
 }
 
+TEST_F(OxdiagReportJson, HasASignInFrontOfALongYear) {
+  // The last second of the year 9999, and the one behind it.
+  for (auto const& [second, text] : {std::pair{265046774399, "9999-12-31T23:59:59.0000000Z"},
+                                     std::pair{265046774400, "+10000-01-01T00:00:00.0000000Z"}}) {
+    tStatus2 making;
+    tStatus2Description description(making);
+    auto const time = tSSTimeAbsolute::ofKernelTime(static_cast<u64>(second) * 10'000'000);
+    description.addReportItem(1, nOXDIAG100::tSSTimeAbsoluteReportable(time, making), making);
+    tStatus2 status(-7);
+    status.setDescription(description);
+    EXPECT_EQ(parsed(jsonOf(status, kEnglish), "data['description'][0]['values'][0]"),
+              std::string(text) + "\n");
+  }
+}
+
 TEST_F(OxdiagReportJson, IsAWholeArrayInFrontOfDamage) {
   std::string const file = save("1O | 1 | A | d\n1 | 1 | A | d");
   std::ofstream(file, std::ios::binary | std::ios::app) << "behind";
