@@ -1,10 +1,14 @@
 """What packages say of the version, and how their texts are filled."""
 
+import os
 import pathlib
 import tempfile
 import unittest
+import unittest.mock
+import zipfile
 
 import release
+import windowsArchive
 import workshop
 
 # Oldest first.
@@ -26,3 +30,19 @@ class Releases(unittest.TestCase):
             self.assertEqual(release.filled(template, ONE="1", TWO="2"), "1 and 2, to x@y.example")
             with self.assertRaises(workshop.Failure):
                 release.filled(template, ONE="1")
+
+    def test_a_time_of_the_sources_that_is_none_is_told(self):
+        for text in ("now", "-1", "1.5", "1" * 30):
+            with unittest.mock.patch.dict(os.environ, SOURCE_DATE_EPOCH=text):
+                with self.assertRaisesRegex(workshop.Failure, "SOURCE_DATE_EPOCH"):
+                    release.source_time()
+
+    def test_an_archive_of_the_first_second_begins_with_1980(self):
+        with tempfile.TemporaryDirectory() as name, \
+                unittest.mock.patch.dict(os.environ, SOURCE_DATE_EPOCH="0"):
+            top = pathlib.Path(name) / "top"
+            top.mkdir()
+            (top / "file").write_text("text")
+            windowsArchive.pack(top, pathlib.Path(name) / "archive.zip")
+            with zipfile.ZipFile(pathlib.Path(name) / "archive.zip") as archive:
+                self.assertEqual(archive.infolist()[0].date_time, (1980, 1, 1, 0, 0, 0))

@@ -31,6 +31,8 @@ def source_time():
     holds the version. What is made of the same sources is the same at any time."""
     given = os.environ.get("SOURCE_DATE_EPOCH", "")
     code, told = workshop.run(["git", "log", "-1", "--format=%ct"], cwd=workshop.TOP)
+    if given and not re.fullmatch(r"\d{1,10}", given):
+        raise workshop.Failure(f"SOURCE_DATE_EPOCH is no number of seconds: {given!r}")
     if given:
         return int(given)
     if code == 0 and told.strip():

@@ -26,8 +26,11 @@ IMPORT_LIBRARIES = ["ntoskrnl.lib", "driverRuntime.lib"]
 HEADER_FOLDERS = ["include", *(f"platform/{part}/{place}" for part in
                                ("compiler", "vexk", "qelmk", "stl")
                                for place in ("include", "windows/include"))]
-NOTES = ["windows", "tracing", "options", "destinations", "configuring", "status", "viewing"]
+NOTES = ["windows", "tracing", "options", "destinations", "configuring", "status", "viewing",
+         "debugging"]
 EXAMPLE = workshop.TOP / "examples/hello-driver"
+VIEWS = workshop.TOP / "tools/debugger/oxdiagk.natvis"
+FIRST_MOMENT = (1980, 1, 1, 0, 0, 0)  # the earliest time that an archive can tell
 
 # What README.txt says of each file, or of all files of a folder; of the programs what they say of
 # themselves.
@@ -51,6 +54,7 @@ CONTENTS = {
     "lib/compile.rsp": "options of clang for a driver",
     "lib/link.rsp": "options of clang to link a driver",
     "lib/mingw-kit.rsp": "options of clang for the headers of mingw-w64",
+    "debugger/oxdiagk.natvis": "views of the library's objects for WinDbg and Visual Studio",
     "cmake/driver.cmake": "toolchain file for a driver",
     "cmake/oxdiagkConfig.cmake": "target oxdiagk::driver for find_package",
     "cmake/oxdiagkConfigVersion.cmake": "its version",
@@ -130,6 +134,8 @@ def put_texts(top):
     (top / "examples/hello-driver").mkdir(parents=True)
     for file in ("hello.cpp", "CMakeLists.txt"):
         shutil.copyfile(EXAMPLE / file, top / "examples/hello-driver" / file)
+    (top / "debugger").mkdir()
+    shutil.copyfile(VIEWS, top / "debugger" / VIEWS.name)
     (top / "notes").mkdir()
     for note in NOTES:
         shutil.copyfile(workshop.TOP / f"docs/{note}.md", top / f"notes/{note}.md")
@@ -187,7 +193,7 @@ def assemble(top):
 
 def pack(top, archive):
     """The same bytes whenever and wherever it is done."""
-    moment = time.gmtime(release.source_time())[:6]
+    moment = max(time.gmtime(release.source_time())[:6], FIRST_MOMENT)
     with zipfile.ZipFile(archive, "w", zipfile.ZIP_DEFLATED, compresslevel=9) as file:
         for path in files_of(top):
             entry = zipfile.ZipInfo(f"{top.name}/{path.relative_to(top).as_posix()}", moment)
