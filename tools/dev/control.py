@@ -150,10 +150,14 @@ def symbols_checks(folder):
     shutil.copyfile(demos.DEMO, symbols / demos.DEMO.name)
     shutil.copyfile(REPORT, folder / "llvm-symbolizer.exe")
     demos.save_on_host(folder / "modules", "--modules")
-    case = ("", ["--symbols", symbols.name, "modules"], False)
-    runs = {"no symbolizer": ({}, b"demo+0x", b"llvm-symbolizer is not on PATH"),
-            "a symbolizer": ({"WINEPATH": f"Z:{folder}"}, b" (no symbols for it)\n", b"")}
-    for name, (more, part, sentence) in runs.items():
+    named = (folder / "modules").read_bytes()
+    (folder / "strange").write_bytes(named.replace(b"slotbus_demo", b"slotbus\xff\xed\xa0\x80\xc3"))
+    on_path = {"WINEPATH": f"Z:{folder}"}
+    runs = {"no symbolizer": ({}, "modules", b"demo+0x", b"llvm-symbolizer is not on PATH"),
+            "a symbolizer": (on_path, "modules", b" (no symbols for it)\n", b""),
+            "strange bytes": (on_path, "strange", b" (no such file in the folder)\n", b"")}
+    for name, (more, file, part, sentence) in runs.items():
+        case = ("", ["--symbols", symbols.name, file], False)
         code, output, errors = seen = run_report(["wine", REPORT], case, folder, **more)
         is_said = sentence in errors and bool(sentence) == bool(errors)
         is_good = code == 0 and part in output and is_said

@@ -34,8 +34,21 @@ std::string textOf(fs::path const& path) {
   }
 }
 
-std::string withoutEnding(fs::path const& name) {
-  return inSmallLetters(textOf(name.stem()));
+// The name of a module may be a stranger's bytes, and no path of Windows. A dot in front begins no
+// ending.
+std::string withoutEnding(std::string const& name) {
+  size_t const dot = name.rfind('.');
+  return inSmallLetters(dot == 0 ? name : name.substr(0, dot));
+}
+
+// What is saved of a long name.
+std::string endOf(std::string const& name) {
+  size_t const kept = std::min<size_t>(name.size(), tLoadedModule::kMaxNameLength);
+  return name.substr(name.size() - kept);
+}
+
+std::string nameOf(fs::path const& path) {
+  return textOf(path.filename());
 }
 
 // Part of an identity would be that of more than one build.
@@ -95,7 +108,10 @@ void tSymbolFolder::add(fs::path const& folder, u32 depth, std::error_code& erro
     if (place->is_symlink(inside) && place->is_directory(inside)) continue;
     if (depth != 0 && place->is_directory(inside)) add(place->path(), depth - 1, inside);
     if (!place->is_regular_file(inside)) continue;
-    if (!textOf(place->path()).empty()) files.emplace(withoutEnding(place->path()), place->path());
+    std::string const name = nameOf(place->path());
+    if (textOf(place->path()).empty()) continue;
+    files.emplace(endOf(withoutEnding(name)), place->path());
+    if (endOf(name) != name) files.emplace(withoutEnding(endOf(name)), place->path());
   }
 }
 
@@ -127,7 +143,7 @@ bool tSymbolFolder::hasSymbols(fs::path const& image, tSavedModule const& module
                                std::string& problem) const {
   if (module.identityKind != kModulePdbIdentity) return true;
   problem = "there is no PDB beside the file";
-  auto const [first, last] = files.equal_range(withoutEnding(image));
+  auto const [first, last] = files.equal_range(endOf(withoutEnding(nameOf(image))));
   for (auto file = first; file != last; ++file) {
     fs::path const& other = file->second;
     if (other.parent_path() != image.parent_path() || !hasEnding(other, ".pdb")) continue;

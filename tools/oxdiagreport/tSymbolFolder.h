@@ -24,6 +24,6 @@ class tSymbolFolder {
   bool hasSymbols(std::filesystem::path const& image, tSavedModule const& module,
                   std::string& problem) const;
 
-  std::multimap<std::string, std::filesystem::path>
-      files;  // by name without ending, in small letters
+  // By name without ending, in small letters, as far as it is saved.
+  std::multimap<std::string, std::filesystem::path> files;
 };

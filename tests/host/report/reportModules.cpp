@@ -200,6 +200,21 @@ TEST_F(OxdiagReportModules, AnImageNeedsItsOwnPdbBesideIt) {
   EXPECT_EQ(found(), "there is no PDB beside the file");
 }
 
+TEST_F(OxdiagReportModules, ALongNameIsFoundByWhatIsSavedOfIt) {
+  std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
+  std::string const stem = std::string(40, 'a') + std::string(40, 'b');
+  write(stem + ".sys", "MZ RSDS" + identity);
+  write(stem + ".pdb", "PDB " + identity.substr(0, 16));
+  std::string const end = stem.substr(stem.size() - 63);
+  for (std::string const& name : {end, (end + ".sys").substr(4)}) {
+    tSymbolFolder folder;
+    std::string problem;
+    ASSERT_TRUE(folder.open(pathOf(""), problem)) << problem;
+    std::string const found = folder.find({1, 1, kModulePdbIdentity, identity, name}, problem);
+    EXPECT_EQ(found, pathOf(stem + ".sys")) << problem;
+  }
+}
+
 // Part of an identity would fit more than one build.
 TEST_F(OxdiagReportModules, AnIdentityHasAKindAndAllOfItsBytes) {
   std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
