@@ -74,7 +74,8 @@ STEPS = {
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
     "twins": ("the same modules and packages from two clones at different paths", twins.check),
     "kernel": ("conformance tests in a driver under Wine", kernel.check),
-    "control": ("programs for Windows, under Wine", control.check),
+    "control": ("oxdiagctl.exe, under Wine", control.check),
+    "programs": ("the other programs for Windows, under Wine", control.check_programs),
     "metal": ("the serial destination on an emulated PC", metal.check),
     "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "dist": ("the archive for Windows, unpacked", distribution.check),
@@ -89,8 +90,8 @@ STEPS = {
     "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"dist", "gdb", "tidy", "handbook", "commands-long", "twins", "kit-alone", "fuzz-runs",
-              "host-plain", "host-tsan", "host-debug", "host-rounds", "browser"}
+WHEN_NAMED = {"programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins", "kit-alone",
+              "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds", "browser"}
 
 
 def guarded(name, function):
