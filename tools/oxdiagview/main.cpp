@@ -23,6 +23,7 @@
 #include "oxdiagview/tTextView.h"
 #include "oxdiagview/tTraceReader.h"
 #include "oxdiagview/tickRate.h"
+#include "oxdiagview/utf8Text.h"
 #include "oxdiagview/viewOptions.h"
 
 namespace oxdiagview {
@@ -31,7 +32,9 @@ namespace {
 constexpr useconds_t kFollowPause = 100'000;  // microseconds between two looks at a file
 
 int complain(std::string const& sentence, int exitCode) {
-  std::fprintf(stderr, "oxdiag-view: %s.\n", sentence.c_str());
+  std::string shown;
+  appendForTerminal(shown, sentence);
+  std::fprintf(stderr, "oxdiag-view: %s.\n", shown.c_str());
   return exitCode;
 }
 

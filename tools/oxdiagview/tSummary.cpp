@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "oxdiagview/timeText.h"
+#include "oxdiagview/utf8Text.h"
 
 namespace oxdiagview {
 namespace {
@@ -22,13 +23,6 @@ std::string span(uint64_t nanoseconds) {
   std::string const text = spanText(static_cast<int64_t>(nanoseconds));
   bool const hasMicro = text.find("µ") != text.npos;
   return rightOf(text, hasMicro ? 11 : 10);
-}
-
-std::string withoutControls(std::string text) {
-  std::replace_if(
-      text.begin(), text.end(),
-      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == 0x7F; }, '?');
-  return text;
 }
 
 }  // namespace
@@ -104,7 +98,9 @@ void tSummary::finish() {
 }
 
 void tSummary::putLine(std::string const& text) {
-  output.put(withoutControls(text));
+  std::string shown;
+  appendForTerminal(shown, text);
+  output.put(shown);
   output.put('\n');
 }
 

@@ -6,6 +6,7 @@
 
 #include "oxdiagview/recordColor.h"
 #include "oxdiagview/timeText.h"
+#include "oxdiagview/utf8Text.h"
 
 namespace oxdiagview {
 namespace {
@@ -17,21 +18,9 @@ constexpr size_t kVerbosityWidth = 4;
 constexpr size_t kMostPlace = 44;
 constexpr size_t kGap = 2;  // blanks between columns
 constexpr size_t kBlanksPerLevel = 2;
+constexpr size_t kMostTextColumn = 120;
 constexpr uint32_t kMostDepth = 60;  // levels that are shown; text stays on the screen
 constexpr std::string_view kMicro = "µ";
-constexpr std::string_view kTab = "    ";
-
-bool isControl(char character) {
-  unsigned char const byte = static_cast<unsigned char>(character);
-  return byte < ' ' || byte == 0x7F;
-}
-
-// Looks at all, since few texts have one: that is faster than to stop at the first.
-bool hasControls(std::string_view text) {
-  unsigned int controls = 0;
-  for (char const character : text) controls |= isControl(character) ? 1 : 0;
-  return controls != 0;
-}
 
 std::string hexadecimal(uint32_t number) {
   char digits[16] = "0x";
@@ -90,7 +79,7 @@ void tTextView::putPlace(tRecord const& record) {
   auto const putPart = [&](std::string_view part, char separator) {
     if (part.empty()) return;
     if (columns.size() != begin) columns += separator;
-    columns += part;
+    appendForTerminal(columns, part);
   };
   putPart(record.component, ' ');
   putPart(record.version, ' ');
@@ -104,11 +93,7 @@ void tTextView::putPlace(tRecord const& record) {
 }
 
 void tTextView::padPlace(size_t begin) {
-  std::string_view const place = std::string_view(columns).substr(begin);
-  if (hasControls(place)) {
-    std::replace_if(columns.begin() + static_cast<ptrdiff_t>(begin), columns.end(), isControl, '?');
-  }
-  size_t const width = widthOf(place);
+  size_t const width = widthOf(std::string_view(columns).substr(begin));
   placeWidth = std::max(placeWidth, std::min(width, kMostPlace));
   columns.append(placeWidth - std::min(width, placeWidth) + kGap, ' ');
   textColumn += std::max(placeWidth, width) + kGap;
@@ -126,23 +111,14 @@ void tTextView::putRight(std::string_view text, size_t width) {
 
 void tTextView::putText(tRecord const& record) {
   size_t const indentation = std::min(record.depth, kMostDepth) * kBlanksPerLevel;
-  shown.assign(record.hasPrefix ? indentation : textColumn, ' ');
-  output.put(shown);
+  shown.assign(record.hasPrefix ? indentation : std::min(textColumn, kMostTextColumn), ' ');
   std::string_view const color = colorOf(record);
-  putColor(color);
-  putSafely(record.text);
+  if (isColored) shown += color;
+  appendForTerminal(shown, record.text);
+  output.put(shown);
   if (record.isCut) output.put(" ... (cut)");
   if (!color.empty()) putColor(kNoColor);
   output.put('\n');
-}
-
-// A tab is of use only at the beginning of a line, where the text never is.
-void tTextView::putSafely(std::string_view text) {
-  if (!hasControls(text)) return output.put(text);
-  for (char const character : text) {
-    if (character == '\t') output.put(kTab);
-    if (character != '\t') output.put(isControl(character) ? '?' : character);
-  }
 }
 
 void tTextView::putColor(std::string_view color) {

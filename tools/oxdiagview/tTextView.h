@@ -27,7 +27,6 @@ class tTextView : public iRecordSink {
   void padPlace(size_t begin);
   void putText(tRecord const& record);
   void putRight(std::string_view text, size_t width);
-  void putSafely(std::string_view text);
   void putColor(std::string_view color);
 
   tOutput& output;

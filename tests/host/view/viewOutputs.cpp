@@ -115,6 +115,13 @@ TEST_F(ViewOutputs, NonsenseIsJsonAllTheSame) {
                        " \xC3\xA4\xF0\x9F\x98\x80 \xEF\xBF\xBD\xEF\xBF\xBD "));
 }
 
+TEST_F(ViewOutputs, JsonDoesNotSteerATerminal) {
+  std::string const text = lineOf("rack--1--a.cpp", "a\xC2\x9B\x1B\x7F\xE2\x80\xAE\xC3\xA4");
+  char const* const wanted = "a\\u009B\\u001B\\u007F\\u202E\xC3\xA4\"";
+  EXPECT_TRUE(contains(viewText(text, {"--jsonl"}).output, wanted));
+  EXPECT_TRUE(contains(viewText(text, {"--perfetto", "-"}).output, wanted));
+}
+
 TEST_F(ViewOutputs, SeverityFollowsVerbosityAssertionsAndStatuses) {
   std::string const output =
       viewText(lineOf("rack--1--a.cpp--0x1--60", "one") +

@@ -65,6 +65,32 @@ TEST_F(OxdiagView, WhatATerminalWouldObeyIsMarked) {
   EXPECT_TRUE(contains(done.output, "a?[2Jb?\n"));
 }
 
+// What has numbers from 0x80 is obeyed in UTF-8 by some, and as a byte by those without it.
+TEST_F(OxdiagView, ControlsBeyondAsciiAndTurnsOfTheTextAreMarked) {
+  std::string const text =
+      "a\xC2\x9B"
+      "2Jb\x9B"
+      "3mc\xE2\x80\xAE"
+      "d\xE2\x81\xA6 \xC3\xA4\xC2\xA0\xE2\x82\xAC";
+  std::string const shown = "a?2Jb?3mc?d? \xC3\xA4\xC2\xA0\xE2\x82\xAC";
+  EXPECT_EQ(viewText(lineOf("rack--1--a.cpp", text)).output,
+            "rack a.cpp:1          " + shown + "\n");
+  EXPECT_EQ(viewText(text + "\n").output, shown + "\n");
+  tRun const summary = viewText(lineOf("ra\xC2\x9B"
+                                       "ck--1--a.cpp",
+                                       "}"),
+                                {"--summary"});
+  EXPECT_TRUE(contains(summary.output, "1  ra?ck\n")) << summary.output;
+  EXPECT_TRUE(contains(view({pathOf("a\x1b[31m\xC2\x9B")}).errors, "a?[31m?': "));
+}
+
+// Else each empty line would take as many bytes as the widest prefix before it.
+TEST_F(OxdiagView, AWidePrefixDoesNotPushTheLinesBehindFarOut) {
+  std::string const output =
+      viewText("[" + std::string(4000, 'x') + "--1--a.cpp--] text\n\n").output;
+  EXPECT_LT(output.size(), 4300u);
+}
+
 TEST_F(OxdiagView, NonsenseIsShownAsItIs) {
   EXPECT_EQ(viewText("").output, "");
   EXPECT_EQ(viewText("no trace\n").output, "no trace\n");
