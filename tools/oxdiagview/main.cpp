@@ -5,10 +5,10 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "oxdiagview/exitCodes.h"
 #include "oxdiagview/page/tPageFormat.h"
@@ -94,14 +94,20 @@ std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t tick
   return std::make_unique<tTextView>(output, isColored(options.color));
 }
 
-// The newest text of the recorders in a dump, one behind the other.
-int readDump(tByteSource& source, tTraceReader& reader) {
+using tRings = std::vector<tRingFinder::tRing>;
+
+tRings findRings(tByteSource& source) {
   tRingFinder finder;
   for (std::string_view bytes = source.read(); !bytes.empty(); bytes = source.read()) {
     finder.feed(bytes);
   }
   finder.finish();
-  for (tRingFinder::tRing const& ring : finder.getRings()) {
+  return finder.getRings();
+}
+
+// The newest text of the recorders in a dump, one behind the other.
+void readRings(tRings const& rings, tTraceReader& reader) {
+  for (tRingFinder::tRing const& ring : rings) {
     std::fprintf(stderr,
                  "oxdiag-view: a recorder at byte %" PRIu64 ": %" PRIu64 " KiB, %" PRIu64
                  " bytes were written, %zu are here.\n",
@@ -109,33 +115,26 @@ int readDump(tByteSource& source, tTraceReader& reader) {
     reader.feed(ring.text);
     if (!ring.text.ends_with('\n')) reader.feed("\n");
   }
-  return finder.getRings().empty() ? kExitNoRing : kExitGood;
 }
 
-int readInput(tViewOptions const& options, tByteSource& source, tTraceReader& reader,
-              tOutput& output) {
-  if (options.isDump) return readDump(source, reader);
-  if (options.follows && options.file != "-") {
-    follow(source, reader, output);
-  } else {
-    readAll(source, reader, output);
-  }
-  return kExitGood;
-}
-
-int show(tViewOptions const& options, tByteSource& source, tOutput& output) {
-  uint64_t const ticksPerSecond = options.ticksPerSecond.value_or(measureTickRate());
+int show(tViewOptions const& options, tByteSource& source, tRings const& rings, tOutput& output) {
+  uint64_t const ticksPerSecond =
+      options.ticksPerSecond ? *options.ticksPerSecond : measureTickRate();
   std::unique_ptr<iRecordSink> const view = makeView(options, ticksPerSecond, output);
   iRecordSink* sink = view.get();
   std::optional<tFilteredSink> filtered;
   if (!options.filter.empty()) sink = &filtered.emplace(options.filter, *sink);
   tTraceReader reader(*sink, ticksPerSecond);
-  int const exitCode = readInput(options, source, reader, output);
+  if (options.isDump) {
+    readRings(rings, reader);
+  } else if (options.follows && options.file != "-") {
+    follow(source, reader, output);
+  } else {
+    readAll(source, reader, output);
+  }
   reader.finish();
   output.flush();
-  if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
-  if (exitCode != kExitGood) return complain("there is no recorder in the dump", exitCode);
-  return kExitGood;
+  return source.hasFailed() ? complain(source.getProblem(), kExitNoFile) : int{kExitGood};
 }
 
 // The file that was asked for; nothing for standard output.
@@ -144,20 +143,23 @@ std::string outputFileOf(tViewOptions const& options) {
   return name == "-" ? "" : name;
 }
 
-// Into the file that was asked for, or standard output.
+// Into the file that was asked for, or standard output. That stays as it is until there is
+// something to show.
 int run(tViewOptions const& options) {
   tByteSource source(options.file);
   if (source.hasFailed()) return complain(source.getProblem(), kExitNoFile);
   std::string const path = outputFileOf(options);
   std::string const name = path.empty() ? "standard output" : "'" + path + "'";
-  std::error_code isNoFile;
-  if (std::filesystem::equivalent(options.file, path, isNoFile)) {
-    return complain(name + " is the trace itself", kExitUsage);
+  if (source.isAlso(path)) return complain(name + " is the trace itself", kExitUsage);
+  tRings const rings = options.isDump ? findRings(source) : tRings();
+  if (options.isDump && rings.empty()) {
+    return source.hasFailed() ? complain(source.getProblem(), kExitNoFile)
+                              : complain("there is no recorder in the dump", kExitNoRing);
   }
   std::FILE* const file = path.empty() ? stdout : std::fopen(path.c_str(), "wb");
   if (file == nullptr) return complain("cannot write to " + name, kExitNoOutput);
   tOutput output(file);
-  int const exitCode = show(options, source, output);
+  int const exitCode = show(options, source, rings, output);
   bool const isClosed = path.empty() || std::fclose(file) == 0;
   return output.isGood() && isClosed ? exitCode
                                      : complain("cannot write to " + name, kExitNoOutput);

@@ -6,12 +6,14 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 namespace oxdiagview {
 namespace {
 
 constexpr size_t kPortion = size_t{256} << 10;
 constexpr int kStandardInput = 0;
+constexpr int kStandardOutput = 1;
 
 // Only Windows knows files that are no bytes.
 #ifdef O_BINARY
@@ -19,6 +21,10 @@ constexpr int kAsBytes = O_RDONLY | O_BINARY;
 #else
 constexpr int kAsBytes = O_RDONLY | O_CLOEXEC;
 #endif
+
+bool isSameFile(struct stat const& one, struct stat const& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
 
 }  // namespace
 
@@ -31,6 +37,9 @@ void tByteSource::open() {
   reason.clear();
   file = isStandard() ? kStandardInput : ::open(name.c_str(), kAsBytes);
   if (file < 0) reason = std::strerror(errno);
+  struct stat opened;
+  bool const isFolder = file >= 0 && fstat(file, &opened) == 0 && S_ISDIR(opened.st_mode);
+  if (isFolder) reason = std::strerror(EISDIR);
 }
 
 void tByteSource::close() {
@@ -58,13 +67,24 @@ bool tByteSource::wasReplaced() const {
   struct stat now;
   struct stat opened;
   if (isStandard() || stat(name.c_str(), &now) != 0 || fstat(file, &opened) != 0) return false;
-  bool const isSame = now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
-  return !isSame || static_cast<uint64_t>(now.st_size) < position;
+  bool const isShorter = S_ISREG(now.st_mode) && static_cast<uint64_t>(now.st_size) < position;
+  return !isSameFile(now, opened) || isShorter;
 }
 
 void tByteSource::reopen() {
   close();
   open();
+}
+
+// Windows numbers no files here; there the names are compared.
+bool tByteSource::isAlso(std::string const& path) const {
+  struct stat from;
+  struct stat to;
+  bool const isThere = (path.empty() ? fstat(kStandardOutput, &to) : stat(path.c_str(), &to)) == 0;
+  if (!isThere || fstat(file, &from) != 0) return false;
+  if (S_ISREG(from.st_mode) && from.st_ino != 0) return isSameFile(from, to);
+  std::error_code isNoFile;
+  return std::filesystem::equivalent(name, path, isNoFile);
 }
 
 }  // namespace oxdiagview

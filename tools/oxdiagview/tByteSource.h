@@ -23,6 +23,10 @@ class tByteSource {
   bool hasFailed() const { return !reason.empty(); }
   std::string getProblem() const;
 
+  // Whether these bytes are those of the file `path`, or of standard output if it is empty, which
+  // would be lost or grow without an end when that is written.
+  bool isAlso(std::string const& path) const;
+
   // Whether the name belongs to another file meanwhile, or the file became shorter than what was
   // read. False while there is no file of that name.
   bool wasReplaced() const;

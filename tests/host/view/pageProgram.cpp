@@ -69,9 +69,31 @@ TEST_F(OxdiagViewPage, TraceThatCannotBeReadLeavesTheFormerPage) {
 }
 
 TEST_F(OxdiagViewPage, OfAFolderIsNone) {
+  write("page.html", "former");
   tRun const done = makePage(pathOf(""));
   EXPECT_EQ(done.exitCode, 2);
   EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+  EXPECT_EQ(page(), "former");
+}
+
+TEST_F(OxdiagViewPage, OfADumpWithoutARecorderIsNone) {
+  write("page.html", "former");
+  tRun const done = view({"--dump", write("dump", "none"), "--html", pathOf("page.html")});
+  EXPECT_EQ(done.exitCode, 1);
+  EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+  EXPECT_EQ(page(), "former");
+}
+
+TEST_F(OxdiagViewPage, DoesNotTakeThePlaceOfStandardInput) {
+  std::string const trace = write("trace", kLines);
+  std::string const program = std::string(kView) + " ";
+  for (std::string const& redirected :
+       {"--html " + trace + " <" + trace, trace + " >>" + trace, "<" + trace + " >>" + trace}) {
+    tRun const done = runProgram({"sh", "-c", program + redirected});
+    EXPECT_EQ(done.exitCode, 64) << redirected;
+    EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+    EXPECT_EQ(readFile("trace"), kLines) << redirected;
+  }
 }
 
 TEST_F(OxdiagViewPage, PageThatCannotBeWrittenGetsOneSentence) {
