@@ -45,29 +45,27 @@ bool isColored(tColorChoice choice) {
   return isTerminal && (refusal == nullptr || *refusal == '\0');
 }
 
-// What is there goes to the output before the next look at the file.
-void follow(tByteSource& source, tTraceReader& reader, tOutput& output) {
-  while (output.isGood()) {
-    std::string_view const bytes = source.read();
-    if (!bytes.empty()) {
-      reader.feed(bytes);
-      continue;
-    }
-    reader.flush();
-    output.flush();
-    if (source.wasReplaced()) {
-      reader.restart();
-      source.reopen();
-    } else {
-      usleep(kFollowPause);
-    }
-  }
-}
-
 void readAll(tByteSource& source, tTraceReader& reader, tOutput& output) {
   for (std::string_view bytes = source.read(); !bytes.empty() && output.isGood();
        bytes = source.read()) {
     reader.feed(bytes);
+  }
+}
+
+// What is there goes to the output before the next look at the file. A file that was replaced is
+// read to its end once more: its writer may have come between the end and the look.
+void follow(tByteSource& source, tTraceReader& reader, tOutput& output) {
+  while (output.isGood() && !source.hasFailed()) {
+    readAll(source, reader, output);
+    reader.flush();
+    output.flush();
+    if (!source.wasReplaced()) {
+      usleep(kFollowPause);
+      continue;
+    }
+    readAll(source, reader, output);
+    reader.restart();
+    source.reopen();
   }
 }
 

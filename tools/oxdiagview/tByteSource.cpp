@@ -71,9 +71,17 @@ bool tByteSource::wasReplaced() const {
   return !isSameFile(now, opened) || isShorter;
 }
 
+// The file that replaced it may be gone again.
 void tByteSource::reopen() {
-  close();
+  int const former = file;
   open();
+  if (file < 0 && errno == ENOENT) {
+    file = former;
+    position = 0;
+    reason.clear();
+  } else {
+    ::close(former);
+  }
 }
 
 // Windows numbers no files here; there the names are compared.

@@ -72,20 +72,23 @@ void tTraceReader::flush() {
 }
 
 void tTraceReader::finish() {
-  flush();
-  if (!tail.empty()) {
-    ++number;
-    readLine(tail, isTailCut, false);
-    tail.clear();
-  }
+  endInput();
   sink.finish();
 }
 
 void tTraceReader::restart() {
-  flush();
-  tail.clear();
-  isTailCut = isInStatus = false;
+  endInput();
+  isTailCut = isInStatus = isBehindBegin = false;
   number = noteUntil = 0;
+  level = 0;
+}
+
+void tTraceReader::endInput() {
+  flush();
+  if (tail.empty()) return;
+  ++number;
+  readLine(tail, isTailCut, false);
+  tail.clear();
 }
 
 void tTraceReader::beginReading() {

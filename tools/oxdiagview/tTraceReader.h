@@ -35,7 +35,7 @@ class tTraceReader {
   // Hands out all, and tells the sink that there is no more.
   void finish();
 
-  // Forgets an unfinished line, and counts lines from 1 again: the input was replaced.
+  // Hands out an unfinished line, and counts lines from 1 again: the input was replaced.
   void restart();
 
  private:
@@ -45,6 +45,7 @@ class tTraceReader {
     kBlank,      // blanks, or nothing
   };
 
+  void endInput();
   void beginReading();
   void noteSample();
   template <class tFunction>

@@ -186,7 +186,9 @@ TEST(TraceReader, AnInputThatWasReplacedBeginsAtLineOne) {
   reader.feed(kPrefix + "two\n");
   reader.finish();
   EXPECT_TRUE(sink.isFinished);
-  ASSERT_EQ(sink.records.size(), 2u);
-  EXPECT_EQ(sink.records[1].text, "two");
-  EXPECT_EQ(sink.records[1].number, 1u);
+  ASSERT_EQ(sink.records.size(), 3u);
+  EXPECT_EQ(sink.records[1].text, "cut");
+  EXPECT_FALSE(sink.records[1].isEnded);
+  EXPECT_EQ(sink.records[2].text, "two");
+  EXPECT_EQ(sink.records[2].number, 1u);
 }

@@ -159,6 +159,32 @@ TEST_F(OxdiagView, HelpTellsOptionsAndExitCodesInLinesOfATerminal) {
   EXPECT_LE(longest, 85u);
 }
 
+TEST_F(OxdiagView, TheLastLineOfAFileThatIsReplacedIsShownWithoutItsEnd) {
+  write("one", lineOf("rack--1--a.cpp", "one"));
+  write("follow.sh",
+        "cd " + pathOf("") + "\n" + kView +
+            " --follow one >seen & pid=$!\n"
+            "await() { for i in $(seq 200); do grep -q \"$1\" seen && return; sleep 0.05; done; }\n"
+            "await one\n"
+            "printf '[rack--2--a.cpp--------] two' >>one\n"
+            "printf '[rack--3--a.cpp--------] three\\n' >new; mv new one\n"
+            "await three\n"
+            "kill $pid\n");
+  runProgram({"bash", pathOf("follow.sh")});
+  EXPECT_EQ(readFile("seen"),
+            "rack a.cpp:1          one\nrack a.cpp:2          two\nrack a.cpp:3          three\n");
+}
+
+TEST_F(OxdiagView, FollowingEndsWhenTheFileCannotBeReadAnyMore) {
+  write("one", lineOf("rack--1--a.cpp", "one"));
+  std::string const command = "cd " + pathOf("") +
+                              "; (sleep 0.3; rm one; mkdir one) & timeout 10 " + kView +
+                              " --follow one";
+  tRun const done = runProgram({"bash", "-c", command});
+  EXPECT_EQ(done.exitCode, 2);
+  EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+}
+
 TEST_F(OxdiagView, FollowsAFileThatGrowsIsReplacedAndIsCut) {
   write("one", lineOf("rack--1--a.cpp", "one"));
   write("follow.sh",
