@@ -6,8 +6,7 @@ namespace oxdiagview {
 namespace {
 
 constexpr std::string_view kSeparator = "--";
-constexpr size_t kMostDigits = 20;    // of 64 bits in decimal
-constexpr size_t kMostPrefix = 4096;  // characters; who sets a wider one has no trace to look at
+constexpr size_t kMostDigits = 20;  // of 64 bits in decimal
 
 bool isDigit(char character) {
   return character >= '0' && character <= '9';
@@ -59,16 +58,6 @@ bool hasControls(std::string_view text) {
   return controls != 0;
 }
 
-// Where the prefix ends: behind "] ", of which a tool may have taken the blank at a line's end.
-size_t findEnd(std::string_view line) {
-  std::string_view const head = line.substr(0, kMostPrefix);
-  for (size_t place = head.find(']'); place != head.npos; place = head.find(']', place + 1)) {
-    if (place + 1 == line.size()) return place;
-    if (line[place + 1] == ' ') return place;
-  }
-  return head.npos;
-}
-
 // Or the end.
 size_t findSeparator(std::string_view content) {
   for (size_t place = content.find('-'); place != content.npos;
@@ -79,6 +68,15 @@ size_t findSeparator(std::string_view content) {
 }
 
 }  // namespace
+
+size_t findPrefixEnd(std::string_view line, size_t from, size_t to) {
+  std::string_view const head = line.substr(0, to);
+  for (size_t place = head.find(']', from); place != head.npos; place = head.find(']', place + 1)) {
+    if (place + 1 == line.size()) return place;
+    if (line[place + 1] == ' ') return place;
+  }
+  return head.npos;
+}
 
 tLook lookOf(std::string_view part) {
   if (part.empty()) return tLook::kNothing;
@@ -92,7 +90,7 @@ tLook lookOf(std::string_view part) {
 
 bool tPrefixText::read(std::string_view line) {
   if (line.empty() || line[0] != '[') return false;
-  size_t const end = findEnd(line);
+  size_t const end = findPrefixEnd(line, 0, kMostLength);
   if (end == line.npos) return false;
   length = std::min(end + 2, line.size());
   std::string_view content = line.substr(1, end - 1);

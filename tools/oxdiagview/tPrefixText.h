@@ -33,6 +33,9 @@ class tPrefixText {
   // Two more than there are fields: a component or a file may have the separator in its name.
   static constexpr size_t kMostParts = kFieldCount + 2;
 
+  // Characters; who sets a wider one has no trace to look at.
+  static constexpr size_t kMostLength = 4096;
+
   // Reads the prefix at the beginning of `line`; false if there is none. The parts lie in `line`.
   bool read(std::string_view line);
 
@@ -68,6 +71,10 @@ class tPrefixText {
   size_t length = 0;
   size_t padding = 0;
 };
+
+// Where a prefix may end between two places of a line: at a "]" with a blank behind it, which a
+// tool may have taken at the line's end. npos if there is none.
+size_t findPrefixEnd(std::string_view line, size_t from, size_t to);
 
 // The look of one part.
 tLook lookOf(std::string_view part);

@@ -12,6 +12,7 @@ namespace {
 
 constexpr uint64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr size_t kMostDecoration = 200;  // characters that a capturing program puts before a line
+constexpr size_t kMostTries = 64;        // brackets in front of an end that are looked at
 constexpr std::string_view kClosedPrefix = "] ";
 constexpr uint32_t kBlanksPerLevel = 2;
 
@@ -217,17 +218,30 @@ bool tTraceReader::isPrefix(std::string_view line, tPrefixText& prefix) const {
   return prefix.read(line) && (prefix.isSure() || acceptsUnsure);
 }
 
-// `length` is that of the outer prefix, or 0 for a line that has none.
+// `length` is that of the outer prefix, or 0 for a line that has none. Only a few of the brackets
+// in front of one end are looked at, so that a line of nothing but brackets takes no time to speak
+// of.
 size_t tTraceReader::findInnerPrefix(std::string_view line, size_t from, size_t length) const {
-  size_t const end = length == 0 && isDecorated ? from + kMostDecoration : line.size();
+  size_t const last = length == 0 && isDecorated ? from + kMostDecoration : line.size();
+  size_t end = from;
+  size_t tries = 0;
   size_t place = line.find('[', from);
-  for (; place != line.npos && place < end; place = line.find('[', place + 1)) {
-    tPrefixText prefix;
-    if (place == 0 || !prefix.read(line.substr(place)) || !prefix.isSure()) continue;
-    if (length != 0 && prefix.getLength() != length && !layouts.knows(prefix)) continue;
-    if (prefix.getCount() >= 2) return place;
+  for (; place != line.npos && place < last; place = line.find('[', place + 1)) {
+    if (place >= end) {
+      end = findPrefixEnd(line, place, line.size());
+      tries = 0;
+    }
+    if (end == line.npos) break;
+    if (place == 0 || end - place >= tPrefixText::kMostLength || ++tries > kMostTries) continue;
+    if (isInnerPrefix(line.substr(place), length)) return place;
   }
   return line.npos;
+}
+
+bool tTraceReader::isInnerPrefix(std::string_view text, size_t length) const {
+  tPrefixText prefix;
+  if (!prefix.read(text) || !prefix.isSure() || prefix.getCount() < 2) return false;
+  return length == 0 || prefix.getLength() == length || layouts.knows(prefix);
 }
 
 void tTraceReader::readOpened(std::string_view line, tPrefixText const& prefix) {

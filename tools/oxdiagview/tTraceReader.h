@@ -67,6 +67,7 @@ class tTraceReader {
 
   bool isPrefix(std::string_view line, tPrefixText& prefix) const;
   size_t findInnerPrefix(std::string_view line, size_t from, size_t length) const;
+  bool isInnerPrefix(std::string_view text, size_t length) const;
   void setFields(tPrefixText& prefix);
   void setField(tField field, std::string_view part);
   void setTimes();

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ctime>
+
 #include "viewTest.h"
 
 using oxdiagview::tKind;
@@ -168,6 +170,25 @@ TEST(TraceReader, WithoutStampsTheDeltasAreSummed) {
   EXPECT_EQ(records[0].time, 0u);
   EXPECT_EQ(records[1].time, 2499u);
   EXPECT_EQ(records[2].time, 3500u);
+}
+
+// Each bracket may begin a prefix: looking at all to the next end would take a minute here.
+TEST(TraceReader, LinesOfBracketsTakeNoTimeToSpeakOf) {
+  std::string line = kPrefix;
+  while (line.size() < 30'000) line += "[]x";
+  while (line.size() < 60'000) line += line.size() % 4000 < 3 ? "[x] " : "[x";
+  std::string trace;
+  for (int count = 0; count < 30; ++count) trace += line + "\n";
+  std::clock_t const begin = std::clock();
+  EXPECT_EQ(readTrace(trace).size(), 30u);
+  EXPECT_LT(std::clock() - begin, 8 * CLOCKS_PER_SEC);
+}
+
+TEST(TraceReader, BracketsHideNoLineWithinALine) {
+  std::vector<tKeptRecord> const records = readTrace(kPrefix + "a[0][1] [b] c" + kPrefix + "two\n");
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(records[0].text, "a[0][1] [b] c");
+  EXPECT_EQ(records[1].text, "two");
 }
 
 TEST(TraceReader, BinaryIsRead) {
