@@ -13,8 +13,8 @@ namespace oxdiagview {
 // The blocks that have begun and not ended, of each thread. Of a trace without thread ids all lines
 // are of thread 0.
 //
-// Memory is bounded: of very many threads or very deep ones the blocks that began first are
-// forgotten.
+// Memory is bounded: of very deep blocks the outermost are forgotten, of very many threads those
+// whose last blocks began first, and of a name its end.
 class tOpenBlocks {
  public:
   struct tBlock {
@@ -27,6 +27,7 @@ class tOpenBlocks {
 
   static constexpr size_t kMostThreads = 1024;
   static constexpr size_t kMostDepth = 64;
+  static constexpr size_t kMostName = 200;  // bytes of a name or a place
 
   void begin(tRecord const& record);
 
@@ -34,9 +35,18 @@ class tOpenBlocks {
   // have lost their ends. Empty if no block of the name has begun.
   tThread end(tRecord const& record);
 
+  // The name of a block as far as it is kept.
+  static std::string_view nameOf(tRecord const& record);
+
+  // The innermost open block of a thread; null if it has none. Valid until the next call.
+  tBlock const* getInnermost(uint32_t thread) const;
+
+  // Each thread has at least one block.
   std::unordered_map<uint32_t, tThread> const& getThreads() const { return threads; }
 
  private:
+  void forgetOldThreads();
+
   std::unordered_map<uint32_t, tThread> threads;
 };
 

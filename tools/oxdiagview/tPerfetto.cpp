@@ -68,7 +68,9 @@ void tPerfetto::takeBlockEnd(tRecord const& record) {
   uint32_t const thread = record.thread.value_or(0);
   tOpenBlocks::tThread const ended = blocks.end(record);
   if (ended.empty()) {
-    tOpenBlocks::tBlock const block = {std::string(record.function), placeOf(record), 0, 0};
+    tOpenBlocks::tBlock const* const around = blocks.getInnermost(thread);
+    auto const begin = around != nullptr ? around->time : 0;
+    tOpenBlocks::tBlock const block = {std::string(record.function), placeOf(record), 0, begin};
     return putSlice(block, thread, kNoBeginning, record.code);
   }
   putSlice(ended.front(), thread, nullptr, record.code);

@@ -16,7 +16,7 @@ namespace oxdiagview {
 // trace without times each line takes one.
 //
 // A block without an end lasts to the end of the block around it, or of the trace; one without a
-// beginning lasts from the first line.
+// beginning lasts from that of the block around it, or from the first line.
 class tPerfetto : public iRecordSink {
  public:
   // `output` outlives the object.

@@ -18,10 +18,25 @@ class ViewMemory : public tViewTest {
 
   // The sanitizers keep freed memory for a while, unless they are asked not to.
   void show(std::string const& trace, std::string const& option) const {
+    showFile(write("trace", trace), option);
+  }
+
+  void showFile(std::string const& file, std::string const& option) const {
     std::string const command = "ASAN_OPTIONS=$ASAN_OPTIONS:quarantine_size_mb=1 " +
-                                std::string(kView) + " --rate 1GHz " + option + " " +
-                                write("trace", trace);
+                                std::string(kView) + " --rate 1GHz " + option + " " + file;
     EXPECT_EQ(runProgram({"sh", "-c", command}).exitCode, 0);
+  }
+
+  // Of lines as long as the reader takes them; never whole in memory, which programs inherit.
+  void writeLongNames() const {
+    std::ofstream trace(pathOf("names"));
+    std::string const rest(60'000, 'x');
+    for (int number = 0; number < 200; ++number) {
+      std::string const fields =
+          "rack--17--a.cpp--0x1--" + std::to_string(5'000'000'000'000 + number);
+      std::string const name = std::to_string(number) + rest;
+      trace << lineOf(fields, name + "; {") << lineOf(fields, "} " + name);
+    }
   }
 };
 
@@ -40,6 +55,15 @@ std::string traceOf(u32 first, u32 lines) {
 }
 
 }  // namespace
+
+TEST_F(ViewMemory, DoesNotGrowWithTheNamesOfBlocks) {
+  constexpr u64 kMore = u64{6} << 20;
+  for (char const* option : {"--summary", "--perfetto -"}) show(traceOf(0, 1), option);
+  u64 const before = mostMemory();
+  writeLongNames();
+  for (char const* option : {"--summary", "--perfetto -"}) showFile(pathOf("names"), option);
+  EXPECT_LT(mostMemory(), before + kMore);
+}
 
 TEST_F(ViewMemory, DoesNotGrowWithTheTrace) {
   constexpr u32 kLines = 11'000;  // more than names that are told apart

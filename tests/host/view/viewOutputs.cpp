@@ -66,6 +66,30 @@ TEST_F(ViewOutputs, ABlockWithoutABeginningLastsFromTheFirstLine) {
             "1 0 5 1 inner its beginning is not in the trace\n1 1 1 2 whole -\n");
 }
 
+// A slice that began before the block around it and ended within it would cross that.
+TEST_F(ViewOutputs, ABlockWithoutABeginningStaysWithinTheBlockAround) {
+  tRun const done = slicesOf(stamped("0x1", 0, "line") + stamped("0x1", 1, "outer; {") +
+                             stamped("0x1", 5, "} gone") + stamped("0x1", 6, "} outer"));
+  EXPECT_EQ(done.errors, "");
+  EXPECT_EQ(done.output, "1 1 5 0 outer -\n1 1 4 1 gone its beginning is not in the trace\n");
+}
+
+// As of a server that runs all day: threads that have no open block are no memory.
+TEST_F(ViewOutputs, ThreadsThatHaveGoneTakeNoOthersBlocks) {
+  std::string trace = stamped("0x1", 0, "outer; {");
+  for (int thread = 2; thread < 1100; ++thread) {
+    char name[16];
+    std::snprintf(name, sizeof(name), "0x%X", static_cast<unsigned int>(thread));
+    trace += stamped(name, thread, "inner; {") + stamped(name, thread, "} inner");
+  }
+  trace += stamped("0x1", 4000, "} outer");
+  tRun const done = slicesOf(trace);
+  EXPECT_EQ(done.errors, "");
+  EXPECT_FALSE(contains(done.output, "not in the trace"));
+  EXPECT_TRUE(contains(done.output, "1 0 4000 0 outer -\n"));
+  EXPECT_FALSE(contains(viewText(trace, {"--summary"}).output, "block without a"));
+}
+
 TEST_F(ViewOutputs, WholeDemoTracesAreSlices) {
   for (char const* words :
        {"--threadid --timestamp", "--timedelta", "--timestamp --indent off", ""}) {
