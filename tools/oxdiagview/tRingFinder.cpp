@@ -14,6 +14,7 @@ constexpr std::string_view kSignature(tRecorderRing::kSignature, sizeof(tRecorde
 constexpr uint64_t kMostCapacity = uint64_t{16} << 20;  // of a recorder
 constexpr uint64_t kMostHead = 4096;                    // of a later layout
 constexpr size_t kMostRings = 8;
+constexpr size_t kMostCopies = 256;  // of rings; a dump has a few
 
 // Not a chance text.
 bool isRing(tRecorderRing const& head) {
@@ -69,21 +70,25 @@ bool tRingFinder::takeRing(size_t place, bool isAll) {
       std::min<size_t>(place + head.headSize, window.size()), static_cast<size_t>(head.capacity));
   uint64_t const used = std::min<uint64_t>(head.written, head.capacity);
   uint64_t const missing = used - std::min<uint64_t>(used, bytes.size());
-  keep({passedOver + place, head.address, head.capacity, head.written, missing,
-        textOf(head, bytes)});
+  tRing ring = {passedOver + place, head.address, head.capacity, head.written, missing, ""};
+  tRing* const kept = copies < kMostCopies ? placeOf(ring) : nullptr;
+  if (kept == nullptr) return true;
+  ++copies;
+  ring.text = textOf(head, bytes);
+  *kept = std::move(ring);
   return true;
 }
 
-// Of two copies of the same age the one of which more is there.
-void tRingFinder::keep(tRing ring) {
+// Where a ring is to be kept; null for one that is not wanted. Of two copies of the same age the
+// one of which more is there is.
+tRingFinder::tRing* tRingFinder::placeOf(tRing const& ring) {
   for (tRing& other : rings) {
     if (other.address != ring.address) continue;
     bool const isNewer = ring.written > other.written;
-    bool const isFuller = ring.written == other.written && ring.text.size() > other.text.size();
-    if (isNewer || isFuller) other = std::move(ring);
-    return;
+    bool const isFuller = ring.written == other.written && ring.missing < other.missing;
+    return isNewer || isFuller ? &other : nullptr;
   }
-  if (rings.size() < kMostRings) rings.push_back(std::move(ring));
+  return rings.size() < kMostRings ? &rings.emplace_back() : nullptr;
 }
 
 }  // namespace oxdiagview

@@ -11,7 +11,8 @@ namespace oxdiagview {
 // whatever portions they arrive. Of several copies of one recorder the one with the newest text is
 // taken.
 //
-// At most 32 MiB are held, and the rings that were found, of which there are at most 8.
+// At most 32 MiB are held, and the rings that were found, of which there are at most 8. A dump that
+// was made to have very many of them takes no longer for it: behind 256 the search finds no more.
 class tRingFinder {
  public:
   struct tRing {
@@ -33,12 +34,13 @@ class tRingFinder {
  private:
   void search(bool isAll);
   bool takeRing(size_t place, bool isAll);
-  void keep(tRing ring);
+  tRing* placeOf(tRing const& ring);
 
   std::string window;       // bytes that are not passed over yet
   size_t searched = 0;      // of the window
   uint64_t passedOver = 0;  // bytes in front of the window
   std::vector<tRing> rings;
+  size_t copies = 0;  // that were made of texts
 };
 
 }  // namespace oxdiagview
