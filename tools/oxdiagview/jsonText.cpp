@@ -15,6 +15,13 @@ bool isPlain(char character) {
   return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\';
 }
 
+// Looks at all, since few texts have another: that is faster than to stop at the first.
+bool areAllPlain(std::string_view text) {
+  unsigned int others = 0;
+  for (char const character : text) others |= isPlain(character) ? 0 : 1;
+  return others == 0;
+}
+
 void appendEscape(std::string& json, std::string_view character) {
   char escape[16];
   if (character == "\"" || character == "\\") {
@@ -44,6 +51,10 @@ size_t appendCharacter(std::string& json, std::string_view text) {
 
 void appendJsonText(std::string& json, std::string_view text) {
   json += '"';
+  if (areAllPlain(text)) {
+    json += text;
+    text = {};
+  }
   while (!text.empty()) {
     auto const end = std::find_if_not(text.begin(), text.end(), isPlain);
     size_t const plain = static_cast<size_t>(end - text.begin());

@@ -1,5 +1,8 @@
 #include "oxdiagview/tJsonLines.h"
 
+#include <charconv>
+#include <iterator>
+
 #include "oxdiagview/jsonText.h"
 
 namespace oxdiagview {
@@ -111,10 +114,11 @@ void tJsonLines::putKind(tRecord const& record) {
   if (record.isCut) json += "true";
 }
 
+// Nothing in a name is escaped.
 void tJsonLines::putMember(std::string_view name) {
-  if (json.back() != '{') json += ',';
-  appendJsonText(json, name);
-  json += ':';
+  json += json.back() == '{' ? "\"" : ",\"";
+  json += name;
+  json += "\":";
 }
 
 void tJsonLines::putText(std::string_view name, std::string_view text) {
@@ -124,7 +128,8 @@ void tJsonLines::putText(std::string_view name, std::string_view text) {
 
 void tJsonLines::putNumber(std::string_view name, int64_t number) {
   putMember(name);
-  json += std::to_string(number);
+  char digits[24];
+  json.append(digits, std::to_chars(digits, std::end(digits), number).ptr);
 }
 
 }  // namespace oxdiagview

@@ -20,10 +20,11 @@ std::string hexadecimal(uint32_t number) {
   return text;
 }
 
+// Nothing in the name is escaped.
 void appendMember(std::string& json, std::string_view name, std::string_view text) {
-  if (json.back() != '{') json += ',';
-  appendJsonText(json, name);
-  json += ':';
+  json += json.back() == '{' ? "\"" : ",\"";
+  json += name;
+  json += "\":";
   appendJsonText(json, text);
 }
 
@@ -115,10 +116,13 @@ void tPerfetto::beginEvent(std::string_view name, char const* phase, uint32_t th
 }
 
 void tPerfetto::putMicroseconds(char const* member, uint64_t nanoseconds) {
-  char text[64];
-  std::snprintf(text, sizeof(text), ",\"%s\":%" PRIu64 ".%03" PRIu64, member, nanoseconds / 1000,
-                nanoseconds % 1000);
-  json += text;
+  std::string const behind = std::to_string(1000 + nanoseconds % 1000);
+  json += ",\"";
+  json += member;
+  json += "\":";
+  json += std::to_string(nanoseconds / 1000);
+  json += '.';
+  json += std::string_view(behind).substr(1);
 }
 
 void tPerfetto::endEvent() {
