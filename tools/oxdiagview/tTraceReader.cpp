@@ -11,6 +11,7 @@ namespace oxdiagview {
 namespace {
 
 constexpr uint64_t kNanosecondsPerSecond = 1'000'000'000;
+constexpr uint64_t kLongestSpan = ~uint64_t{0} >> 1;
 constexpr size_t kMostDecoration = 200;  // characters that a capturing program puts before a line
 constexpr size_t kMostTries = 64;        // brackets in front of an end that are looked at
 constexpr std::string_view kClosedPrefix = "] ";
@@ -287,7 +288,8 @@ void tTraceReader::setTimes() {
   if (record.delta) {
     bool const isBack = *record.delta < 0;
     uint64_t const ticks = static_cast<uint64_t>(*record.delta);
-    int64_t const span = static_cast<int64_t>(toNanoseconds(isBack ? 0 - ticks : ticks));
+    uint64_t const magnitude = toNanoseconds(isBack ? 0 - ticks : ticks);
+    int64_t const span = static_cast<int64_t>(std::min(magnitude, kLongestSpan));
     record.timeDelta = isBack ? -span : span;
   }
   if (record.stamp) record.time = toNanoseconds(*record.stamp);

@@ -217,6 +217,15 @@ TEST_F(ViewDump, WithoutARecorderThereIsOneSentence) {
   }
 }
 
+TEST_F(ViewDump, WhatIsSaidOfTheRecorderGoesIntoNoOutput) {
+  traceLines(3);
+  std::string const command = std::string(kView) + " --dump --html " + pathOf("page") + " <" +
+                              write("dump", ring()) + " 2>&-";
+  EXPECT_EQ(runProgram({"sh", "-c", command}).exitCode, 0);
+  EXPECT_TRUE(readFile("page").starts_with("<!DOCTYPE html>"));
+  EXPECT_FALSE(contains(readFile("page"), "a recorder at byte"));
+}
+
 TEST_F(ViewDump, WhatIsFoundGoesIntoEveryOutput) {
   traceLines(3);
   write("dump", ring());

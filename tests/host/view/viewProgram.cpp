@@ -116,6 +116,16 @@ TEST_F(OxdiagView, OutputThatCannotBeWrittenGetsOneSentence) {
   EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
 }
 
+// Else the trace or the page would take the number of the stream.
+TEST_F(OxdiagView, AStreamThatIsClosedIsNoFile) {
+  std::string const trace = write("trace", "no trace\n");
+  std::string const program = std::string(kView) + " --rate 1GHz ";
+  tRun const done = runProgram({"sh", "-c", program + trace + " >&-"});
+  EXPECT_EQ(done.exitCode, 4);
+  EXPECT_TRUE(isOneSentence(done.errors)) << done.errors;
+  EXPECT_EQ(runProgram({"sh", "-c", program + "<&-"}).exitCode, 2);
+}
+
 TEST_F(OxdiagView, AReaderThatGoesAwayEndsIt) {
   std::string const command = std::string("yes | ") + kView + " | head -n 1; echo ${PIPESTATUS[1]}";
   EXPECT_EQ(runProgram({"bash", "-c", command}).output, "y\n141\n");
