@@ -74,6 +74,18 @@ int complain(char const* format, std::string const& name, int exitCode) {
   return exitCode;
 }
 
+// For a shell: in quotes if there is more in it than in most names.
+std::string shellWord(std::string const& name) {
+  constexpr char kUsual[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./-+";
+  if (name.find_first_not_of(kUsual) == name.npos) return name;
+  std::string word = "'";
+  for (char const character : name) {
+    if (character == '\'') word += "'\\'";
+    word += character;
+  }
+  return word + "'";
+}
+
 int announce(std::string const& dump) {
   std::error_code problem;
   auto const size = std::filesystem::file_size(dump, problem);
@@ -83,8 +95,8 @@ int announce(std::string const& dump) {
   std::fprintf(stderr,
                "The machine has stopped. Its crash dump is %s, %llu bytes; the last lines in it:\n"
                "  %s --dump %s\n",
-               dump.c_str(), static_cast<unsigned long long>(size), findTool("oxdiag-view").c_str(),
-               dump.c_str());
+               dump.c_str(), static_cast<unsigned long long>(size),
+               shellWord(findTool("oxdiag-view")).c_str(), shellWord(dump).c_str());
   return kExitGood;
 }
 

@@ -55,15 +55,16 @@ TEST_F(SlotbusCrash, SaysWhereTheDumpIsAndHowToLookAtIt) {
   EXPECT_TRUE(errors.ends_with("oxdiag-view --dump " + pathOf("dump") + "\n")) << errors;
 }
 
-// As the program says; its paths have no blanks here.
 TEST_F(SlotbusCrash, TheCommandThatIsSaidShowsTheLastLines) {
-  std::string const errors = crash().errors;
-  std::string const command = errors.substr(errors.rfind("\n  ") + 3);
-  tRun const done = runProgram({"sh", "-c", command});
-  EXPECT_EQ(done.exitCode, 0);
-  EXPECT_TRUE(contains(done.output, "devices: 18, failures: 0, lines: 44\n")) << done.output;
-  EXPECT_TRUE(contains(done.output, "slot 3 tells its line ")) << done.output;
-  EXPECT_TRUE(done.output.ends_with("slot 4 has a temperature of \n")) << done.output;
+  for (char const* name : {"dump", "a dump", "it's $(a) \"dump\""}) {
+    std::string const errors = run({"--crash", "--dump", pathOf(name)}).errors;
+    std::string const command = errors.substr(errors.rfind("\n  ") + 3);
+    tRun const done = runProgram({"sh", "-c", command});
+    EXPECT_EQ(done.exitCode, 0) << command;
+    EXPECT_TRUE(contains(done.output, "devices: 18, failures: 0, lines: 44\n")) << done.output;
+    EXPECT_TRUE(contains(done.output, "slot 3 tells its line ")) << done.output;
+    EXPECT_TRUE(done.output.ends_with("slot 4 has a temperature of \n")) << done.output;
+  }
 }
 
 TEST_F(SlotbusCrash, WithoutANameTheDumpIsATemporaryFile) {
