@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "oxdiagview/page/scriptText.h"
+#include "oxdiagview/page/tNameList.h"
 #include "oxdiagview/page/tPageFormat.h"
 
 namespace {
@@ -224,6 +225,17 @@ TEST(PageFormat, PageRefersToNothingElse) {
         "innerHTML", "insertAdjacentHTML", "document.write", "eval(", "localStorage"}) {
     EXPECT_EQ(text.find(word), std::string::npos) << word;
   }
+}
+
+TEST(NameList, NamesWithoutNumberAreOthers) {
+  oxdiagview::tNameList names;
+  constexpr int kMost = oxdiagview::tNameList::kMostNames;
+  for (int number = 0; number < kMost; ++number) {
+    EXPECT_EQ(names.numberOf("name" + std::to_string(number)), number);
+  }
+  for (char const* later : {"one", "two", "one"}) EXPECT_EQ(names.numberOf(later), kMost);
+  EXPECT_EQ(names.numberOf("name17"), 17);
+  EXPECT_TRUE(names.getJson().ends_with("\"name9999\",\"(others)\"]"));
 }
 
 TEST(ScriptText, QuotesWhatJsonAndAScriptElementDemand) {

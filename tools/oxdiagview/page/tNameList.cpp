@@ -8,6 +8,7 @@ int tNameList::numberOf(std::string_view name) {
   if (name.empty()) return -1;
   auto const known = numbers.find(name);
   if (known != numbers.end()) return known->second;
+  if (names.size() >= kMostNames && name != kOthers) return numberOf(kOthers);
   auto const added = numbers.emplace(name, static_cast<int>(names.size())).first;
   names.push_back(added->first);
   return added->second;

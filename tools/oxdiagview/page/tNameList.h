@@ -8,9 +8,13 @@
 
 namespace oxdiagview {
 
-// Names that many lines share, each with a number from 0 in the order in which they came.
+// Names that many lines share, each with a number from 0 in the order in which they came. Of more
+// than kMostNames the later ones are one, kOthers.
 class tNameList {
  public:
+  static constexpr size_t kMostNames = 10'000;
+  static constexpr std::string_view kOthers = "(others)";
+
   // -1 for an empty name.
   int numberOf(std::string_view name);
 

@@ -27,7 +27,7 @@ class TraceModel {
     this.number = column(Float64Array, 0);
     this.kind = column(Uint8Array, 1);
     this.mark = column(Uint8Array, 2);
-    this.depth = column(Uint16Array, 3);
+    this.depth = column(Uint32Array, 3);
     this.component = column(Int32Array, 4);
     this.file = column(Int32Array, 5);
     this.sourceLine = column(Int32Array, 6);
