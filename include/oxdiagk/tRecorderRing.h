@@ -18,7 +18,7 @@ struct tRecorderRing {
   u32 layout;
   u64 capacity;  // of the text, in bytes
   u64 inverse;   // ~capacity
-  u64 written;   // bytes that were ever put
+  u64 written;   // bytes that were put, those taken over from a former ring included
   u64 address;   // of this head
 
   char* getText() { return reinterpret_cast<char*>(this) + sizeof(*this); }

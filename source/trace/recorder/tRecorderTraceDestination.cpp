@@ -26,6 +26,12 @@ u32 limit(u32 kiB) {
   return kiB < most ? kiB : most;
 }
 
+// Without its signature: a later dump must not show what lies in free memory as a recorder's.
+void giveRingBack(tRecorderRing* ring) {
+  if (ring != nullptr) ring->signature[0] = '\0';
+  _memDelete(ring);
+}
+
 bool isNumber(char const* word) {
   return *word >= '0' && *word <= '9';
 }
@@ -43,7 +49,7 @@ void tRecorderTraceDestination::destroyInstance() {
 tRecorderTraceDestination::~tRecorderTraceDestination() {
   leaveStream();
   delete crashRecord;
-  _memDelete(ring);
+  giveRingBack(ring);
 }
 
 iTraceDestination& tRecorderTraceDestination::put(char const* text) {
@@ -98,7 +104,7 @@ bool tRecorderTraceDestination::takeRing(u64 size) {
     keep(*next, former->getText(), end);
   }
   storeRelease(ring, next);
-  _memDelete(former);
+  giveRingBack(former);
   return true;
 }
 

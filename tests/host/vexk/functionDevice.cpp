@@ -24,7 +24,9 @@ class tSlowComponent : public tRecordingComponent {
   void handleDeviceControl(u32, void*, u32, void*, u32, u64* information, i32*) override {
     ++running;
     while (!isOpen) std::this_thread::yield();
-    if (kept != nullptr) EXPECT_EQ(kept->acquire(kSyncWaitForever), 0);
+    if (kept != nullptr) {
+      EXPECT_EQ(kept->acquire(kSyncWaitForever), 0);
+    }
     EXPECT_FALSE(isReleased);
     *information = 1;
     --running;
