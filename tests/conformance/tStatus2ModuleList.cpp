@@ -90,10 +90,12 @@ TEST(StatusModules, AModuleHasTheIdentityOfItsSymbols) {
   tStatus2ModuleList const list(knownStatus());
   ASSERT_EQ(list.getCount(), u32{1});
   tLoadedModule const& module = list.getModule(0);
-  EXPECT_EQ(u32{module.identitySize}, u32{20});
+  // 20 bytes of a PDB's identity and of most linkers' build ids; lld makes 8.
+  bool const isShort = module.identityKind == kModuleBuildId && module.identitySize == 8;
+  EXPECT_TRUE(module.identitySize == 20 || isShort);
   u32 used = 0;
   for (u32 i = 0; i != module.identitySize; ++i) used += module.identity[i] != 0 ? 1 : 0;
-  EXPECT_LE(u32{8}, used);
+  EXPECT_LE(u32{4}, used);
 }
 
 TEST(StatusModules, TheFramesOfAFailureAreInModules) {

@@ -54,7 +54,8 @@ TEST_F(OxdiagReportModules, AreShownWithOffsetsWithoutSymbols) {
   json const& module = data[0]["origin"]["modules"][0];
   EXPECT_EQ(frame["address"].get<u64>(), module["base"].get<u64>() + frame["offset"].get<u64>());
   EXPECT_EQ(module["identityKind"], "build id");
-  EXPECT_EQ(module["identity"].get<std::string>().size(), 40U);
+  size_t const digits = module["identity"].get<std::string>().size();
+  EXPECT_TRUE(digits == 40 || digits == 16) << digits;  // lld makes short ones
 }
 
 TEST_F(OxdiagReportModules, AreNotThereWhenTheyWereNotSaved) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <optional>
 
 #include "support/recordingDestination.h"
 #include "trace/startedModules.h"
@@ -100,18 +101,23 @@ std::string fieldOf(tKeptRecord const& record, u32 field) {
   return all[field];
 }
 
+// The place of the prefix' end, when there is a prefix that does not end with padding.
+std::optional<size_t> endOfWholePrefix(tKeptRecord const& record) {
+  size_t const end = record.raw.find("] ");
+  bool const isThere = end != std::string::npos && end != 0 && record.raw[end - 1] != '-';
+  return isThere ? std::optional(end) : std::nullopt;
+}
+
 // A prefix may have been cut where it has no padding: then its last part is not believed, but for
 // the beginning of a file's name.
 bool mayBeCut(tKeptRecord const& record, tSettings const& settings) {
-  size_t const end = record.raw.find("] ");
-  return settings.isTruncated && record.raw[end - 1] != '-' && end == settings.width - 1;
+  return settings.isTruncated && endOfWholePrefix(record) == settings.width - 1;
 }
 
 // A whole prefix may by chance have the length of those that were cut; nobody can tell it then.
 bool looksCut(tKeptRecord const& record, tSettings const& settings) {
-  size_t const end = record.raw.find("] ");
-  bool const isChosenWidth = end == settings.width - 1 || (end > 18 && (end + 1) % 10 == 0);
-  return record.raw[end - 1] != '-' && isChosenWidth;
+  std::optional<size_t> const end = endOfWholePrefix(record);
+  return end && (*end == settings.width - 1 || (*end > 18 && (*end + 1) % 10 == 0));
 }
 
 void expectFields(tKeptRecord const& record, tSettings const& settings) {
