@@ -97,3 +97,17 @@ TEST(StatusHeapIrql, AStatusWithDetailIsWrittenAsText) {
   }
   EXPECT_NE(std::string(text).find("Component Name = heapIrql"), std::string::npos);
 }
+
+TEST(StatusHeapIrql, ADetailThatIsDroppedStaysAllocatedUntilTheStop) {
+  tStartedHeap const started;
+  {
+    tStatus2 status;
+    OXDIAG_SET_STATUS(status, kError);
+    ASSERT_TRUE(status.hasDetail());
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    status.setCode(0);
+    EXPECT_FALSE(status.hasDetail());
+  }
+  EXPECT_EQ(theHeap().getAllocatedBlocks(), 1u);
+  EXPECT_EQ(theHeap().getUsedUnits(), 16u);
+}
