@@ -67,6 +67,7 @@ STEPS = {
                   lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
     "packages": ("what is installed, in the hands of clients", packages.check),
+    "packages-long": ("the quick start, a driver's tests and the Debian packages", packages.check_long),
     "commands": ("the commands of the pages, typed", commands.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
     "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
@@ -90,8 +91,9 @@ STEPS = {
     "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-WHEN_NAMED = {"programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins", "kit-alone",
-              "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds", "browser"}
+WHEN_NAMED = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
+              "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds",
+              "browser"}
 
 
 def guarded(name, function):

@@ -43,7 +43,7 @@ def run_programs(preset, labels):
         report.unlink()
     summary = runs / "summary.xml"
     summary.unlink(missing_ok=True)
-    _, output = workshop.run(["ctest", "--preset", preset, "-j", workshop.CORES + 1, *labels,
+    _, output = workshop.run(["ctest", "--preset", preset, "-j", workshop.CORES + 2, *labels,
                               "--output-junit", summary,
                               "--test-output-size-passed", MOST_OUTPUT,
                               "--test-output-size-failed", MOST_OUTPUT], cwd=workshop.TOP)

@@ -75,5 +75,5 @@ TEST_F(StlListModel, ListBehavesLikeItsModel) {
     ASSERT_TRUE(agree(handles, model)) << "step " << count << ", list " << content(handles);
     ASSERT_FALSE(HasFailure()) << "step " << count;
   }
-  EXPECT_GT(faults(), 500u);
+  EXPECT_GT(faults(), kModelSteps / 200u);
 }

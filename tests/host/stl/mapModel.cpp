@@ -77,7 +77,7 @@ TEST_F(StlMapModel, MapBehavesLikeItsModel) {
     ASSERT_TRUE(agree(table, model)) << "step " << count << ", map " << content(table);
     ASSERT_FALSE(HasFailure()) << "step " << count;
   }
-  EXPECT_GT(faults(), 500u);
+  EXPECT_GT(faults(), kModelSteps / 200u);
 }
 
 TEST_F(StlMapModel, SearchTakesALogarithmicNumberOfSteps) {

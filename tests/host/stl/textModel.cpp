@@ -97,7 +97,7 @@ class StlTextModel : public StlModel {
       ASSERT_TRUE(pair.agree()) << "step " << count << ", text " << content(pair.text);
       ASSERT_FALSE(HasFailure()) << "step " << count;
     }
-    EXPECT_GT(faults(), 500u);
+    EXPECT_GT(faults(), kModelSteps / 200u);
   }
 };
 

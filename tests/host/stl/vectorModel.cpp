@@ -95,5 +95,5 @@ TEST_F(StlVectorModel, VectorOfTextsBehavesLikeItsModel) {
     ASSERT_TRUE(agree(texts, model)) << "step " << count << ", vector " << content(texts);
     ASSERT_FALSE(HasFailure()) << "step " << count;
   }
-  EXPECT_GT(faults(), 500u);
+  EXPECT_GT(faults(), kModelSteps / 200u);
 }
