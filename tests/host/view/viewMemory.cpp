@@ -29,15 +29,17 @@ class ViewMemory : public tViewTest {
     EXPECT_EQ(runProgram({"sh", "-c", command}).exitCode, 0);
   }
 
-  // Of lines as long as the reader takes them; never whole in memory, which programs inherit.
+  // Of lines as long as the reader takes them; none whole in memory, which programs inherit, and a
+  // sanitizer keeps.
   void writeLongNames() const {
     std::ofstream trace(pathOf("names"));
     std::string const rest(60'000, 'x');
     for (int number = 0; number < 200; ++number) {
       std::string const fields =
           "rack--17--a.cpp--0x1--" + std::to_string(5'000'000'000'000 + number);
-      std::string const name = std::to_string(number) + rest;
-      trace << lineOf(fields, name + "; {") << lineOf(fields, "} " + name);
+      std::string prefix = lineOf(fields, "");
+      prefix.pop_back();
+      trace << prefix << number << rest << "; {\n" << prefix << "} " << number << rest << '\n';
     }
   }
 };
