@@ -22,6 +22,13 @@ static_assert(sizeof kPlainCodeText - 1 == 99 &&
 // The fixed part of the externalized form in bytes: code and flag.
 constexpr u32 kFixedLength = 8;
 
+// Writes how much of the form stands in front of the detail, and the fixed part.
+void writeHead(nQELM100::iObjectWriter& writer, u32 length, i32 code, bool hasDetail, i32& status) {
+  writer.writeU32(length, status);
+  writer.writeI32(code, status);
+  writer.writeU32(hasDetail ? 1 : 0, status);
+}
+
 void appendDetail(tStatusText& text, tStatus2 const& status) {
   iStatus2Description const* const description = status.getDescription();
   text.append("\n\tComponent Name = ").append(status.getComponentName());
@@ -101,18 +108,15 @@ void tStatus2::toString(char* buffer, u32 size) const {
 
 void tStatus2::writeExternal(nQELM100::iObjectWriter& writer, i32& status) const {
   if (status < 0) return;
-  writer.writeU32(kFixedLength, status);
-  writer.writeI32(code, status);
-  writer.writeU32(implementation != nullptr ? 1 : 0, status);
+  writeHead(writer, kFixedLength, code, implementation != nullptr, status);
   if (implementation != nullptr) implementation->writeExternal(writer, status);
 }
 
 void tStatus2::writeExternal(nQELM100::iObjectWriter& writer, tStatus2ModuleList const& modules,
                              i32& status) const {
   if (status < 0) return;
-  writer.writeU32(kFixedLength + modules.getWrittenSize(), status);
-  writer.writeI32(code, status);
-  writer.writeU32(implementation != nullptr ? 1 : 0, status);
+  u32 const length = kFixedLength + modules.getWrittenSize();
+  writeHead(writer, length, code, implementation != nullptr, status);
   modules.writeExternal(writer, status);
   if (implementation != nullptr) implementation->writeExternal(writer, status);
 }

@@ -36,26 +36,6 @@ std::string digitsOf(std::string const& bytes) {
   return digits;
 }
 
-// DEL, and U+0080 to U+009F, in UTF-8 the byte C2 and their own number. JSON lets them stand in a
-// text as they are, and a terminal obeys them.
-std::string withEscapedControls(std::string const& json) {
-  std::string escaped;
-  for (size_t index = 0; index < json.size(); ++index) {
-    auto byte = static_cast<unsigned char>(json[index]);
-    bool const isPair = byte == 0xC2 && index + 1 < json.size() &&
-                        static_cast<unsigned char>(json[index + 1]) < 0xA0;
-    if (isPair) byte = static_cast<unsigned char>(json[++index]);
-    if (isPair || byte == 0x7F) {
-      char text[8];
-      std::snprintf(text, sizeof(text), "\\u%04X", byte);
-      escaped += text;
-    } else {
-      escaped += json[index];
-    }
-  }
-  return escaped;
-}
-
 tJson jsonOf(tSourcePlace const& place) {
   return {{"function", place.function}, {"file", place.file}, {"line", place.line}};
 }
@@ -114,5 +94,6 @@ std::string jsonOf(tStatus2 const& status, tLanguage const& language,
                       {"origin", originOf(status, frames, modules)},
                       {"description", descriptionOf(status, language)}};
   // What came from the symbolizer may be no UTF-8.
-  return withEscapedControls(json.dump(2, ' ', false, tJson::error_handler_t::replace));
+  // JSON lets DEL, U+0080 to U+009F and what turns the direction stand as they are.
+  return withControlsForJson(json.dump(2, ' ', false, tJson::error_handler_t::replace));
 }

@@ -1,6 +1,9 @@
 #include "oxdiagreport/reportText.h"
 
+#include <algorithm>
 #include <cstdio>
+
+#include "options/utf8Text.h"
 
 namespace {
 
@@ -24,6 +27,7 @@ void append(std::string& utf8, unsigned int character) {
 }
 
 constexpr unsigned int kReplacement = 0xFFFD;
+constexpr char kUnicodeEscape[] = "\\u%04X";
 
 bool isHigh(unsigned int unit) {
   return unit >= 0xD800 && unit < 0xDC00;
@@ -31,6 +35,24 @@ bool isHigh(unsigned int unit) {
 
 bool isLow(unsigned int unit) {
   return unit >= 0xDC00 && unit < 0xE000;
+}
+
+// Characters below U+0100 by their own format.
+std::string escaped(std::string_view utf8, char const* lowFormat) {
+  std::string shown;
+  while (!utf8.empty()) {
+    std::string_view const character = utf8.substr(0, std::max<size_t>(lengthOfCharacter(utf8), 1));
+    if (character != "\n" && steersTerminal(character)) {
+      unsigned int const code = codeOf(character);
+      char escape[8];
+      std::snprintf(escape, sizeof(escape), code < 0x100 ? lowFormat : kUnicodeEscape, code);
+      shown += escape;
+    } else {
+      shown += character;
+    }
+    utf8.remove_prefix(character.size());
+  }
+  return shown;
 }
 
 }  // namespace
@@ -69,20 +91,9 @@ std::string inOneLine(std::string_view utf8) {
 }
 
 std::string withoutControls(std::string_view utf8) {
-  std::string shown;
-  for (size_t index = 0; index < utf8.size(); ++index) {
-    auto byte = static_cast<unsigned char>(utf8[index]);
-    // U+0080 to U+009F are control characters too, in UTF-8 the byte C2 and their own number.
-    bool const isHighControl = byte == 0xC2 && index + 1 < utf8.size() &&
-                               static_cast<unsigned char>(utf8[index + 1]) < 0xA0;
-    if (isHighControl) byte = static_cast<unsigned char>(utf8[++index]);
-    if (isHighControl || (byte < ' ' && byte != '\n') || byte == 0x7F) {
-      char escape[8];
-      std::snprintf(escape, sizeof(escape), "\\x%02X", byte);
-      shown += escape;
-    } else {
-      shown += static_cast<char>(byte);
-    }
-  }
-  return shown;
+  return escaped(utf8, "\\x%02X");
+}
+
+std::string withControlsForJson(std::string_view json) {
+  return escaped(json, kUnicodeEscape);
 }

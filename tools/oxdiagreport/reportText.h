@@ -13,8 +13,12 @@ std::string utf8Of(_STL::wstring const& text);
 // Bytes as UTF-8, each as the character of its number.
 std::string utf8Of(char const* bytes);
 
-// Control characters as \xNN, except line feeds, so that no text can steer a terminal.
+// Control characters as \xNN, except line feeds, and what turns the direction of a text as \uNNNN,
+// so that no text can steer a terminal.
 std::string withoutControls(std::string_view utf8);
 
 // The same of a text that has to stay in one line: line feeds too.
 std::string inOneLine(std::string_view utf8);
+
+// What withoutControls escapes, as \uNNNN within JSON.
+std::string withControlsForJson(std::string_view json);

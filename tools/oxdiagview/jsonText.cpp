@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "oxdiagview/utf8Text.h"
+#include "options/utf8Text.h"
 
 namespace oxdiagview {
 namespace {

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "options/utf8Text.h"
 #include "oxdiagview/exitCodes.h"
 #include "oxdiagview/page/tPageFormat.h"
 #include "oxdiagview/standardStreams.h"
@@ -23,7 +24,6 @@
 #include "oxdiagview/tTextView.h"
 #include "oxdiagview/tTraceReader.h"
 #include "oxdiagview/tickRate.h"
-#include "oxdiagview/utf8Text.h"
 #include "oxdiagview/viewOptions.h"
 
 namespace oxdiagview {

@@ -4,8 +4,8 @@
 #include <cstdio>
 #include <vector>
 
+#include "options/utf8Text.h"
 #include "oxdiagview/timeText.h"
-#include "oxdiagview/utf8Text.h"
 
 namespace oxdiagview {
 namespace {

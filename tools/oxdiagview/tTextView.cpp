@@ -4,9 +4,9 @@
 #include <charconv>
 #include <iterator>
 
+#include "options/utf8Text.h"
 #include "oxdiagview/recordColor.h"
 #include "oxdiagview/timeText.h"
-#include "oxdiagview/utf8Text.h"
 
 namespace oxdiagview {
 namespace {

@@ -167,6 +167,14 @@ TEST_F(OxdiagReportJson, TextSteersNoTerminal) {
   EXPECT_NE(text.find("a\\x1B[2J\\x9B"), std::string::npos);
 }
 
+TEST_F(OxdiagReportJson, NoTextTurnsItsDirection) {
+  std::string const shown = withoutControls("a\u202Eb\u2066c\u00E4");
+  EXPECT_EQ(shown, "a\\u202Eb\\u2066c\u00E4");
+  EXPECT_EQ(textOf(statusWith(everyUnit(), "a"), 1, kEnglish).find("\u202E"), std::string::npos);
+  EXPECT_EQ(jsonOf(statusWith(everyUnit(), "a"), kEnglish, {}, {}).find("\u202E"),
+            std::string::npos);
+}
+
 TEST_F(OxdiagReportJson, SteersNoTerminalEither) {
   tSourcePlace const place = {"f\xC2\x9B", "\x7F.cpp", 1};
   std::string const json = jsonOf(statusWith(everyUnit(), "a\x1B[2J\x9B\x7F"), kEnglish,

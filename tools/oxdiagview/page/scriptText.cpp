@@ -1,6 +1,6 @@
 #include "oxdiagview/page/scriptText.h"
 
-#include "oxdiagview/utf8Text.h"
+#include "options/utf8Text.h"
 
 namespace oxdiagview {
 

@@ -1,8 +1,7 @@
-#include "oxdiagview/utf8Text.h"
+#include "options/utf8Text.h"
 
 #include <algorithm>
 
-namespace oxdiagview {
 namespace {
 
 constexpr std::string_view kTab = "    ";
@@ -90,5 +89,3 @@ void appendForTerminal(std::string& shown, std::string_view text) {
     text.remove_prefix(character.size());
   }
 }
-
-}  // namespace oxdiagview

@@ -4,9 +4,8 @@
 #include <string>
 #include <string_view>
 
-namespace oxdiagview {
-
-// What stands in a trace is from strangers: it may be no UTF-8, and may be meant for a terminal.
+// What stands in a trace or a status is from strangers: it may be no UTF-8, and may be meant for a
+// terminal.
 
 // How many bytes the character at the beginning of `text` has; 0 if they are no UTF-8: too long a
 // form, half of a pair, beyond the last character, or cut. `text` is not empty.
@@ -22,5 +21,3 @@ bool steersTerminal(std::string_view character);
 // Appends `text` for a terminal: with a '?' for what would steer it, also for a byte that a
 // terminal without UTF-8 takes for a control character, and blanks for a tab.
 void appendForTerminal(std::string& shown, std::string_view text);
-
-}  // namespace oxdiagview
