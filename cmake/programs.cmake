@@ -6,6 +6,12 @@
 #       On Linux cmake --install puts it into place, with its manual page NAME.1 and its completion
 #       NAME.bash, which lie beside its CMakeLists.txt.
 #
+#   oxdiag_program_parts(NAME SOURCES ... TYPED ...)
+#       What a program is made of, for itself and for its tests. The product has no type information,
+#       so neither has what derives from its classes or calls them; TYPED are the sources whose
+#       library asks for it. For the tests the standard headers are read once, which is half of the time
+#       that most of these sources take to compile there.
+#
 # The targets oxdiag_command_line and oxdiag_json are the libraries that read a command line and write
 # JSON.
 
@@ -46,4 +52,18 @@ function(oxdiag_program name)
     COMMAND x86_64-w64-mingw32-windres "${resource}" "${resource}.o"
     DEPENDS "${resource}" VERBATIM)
   target_sources(${name} PRIVATE "${resource}.o")
+endfunction()
+
+function(oxdiag_program_parts name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;TYPED" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES} ${ARG_TYPED})
+  target_compile_options(${name} PRIVATE -fno-rtti)
+  set_source_files_properties(${ARG_TYPED} PROPERTIES
+    COMPILE_OPTIONS -frtti
+    SKIP_PRECOMPILE_HEADERS ON)
+  if(CMAKE_BUILD_TYPE STREQUAL "Debug")
+    target_precompile_headers(${name} PRIVATE
+      <algorithm> <cstdio> <map> <memory> <optional> <string> <string_view> <vector>)
+  endif()
+  target_link_libraries(${name} PRIVATE oxdiag_warnings)
 endfunction()
