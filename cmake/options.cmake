@@ -6,7 +6,10 @@ add_library(oxdiag_warnings INTERFACE)
 target_compile_options(oxdiag_warnings INTERFACE
   -std=c++20 -Wall -Wextra -Wpedantic $<$<BOOL:${OXDIAG_WERROR}>:-Werror>)
 
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
+  # That of g++ objects to constructors whose parameters are named as the members that they set.
+  target_compile_options(oxdiag_warnings INTERFACE -Wconversion -Wsign-conversion -Wshadow)
+elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Optimising, g++ 12 sees copies overlap in "text" + std::string that do not.
   target_compile_options(oxdiag_warnings INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
 endif()

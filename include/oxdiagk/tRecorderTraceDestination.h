@@ -78,7 +78,7 @@ class OXDIAG_API tRecorderTraceDestination : public iTraceDestination {
   class tCrashRecord;
 
   tRecorderRing* loadRing() const;
-  void keep(tRecorderRing& ring, char const* text, u64 length);
+  void keep(tRecorderRing& to, char const* text, u64 length);
   void keepUnfinishedLines();
   bool takeRing(u64 size);
 

@@ -11,7 +11,7 @@ constexpr tSyncDescriptor kLock = {
     kSyncKindMutex, kSyncFlagLongLived, kSyncAccessSynchronize, {0, 0}};
 
 // Zeros, before and after the object's life, are a registry without lock.
-constinit tObjectRoom<tInstanceRegistry> instance;
+constinit tObjectRoom<tInstanceRegistry> room;
 
 u32 fail(i32& status, i32 code) {
   status = code;
@@ -26,16 +26,16 @@ tConfigurable* findNone(i32& status, i32 code) {
 }  // namespace
 
 tInstanceRegistry& tInstanceRegistry::getInstance() {
-  return instance.get();
+  return room.get();
 }
 
 void tInstanceRegistry::constructInstance(tNamedInstances const& instances) {
-  new (instance.take()) tInstanceRegistry({}, instances);
+  new (room.take()) tInstanceRegistry({}, instances);
 }
 
 void tInstanceRegistry::destroyInstance() {
   getInstance().~tInstanceRegistry();
-  instance.clear();
+  room.clear();
 }
 
 tInstanceRegistry::tInstanceRegistry(tHandleRange const& handles, tNamedInstances const& instances)

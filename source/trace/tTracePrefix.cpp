@@ -82,8 +82,8 @@ void tTracePrefix::putComponentName() {
 }
 
 void tTracePrefix::putComponentVersion() {
-  char text[tSSVersion::kMaxTextSize];
-  put(facts.origin.version.toString(text));
+  char version[tSSVersion::kMaxTextSize];
+  put(facts.origin.version.toString(version));
 }
 
 void tTracePrefix::putLineNumber() {
@@ -98,8 +98,8 @@ void tTracePrefix::putFileName() {
 }
 
 void tTracePrefix::putThreadId() {
-  char text[kMostDigits];
-  char* const end = text + sizeof(text);
+  char digits[kMostDigits];
+  char* const end = digits + sizeof(digits);
   char* begin = vexWriteHexadecimal(tThreadUtility::getCurrentThreadId(), end);
   *--begin = 'x';
   *--begin = '0';

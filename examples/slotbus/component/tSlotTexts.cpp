@@ -26,7 +26,8 @@ wchar_t const* tSlotTexts::widen(tTextSpan text) {
   used += static_cast<u32>(text.getLength()) + 1;
   OXDIAG_CHECK_MESSAGE(used <= sizeof(characters) / sizeof(wchar_t),
                        "the reader lets no longer texts through");
-  for (size_t index = 0; index < text.getLength(); ++index) first[index] = text[index];
+  for (size_t index = 0; index < text.getLength(); ++index)
+    first[index] = static_cast<wchar_t>(text[index]);
   first[text.getLength()] = L'\0';
   return first;
 }

@@ -34,21 +34,21 @@ void tRecorderTraceDestination::tCrashRecord::give(KBUGCHECK_SECONDARY_DUMP_DATA
   data.OutBuffer = nullptr;
   data.OutBufferLength = 0;
   if (owner.ring == nullptr) return;
-  tRecorderRing& ring = *owner.ring;
-  u64 const whole = sizeof(ring) + ring.capacity;
+  tRecorderRing& kept = *owner.ring;
+  u64 const whole = sizeof(kept) + kept.capacity;
   __builtin_memcpy(&data.Guid, kDumpGuid, sizeof(data.Guid));
   if (whole <= data.MaximumAllowed) {
-    data.OutBuffer = &ring;
+    data.OutBuffer = &kept;
     data.OutBufferLength = static_cast<u32>(whole);
     return;
   }
   u64 const room = smaller(data.InBufferLength, data.MaximumAllowed);
-  if (data.InBuffer == nullptr || room <= sizeof(ring)) return;
-  u64 const text = smaller(room - sizeof(ring), smaller(ring.written, ring.capacity));
+  if (data.InBuffer == nullptr || room <= sizeof(kept)) return;
+  u64 const text = smaller(room - sizeof(kept), smaller(kept.written, kept.capacity));
   if (text == 0) return;
-  copyNewest(ring, *static_cast<tRecorderRing*>(data.InBuffer), text);
+  copyNewest(kept, *static_cast<tRecorderRing*>(data.InBuffer), text);
   data.OutBuffer = data.InBuffer;
-  data.OutBufferLength = static_cast<u32>(sizeof(ring) + text);
+  data.OutBufferLength = static_cast<u32>(sizeof(kept) + text);
 }
 
 }  // namespace nOXDIAG100

@@ -123,17 +123,17 @@ tRecorderRing* tRecorderTraceDestination::loadRing() const {
 }
 
 // Each text takes its place first, so no two write to one unless the ring comes round meanwhile.
-OXDIAG_MIXES_TEXT void tRecorderTraceDestination::keep(tRecorderRing& ring, char const* text,
+OXDIAG_MIXES_TEXT void tRecorderTraceDestination::keep(tRecorderRing& to, char const* text,
                                                        u64 length) {
-  if (length > ring.capacity) {
-    text += length - ring.capacity;
-    length = ring.capacity;
+  if (length > to.capacity) {
+    text += length - to.capacity;
+    length = to.capacity;
   }
-  u64 const begin = __atomic_fetch_add(&ring.written, length, __ATOMIC_RELAXED) % ring.capacity;
-  u64 const room = ring.capacity - begin;
+  u64 const begin = __atomic_fetch_add(&to.written, length, __ATOMIC_RELAXED) % to.capacity;
+  u64 const room = to.capacity - begin;
   u64 const first = length < room ? length : room;
-  copyText(ring.getText() + begin, text, first);
-  copyText(ring.getText(), text + first, length - first);
+  copyText(to.getText() + begin, text, first);
+  copyText(to.getText(), text + first, length - first);
 }
 
 // The system has stopped: nobody else runs. A line ends where it stands.

@@ -30,7 +30,8 @@ class tModelPool {
       isLast = fragment == rover;
       if (fragment != kAnchor && lengthOf(fragment) >= units) {
         u32 const block = fragment + lengthOf(fragment) - units;
-        for (u32 unit = block; unit != block + units; ++unit) owner[unit] = block + 1;
+        for (u32 unit = block; unit != block + units; ++unit)
+          owner[unit] = static_cast<u16>(block + 1);
         rover = previous;
         ++allocatedBlocks;
         return block;
