@@ -11,8 +11,10 @@ of the library's headers that this branch includes.
 
 import functools
 import pathlib
+import re
 import tempfile
 
+import dialect
 import documents
 import publicHeaders
 import samples
@@ -33,6 +35,11 @@ CLANG = ["clang++", "--target=x86_64-pc-windows-msvc", "-std=c++20", "-fms-exten
 CLANG_CL = ["clang++", "--driver-mode=cl", "/c", "/O2", "/std:c++20", "/permissive-", "/W4",
             "-Wgnu", "-Wpedantic", "-Werror", "/GR-", "/GS-", "/Zc:threadSafeInit-",
             "/clang:-ffreestanding", "/clang:-fasynchronous-unwind-tables"]
+
+# A macro's name, and the rest of its definition; a word; what asks for a macro and does not use it.
+DEFINITION = re.compile(r"^[ \t]*#[ \t]*define[ \t]+(\w+)((?:.*\\\n)*.*)", re.MULTILINE)
+WORD = re.compile(r"\w+")
+QUESTION = re.compile(r"^[ \t]*#[ \t]*(?:ifn?def|undef)\b.*", re.MULTILINE)
 
 # The family's global names that the kit has too, besides its tags: none.
 TAGS = {"_DEVICE_OBJECT", "_DRIVER_OBJECT", "_GUID", "_IRP", "_UNICODE_STRING"}
@@ -70,7 +77,7 @@ def kit_compile(source):
 
 
 def together_check(kit, order):
-    behind = lines(["kit/sameTypes.h", "kit/macros.h"])
+    behind = lines(["kit/sameTypes.h", "kit/values.h", "kit/macros.h"])
     code, output = kit_compile(order(kit, ours()) + behind)
     return f"all headers, {order.__name__} ({kit})", code == 0, output
 
@@ -124,6 +131,34 @@ def names_check():
     return "no name but the tags is the kit's as well", held, f"both declare {sorted(both)}"
 
 
+def macros_of(texts):
+    """Name -> the words that its definitions, of which there may be several, consist of."""
+    found = {}
+    for text in texts:
+        for name, body in DEFINITION.findall(text):
+            found.setdefault(name, set()).update(WORD.findall(body))
+    return found
+
+
+def unused_macros():
+    """Macros of the public headers that neither a header nor kit/macros.h uses, in a definition that
+    is used or outside of any."""
+    texts = [dialect.without_comments(path.read_text()) for path in publicHeaders.paths()]
+    macros = macros_of(texts)
+    texts.append((SOURCES / "macros.h").read_text())
+    used, new = set(), {word for text in texts
+                        for word in WORD.findall(QUESTION.sub("", DEFINITION.sub("", text)))}
+    while new:
+        used |= new
+        new = {word for name in new & set(macros) for word in macros[name]} - used
+    return sorted(set(macros) - used)
+
+
+def macros_check():
+    unused = unused_macros()
+    return "every macro for clients is compiled", not unused, f"kit/macros.h does not use {unused}"
+
+
 def vendor_check(name, more):
     source = ours() + lines(["kit/macros.h"])
     with tempfile.TemporaryDirectory() as folder:
@@ -160,7 +195,7 @@ def outcome_of(results):
 def check():
     results = [together_check(kit, order) for kit in KIT_HEADERS for order in (kit_first, kit_last)]
     results += [library_check(order) for order in ("first", "last")]
-    results += [names_check(), vendor_check("clang-cl", []),
+    results += [names_check(), macros_check(), vendor_check("clang-cl", []),
                 vendor_check("the vendor's branch", ["-U__clang__", f"-I{SOURCES}/msvc"])]
     results += page_checks()
     results.append(driver_check())
