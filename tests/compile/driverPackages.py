@@ -9,6 +9,7 @@ import moduleFiles
 import versions
 
 DRIVER_STORE = "13"
+FIRST_BUILD = 16299  # that finds files there
 
 
 class Inf:
@@ -35,13 +36,16 @@ class Inf:
         return next((value for each, value in self.lines(section) if each.lower() == key.lower()),
                     "")
 
+    def models(self):
+        """The name of the devices' section and the systems that it is for; without a device, none."""
+        words = self.lines("Manufacturer")[0][1].split(",") if self.lines("Manufacturer") else []
+        return [word.strip() for word in words]
+
     def install(self):
         """The install section and the hardware id of the one device; without a device, none."""
-        if not self.lines("Manufacturer"):
+        if not self.models():
             return "DefaultInstall.NTamd64", None
-        models = self.lines("Manufacturer")[0][1].split(",")
-        devices = ".".join(part.strip() for part in models)
-        section, hardware_id = self.lines(devices)[0][1].split(",")
+        section, hardware_id = self.lines(".".join(self.models()))[0][1].split(",")
         return f"{section.strip()}.NT", hardware_id.strip()
 
     def service(self):
@@ -91,6 +95,14 @@ def place_complaints(inf, driver):
     ] if not held]
 
 
+def system_complaints(inf):
+    """No system that cannot run a driver from the driver store takes the device for its own."""
+    if not inf.models():
+        return []
+    wanted = f"NTamd64.10.0...{FIRST_BUILD}"
+    return [] if inf.models()[1:] == [wanted] else [f"its devices are not for {wanted} alone"]
+
+
 def version_complaints(inf, name):
     stem = name.removesuffix(".inf")
     told = re.fullmatch(r"(\d\d/\d\d/\d{4}), *([\d.]+)", inf.value("Version", "DriverVer"))
@@ -124,7 +136,7 @@ def complaints(name):
     inf = Inf((moduleFiles.MODULES / name).read_text(encoding="ascii"))
     driver = name.replace(".inf", ".sys")
     return string_complaints(inf) + file_complaints(inf, driver) + place_complaints(inf, driver) + \
-        version_complaints(inf, name) + service_complaints(inf, name)
+        system_complaints(inf) + version_complaints(inf, name) + service_complaints(inf, name)
 
 
 def checks():
