@@ -2,6 +2,10 @@
 // its contract forbids, so these tests also show that no such call is made.
 
 #include "keptLines.h"
+#include "ntos/guid.h"
+#include "ntos/irp.h"
+#include "ntos/power.h"
+#include "ntos/string.h"
 #include "oxdiagk/kernelValues.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "startedModules.h"
@@ -10,8 +14,7 @@
 
 namespace {
 
-using nOXDIAG100::tSerialTraceDestination;
-using nOXDIAG100::tTrace;
+using namespace nOXDIAG100;
 
 void putLine(tTrace& trace, char const* text) {
   trace.putPrefix("irql", tSSVersion(), 1, "a/file", 100, tTrace::kTraceLine);
@@ -43,17 +46,27 @@ TEST(TraceIrql, FormattedTextIsWrittenAtDispatchLevel) {
   EXPECT_EQ(kept.text(), "5 narrow wide\n");
 }
 
+// The executive has no memory to give at this level, so they allocate none either.
 TEST(TraceIrql, ValuesOfTheKernelAreWrittenAtEveryLevel) {
   tKeptLines kept;
   tOwnTrace trace(kept);
-  UNICODE_STRING const name = {8, 8, const_cast<wchar_t*>(L"rack")};
+  UNICODE_STRING const wide = {8, 8, const_cast<wchar_t*>(L"rack")};
+  ANSI_STRING const narrow = {3, 3, const_cast<char*>("bus")};
+  GUID const guid = {};
   {
     tRaisedIrql const raised(HIGH_LEVEL);
-    trace.put(nOXDIAG100::asIrql(KeGetCurrentIrql())).put(" ");
-    trace.put(nOXDIAG100::asUnicodeString(&name)).put(" ");
-    trace.put(nOXDIAG100::asNtStatus(0)).endl();
+    trace.put(asIrql(KeGetCurrentIrql())).put(" ").put(asNtStatus(0)).put(" ");
+    trace.put(asUnicodeString(&wide)).put(" ").put(asAnsiString(&narrow)).put(" ");
+    trace.put(asGuid(&guid)).endl();
+    trace.put(asIrpMajor(IRP_MJ_PNP)).put(" ").put(asIrpMinor(IRP_MJ_PNP, 0)).put(" ");
+    trace.put(asDevicePowerState(PowerDeviceD0)).put(" ");
+    trace.put(asSystemPowerState(PowerSystemWorking)).put(" ").put(asKernelTime(0)).endl();
   }
-  EXPECT_EQ(kept.text(), "HIGH_LEVEL (15) rack STATUS_SUCCESS (0x00000000)\n");
+  EXPECT_EQ(kept.text(),
+            "HIGH_LEVEL (15) STATUS_SUCCESS (0x00000000) rack bus "
+            "{00000000-0000-0000-0000-000000000000}\n"
+            "IRP_MJ_PNP (0x1B) IRP_MN_START_DEVICE (0x00) PowerDeviceD0 (1) PowerSystemWorking (1) "
+            "1601-01-01T00:00:00.0000000Z\n");
 }
 
 TEST(TraceIrql, LockedLinesAreWrittenAtApcLevel) {
