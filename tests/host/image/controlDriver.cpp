@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -23,6 +24,7 @@ namespace {
 using namespace nOXDIAG100;
 
 constexpr u32 kUnloads = 1000;
+constexpr u32 kLibraryUnloads = 60;
 constexpr u32 kCallers = 8;
 
 bool isMapped() {
@@ -103,7 +105,7 @@ NTSTATUS takeName(DRIVER_OBJECT* driver, UNICODE_STRING* /*registryPath*/) {
 class ControlDriver : public testing::Test {
  protected:
   ControlDriver() {
-    EXPECT_EQ(image.initialise(), STATUS_SUCCESS);
+    loadLibrary();
     EXPECT_EQ(load(&driver), STATUS_SUCCESS);
   }
   ~ControlDriver() override {
@@ -111,8 +113,19 @@ class ControlDriver : public testing::Test {
       EXPECT_EQ(stop(), STATUS_SUCCESS);
     }
     EXPECT_FALSE(isMapped());
-    EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+    if (image != nullptr) unloadLibrary();
     ntoshost::requireNoDevices("the test");
+  }
+
+  void loadLibrary() {
+    image = std::make_unique<tImage>();
+    EXPECT_EQ(image->initialise(), STATUS_SUCCESS);
+  }
+
+  // Its image is unmapped.
+  void unloadLibrary() {
+    EXPECT_EQ(image->unload(), STATUS_SUCCESS);
+    image = nullptr;
   }
 
   NTSTATUS stop() {
@@ -122,7 +135,7 @@ class ControlDriver : public testing::Test {
   }
 
   tPlatform platform;
-  tImage image;
+  std::unique_ptr<tImage> image;
   DRIVER_OBJECT* driver = nullptr;
 };
 
@@ -179,7 +192,7 @@ TEST_F(ControlDriver, RefusesWhatIsNoRequest) {
 TEST_F(ControlDriver, OutlivesTheLibrary) {
   tProgram program;
   EXPECT_TRUE(useTunnel(program));
-  EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  unloadLibrary();
   EXPECT_EQ(program.deliver(nullptr), STATUS_SUCCESS);
   EXPECT_EQ(program.output.status, kStatusNoDispatcher);
 }
@@ -268,4 +281,28 @@ TEST_F(ControlDriver, IsUnloadedBesideCallers) {
   for (std::thread& caller : callers) caller.join();
   EXPECT_GT(pending, kUnloads / 100);  // stopped while somebody was within
   EXPECT_GT(refused, 0u);
+}
+
+// The library goes with the last driver that uses it, whoever is within its tunnel; the driver of
+// the device stays. Who is within comes out of an image that is there, as above.
+TEST_F(ControlDriver, ServesWhileTheLibraryComesAndGoes) {
+  std::atomic<bool> isOver = false;
+  std::atomic<u32> served = 0;
+  std::atomic<u32> unserved = 0;
+  auto const call = [&] {
+    tProgram program;
+    ASSERT_EQ(program.status, STATUS_SUCCESS);
+    while (!isOver) ++(useTunnel(program) ? served : unserved);
+  };
+  std::vector<std::thread> callers;
+  for (u32 count = 0; count < kCallers; ++count) callers.emplace_back(call);
+  for (u32 round = 0; round < kLibraryUnloads; ++round) {
+    if (image == nullptr) loadLibrary();
+    u32 const before = served;
+    while (served < before + kCallers) std::this_thread::yield();
+    unloadLibrary();
+  }
+  isOver = true;
+  for (std::thread& caller : callers) caller.join();
+  EXPECT_GT(unserved, 0u);
 }
