@@ -387,7 +387,8 @@ class OXDIAG_API tTrace : public tConfigurable {
   // in front of it.
   //
   // There are no 64-bit numbers: of a 64-bit argument, %d, %u, %o and %x show the low half, and
-  // %lld, %zu and %I64d are invalid. For those, and for addresses, there is put.
+  // %lld, %zu and %I64d are invalid, as are %wZ and %Z. For those, and for addresses, there is put,
+  // with "oxdiagk/kernelValues.h" for counted strings.
   //
   // Since %f takes no argument, the next conversion takes its. On 64-bit Windows that shows the low
   // half of the floating-point value. On targets that pass floating-point arguments in registers of
