@@ -26,8 +26,8 @@ IMPORT_LIBRARIES = ["ntoskrnl.lib", "driverRuntime.lib"]
 HEADER_FOLDERS = ["include", *(f"platform/{part}/{place}" for part in
                                ("compiler", "vexk", "qelmk", "stl")
                                for place in ("include", "windows/include"))]
-NOTES = ["windows", "tracing", "options", "destinations", "configuring", "status", "viewing",
-         "debugging"]
+NOTES = ["windows", "existing-driver", "tracing", "options", "destinations", "irql", "configuring",
+         "no-trace", "status", "viewing", "debugging", "crash-dump", "limits", "versions"]
 EXAMPLE = workshop.TOP / "examples/hello-driver"
 VIEWS = workshop.TOP / "tools/debugger/oxdiagk.natvis"
 FIRST_MOMENT = (1980, 1, 1, 0, 0, 0)  # the earliest time that an archive can tell
