@@ -19,7 +19,6 @@ constexpr u32 kAWhile = 30;
 void call() {
   KEVENT event;
   KeInitializeEvent(&event, NotificationEvent, 0);
-  KeClearEvent(&event);
 }
 
 // A thread that is asked at its nth call. Its work ends, whatever the test has seen.

@@ -17,6 +17,7 @@ bool tryTakeEvent(KEVENT& event) {
 }  // namespace ntoshost
 
 void KeInitializeEvent(KEVENT* event, EVENT_TYPE type, BOOLEAN state) {
+  ntoshost::requireIrqlAtMost(HIGH_LEVEL, "KeInitializeEvent");
   KOBJECTS const object =
       type == NotificationEvent ? EventNotificationObject : EventSynchronizationObject;
   ntoshost::initializeHeader(event->Header, object, sizeof(KEVENT), state != 0 ? 1 : 0);

@@ -47,6 +47,7 @@ bool tryTakeMutex(KMUTEX& mutex) {
 }  // namespace ntoshost
 
 void KeInitializeMutex(KMUTEX* mutex, u32) {
+  ntoshost::requireIrqlAtMost(HIGH_LEVEL, "KeInitializeMutex");
   mutex->MutantListEntry = {&mutex->MutantListEntry, &mutex->MutantListEntry};
   mutex->Abandoned = 0;
   mutex->ApcDisable = 1;

@@ -16,8 +16,8 @@ void overrideCurrentThreadId(u64 id);
 //     if (ntoshost::awaitSuspended(1000)) look();
 //     ntoshost::resumeThreads();
 
-// Asks the calling thread at its nth call of the executive from here on, counted from 1, of those
-// that state a highest IRQL. 0 asks it no more.
+// Asks the calling thread at its nth call of the executive from here on, counted from 1: of those
+// that state a highest IRQL, and those that initialise an event or a mutex. 0 asks it no more.
 void suspendAtCall(u64 n);
 
 // Whether the calling thread has made that many calls since.
