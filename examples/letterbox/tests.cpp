@@ -99,6 +99,16 @@ TEST_F(Letterbox, LosesNoLetterWhenMemoryIsShort) {
   EXPECT_GE(failures, 2u) << "the request's buffer and the letter";
 }
 
+TEST_F(Letterbox, WaitsForNoProgramThatIsSuspended) {
+  auto const exchange = [this] {
+    std::string text;
+    EXPECT_EQ(post("letter"), STATUS_SUCCESS);
+    EXPECT_EQ(fetch(text), STATUS_SUCCESS);
+  };
+  u64 const calls = ntoshost::suspendAtEachCall(exchange, exchange);
+  EXPECT_GE(calls, 8u) << "two remove locks, two fast mutexes";
+}
+
 TEST_F(Letterbox, AGoneDeviceIsRefusedUntilTheLastHandleIsClosed) {
   EXPECT_EQ(post("never fetched"), STATUS_SUCCESS);
   EXPECT_EQ(ntoshost::surpriseRemoveDevice(box), STATUS_SUCCESS);

@@ -6,6 +6,7 @@
 #include "ntos/irql.h"
 #include "ntos/thread.h"
 #include "ntoshost/thread.h"
+#include "ntoshost/violation.h"
 
 namespace ntoshost {
 
@@ -15,6 +16,7 @@ namespace {
 
 constexpr u64 kNanosecondsPerMillisecond = 1'000'000;
 constexpr u64 kNanosecondsPerSecond = 1'000'000'000;
+constexpr u32 kAMoment = 5;  // milliseconds
 
 constinit pthread_mutex_t g_lock = PTHREAD_MUTEX_INITIALIZER;
 constinit pthread_cond_t g_changed = PTHREAD_COND_INITIALIZER;
@@ -41,6 +43,23 @@ void sleepUntilResumed() {
   while (g_resumes == resumes) pthread_cond_wait(&g_changed, &g_lock);
   --g_suspended;
   pthread_mutex_unlock(&g_lock);
+}
+
+struct Work {
+  u64 n;
+  void (*run)(void*);
+  void* argument;
+  bool wasAsked;
+  bool isDone;
+};
+
+void* runWork(void* given) {
+  Work& work = *static_cast<Work*>(given);
+  suspendAtCall(work.n);
+  work.run(work.argument);
+  work.wasAsked = wasSuspensionAsked();
+  __atomic_store_n(&work.isDone, true, __ATOMIC_RELEASE);
+  return nullptr;
 }
 
 }  // namespace
@@ -79,6 +98,24 @@ void resumeThreads() {
   ++g_resumes;
   pthread_cond_broadcast(&g_changed);
   pthread_mutex_unlock(&g_lock);
+}
+
+bool suspendAt(u64 n, void (*work)(void*), void* workArgument, void (*meanwhile)(void*),
+               void* meanwhileArgument) {
+  Work own = {n, work, workArgument, false, false};
+  pthread_t thread;
+  if (pthread_create(&thread, nullptr, runWork, &own) != 0) {
+    violation("The machine has no thread for the work that is to be suspended.");
+  }
+  bool isFirst = true;
+  while (!__atomic_load_n(&own.isDone, __ATOMIC_ACQUIRE)) {
+    if (!awaitSuspended(kAMoment)) continue;
+    if (isFirst) meanwhile(meanwhileArgument);
+    isFirst = false;
+    resumeThreads();
+  }
+  pthread_join(thread, nullptr);
+  return own.wasAsked;
 }
 
 }  // namespace ntoshost

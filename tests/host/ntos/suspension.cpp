@@ -139,3 +139,22 @@ TEST(Suspension, WaitsForPassiveLevel) {
   EXPECT_FALSE(isSuspendedBetween([&] { KeRaiseIrql(DISPATCH_LEVEL, &before); },
                                   [&] { KeLowerIrql(before); }));
 }
+
+TEST(Suspension, ComesAtEachCallOfAWorkInTurn) {
+  std::atomic<int> works = 0;
+  int calls = 0;
+  int meanwhiles = 0;
+  auto const work = [&] {
+    calls = 0;
+    for (; calls < 3; ++calls) call();
+    ++works;
+  };
+  u64 const count = ntoshost::suspendAtEachCall(work, [&] { EXPECT_EQ(calls, meanwhiles++); });
+  EXPECT_EQ(count, 3u);
+  EXPECT_EQ(meanwhiles, 3);
+  EXPECT_EQ(works, 4);  // the last one has no fourth call
+}
+
+TEST(Suspension, OfAWorkThatMakesNoCallsDoesNotCome) {
+  EXPECT_EQ(ntoshost::suspendAtEachCall([] {}, [] { FAIL(); }), 0u);
+}

@@ -5,7 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "suspendedWork.h"
+#include "ntoshost/thread.h"
 #include "trace/tStreamLock.h"
 
 namespace {
@@ -25,7 +25,7 @@ int makeSuspendedAt(u64 n) {
   pid_t const child = fork();
   if (child == 0) {
     alarm(kMostSeconds);
-    _exit(suspendAt(n, useLock, useLock) ? kIsAsked : kIsNotAsked);
+    _exit(ntoshost::suspendAt(n, useLock, useLock) ? kIsAsked : kIsNotAsked);
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -8,7 +8,6 @@
 #include "ntos/event.h"
 #include "ntoshost/executive.h"
 #include "startedModules.h"
-#include "suspendedWork.h"
 #include "vexk/eventLog.h"
 
 namespace {
@@ -63,14 +62,14 @@ TEST(SuspendedThreads, DoNotHoldUpASwitch) {
   tOwnTrace trace(first);
   u64 const firstEvent = countEvents() + 1;
   u32 switches = 0;
-  u64 const calls = suspendAtEachCall([&] { putLine(trace); },
-                                      [&] {
-                                        iTraceDestination& next =
-                                            trace.getDestination() == &first ? second : first;
-                                        trace.setDestination(next);
-                                        ASSERT_EQ(trace.getDestination(), &next);
-                                        ++switches;
-                                      });
+  u64 const calls = ntoshost::suspendAtEachCall(
+      [&] { putLine(trace); },
+      [&] {
+        iTraceDestination& next = trace.getDestination() == &first ? second : first;
+        trace.setDestination(next);
+        ASSERT_EQ(trace.getDestination(), &next);
+        ++switches;
+      });
   EXPECT_GE(calls, 8u);
   EXPECT_GE(switches, 1u);
   EXPECT_FALSE(isGivenUp(firstEvent));
@@ -82,13 +81,13 @@ TEST(SuspendedThreads, DoNotHoldUpASwitchWithTheLineMutexOn) {
   tOwnTrace trace(first);
   trace.enableMutex();
   u64 const firstEvent = countEvents() + 1;
-  u64 const calls =
-      suspendAtEachCall([&] { putLine(trace); },
-                        [&] {
-                          trace.setDestination(trace.getDestination() == &first ? second : first);
-                          trace.disableMutex();
-                          trace.enableMutex();
-                        });
+  u64 const calls = ntoshost::suspendAtEachCall(
+      [&] { putLine(trace); },
+      [&] {
+        trace.setDestination(trace.getDestination() == &first ? second : first);
+        trace.disableMutex();
+        trace.enableMutex();
+      });
   EXPECT_GE(calls, 8u);
   EXPECT_FALSE(isGivenUp(firstEvent));
 }
@@ -97,7 +96,7 @@ TEST(SuspendedThreads, DoNotHoldUpASwitchWithTheLineMutexOn) {
 TEST(SuspendedThreads, DoNotHoldUpTheEndOfADestination) {
   tKeptLines kept;
   tOwnTrace trace(kept);
-  u64 const calls = suspendAtEachCall(
+  u64 const calls = ntoshost::suspendAtEachCall(
       [&] {
         trace.put("text").endl();
         trace.put("text").endl();

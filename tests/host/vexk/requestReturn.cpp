@@ -10,7 +10,6 @@
 #include "ntos/thread.h"
 #include "ntoshost/executive.h"
 #include "platformSupport.h"
-#include "suspendedWork.h"
 #include "trace/capturedPrint.h"
 #include "vexk/iLib.h"
 #include "vexk/moduleInfo.h"
@@ -77,11 +76,11 @@ class RequestReturn : public testing::Test {
 // Otherwise the end of the dispatcher would wait until the thread is resumed, and so for ever.
 TEST_F(RequestReturn, ASuspendedOneDoesNotHoldUpTheEndOfItsModule) {
   auto served = std::make_unique<tServed>(makeCalls);
-  u64 const calls = suspendAtEachCall([] { deliver(); },
-                                      [&] {
-                                        served.reset();
-                                        served = std::make_unique<tServed>(makeCalls);
-                                      });
+  u64 const calls = ntoshost::suspendAtEachCall([] { deliver(); },
+                                                [&] {
+                                                  served.reset();
+                                                  served = std::make_unique<tServed>(makeCalls);
+                                                });
   EXPECT_GE(calls, 4u);
 }
 

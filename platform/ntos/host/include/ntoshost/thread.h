@@ -29,4 +29,26 @@ bool awaitSuspended(u32 milliseconds);
 // Lets every thread that is suspended now go on.
 void resumeThreads();
 
+// Runs `work` in a thread of its own that is asked to be suspended at its nth call, and `meanwhile`
+// in the calling thread, once, while it is. Returns whether the work has made that many calls.
+bool suspendAt(u64 n, void (*work)(void*), void* workArgument, void (*meanwhile)(void*),
+               void* meanwhileArgument);
+template <class Work, class Meanwhile>
+bool suspendAt(u64 n, Work work, Meanwhile meanwhile) {
+  return suspendAt(
+      n, [](void* given) { (*static_cast<Work*>(given))(); }, &work,
+      [](void* given) { (*static_cast<Meanwhile*>(given))(); }, &meanwhile);
+}
+
+// The same for n = 1, 2, ... until the work makes no more calls. Returns how many it has made; 0
+// over the plain executive. What waits for the suspended thread in `meanwhile` waits for ever.
+//
+//     u64 calls = ntoshost::suspendAtEachCall([&] { read(first); }, [&] { read(second); });
+template <class Work, class Meanwhile>
+u64 suspendAtEachCall(Work work, Meanwhile meanwhile) {
+  u64 n = 1;
+  while (suspendAt(n, work, meanwhile)) ++n;
+  return n - 1;
+}
+
 }  // namespace ntoshost
