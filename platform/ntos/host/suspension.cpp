@@ -22,6 +22,7 @@ constinit pthread_mutex_t g_lock = PTHREAD_MUTEX_INITIALIZER;
 constinit pthread_cond_t g_changed = PTHREAD_COND_INITIALIZER;
 constinit u64 g_resumes = 0;
 constinit u32 g_suspended = 0;
+constinit u32 g_patience = 30'000;  // milliseconds
 
 bool mayBeSuspended() {
   return KeGetCurrentIrql() == PASSIVE_LEVEL && KeAreApcsDisabled() == 0;
@@ -37,10 +38,18 @@ timespec after(u32 milliseconds) {
 
 void sleepUntilResumed() {
   pthread_mutex_lock(&g_lock);
+  u32 const patience = g_patience;
+  timespec const end = after(patience);
   u64 const resumes = g_resumes;
   ++g_suspended;
   pthread_cond_broadcast(&g_changed);
-  while (g_resumes == resumes) pthread_cond_wait(&g_changed, &g_lock);
+  while (g_resumes == resumes) {
+    if (pthread_cond_timedwait(&g_changed, &g_lock, &end) == 0) continue;
+    violation(
+        "Nobody has resumed a suspended thread within %u milliseconds: whoever should waits for "
+        "it.",
+        patience);
+  }
   --g_suspended;
   pthread_mutex_unlock(&g_lock);
 }
@@ -97,6 +106,12 @@ void resumeThreads() {
   pthread_mutex_lock(&g_lock);
   ++g_resumes;
   pthread_cond_broadcast(&g_changed);
+  pthread_mutex_unlock(&g_lock);
+}
+
+void setSuspensionPatience(u32 milliseconds) {
+  pthread_mutex_lock(&g_lock);
+  g_patience = milliseconds;
   pthread_mutex_unlock(&g_lock);
 }
 

@@ -158,3 +158,19 @@ TEST(Suspension, ComesAtEachCallOfAWorkInTurn) {
 TEST(Suspension, OfAWorkThatMakesNoCallsDoesNotCome) {
   EXPECT_EQ(ntoshost::suspendAtEachCall([] {}, [] { FAIL(); }), 0u);
 }
+
+TEST(SuspensionDeathTest, NobodyWaitsForASuspendedThread) {
+  KEVENT lock;
+  KeInitializeEvent(&lock, SynchronizationEvent, 1);
+  auto const useLock = [&] {
+    waitForever(&lock);
+    call();
+    KeSetEvent(&lock, 0, 0);
+  };
+  EXPECT_DEATH(
+      {
+        ntoshost::setSuspensionPatience(100);
+        ntoshost::suspendAtEachCall(useLock, useLock);
+      },
+      "Nobody has resumed a suspended thread within 100 milliseconds");
+}

@@ -29,6 +29,10 @@ bool awaitSuspended(u32 milliseconds);
 // Lets every thread that is suspended now go on.
 void resumeThreads();
 
+// How long a thread may be suspended before the program is stopped with a sentence: most likely,
+// whoever should resume it waits for it. 30,000 at the start.
+void setSuspensionPatience(u32 milliseconds);
+
 // Runs `work` in a thread of its own that is asked to be suspended at its nth call, and `meanwhile`
 // in the calling thread, once, while it is. Returns whether the work has made that many calls.
 bool suspendAt(u64 n, void (*work)(void*), void* workArgument, void (*meanwhile)(void*),
@@ -41,7 +45,7 @@ bool suspendAt(u64 n, Work work, Meanwhile meanwhile) {
 }
 
 // The same for n = 1, 2, ... until the work makes no more calls. Returns how many it has made; 0
-// over the plain executive. What waits for the suspended thread in `meanwhile` waits for ever.
+// over the plain executive.
 //
 //     u64 calls = ntoshost::suspendAtEachCall([&] { read(first); }, [&] { read(second); });
 template <class Work, class Meanwhile>
