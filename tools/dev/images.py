@@ -7,6 +7,7 @@ import versions
 import workshop
 from moduleFiles import every_image, pdb_of, read
 
+PAGE_SIZE = 4096
 KERNEL = {"ntoskrnl.exe", "hal.dll"}
 FAMILY = {
     "vexk.dll": KERNEL,
@@ -50,11 +51,30 @@ def native_check(image):
             [word for word in wanted if word not in text])
 
 
+def number_in(text, name):
+    return int(re.search(rf"\b{name}: (0x[0-9A-F]+|\d+)", text).group(1), 0)
+
+
+def executable_ranges(sections):
+    """The addresses of each executable section, from the start of the image."""
+    for section in sections:
+        if "IMAGE_SCN_MEM_EXECUTE" in section:
+            start = number_in(section, "VirtualAddress")
+            yield range(start, start + number_in(section, "VirtualSize"))
+
+
 def section_check(image):
+    """What memory integrity asks of an image."""
+    headers = read(image, "--file-headers")
     sections = read(image, "--sections").split("Section {")[1:]
-    both = [re.search(r"Name: (\S+)", section).group(1) for section in sections
-            if "IMAGE_SCN_MEM_WRITE" in section and "IMAGE_SCN_MEM_EXECUTE" in section]
-    return f"{image} has no section writable and executable", both
+    wrong = [re.search(r"Name: (\S+)", section).group(1) for section in sections
+             if "IMAGE_SCN_MEM_WRITE" in section and "IMAGE_SCN_MEM_EXECUTE" in section]
+    if number_in(headers, "SectionAlignment") % PAGE_SIZE != 0:
+        wrong.append("sections on parts of pages")
+    imports_at = number_in(headers, "IATRVA")
+    if any(imports_at in addresses for addresses in executable_ranges(sections)):
+        wrong.append("imports that can be executed")
+    return f"{image} has sections that memory integrity allows", wrong
 
 
 def unwind_check(image):

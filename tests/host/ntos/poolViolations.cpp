@@ -141,12 +141,17 @@ TEST_F(PoolViolationsDeathTest, PagedMemoryIsForApcLevelAndBelow) {
 }
 
 TEST_F(PoolViolationsDeathTest, NonPagedMemoryIsForDispatchLevelAndBelow) {
-  atIrql(DISPATCH_LEVEL, NonPagedPool);
   atIrql(DISPATCH_LEVEL, NonPagedPoolNx);
   EXPECT_DEATH(
       atIrql(3, NonPagedPoolNx),
-      "ExAllocatePoolWithTag\\(NonPagedPool\\) was called at IRQL 3 \\(device level\\); it "
+      "ExAllocatePoolWithTag\\(NonPagedPoolNx\\) was called at IRQL 3 \\(device level\\); it "
       "may be called up to IRQL 2 \\(DISPATCH_LEVEL\\)\\.");
+}
+
+TEST_F(PoolViolationsDeathTest, MemoryThatCanBeExecutedIsRefused) {
+  EXPECT_DEATH(ExAllocatePoolWithTag(NonPagedPool, 21, kTag),
+               "ntos: ExAllocatePoolWithTag was asked for 21 bytes with tag 'test' that can be "
+               "executed \\(NonPagedPool\\); it has to be NonPagedPoolNx\\.\n$");
 }
 
 TEST_F(PoolViolationsDeathTest, AFreeObeysTheLevelOfItsKind) {

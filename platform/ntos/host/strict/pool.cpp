@@ -21,9 +21,15 @@ void requireSoundRequest(POOL_TYPE type, size_t size, u32 tag) {
     violation("ExAllocatePoolWithTag was given the unknown pool type %d.", static_cast<int>(type));
   }
   requireIrqlAtMost(highestIrql(type), type == PagedPool ? "ExAllocatePoolWithTag(PagedPool)"
-                                                         : "ExAllocatePoolWithTag(NonPagedPool)");
+                                                         : "ExAllocatePoolWithTag(NonPagedPoolNx)");
   if (size == 0) violation("ExAllocatePoolWithTag was asked for 0 bytes.");
   if (tag == 0) violation("ExAllocatePoolWithTag was given no tag.");
+  if (type == NonPagedPool) {
+    violation(
+        "ExAllocatePoolWithTag was asked for %zu bytes with tag '%s' that can be executed "
+        "(NonPagedPool); it has to be NonPagedPoolNx.",
+        size, TagText(tag).text);
+  }
 }
 
 void requireSoundRelease(Block& block, u32 tag) {

@@ -3,7 +3,8 @@
 #include "ntos/types.h"
 
 // Where a block comes from. Paged memory may be touched at APC_LEVEL and below only. The Nx kind is
-// non-paged memory that cannot be executed: the one to ask for.
+// non-paged memory that cannot be executed: the one to ask for. A Windows with memory integrity
+// gives no driver memory that can be.
 enum POOL_TYPE : i32 { NonPagedPool = 0, PagedPool = 1, NonPagedPoolNx = 512 };
 
 // The tag that shows as the four characters of `text` in pool listings: ntosPoolTag("oxdk").
