@@ -20,6 +20,7 @@ int main() {
   measureValues();
   measureStatuses();
   measureConfiguring();
+  measureViews();
   oxdiagkUnload();
   qelmkUnload();
   vexkUnload();

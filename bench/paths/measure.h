@@ -58,3 +58,4 @@ void measureLines();
 void measureValues();
 void measureStatuses();
 void measureConfiguring();
+void measureViews();

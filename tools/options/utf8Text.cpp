@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "options/byteWords.h"
+
 namespace {
 
 constexpr std::string_view kTab = "    ";
@@ -37,15 +39,6 @@ bool isDirection(unsigned int code) {
   return (code >= 0x202A && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
 }
 
-// Looks at all, since few texts have another: that is faster than to stop at the first.
-bool isPrintableAscii(std::string_view text) {
-  unsigned int others = 0;
-  for (char const character : text) {
-    others |= static_cast<unsigned char>(character - ' ') >= 0x7F - ' ' ? 1 : 0;
-  }
-  return others == 0;
-}
-
 }  // namespace
 
 size_t lengthOfCharacter(std::string_view text) {
@@ -73,11 +66,11 @@ bool steersTerminal(std::string_view character) {
 }
 
 void appendForTerminal(std::string& shown, std::string_view text) {
-  if (isPrintableAscii(text)) {
-    shown += text;
-    return;
-  }
-  while (!text.empty()) {
+  while (true) {
+    size_t const plain = findMarked(text, markUnprintable);
+    shown += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (text.empty()) return;
     std::string_view const character = text.substr(0, std::max<size_t>(lengthOfCharacter(text), 1));
     if (character == "\t") {
       shown += kTab;

@@ -1,8 +1,8 @@
 #include "oxdiagview/jsonText.h"
 
 #include <algorithm>
-#include <cstdio>
 
+#include "options/byteWords.h"
 #include "options/utf8Text.h"
 
 namespace oxdiagview {
@@ -10,27 +10,24 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-bool isPlain(char character) {
-  unsigned char const byte = static_cast<unsigned char>(character);
-  return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\';
-}
-
-// Looks at all, since few texts have another: that is faster than to stop at the first.
-bool areAllPlain(std::string_view text) {
-  unsigned int others = 0;
-  for (char const character : text) others |= isPlain(character) ? 0 : 1;
-  return others == 0;
+// What JSON does not take as it is. Of printable bytes the quote and the backslash become 0, from
+// which 1 is taken.
+uint64_t markSpecial(uint64_t word) {
+  uint64_t const quotes = word ^ eightOf('"');
+  uint64_t const slashes = word ^ eightOf('\\');
+  return markUnprintable(word) | (quotes - eightOf(1)) | (slashes - eightOf(1));
 }
 
 void appendEscape(std::string& json, std::string_view character) {
-  char escape[16];
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  json += '\\';
   if (character == "\"" || character == "\\") {
-    json += '\\';
     json += character;
-  } else {
-    std::snprintf(escape, sizeof(escape), "\\u%04X", codeOf(character));
-    json += escape;
+    return;
   }
+  json += 'u';
+  unsigned int const code = codeOf(character);
+  for (int shift = 12; shift >= 0; shift -= 4) json += kDigits[code >> shift & 0xF];
 }
 
 // Of what is not plain. What steers a terminal is escaped, since somebody may print it there.
@@ -51,16 +48,12 @@ size_t appendCharacter(std::string& json, std::string_view text) {
 
 void appendJsonText(std::string& json, std::string_view text) {
   json += '"';
-  if (areAllPlain(text)) {
-    json += text;
-    text = {};
-  }
-  while (!text.empty()) {
-    auto const end = std::find_if_not(text.begin(), text.end(), isPlain);
-    size_t const plain = static_cast<size_t>(end - text.begin());
+  while (true) {
+    size_t const plain = findMarked(text, markSpecial);
     json += text.substr(0, plain);
     text.remove_prefix(plain);
-    if (!text.empty()) text.remove_prefix(appendCharacter(json, text));
+    if (text.empty()) break;
+    text.remove_prefix(appendCharacter(json, text));
   }
   json += '"';
 }

@@ -1,8 +1,5 @@
 #include "oxdiagview/tJsonLines.h"
 
-#include <charconv>
-#include <iterator>
-
 #include "oxdiagview/jsonText.h"
 
 namespace oxdiagview {
@@ -54,10 +51,11 @@ char const* nameOf(tKind kind) {
 
 }  // namespace
 
+// Each part but the first member of an object brings the comma in front of it.
 void tJsonLines::take(tRecord const& record) {
-  json = "{";
+  json.clear();
+  putText(R"({"Body":)", record.text);
   putSeverity(record);
-  putText("Body", record.text);
   putScope(record);
   putAttributes(record);
   json += "}\n";
@@ -66,23 +64,19 @@ void tJsonLines::take(tRecord const& record) {
 
 void tJsonLines::putSeverity(tRecord const& record) {
   auto const severity = severityOf(record);
-  if (severity) putNumber("SeverityNumber", *severity);
-  if (record.verbosity) putText("SeverityText", std::to_string(*record.verbosity));
+  if (severity) putNumber(R"(,"SeverityNumber":)", *severity);
+  if (record.verbosity) putDigits(R"(,"SeverityText":)", *record.verbosity);
 }
 
 void tJsonLines::putScope(tRecord const& record) {
   if (record.component.empty()) return;
-  putMember("InstrumentationScope");
-  json += '{';
-  putText("Name", record.component);
-  if (!record.version.empty()) putText("Version", record.version);
+  putText(R"(,"InstrumentationScope":{"Name":)", record.component);
+  if (!record.version.empty()) putText(R"(,"Version":)", record.version);
   json += '}';
 }
 
 void tJsonLines::putAttributes(tRecord const& record) {
-  putMember("Attributes");
-  json += '{';
-  putNumber("oxdiag.line", static_cast<int64_t>(record.number));
+  putNumber(R"(,"Attributes":{"oxdiag.line":)", record.number);
   putPlace(record);
   putTimes(record);
   putKind(record);
@@ -90,46 +84,47 @@ void tJsonLines::putAttributes(tRecord const& record) {
 }
 
 void tJsonLines::putPlace(tRecord const& record) {
-  if (!record.file.empty()) putText("code.file.path", record.file);
-  if (record.sourceLine) putNumber("code.line.number", *record.sourceLine);
-  if (!record.function.empty()) putText("code.function.name", record.function);
-  if (record.thread) putNumber("thread.id", *record.thread);
+  if (!record.file.empty()) putText(R"(,"code.file.path":)", record.file);
+  if (record.sourceLine) putNumber(R"(,"code.line.number":)", *record.sourceLine);
+  if (!record.function.empty()) putText(R"(,"code.function.name":)", record.function);
+  if (record.thread) putNumber(R"(,"thread.id":)", *record.thread);
 }
 
 void tJsonLines::putTimes(tRecord const& record) {
-  if (record.stamp) putText("oxdiag.stamp", std::to_string(*record.stamp));
-  if (record.delta) putNumber("oxdiag.delta", *record.delta);
+  if (record.stamp) putDigits(R"(,"oxdiag.stamp":)", *record.stamp);
+  if (record.delta) putNumber(R"(,"oxdiag.delta":)", *record.delta);
   if (!record.time) return;
   if (!firstTime) firstTime = record.time;
-  putNumber("oxdiag.time_ns", static_cast<int64_t>(*record.time - *firstTime));
+  putNumber(R"(,"oxdiag.time_ns":)", static_cast<int64_t>(*record.time - *firstTime));
 }
 
 void tJsonLines::putKind(tRecord const& record) {
-  putText("oxdiag.kind", nameOf(record.kind));
-  putNumber("oxdiag.depth", record.depth);
-  if (record.code) putNumber("oxdiag.status", *record.code);
-  if (!record.object.empty()) putText("oxdiag.object", record.object);
-  if (!record.category.empty()) putText("oxdiag.category", record.category);
-  if (record.isCut) putMember("oxdiag.cut");
-  if (record.isCut) json += "true";
-}
-
-// Nothing in a name is escaped.
-void tJsonLines::putMember(std::string_view name) {
-  json += json.back() == '{' ? "\"" : ",\"";
-  json += name;
-  json += "\":";
+  json += R"(,"oxdiag.kind":")";
+  json += nameOf(record.kind);
+  json += '"';
+  putNumber(R"(,"oxdiag.depth":)", record.depth);
+  if (record.code) putNumber(R"(,"oxdiag.status":)", *record.code);
+  if (!record.object.empty()) putText(R"(,"oxdiag.object":)", record.object);
+  if (!record.category.empty()) putText(R"(,"oxdiag.category":)", record.category);
+  if (record.isCut) json += R"(,"oxdiag.cut":true)";
 }
 
 void tJsonLines::putText(std::string_view name, std::string_view text) {
-  putMember(name);
+  json += name;
   appendJsonText(json, text);
 }
 
-void tJsonLines::putNumber(std::string_view name, int64_t number) {
-  putMember(name);
-  char digits[24];
-  json.append(digits, std::to_chars(digits, std::end(digits), number).ptr);
+template <class tNumber>
+void tJsonLines::putNumber(std::string_view name, tNumber number) {
+  json += name;
+  appendNumber(json, number);
+}
+
+void tJsonLines::putDigits(std::string_view name, uint64_t number) {
+  json += name;
+  json += '"';
+  appendNumber(json, number);
+  json += '"';
 }
 
 }  // namespace oxdiagview

@@ -27,9 +27,14 @@ class tJsonLines : public iRecordSink {
   void putPlace(tRecord const& record);
   void putTimes(tRecord const& record);
   void putKind(tRecord const& record);
-  void putMember(std::string_view name);
+
+  // `name` with the punctuation around it.
   void putText(std::string_view name, std::string_view text);
-  void putNumber(std::string_view name, int64_t number);
+  template <class tNumber>
+  void putNumber(std::string_view name, tNumber number);
+
+  // A number that is a string, since it may have more digits than a reader's numbers.
+  void putDigits(std::string_view name, uint64_t number);
 
   tOutput& output;
   std::optional<uint64_t> firstTime;

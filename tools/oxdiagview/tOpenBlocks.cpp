@@ -3,12 +3,21 @@
 #include <algorithm>
 #include <iterator>
 
+#include "oxdiagview/jsonText.h"
+
 namespace oxdiagview {
 
+void setPlace(std::string& place, tRecord const& record) {
+  place = record.file;
+  if (!record.sourceLine) return;
+  if (!place.empty()) place += ':';
+  appendNumber(place, *record.sourceLine);
+}
+
 std::string placeOf(tRecord const& record) {
-  std::string place(record.file);
-  if (!record.sourceLine) return place;
-  return place + (place.empty() ? "" : ":") + std::to_string(*record.sourceLine);
+  std::string place;
+  setPlace(place, record);
+  return place;
 }
 
 std::string_view tOpenBlocks::nameOf(tRecord const& record) {

@@ -53,4 +53,7 @@ class tOpenBlocks {
 // File and line of a record, such as a.cpp:17; empty if it shows neither.
 std::string placeOf(tRecord const& record);
 
+// The same into a string that has the memory for it from the line before.
+void setPlace(std::string& place, tRecord const& record);
+
 }  // namespace oxdiagview

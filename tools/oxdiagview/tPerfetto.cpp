@@ -20,12 +20,25 @@ std::string hexadecimal(uint32_t number) {
   return text;
 }
 
-// Nothing in the name is escaped.
-void appendMember(std::string& json, std::string_view name, std::string_view text) {
+// With a comma in front of all members but the first; nothing in the name is escaped.
+void appendName(std::string& json, std::string_view name) {
   json += json.back() == '{' ? "\"" : ",\"";
   json += name;
   json += "\":";
+}
+
+void appendMember(std::string& json, std::string_view name, std::string_view text) {
+  appendName(json, name);
   appendJsonText(json, text);
+}
+
+// As a string.
+template <class tNumber>
+void appendDigits(std::string& json, std::string_view name, tNumber number) {
+  appendName(json, name);
+  json += '"';
+  appendNumber(json, number);
+  json += '"';
 }
 
 }  // namespace
@@ -88,7 +101,7 @@ void tPerfetto::putSlice(tOpenBlocks::tBlock const& block, uint32_t thread, char
   putMicroseconds("dur", lastTime - begin);
   json += ",\"cat\":\"block\",\"args\":{";
   if (!block.place.empty()) appendMember(json, "place", block.place);
-  if (code) appendMember(json, "status", std::to_string(*code));
+  if (code) appendDigits(json, "status", *code);
   if (remark != nullptr) appendMember(json, "remark", remark);
   json += '}';
   endEvent();
@@ -100,29 +113,32 @@ void tPerfetto::putInstant(tRecord const& record) {
   json += record.kind == tKind::kAssertion ? ",\"s\":\"t\",\"cat\":\"assertion\""
                                            : ",\"s\":\"t\",\"cat\":\"line\"";
   json += ",\"args\":{";
-  std::string const place = placeOf(record);
+  setPlace(place, record);
   if (!place.empty()) appendMember(json, "place", place);
-  if (record.verbosity) appendMember(json, "verbosity", std::to_string(*record.verbosity));
+  if (record.verbosity) appendDigits(json, "verbosity", *record.verbosity);
   json += '}';
   endEvent();
 }
 
+// `name` is from the trace, `phase` is not.
 void tPerfetto::beginEvent(std::string_view name, char const* phase, uint32_t thread) {
-  json = hasEvents ? ",\n{" : "{";
+  json = hasEvents ? ",\n{\"name\":" : "{\"name\":";
   hasEvents = true;
-  appendMember(json, "name", name);
-  appendMember(json, "ph", phase);
-  json += ",\"pid\":1,\"tid\":" + std::to_string(thread);
+  appendJsonText(json, name);
+  json += ",\"ph\":\"";
+  json += phase;
+  json += "\",\"pid\":1,\"tid\":";
+  appendNumber(json, thread);
 }
 
 void tPerfetto::putMicroseconds(char const* member, uint64_t nanoseconds) {
-  std::string const behind = std::to_string(1000 + nanoseconds % 1000);
+  unsigned int const behind = static_cast<unsigned int>(nanoseconds % 1000);
   json += ",\"";
   json += member;
   json += "\":";
-  json += std::to_string(nanoseconds / 1000);
+  appendNumber(json, nanoseconds / 1000);
   json += '.';
-  json += std::string_view(behind).substr(1);
+  for (unsigned int unit : {100, 10, 1}) json += static_cast<char>('0' + behind / unit % 10);
 }
 
 void tPerfetto::endEvent() {

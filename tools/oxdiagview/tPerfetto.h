@@ -42,7 +42,8 @@ class tPerfetto : public iRecordSink {
   std::optional<uint64_t> firstTime;
   uint64_t lastTime = 0;  // since the first, in nanoseconds
   bool hasEvents = false;
-  std::string json;  // of the event
+  std::string place;  // of the line
+  std::string json;   // of the event
 };
 
 }  // namespace oxdiagview

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "options/byteWords.h"
+
 namespace oxdiagview {
 namespace {
 
@@ -51,11 +53,14 @@ bool isFileName(std::string_view part) {
   return !ending.empty() && ending.size() <= 4 && isLetter(ending[0]);
 }
 
-// Looks at all, since hardly any has one: that is faster than to stop at the first.
-bool hasControls(std::string_view text) {
-  unsigned int controls = 0;
-  for (char const character : text) controls |= static_cast<unsigned char>(character) < ' ' ? 1 : 0;
-  return controls != 0;
+uint64_t markControls(uint64_t word) {
+  return (word - eightOf(' ')) & ~word;
+}
+
+// At the end, eight at a time: most of a prefix may be padding.
+std::string_view withoutDashes(std::string_view text) {
+  while (text.ends_with("--------")) text.remove_suffix(8);
+  return text.substr(0, text.find_last_not_of('-') + 1);
 }
 
 // Or the end.
@@ -93,12 +98,10 @@ bool tPrefixText::read(std::string_view line) {
   size_t const end = findPrefixEnd(line, 0, kMostLength);
   if (end == line.npos) return false;
   length = std::min(end + 2, line.size());
-  std::string_view content = line.substr(1, end - 1);
-  if (hasControls(content)) return false;
-  size_t const last = content.find_last_not_of('-');
-  size_t const used = last == content.npos ? 0 : last + 1;
-  padding = content.size() - used;
-  return cut(content.substr(0, used));
+  std::string_view const content = line.substr(1, end - 1);
+  std::string_view const used = withoutDashes(content);
+  padding = content.size() - used.size();
+  return findMarked(used, markControls) == used.size() && cut(used);
 }
 
 bool tPrefixText::cut(std::string_view content) {

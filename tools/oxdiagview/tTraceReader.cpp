@@ -181,19 +181,14 @@ void tTraceReader::endTail() {
 }
 
 void tTraceReader::readLine(std::string_view raw, bool isCut, bool isEnded) {
-  record = tRecord();
-  record.number = number;
-  record.isCut = isCut;
-  record.isEnded = isEnded;
   std::string_view const line = withoutLineEnd(raw);
   // The CR of the serial port's last line stands alone.
   if (line.empty() && !isEnded) return;
-  readPieces(line);
+  readPieces(line, isCut, isEnded);
 }
 
 // A line that another one began within is two, and what neither has opened is a third.
-void tTraceReader::readPieces(std::string_view line) {
-  tRecord const blank = record;
+void tTraceReader::readPieces(std::string_view line, bool isCut, bool isEnded) {
   while (true) {
     tPrefixText prefix;
     bool const isOpened = isPrefix(line, prefix);
@@ -203,9 +198,10 @@ void tTraceReader::readPieces(std::string_view line) {
                              : line.npos;
     bool const isLead = !isOpened && isDecorated && inner != line.npos;
     if (!isLead) {
-      record = blank;
-      record.isCut = inner == line.npos && blank.isCut;
-      record.isEnded = inner != line.npos || blank.isEnded;
+      record = tRecord();
+      record.number = number;
+      record.isCut = inner == line.npos && isCut;
+      record.isEnded = inner != line.npos || isEnded;
       record.raw = line.substr(0, inner);
       isOpened ? readOpened(record.raw, prefix) : readUnopened(record.raw);
       hand();

@@ -57,7 +57,7 @@ class tTraceReader {
   void endTail();
 
   void readLine(std::string_view raw, bool isCut, bool isEnded);
-  void readPieces(std::string_view line);
+  void readPieces(std::string_view line, bool isCut, bool isEnded);
   void readOpened(std::string_view line, tPrefixText const& prefix);
   void readUnopened(std::string_view line);
   void readText(std::string_view text);
