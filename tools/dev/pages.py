@@ -79,6 +79,14 @@ def site_complaints():
             if navigation.count(name) != wanted.count(name)]
 
 
+def step_complaints():
+    """docs/testing.md has one row for each step of ./dev test."""
+    rows = re.findall(r"^\| `([\w-]+)` \|", (workshop.TOP / "docs/testing.md").read_text(), re.MULTILINE)
+    steps = re.findall(r'^    "([\w-]+)": \(', (workshop.TOP / "tools/dev/check.py").read_text(), re.MULTILINE)
+    return [f"{name}: {rows.count(name)} rows, {steps.count(name)} steps"
+            for name in sorted({*rows, *steps}) if rows.count(name) != 1 or steps.count(name) != 1]
+
+
 def results():
     """(name of the check, complaints) of each."""
     for page in pages():
@@ -88,6 +96,7 @@ def results():
     yield "what headers name", headers
     yield "a page for every header", headerPages.complaints()
     yield "a place for every page", site_complaints()
+    yield "a row for every step", step_complaints()
     yield "docs/status-codes.md", statusCodes.complaints()
     yield "docs/limits.md", limits.complaints()
 
