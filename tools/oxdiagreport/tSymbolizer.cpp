@@ -37,27 +37,33 @@ std::vector<tSourcePlace> placesIn(std::string const& answer) {
 }  // namespace
 
 bool tSymbolizer::start(std::string& problem) {
-  std::string file;
   for (char const* name : kNames) {
-    if (file.empty()) file = tChildProgram::findOnPath(name);
+    if (symbolizer.empty()) symbolizer = tChildProgram::findOnPath(name);
   }
-  if (file.empty()) {
+  if (symbolizer.empty()) {
     problem = "llvm-symbolizer is not on PATH; Debian has it in the package llvm";
     return false;
   }
-  if (program.start(file, {"--relative-address", "--output-style=JSON"})) return true;
-  problem = "'" + file + "' cannot be started";
+  if (startProgram()) return true;
+  problem = "'" + symbolizer + "' cannot be started";
   return false;
+}
+
+bool tSymbolizer::startProgram() {
+  received.clear();
+  return program.start(symbolizer, {"--relative-address", "--output-style=JSON"});
 }
 
 std::vector<tSourcePlace> tSymbolizer::find(std::string const& file, u64 offset) {
   // The program takes a name between quotation marks, and none with one in it.
-  if (!program.isStarted() || file.find_first_of("\"\n\r") != std::string::npos) return {};
+  if (file.find_first_of("\"\n\r") != std::string::npos || withoutAnswer.contains(file)) return {};
+  if (!program.isStarted() && !startProgram()) return {};
   char place[24];
   std::snprintf(place, sizeof(place), "0x%llx", static_cast<unsigned long long>(offset));
   std::string answer;
   if (!program.ask("CODE \"" + file + "\" " + place + "\n") || !readLine(answer)) {
     program.stop();
+    withoutAnswer.insert(file);
     return {};
   }
   return placesIn(answer);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ struct tSourcePlace {
 };
 
 // LLVM's symbolizer, llvm-symbolizer of Debian's package llvm, as a program that answers until this
-// object ends.
+// object ends. One that ends at a module, or says nothing of it for a minute, is started again for
+// the next one, and is not asked of that module any more.
 class tSymbolizer {
  public:
   // Finds the program on PATH and starts it. Returns false when there is none; `problem` is then
@@ -26,8 +28,11 @@ class tSymbolizer {
   std::vector<tSourcePlace> find(std::string const& file, u64 offset);
 
  private:
+  bool startProgram();
   bool readLine(std::string& line);
 
+  std::string symbolizer;               // its file
+  std::set<std::string> withoutAnswer;  // files of modules
   tChildProgram program;
   std::string received;
 };

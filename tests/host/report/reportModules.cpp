@@ -4,6 +4,7 @@
 
 #include "oxdiagreport/savedModules.h"
 #include "oxdiagreport/tSymbolFolder.h"
+#include "oxdiagreport/tSymbolizer.h"
 #include "report/reportTest.h"
 #include "vexk/loadedModule.h"
 
@@ -147,6 +148,28 @@ TEST_F(OxdiagReportModules, ASymbolizerThatEndsOrTalksNonsenseDoesNoHarm) {
     EXPECT_EQ(done.exitCode, 0) << program;
     EXPECT_TRUE(contains(done.output, "    slotbus_demo+0x")) << done.output;
   }
+}
+
+// It notes what it is asked, and ends at whatever has "bad" in its name.
+TEST_F(OxdiagReportModules, ASymbolizerThatEndsIsStartedAgainForAnotherModule) {
+  write("llvm-symbolizer",
+        "#!/bin/sh\nwhile read -r line; do echo \"$line\" >>" + pathOf("asked") +
+            "; case $line in *bad*) exit 1;; esac; "
+            "echo '{\"Symbol\":[{\"FunctionName\":\"read\",\"Line\":7}]}'; done\n");
+  std::filesystem::permissions(pathOf("llvm-symbolizer"), std::filesystem::perms::owner_all);
+  std::string const path = std::getenv("PATH");
+  setenv("PATH", (pathOf("") + ":" + path).c_str(), 1);
+  tSymbolizer symbolizer;
+  std::string problem;
+  EXPECT_TRUE(symbolizer.start(problem)) << problem;
+  setenv("PATH", path.c_str(), 1);
+  for (char const* name : {"good", "bad", "good", "bad", "bad two", "good"}) {
+    bool const isGood = std::string(name) == "good";
+    EXPECT_EQ(symbolizer.find(name, 1).size(), isGood ? 1u : 0u) << name;
+  }
+  EXPECT_EQ(readFile("asked"),
+            "CODE \"good\" 0x1\nCODE \"bad\" 0x1\nCODE \"good\" 0x1\n"
+            "CODE \"bad two\" 0x1\nCODE \"good\" 0x1\n");
 }
 
 TEST_F(OxdiagReportModules, AFolderOnThePathIsNoSymbolizer) {
