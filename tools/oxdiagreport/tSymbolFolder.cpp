@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <fstream>
 
 #include "vexk/loadedModule.h"
 
@@ -15,7 +14,6 @@ constexpr u32 kMostDepth = 16;  // of folders in one another
 constexpr size_t kGuidSize = 16;
 constexpr size_t kPdbIdentitySize = kGuidSize + sizeof(u32);
 constexpr char kOtherBuild[] = "the file in the folder is of another build";
-constexpr size_t kChunk = size_t{1} << 20;
 
 std::string inSmallLetters(std::string text) {
   for (char& character : text) {
@@ -57,34 +55,6 @@ bool isIdentified(tSavedModule const& module) {
   return module.identityKind == kModulePdbIdentity && module.identity.size() == kPdbIdentitySize;
 }
 
-// How the module's own file holds its identity.
-std::string markOf(tSavedModule const& module) {
-  if (module.identityKind == kModulePdbIdentity) return "RSDS" + module.identity;
-  std::string const size = {static_cast<char>(module.identity.size()), '\0', '\0', '\0'};
-  return size + std::string("\3\0\0\0GNU\0", 8) + module.identity;
-}
-
-bool isModule(fs::path const& name) {
-  std::string start(4, '\0');
-  std::ifstream(name, std::ios::binary).read(start.data(), 4);
-  return start.starts_with("MZ") || start ==
-                                        "\x7F"
-                                        "ELF";
-}
-
-bool holds(fs::path const& name, std::string const& mark) {
-  std::ifstream file(name, std::ios::binary);
-  std::string kept;
-  std::string chunk(kChunk, '\0');
-  while (file) {
-    file.read(chunk.data(), static_cast<std::streamsize>(chunk.size()));
-    kept.append(chunk, 0, static_cast<size_t>(file.gcount()));
-    if (kept.find(mark) != std::string::npos) return true;
-    kept.erase(0, kept.size() - std::min(kept.size(), mark.size()));
-  }
-  return false;
-}
-
 bool hasEnding(fs::path const& name, char const* ending) {
   return inSmallLetters(textOf(name.extension())) == ending;
 }
@@ -115,7 +85,7 @@ void tSymbolFolder::add(fs::path const& folder, u32 depth, std::error_code& erro
   }
 }
 
-std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem) const {
+std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem) {
   if (module.identity.empty())
     problem = "no identity was saved";
   else if (!isIdentified(module))
@@ -127,9 +97,9 @@ std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem
     auto const [first, last] = files.equal_range(stem);
     for (auto file = first; file != last; ++file) {
       fs::path const& name = file->second;
-      if (!isModule(name)) continue;
+      if (!marks.isModule(name)) continue;
       problem = kOtherBuild;
-      if (!holds(name, markOf(module)) || !hasSymbols(name, module, problem)) continue;
+      if (!marks.isOfModule(name, module) || !hasSymbols(name, module, problem)) continue;
       if (found.empty() || hasEnding(name, ".debug")) found = name;
     }
   }
@@ -140,14 +110,14 @@ std::string tSymbolFolder::find(tSavedModule const& module, std::string& problem
 
 // The symbolizer takes the PDB beside an image for that of the image, whatever it is of.
 bool tSymbolFolder::hasSymbols(fs::path const& image, tSavedModule const& module,
-                               std::string& problem) const {
+                               std::string& problem) {
   if (module.identityKind != kModulePdbIdentity) return true;
   problem = "there is no PDB beside the file";
   auto const [first, last] = files.equal_range(endOf(withoutEnding(nameOf(image))));
   for (auto file = first; file != last; ++file) {
     fs::path const& other = file->second;
     if (other.parent_path() != image.parent_path() || !hasEnding(other, ".pdb")) continue;
-    if (holds(other, module.identity.substr(0, kGuidSize))) return true;
+    if (marks.isOfPdb(other, module.identity.substr(0, kGuidSize))) return true;
     problem = "the PDB beside the file is of another build";
   }
   return false;

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "oxdiagreport/savedModules.h"
+#include "oxdiagreport/tFileMarks.h"
 
 // A folder, with folders in it, of modules as they were built: a PE image has its PDB beside it, an
 // ELF file its debugging information in it. A file is that of a module when its name is and when it
@@ -17,13 +18,14 @@ class tSymbolFolder {
   bool open(std::string const& folder, std::string& problem);
 
   // The file of the module. Empty when there is none; `problem` then says why.
-  std::string find(tSavedModule const& module, std::string& problem) const;
+  std::string find(tSavedModule const& module, std::string& problem);
 
  private:
   void add(std::filesystem::path const& folder, u32 depth, std::error_code& error);
   bool hasSymbols(std::filesystem::path const& image, tSavedModule const& module,
-                  std::string& problem) const;
+                  std::string& problem);
 
   // By name without ending, in small letters, as far as it is saved.
   std::multimap<std::string, std::filesystem::path> files;
+  tFileMarks marks;
 };

@@ -239,6 +239,31 @@ TEST_F(OxdiagReportModules, ALongNameIsFoundByWhatIsSavedOfIt) {
   }
 }
 
+// However many names and identities a stranger's status has.
+TEST_F(OxdiagReportModules, AFileIsReadOnceForAllModules) {
+  std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
+  write("rack.sys", std::string(3'000'000, '-').replace(0, 2, "MZ") + "RSDS" + identity);
+  write("rack.pdb", std::string(3'000'000, '-') + identity.substr(0, 16));
+  tSymbolFolder folder;
+  std::string problem;
+  ASSERT_TRUE(folder.open(pathOf(""), problem)) << problem;
+  auto const bytesRead = [] {
+    std::ifstream status("/proc/self/io");
+    std::string word;
+    u64 count = 0;
+    status >> word >> count;
+    return count;
+  };
+  u64 const before = bytesRead();
+  for (u32 number = 0; number < 100; ++number) {
+    std::string const other = "0123456789abcdef" + bytesOf(number);
+    std::string const name = number % 2 == 0 ? "rack.sys" : "RACK.sys";
+    problem.clear();
+    EXPECT_EQ(folder.find({1, 1, kModulePdbIdentity, other, name}, problem).empty(), number != 1);
+  }
+  EXPECT_LT(bytesRead() - before, 20'000'000u);
+}
+
 // Part of an identity would fit more than one build.
 TEST_F(OxdiagReportModules, AnIdentityHasAKindAndAllOfItsBytes) {
   std::string const identity = "0123456789abcdef" + bytesOf(u32{1});
