@@ -43,7 +43,7 @@ static NTSTATUS Post(BOX* Box, const void* Text, ULONG Length) {
   if (Length == 0 || Length > LETTERBOX_MOST_BYTES) return STATUS_INVALID_PARAMETER;
   LETTER* Letter = static_cast<LETTER*>(
       ExAllocatePoolWithTag(NonPagedPoolNx, sizeof(LETTER) + Length, LETTERBOX_TAG));
-  if (Letter == NULL) return STATUS_INSUFFICIENT_RESOURCES;
+  if (Letter == nullptr) return STATUS_INSUFFICIENT_RESOURCES;
   Letter->Length = Length;
   RtlCopyMemory(Letter->Text, Text, Length);
 
@@ -59,9 +59,9 @@ static NTSTATUS Post(BOX* Box, const void* Text, ULONG Length) {
   return STATUS_DEVICE_BUSY;
 }
 
-// The oldest letter, out of the box; NULL with the reason in Status.
+// The oldest letter, out of the box; nullptr with the reason in Status.
 static LETTER* Take(BOX* Box, ULONG Room, NTSTATUS* Status) {
-  LETTER* Letter = NULL;
+  LETTER* Letter = nullptr;
   ExAcquireFastMutex(&Box->Lock);
   if (IsListEmpty(&Box->Letters)) {
     *Status = STATUS_NO_MORE_ENTRIES;
@@ -69,7 +69,7 @@ static LETTER* Take(BOX* Box, ULONG Room, NTSTATUS* Status) {
     Letter = CONTAINING_RECORD(Box->Letters.Flink, LETTER, Link);
     if (Letter->Length > Room) {
       *Status = STATUS_BUFFER_TOO_SMALL;
-      Letter = NULL;
+      Letter = nullptr;
     } else {
       RemoveEntryList(&Letter->Link);
       --Box->Count;
@@ -82,7 +82,7 @@ static LETTER* Take(BOX* Box, ULONG Room, NTSTATUS* Status) {
 static NTSTATUS Fetch(BOX* Box, void* Text, ULONG Room, ULONG_PTR* Information) {
   NTSTATUS Status = STATUS_SUCCESS;
   LETTER* Letter = Take(Box, Room, &Status);
-  if (Letter == NULL) return Status;
+  if (Letter == nullptr) return Status;
   RtlCopyMemory(Text, Letter->Text, Letter->Length);
   *Information = Letter->Length;
   ExFreePoolWithTag(Letter, LETTERBOX_TAG);
@@ -147,7 +147,7 @@ static NTSTATUS Start(BOX* Box, PIRP Irp) {
   IoSetCompletionRoutine(Irp, SetEvent, &Done, TRUE, TRUE, TRUE);
   NTSTATUS Status = IoCallDriver(Box->Lower, Irp);
   if (Status == STATUS_PENDING) {
-    KeWaitForSingleObject(&Done, Executive, KernelMode, FALSE, NULL);
+    KeWaitForSingleObject(&Done, Executive, KernelMode, FALSE, nullptr);
     Status = Irp->IoStatus.Status;
   }
   if (NT_SUCCESS(Status)) Box->IsStarted = TRUE;
@@ -219,7 +219,7 @@ static NTSTATUS Attach(PDEVICE_OBJECT Device, PDEVICE_OBJECT Physical) {
   ExInitializeFastMutex(&Box->Lock);
   InitializeListHead(&Box->Letters);
   Box->Lower = IoAttachDeviceToDeviceStack(Device, Physical);
-  if (Box->Lower == NULL) {
+  if (Box->Lower == nullptr) {
     IoDeleteSymbolicLink(&Link);
     return STATUS_NO_SUCH_DEVICE;
   }
@@ -230,7 +230,7 @@ static NTSTATUS Attach(PDEVICE_OBJECT Device, PDEVICE_OBJECT Physical) {
 static NTSTATUS AddDevice(PDRIVER_OBJECT Driver, PDEVICE_OBJECT Physical) {
   UNICODE_STRING Name;
   RtlInitUnicodeString(&Name, L"\\Device\\Letterbox");
-  PDEVICE_OBJECT Device = NULL;
+  PDEVICE_OBJECT Device = nullptr;
   NTSTATUS Status =
       IoCreateDevice(Driver, sizeof(BOX), &Name, FILE_DEVICE_UNKNOWN, 0, FALSE, &Device);
   if (!NT_SUCCESS(Status)) return Status;
