@@ -50,6 +50,32 @@ TEST_F(DestinationSamples, TheOwnDestinationSeesWhatIsTracedAndLeavesTheStream) 
   EXPECT_EQ(tTrace::getInstance().getDestination(), &tVEXTraceDestination::getInstance());
 }
 
+TEST_F(DestinationSamples, ARecorderAndAFileHaveTheSameText) {
+  tDriveFolder const drive;
+  std::string const traced = "abc\nSwitching trace destination to VEX print to debugger\n";
+  {
+    tRecorderAndFile both;
+    char name[] = "C:/both.out";
+    char* words[] = {name};
+    both.configure(1, words);
+    tTrace::getInstance().setDestination(both);
+    tTrace::getInstance().put("abc").endl();
+    tTrace::getInstance().configure("--destination vex");
+    EXPECT_EQ(drive.read("both.out"),
+              "abc\r\nSwitching trace destination to VEX print to debugger\r\n");
+    tRecorderRing const& ring = *both.recorder.getRing();
+    std::string const kept(const_cast<tRecorderRing&>(ring).getText(), ring.written);
+    EXPECT_EQ(kept, traced);
+  }
+  {
+    tRecorderAndFile both;
+    char name[] = "Z:/both.out";
+    char* words[] = {name};
+    both.configure(1, words);
+    EXPECT_EQ(both.open(), 0u);
+  }
+}
+
 TEST_F(DestinationSamples, WhenNothingOpensTheDebuggerPrintTakesOver) {
   tLastCharacter first;
   tLastCharacter second;
