@@ -26,8 +26,10 @@ IMPORT_LIBRARIES = ["ntoskrnl.lib", "driverRuntime.lib"]
 HEADER_FOLDERS = ["include", *(f"platform/{part}/{place}" for part in
                                ("compiler", "vexk", "qelmk", "stl")
                                for place in ("include", "windows/include"))]
-NOTES = ["windows", "existing-driver", "tracing", "options", "destinations", "irql", "configuring",
-         "no-trace", "status", "viewing", "debugging", "crash-dump", "limits", "versions"]
+# All pages but those of work on Linux and on the library itself.
+NOTES = ["windows", "existing-driver", "bus-driver", "tracing", "options", "destinations", "viewing",
+         "no-trace", "configuring", "status", "reportables", "status-codes", "crash-dump", "debugging",
+         "irql", "limits", "reliability", "versions", "installing", "glossary"]
 EXAMPLE = workshop.TOP / "examples/hello-driver"
 VIEWS = workshop.TOP / "tools/debugger/oxdiagk.natvis"
 FIRST_MOMENT = (1980, 1, 1, 0, 0, 0)  # the earliest time that an archive can tell
@@ -60,7 +62,7 @@ CONTENTS = {
     "cmake/oxdiagkConfigVersion.cmake": "its version",
     "examples/hello-driver/hello.cpp": "driver that traces two lines",
     "examples/hello-driver/CMakeLists.txt": "its build",
-    "notes/": "the manual: installing, tracing, settings; CHANGELOG.md",
+    "notes/": "the manual, begin with windows.md; CHANGELOG.md",
 }
 
 VERSION_FILE = """set(PACKAGE_VERSION {version})
