@@ -20,6 +20,7 @@
 #include "oxdiagview/tOutput.h"
 #include "oxdiagview/tPerfetto.h"
 #include "oxdiagview/tRingFinder.h"
+#include "oxdiagview/tScatteredRings.h"
 #include "oxdiagview/tSummary.h"
 #include "oxdiagview/tTextView.h"
 #include "oxdiagview/tTraceReader.h"
@@ -94,13 +95,41 @@ std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t tick
 
 using tRings = std::vector<tRingFinder::tRing>;
 
+// From the beginning of the file again. A part of a page at the end is none.
+template <class tTake>
+void forEachPage(tByteSource& source, tTake const& take) {
+  uint64_t place = 0;
+  std::string rest;
+  source.reopen();
+  for (std::string_view bytes = source.read(); !bytes.empty(); bytes = source.read()) {
+    rest += bytes;
+    size_t used = 0;
+    for (; rest.size() - used >= tScatteredRings::kPageSize; used += tScatteredRings::kPageSize) {
+      take(place + used, std::string_view(rest).substr(used, tScatteredRings::kPageSize));
+    }
+    rest.erase(0, used);
+    place += used;
+  }
+}
+
+// What comes from a pipe cannot be looked at again.
+tRings joinRings(tByteSource& source, tRings const& rings) {
+  tScatteredRings scattered(rings);
+  if (!scattered.mayBe() || !source.isFile()) return rings;
+  forEachPage(source, [&](uint64_t, std::string_view page) { scattered.findTable(page); });
+  if (!scattered.areKnown()) return rings;
+  forEachPage(source,
+              [&](uint64_t place, std::string_view page) { scattered.takePage(place, page); });
+  return scattered.join();
+}
+
 tRings findRings(tByteSource& source) {
   tRingFinder finder;
   for (std::string_view bytes = source.read(); !bytes.empty(); bytes = source.read()) {
     finder.feed(bytes);
   }
   finder.finish();
-  return finder.getRings();
+  return joinRings(source, finder.getRings());
 }
 
 // The newest text of the recorders in a dump, one behind the other.

@@ -84,6 +84,11 @@ void tByteSource::reopen() {
   }
 }
 
+bool tByteSource::isFile() const {
+  struct stat opened;
+  return !isStandard() && fstat(file, &opened) == 0 && S_ISREG(opened.st_mode);
+}
+
 // Windows numbers no files here; there the names are compared.
 bool tByteSource::isAlso(std::string const& path) const {
   struct stat from;

@@ -34,6 +34,9 @@ class tByteSource {
   // Begins with the file that has the name now.
   void reopen();
 
+  // Whether it can be read again: a file with a name, and no pipe.
+  bool isFile() const;
+
  private:
   void open();
   void close();

@@ -70,7 +70,13 @@ bool tRingFinder::takeRing(size_t place, bool isAll) {
       std::min<size_t>(place + head.headSize, window.size()), static_cast<size_t>(head.capacity));
   uint64_t const used = std::min<uint64_t>(head.written, head.capacity);
   uint64_t const missing = used - std::min<uint64_t>(used, bytes.size());
-  tRing ring = {passedOver + place, head.address, head.capacity, head.written, missing, ""};
+  tRing ring = {passedOver + place,
+                head.address,
+                head.headSize + head.capacity,
+                head.capacity,
+                head.written,
+                missing,
+                ""};
   tRing* const kept = copies < kMostCopies ? placeOf(ring) : nullptr;
   if (kept == nullptr) return true;
   ++copies;

@@ -18,6 +18,7 @@ class tRingFinder {
   struct tRing {
     uint64_t offset = 0;   // in the dump
     uint64_t address = 0;  // in the memory of the system that stopped
+    uint64_t size = 0;     // with its head
     uint64_t capacity = 0;
     uint64_t written = 0;
     uint64_t missing = 0;  // bytes of its text behind the end of the dump

@@ -43,10 +43,35 @@ class ViewDump : public tViewTest {
     return std::string(reinterpret_cast<char const*>(head), sizeof(*head) + head->capacity);
   }
 
+  void keepTwoPages() {
+    char word[] = "8";
+    char* words[] = {word};
+    recorder.configure(1, words);
+    ASSERT_EQ(recorder.open(), 1u);
+  }
+
   tRun viewDump(std::string const& dump) const { return view({"--dump", write("dump", dump)}); }
 
   tRecorderTraceDestination recorder;
 };
+
+// The ring of two pages behind its head, which ends a page. They lie backwards among others, and a
+// page table has them from this entry on.
+std::string physicalImage(std::string memory, size_t entry) {
+  constexpr u64 kPage = 4096;
+  constexpr size_t kPlaces[] = {7, 4, 2};  // of the pages in the image
+  constexpr size_t kTable = 5;
+  tRecorderRing& head = *reinterpret_cast<tRecorderRing*>(memory.data());
+  head.address = 0xFFFF'8000'0000'0000 + (entry + 1) * kPage - sizeof(head);
+  memory.insert(0, kPage - sizeof(head), 'x');
+  std::string image(10 * kPage, 'z');
+  for (size_t page = 0; page < 3; ++page) {
+    image.replace(kPlaces[page] * kPage, kPage, memory, page * kPage, kPage);
+    u64 const bits = kPlaces[page] * kPage | 0x8000'0000'0000'0063;
+    if (entry + page < 512) std::memcpy(&image[kTable * kPage + (entry + page) * 8], &bits, 8);
+  }
+  return image;
+}
 
 std::string lastLine(std::string const& text) {
   size_t const begin = text.rfind('\n', text.size() - 2);
@@ -102,6 +127,34 @@ TEST_F(ViewDump, OfARingThatCameRoundTheOldestIsFirst) {
   EXPECT_EQ(lastLine(done.output), "rack a.cpp:17         line 99\n");
   EXPECT_TRUE(contains(done.output, "line 97\nrack a.cpp:17         line 98\n"));
   EXPECT_FALSE(contains(done.output, "line 50\n"));
+}
+
+TEST_F(ViewDump, OfAnImageOfPhysicalMemoryThePagesAreFoundByTheirTable) {
+  keepTwoPages();
+  traceLines(1000);
+  std::string const whole = viewDump(ring()).output;
+  EXPECT_EQ(lastLine(whole), "rack a.cpp:17         line 999\n");
+  EXPECT_EQ(viewDump(physicalImage(ring(), 509)).output, whole);
+  EXPECT_EQ(viewDump(physicalImage(ring(), 3)).output, whole);
+}
+
+TEST_F(ViewDump, BehindTheEndOfThePageTableNothingIsTakenForText) {
+  keepTwoPages();
+  traceLines(1000);
+  tRun const done = viewDump(physicalImage(ring(), 510));
+  EXPECT_EQ(done.exitCode, 0);
+  EXPECT_GT(countLines(done.output), 50u);
+  EXPECT_FALSE(contains(done.output, "zzz"));
+}
+
+TEST_F(ViewDump, APipeOfPhysicalMemoryIsReadOnce) {
+  keepTwoPages();
+  traceLines(10);
+  std::string const image = write("image", physicalImage(ring(), 3));
+  tRun const done =
+      runProgram({"sh", "-c", "cat " + image + " | " + std::string(kView) + " --dump"});
+  EXPECT_EQ(done.exitCode, 0);
+  EXPECT_TRUE(contains(done.errors, "8 KiB")) << done.errors;
 }
 
 TEST_F(ViewDump, FindsTheRecorderInTheMemoryOfAProgram) {
