@@ -59,6 +59,8 @@ VIEW_CASES = [
      "   0.000000                 0x1A   140  rack a.cpp:19           \u00E4 failed\n"),
     ("a dump without a recorder", ["--dump"], 1, ""),
     ("slices", ["--perfetto", "-"], 0, '"name":"open","ph":"X"'),
+    ("a summary", ["--rate", "1GHz", "--summary"], 0, "3 lines, of which 3 with a prefix"),
+    ("lines of JSON", ["--rate", "1GHz", "--jsonl"], 0, '{"Body":"\u00E4 failed","SeverityNumber":17,'),
     ("no trace", ["nowhere.out", "--filter", "verb>=1", "--follow"], 64, ""),
 ]
 
@@ -109,7 +111,7 @@ def build_branch():
 
 
 def run_program(arguments, program=PROGRAM):
-    environment = dict(wine.environment(), WINEDEBUG="-all")
+    environment = dict(wine.environment(), WINEDEBUG="-all", LC_ALL="C.UTF-8")
     done = subprocess.run(["wine", program, *arguments], env=environment, encoding="utf-8",
                           stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
                           stderr=subprocess.PIPE, timeout=wine.CALL_LIMIT)
@@ -206,6 +208,24 @@ def check_view(case):
     return f"oxdiag-view, {name}: exit code {seen[0]}\n{seen[1]}{seen[2]}"
 
 
+def view_name_checks():
+    """A trace and a page with names that no code page has; the page tells that of the trace."""
+    with tempfile.TemporaryDirectory() as name:
+        trace = pathlib.Path(name) / "tr\u00e4ce \u03b1.out"
+        page = pathlib.Path(name) / "p\u00e4ge \u03b1.html"
+        trace.write_bytes(TRACE)
+        for title, arguments, code, part in [
+                ("a page with any name", ["--html", page, trace], 0, ""),
+                ("the trace is not written over", ["--html", trace, trace], 64, "is the trace itself"),
+                ("no file with any name", [page.with_suffix(".out")], 2, "p\u00e4ge \u03b1.out")]:
+            seen = run_program(arguments, VIEW)
+            is_good = seen[0] == code and part in seen[2] and bool(part) == bool(seen[2])
+            yield f"oxdiag-view.exe {title}", "" if is_good else str(seen)
+        text = page.read_text("utf-8") if page.exists() else ""
+        told = trace.name in text and "\u00e4 failed" in text and trace.read_bytes() == TRACE
+        yield "oxdiag-view.exe tells the name", "" if told else text[:2000]
+
+
 def check_faults(program):
     """The same of a program that counts its faults itself."""
     code, seen, errors = run_program([], program)
@@ -220,6 +240,7 @@ def control_checks():
 def program_checks():
     yield from report_checks()
     yield from ((f"oxdiag-view.exe {case[0]}", check_view(case)) for case in VIEW_CASES)
+    yield from view_name_checks()
     yield "the kernel calls of programs", check_faults(KERNEL_CALLS)
 
 

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "oxdiagreport/system.h"
+#include "system/fileNames.h"
 
 namespace {
 

@@ -12,6 +12,7 @@
 #include "oxdiagreport/tStatusFile.h"
 #include "oxdiagreport/textFormat.h"
 #include "slotbus/host/tModules.h"
+#include "system/fileNames.h"
 
 using nOXDIAG100::tStatus2;
 

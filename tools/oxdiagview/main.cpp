@@ -26,6 +26,7 @@
 #include "oxdiagview/tTraceReader.h"
 #include "oxdiagview/tickRate.h"
 #include "oxdiagview/viewOptions.h"
+#include "system/fileNames.h"
 
 namespace oxdiagview {
 namespace {
@@ -183,7 +184,7 @@ int run(tViewOptions const& options) {
     return source.hasFailed() ? complain(source.getProblem(), kExitNoFile)
                               : complain("there is no recorder in the dump", kExitNoRing);
   }
-  std::FILE* const file = path.empty() ? stdout : std::fopen(path.c_str(), "wb");
+  std::FILE* const file = path.empty() ? stdout : openForWriting(path);
   if (file == nullptr) return complain("cannot write to " + name, kExitNoOutput);
   tOutput output(file);
   int const exitCode = show(options, source, rings, output);
@@ -198,6 +199,6 @@ int run(tViewOptions const& options) {
 int main(int argc, char** argv) {
   int exitCode = oxdiagview::kExitGood;
   oxdiagview::prepareStandardStreams();
-  auto const options = oxdiagview::readOptions(argc, argv, exitCode);
+  auto const options = oxdiagview::readOptions(commandWords(argc, argv), exitCode);
   return options ? oxdiagview::run(*options) : exitCode;
 }

@@ -1,12 +1,13 @@
 #include "oxdiagview/tByteSource.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+
+#include "system/fileNames.h"
 
 namespace oxdiagview {
 namespace {
@@ -15,12 +16,9 @@ constexpr size_t kPortion = size_t{256} << 10;
 constexpr int kStandardInput = 0;
 constexpr int kStandardOutput = 1;
 
-// Only Windows knows files that are no bytes.
-#ifdef O_BINARY
-constexpr int kAsBytes = O_RDONLY | O_BINARY;
-#else
-constexpr int kAsBytes = O_RDONLY | O_CLOEXEC;
-#endif
+std::filesystem::path pathOf(std::string const& name) {
+  return std::u8string(name.begin(), name.end());
+}
 
 bool isSameFile(struct stat const& one, struct stat const& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
@@ -35,7 +33,7 @@ tByteSource::tByteSource(std::string const& name) : name(name), portion(kPortion
 void tByteSource::open() {
   position = 0;
   reason.clear();
-  file = isStandard() ? kStandardInput : ::open(name.c_str(), kAsBytes);
+  file = isStandard() ? kStandardInput : openForReading(name);
   if (file < 0) reason = std::strerror(errno);
   struct stat opened;
   bool const isFolder = file >= 0 && fstat(file, &opened) == 0 && S_ISDIR(opened.st_mode);
@@ -66,7 +64,7 @@ std::string tByteSource::getProblem() const {
 bool tByteSource::wasReplaced() const {
   struct stat now;
   struct stat opened;
-  if (isStandard() || stat(name.c_str(), &now) != 0 || fstat(file, &opened) != 0) return false;
+  if (isStandard() || !lookAtFile(name, now) || fstat(file, &opened) != 0) return false;
   bool const isShorter = S_ISREG(now.st_mode) && static_cast<uint64_t>(now.st_size) < position;
   return !isSameFile(now, opened) || isShorter;
 }
@@ -93,11 +91,11 @@ bool tByteSource::isFile() const {
 bool tByteSource::isAlso(std::string const& path) const {
   struct stat from;
   struct stat to;
-  bool const isThere = (path.empty() ? fstat(kStandardOutput, &to) : stat(path.c_str(), &to)) == 0;
+  bool const isThere = path.empty() ? fstat(kStandardOutput, &to) == 0 : lookAtFile(path, to);
   if (!isThere || fstat(file, &from) != 0) return false;
   if (S_ISREG(from.st_mode) && from.st_ino != 0) return isSameFile(from, to);
   std::error_code isNoFile;
-  return std::filesystem::equivalent(name, path, isNoFile);
+  return std::filesystem::equivalent(pathOf(name), pathOf(path), isNoFile);
 }
 
 }  // namespace oxdiagview

@@ -93,7 +93,7 @@ char const* findContradiction(tViewOptions const& options) {
 
 }  // namespace
 
-std::optional<tViewOptions> readOptions(int argc, char** argv, int& exitCode) {
+std::optional<tViewOptions> readOptions(std::vector<std::string> const& words, int& exitCode) {
   tViewOptions options;
   std::string color = "auto";
   std::string rate;
@@ -116,7 +116,8 @@ std::optional<tViewOptions> readOptions(int argc, char** argv, int& exitCode) {
       ->check(CLI::IsMember({"auto", "always", "never"}).description(""))
       ->type_name("WHEN");
   try {
-    app.parse(argc, argv);
+    // The last word first.
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
     char const* const problem = findContradiction(options);
     if (problem != nullptr) throw CLI::ValidationError(problem);
   } catch (CLI::ParseError const& problem) {

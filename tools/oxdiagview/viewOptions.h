@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace oxdiagview {
 
@@ -22,8 +23,8 @@ struct tViewOptions {
   std::optional<uint64_t> ticksPerSecond;  // none: those of this computer
 };
 
-// Reads the command line. Returns nothing when the program has to end at once, for --help or a
-// usage error, which have been printed then; `exitCode` is set in that case.
-std::optional<tViewOptions> readOptions(int argc, char** argv, int& exitCode);
+// Reads the words of the command line. Returns nothing when the program has to end at once, for
+// --help or a usage error, which have been printed then; `exitCode` is set in that case.
+std::optional<tViewOptions> readOptions(std::vector<std::string> const& words, int& exitCode);
 
 }  // namespace oxdiagview

@@ -5,14 +5,6 @@
 
 #include "ntoshost/strength.h"
 
-std::vector<std::string> commandWords(int argc, char** argv) {
-  return {argv + (argc > 0 ? 1 : 0), argv + argc};
-}
-
-int openForReading(std::string const& name) {
-  return open(name.c_str(), O_RDONLY | O_CLOEXEC);
-}
-
 int openStandardInput() {
   return STDIN_FILENO;
 }

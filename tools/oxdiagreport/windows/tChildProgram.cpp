@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "oxdiagreport/windows/wideText.h"
+#include "system/windows/wideText.h"
 
 namespace {
 

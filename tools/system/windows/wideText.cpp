@@ -1,4 +1,4 @@
-#include "oxdiagreport/windows/wideText.h"
+#include "system/windows/wideText.h"
 
 #include <windows.h>
 
