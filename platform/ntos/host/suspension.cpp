@@ -5,8 +5,10 @@
 
 #include "ntos/irql.h"
 #include "ntos/thread.h"
+#include "ntoshost/schedule.h"
 #include "ntoshost/thread.h"
 #include "ntoshost/violation.h"
+#include "ownLock.h"
 
 namespace ntoshost {
 
@@ -80,6 +82,8 @@ void suspendIfAllowed() {
 }
 
 void countCall() {
+  if (g_ownLocks != 0) return;
+  schedulePoint();
   if (g_suspension.callsLeft != 0 && --g_suspension.callsLeft == 0) g_suspension.isPending = true;
   takeSuspension();
 }

@@ -20,7 +20,8 @@ inline void takeSuspension() {
   if (g_suspension.isPending) suspendIfAllowed();
 }
 
-// A call of the executive, at which the thread may be asked. Not under the executive's own locks.
+// A call of the executive: a point of a schedule, at which the thread also may be asked. Nothing
+// while it has a lock of the executive's own.
 void countCall();
 
 }  // namespace ntoshost

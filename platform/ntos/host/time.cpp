@@ -37,6 +37,10 @@ u32 getTimeRate() {
   return __atomic_load_n(&g_rate, __ATOMIC_RELAXED);
 }
 
+void moveTime(i64 counts) {
+  __atomic_fetch_add(&g_ticksAhead, counts, __ATOMIC_RELAXED);
+}
+
 }  // namespace ntoshost
 
 LARGE_INTEGER KeQueryPerformanceCounter(LARGE_INTEGER* frequency) {

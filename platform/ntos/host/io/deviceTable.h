@@ -4,6 +4,7 @@
 
 #include "io/deviceSecurity.h"
 #include "ntos/io.h"
+#include "ownLock.h"
 
 // What the executive knows of a device beside the device object, which it lies behind.
 struct DEVOBJ_EXTENSION {
@@ -32,8 +33,8 @@ extern constinit DeviceTable g_devices;
 
 class DevicesLock {
  public:
-  DevicesLock() { pthread_mutex_lock(&g_devices.lock); }
-  ~DevicesLock() { pthread_mutex_unlock(&g_devices.lock); }
+  DevicesLock() { lockOwn(g_devices.lock); }
+  ~DevicesLock() { unlockOwn(g_devices.lock); }
   DevicesLock(DevicesLock const&) = delete;
   DevicesLock& operator=(DevicesLock const&) = delete;
 };

@@ -6,6 +6,7 @@
 #include "irqlCheck.h"
 #include "ntos/sync.h"
 #include "ntoshost/violation.h"
+#include "ownLock.h"
 #include "wait/heldLocks.h"
 
 // Beside the count that lies in the lock itself, the executive keeps the tags it was entered with.
@@ -33,8 +34,8 @@ constinit LockRecord* g_records = nullptr;
 
 class RecordsLock {
  public:
-  RecordsLock() { pthread_mutex_lock(&g_lock); }
-  ~RecordsLock() { pthread_mutex_unlock(&g_lock); }
+  RecordsLock() { lockOwn(g_lock); }
+  ~RecordsLock() { unlockOwn(g_lock); }
   RecordsLock(RecordsLock const&) = delete;
   RecordsLock& operator=(RecordsLock const&) = delete;
 };

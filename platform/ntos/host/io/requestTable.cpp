@@ -6,6 +6,7 @@
 
 #include "io/currentDriver.h"
 #include "ntoshost/violation.h"
+#include "ownLock.h"
 #include "pool/objects.h"
 
 namespace ntoshost {
@@ -109,10 +110,10 @@ char const* nameOf(u8 major) {
 }  // namespace
 
 RequestsLock::RequestsLock() {
-  pthread_mutex_lock(&g_lock);
+  lockOwn(g_lock);
 }
 RequestsLock::~RequestsLock() {
-  pthread_mutex_unlock(&g_lock);
+  unlockOwn(g_lock);
 }
 
 DispatchCall::DispatchCall(DEVICE_OBJECT* called)

@@ -5,6 +5,8 @@
 #include "currentThread.h"
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
+#include "ownLock.h"
+#include "schedule/scheduledThread.h"
 #include "wait/heldLocks.h"
 
 namespace ntoshost {
@@ -14,6 +16,15 @@ constinit pthread_mutex_t g_operationLock = PTHREAD_MUTEX_INITIALIZER;
 constinit KTHREAD* g_operator = nullptr;
 constinit pthread_mutex_t g_viewLock = PTHREAD_MUTEX_INITIALIZER;
 constinit Node* g_roots = nullptr;
+
+// An operation calls drivers, so another thread of a schedule may ask for it meanwhile.
+void awaitOperations() {
+  if (g_scheduled == nullptr) {
+    pthread_mutex_lock(&g_operationLock);
+    return;
+  }
+  while (pthread_mutex_trylock(&g_operationLock) != 0) scheduleYield();
+}
 
 Node** childrenLink(Node* parent) {
   return parent == nullptr ? &g_roots : &parent->firstChild;
@@ -60,7 +71,7 @@ TreeOperation::TreeOperation(char const* call) {
   if (__atomic_load_n(&g_operator, __ATOMIC_RELAXED) == currentThread()) {
     violation("%s was called from within an operation of the PnP manager.", call);
   }
-  pthread_mutex_lock(&g_operationLock);
+  awaitOperations();
   __atomic_store_n(&g_operator, currentThread(), __ATOMIC_RELAXED);
 }
 
@@ -70,10 +81,10 @@ TreeOperation::~TreeOperation() {
 }
 
 TreeView::TreeView() {
-  pthread_mutex_lock(&g_viewLock);
+  lockOwn(g_viewLock);
 }
 TreeView::~TreeView() {
-  pthread_mutex_unlock(&g_viewLock);
+  unlockOwn(g_viewLock);
 }
 
 Node* findNode(DEVICE_OBJECT const* physical) {

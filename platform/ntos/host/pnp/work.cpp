@@ -3,6 +3,7 @@
 
 #include "irqlCheck.h"
 #include "ntoshost/violation.h"
+#include "ownLock.h"
 #include "pnp/lifecycle.h"
 
 // Relations that were invalidated, and the thread that asks for them again. The thread lives as
@@ -24,8 +25,8 @@ constinit PnpMode g_mode = PnpMode::Worker;
 
 class WorkLock {
  public:
-  WorkLock() { pthread_mutex_lock(&g_lock); }
-  ~WorkLock() { pthread_mutex_unlock(&g_lock); }
+  WorkLock() { lockOwn(g_lock); }
+  ~WorkLock() { unlockOwn(g_lock); }
   WorkLock(WorkLock const&) = delete;
   WorkLock& operator=(WorkLock const&) = delete;
 };

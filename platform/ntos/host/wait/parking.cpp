@@ -6,6 +6,8 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "schedule/scheduledThread.h"
+
 namespace ntoshost {
 namespace {
 
@@ -34,6 +36,7 @@ void wake(i32* word, int count) {
 }  // namespace
 
 bool parkWhile(i32* word, i32 seen, Deadline const& deadline) {
+  if (g_scheduled != nullptr) return parkScheduled(word, seen, deadline);
   u32& sleepers = sleepersOn(word);
   __atomic_add_fetch(&sleepers, 1, __ATOMIC_SEQ_CST);
   bool const isInTime = sleepWhile(word, seen, deadline);

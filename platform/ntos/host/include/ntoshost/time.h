@@ -2,7 +2,7 @@
 
 #include "ntos/types.h"
 
-// Time that passes faster, for tests of what happens after a long wait.
+// Time that passes faster or jumps, for tests of what happens after a long wait.
 
 namespace ntoshost {
 
@@ -11,5 +11,9 @@ namespace ntoshost {
 // time since 1601, and waits for them, stay what they are. To be called while no thread waits.
 void setTimeRate(u32 rate);
 u32 getTimeRate();
+
+// Moves the performance counter on by so many counts, or back when they are negative, as no kernel
+// does. Waits keep the span that they began with.
+void moveTime(i64 counts);
 
 }  // namespace ntoshost
