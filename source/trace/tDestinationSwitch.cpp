@@ -38,12 +38,13 @@ tDestinationSwitch::tSharing tDestinationSwitch::getSharing(bool isChanged) cons
 
 // Lines first, so that nobody is within a line. Then nobody may be within a put before this thread
 // writes its own line, or it would join those who do not come out; but it writes that line with the
-// streams open, so that, should it not come out itself, the others still write.
+// streams open, so that, should it not come out itself, the others still write. A stream whose line
+// did not end is never shut: that line would lose what it writes meanwhile.
 iTraceDestination* tDestinationSwitch::run() {
   if (isRefused()) return former;
   tPatience const patience;
-  bool const areLinesHeld = holdLines(patience);
-  if (!isQuiet(patience) || !areLinesHeld) return giveUp();
+  if (!holdLines(patience)) return giveUpBesideLines();
+  if (!isQuiet(patience)) return giveUp();
   hold.open();
   stream.announce("Switching trace destination to ", next->getDescription());
   tFormerSettings settings(*former);
@@ -71,6 +72,15 @@ bool tDestinationSwitch::isQuiet(tPatience const& patience) {
   hold.shutUsers(*next);
   within = tStreamHold::awaitNobodyWithin(*next, nullptr, patience);
   return within == 0;
+}
+
+iTraceDestination* tDestinationSwitch::giveUpBesideLines() {
+  u32 const thread = tThreadUtility::getCurrentThreadId();
+  within = tTextsOnTheWay::findOther(thread, *former, &stream.slot);
+  if (within == 0 && sharing == kSharedAndMoved) {
+    within = tTextsOnTheWay::findOther(thread, *next, nullptr);
+  }
+  return giveUp();
 }
 
 // A stream that ends says once whom it leaves behind, and not by every configuration that it
