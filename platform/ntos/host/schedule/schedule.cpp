@@ -86,16 +86,18 @@ u32 countEnded() {
   violation("The schedule %s; threads that have not ended:%s.", what, waiting);
 }
 
-// When nobody else can go on: of the waits with a time the first to end, or a thread that repeats
-// itself, whom the number of points bounds.
+// When nobody else can go on: of the waits with a time the first to end; without one, a thread that
+// repeats itself, whom the number of points bounds.
 u32 lastChoice() {
   ScheduledThread const* first = nullptr;
+  u32 repeating = 0;
   for (u32 i = 0; i < g_count; ++i) {
     ScheduledThread const& thread = g_threads[i];
-    if (thread.state == State::Yielded) return 1u << i;
+    if (thread.state == State::Yielded) repeating = 1u << i;
     if (thread.state != State::Parked || !thread.isTimed) continue;
     if (first == nullptr || thread.end < first->end) first = &thread;
   }
+  if (first == nullptr && repeating != 0) return repeating;
   if (first == nullptr) rejectSchedule("ends in a deadlock");
   moveTime(kIdleTime);
   return 1u << (numberOf(*first) + kMostScheduledThreads);

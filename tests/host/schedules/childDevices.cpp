@@ -1,0 +1,383 @@
+// A bus and its children that come and go, in every order of the threads that make, use, report,
+// remove and take them away.
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+
+#include "ntos/wait.h"
+#include "ntoshost/executive.h"
+#include "schedules/tExplorer.h"
+#include "trace/startedModules.h"
+#include "vexk/statusCodes.h"
+#include "wdm/tPnpBus.h"
+
+namespace {
+
+constexpr u64 kInstance = 1;
+constexpr u32 kSlot = 5;
+constexpr i32 kBusRemoved = -50300;
+constexpr i32 kChildExists = -50303;
+
+// What becomes of the handler of a child, which deletes itself in its last call.
+struct tChildFate {
+  int within = 0;
+  int stops = 0;
+  bool isSurprise = false;
+};
+
+class tWatchedChild final : public iChildHandler {
+ public:
+  explicit tWatchedChild(tChildFate& told) : fate(told) {}
+  tWatchedChild(tWatchedChild const&) = delete;
+  tWatchedChild& operator=(tWatchedChild const&) = delete;
+
+  void handleDeviceControl(u32, void*, u32, void*, u32, u64*, i32*) override {
+    tChildFate& told = fate;  // the handler is not there any more when something is wrong
+    ++told.within;
+    ntoshost::schedulePoint();
+    EXPECT_EQ(told.stops, 0) << "a request was in the handler as it ended";
+    --told.within;
+  }
+
+  void stop(bool isSurprise) override {
+    EXPECT_EQ(fate.within, 0) << "the handler ended around a request";
+    EXPECT_EQ(fate.stops, 0) << "the handler ended twice";
+    fate.isSurprise = isSurprise;
+    ++fate.stops;
+    delete this;
+  }
+
+ private:
+  tChildFate& fate;
+};
+
+// A bus on which nothing happens but what the model does.
+class tModelBus {
+ public:
+  i32 create(u64 instance, u32 slot, tChildFate& fate) {
+    auto* const made = new tWatchedChild(fate);
+    i32 const status = bus.create(instance, slot, *made);
+    if (status < 0) delete made;
+    return status;
+  }
+  void addChild() { EXPECT_EQ(create(kInstance, kSlot, fate), 0); }
+
+  // The system knows the child and has started it. The model has a reference on it.
+  void addStartedChild() {
+    addChild();
+    EXPECT_EQ(ntoshost::enumerateDevice(bus.physical), STATUS_SUCCESS);
+    child = ntoshost::childOf(bus.physical, 0);
+    ObfReferenceObject(child);
+  }
+
+  // Takes the child away; its handler has ended then.
+  void take() {
+    EXPECT_EQ(bus.take(kSlot), 0);
+    EXPECT_EQ(fate.stops, 1);
+    isTaken = true;
+  }
+
+  // Does what the system does, until the child is taken away.
+  void serveUntilTaken() {
+    while (!isTaken) {
+      if (ntoshost::runPnpWork() == 0) ntoshost::scheduleYield();
+    }
+    ntoshost::runPnpWork();
+  }
+
+  NTSTATUS control() {
+    ntoshost::DeviceControl request;
+    return ntoshost::controlDevice(child, request);
+  }
+
+  // Nothing of the child is left.
+  void requireGone() {
+    ntoshost::runPnpWork();
+    if (child != nullptr) ObfDereferenceObject(child);
+    child = nullptr;
+    EXPECT_EQ(fate.stops, 1);
+    if (bus.physical == nullptr) return;
+    EXPECT_EQ(ntoshost::enumerateDevice(bus.physical), STATUS_SUCCESS);
+    EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
+    EXPECT_EQ(ntoshost::countDevices().devices, kDevicesOfABus);
+  }
+
+  tLowerFilter filter{"oxdiagfilter"};
+  tPnpBus bus{ntoshost::PnpMode::OnRequest, "oxdiagbus", &filter};
+  tChildFate fate;
+  DEVICE_OBJECT* child = nullptr;
+  bool isTaken = false;
+
+ private:
+  static constexpr u64 kDevicesOfABus = 3;  // physical, filter, function
+};
+
+// A child in use is taken away.
+class tTakeBesideUse {
+ public:
+  static constexpr unsigned kThreads = 3;
+
+  tTakeBesideUse() { model.addStartedChild(); }
+  void run(unsigned thread) {
+    if (thread == 0) model.take();
+    if (thread == 1) model.serveUntilTaken();
+    if (thread != 2) return;
+    NTSTATUS const status = model.control();
+    EXPECT_TRUE(status == STATUS_SUCCESS || status == STATUS_DELETE_PENDING) << status;
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// A child that nobody has heard of is taken away while the system asks for the children.
+class tTakeBesideReport {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeBesideReport() { model.addChild(); }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    ntoshost::enumerateDevice(model.bus.physical);
+    model.serveUntilTaken();
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// The same when the request for the children fails below the bus.
+class tTakeBesideFailedReport {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeBesideFailedReport() {
+    model.addChild();
+    model.filter.failNext(IRP_MN_QUERY_DEVICE_RELATIONS);
+  }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    EXPECT_NE(ntoshost::enumerateDevice(model.bus.physical), STATUS_SUCCESS);
+    model.serveUntilTaken();
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// A child in use is taken away, and the request that would tell the system fails.
+class tTakeWithFailingRelations {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeWithFailingRelations() {
+    model.addStartedChild();
+    model.filter.failNext(IRP_MN_QUERY_DEVICE_RELATIONS);
+  }
+  void run(unsigned thread) {
+    if (thread == 0) model.take();
+    if (thread == 1) model.serveUntilTaken();
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// A child is started as it is taken away.
+class tTakeBesideStart {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeBesideStart() {
+    ntoshost::setChildrenStart(false);
+    model.addStartedChild();
+  }
+  ~tTakeBesideStart() { ntoshost::setChildrenStart(true); }
+  tTakeBesideStart(tTakeBesideStart const&) = delete;
+  tTakeBesideStart& operator=(tTakeBesideStart const&) = delete;
+
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    EXPECT_EQ(ntoshost::startDevice(model.child), STATUS_SUCCESS);
+    model.serveUntilTaken();
+  }
+  // The bus has asked the system to let go of it.
+  void finish() {
+    ntoshost::runPnpWork();
+    EXPECT_EQ(ntoshost::childrenOf(model.bus.physical), 0u);
+    model.requireGone();
+  }
+
+ private:
+  tModelBus model;
+};
+
+// A child is taken away as the system removes it: by surprise, or in order.
+template <bool bySurprise>
+class tTakeBesideRemoval {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeBesideRemoval() { model.addStartedChild(); }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    if (bySurprise) {
+      ntoshost::surpriseRemoveDevice(model.child);
+    } else {
+      ntoshost::removeDevice(model.child);
+    }
+    model.serveUntilTaken();
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// Two threads take the same child away: one of them does, and neither returns before its end.
+class tTwoTakers {
+ public:
+  static constexpr unsigned kThreads = 3;
+
+  tTwoTakers() { model.addStartedChild(); }
+  void run(unsigned thread) {
+    if (thread == 2) return model.serveUntilTaken();
+    statuses[thread] = model.bus.take(kSlot);
+    if (statuses[thread] == 0) {
+      EXPECT_EQ(model.fate.stops, 1);
+      model.isTaken = true;
+    }
+  }
+  void finish() {
+    EXPECT_NE(statuses[0] == 0, statuses[1] == 0);
+    EXPECT_EQ(statuses[0] + statuses[1], kStatusBadArgument);
+    model.requireGone();
+  }
+
+ private:
+  tModelBus model;
+  i32 statuses[2] = {};
+};
+
+// Two threads make a child with the same number.
+class tTwoMakers {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  void run(unsigned thread) {
+    statuses[thread] = model.create(kInstance, kSlot + thread, fates[thread]);
+  }
+  void finish() {
+    EXPECT_NE(statuses[0] == 0, statuses[1] == 0);
+    EXPECT_EQ(statuses[0] + statuses[1], kChildExists);
+    ntoshost::enumerateDevice(model.bus.physical);
+    EXPECT_EQ(ntoshost::childrenOf(model.bus.physical), 1u);
+    model.bus.removeBus();
+    EXPECT_EQ(fates[0].stops + fates[1].stops, 1);
+  }
+
+ private:
+  tModelBus model;
+  tChildFate fates[2];
+  i32 statuses[2] = {};
+};
+
+// The bus is removed while its component makes a child and takes one away, which it does until it
+// is told to stop.
+template <bool bySurprise>
+class tBusGoesBesideItsMaker {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tBusGoesBesideItsMaker() {
+    KeInitializeEvent(&isMade, NotificationEvent, 0);
+    model.addStartedChild();
+    model.bus.context = &isMade;
+    model.bus.beforeStop = [](void* event) {
+      KeWaitForSingleObject(event, Executive, KernelMode, 0, nullptr);
+    };
+  }
+
+  void run(unsigned thread) {
+    if (thread == 0) return removeBus();
+    i32 const made = model.create(kInstance + 1, kSlot + 1, second);
+    EXPECT_TRUE(made == 0 || made == kBusRemoved) << made;
+    i32 const taken = model.bus.take(kSlot + 1);
+    EXPECT_TRUE(taken == 0 || taken == kStatusBadArgument) << taken;
+    EXPECT_TRUE(taken != 0 || second.stops == 1);
+    wasMade = made == 0;
+    KeSetEvent(&isMade, 0, 0);
+  }
+
+  void finish() {
+    EXPECT_EQ(second.stops, wasMade ? 1 : 0);
+    model.requireGone();
+  }
+
+ private:
+  void removeBus() {
+    if (bySurprise) {
+      ntoshost::surpriseRemoveDevice(model.bus.physical);
+      model.bus.physical = nullptr;
+    } else {
+      model.bus.removeBus();
+    }
+  }
+
+  KEVENT isMade;
+  tModelBus model;
+  tChildFate second;
+  bool wasMade = false;
+};
+
+}  // namespace
+
+TEST(ChildSchedules, WhoTakesAChildAwayWaitsForItsRequests) {
+  explore<tTakeBesideUse>("childUse", {1, 300});
+}
+
+TEST(ChildSchedules, AChildMayGoAsItIsReported) {
+  explore<tTakeBesideReport>("childReport", {1, 300});
+}
+
+TEST(ChildSchedules, AChildMayGoAsItsReportFails) {
+  explore<tTakeBesideFailedReport>("childFailedReport", {1, 300});
+}
+
+TEST(ChildSchedules, TheSystemIsAskedAgainToLetGo) {
+  explore<tTakeWithFailingRelations>("childAskedAgain", {1, 300});
+}
+
+TEST(ChildSchedules, AChildMayGoAsItIsStarted) {
+  explore<tTakeBesideStart>("childStart", {1, 300});
+}
+
+TEST(ChildSchedules, AChildMayGoAsItIsRemoved) {
+  explore<tTakeBesideRemoval<false>>("childRemoval", {1, 300});
+}
+
+TEST(ChildSchedules, AChildMayGoAsItIsRemovedBySurprise) {
+  explore<tTakeBesideRemoval<true>>("childSurprise", {1, 300});
+}
+
+TEST(ChildSchedules, AChildIsTakenAwayOnce) {
+  explore<tTwoTakers>("childTakers", {1, 300});
+}
+
+TEST(ChildSchedules, ANumberIsForOneChild) {
+  explore<tTwoMakers>("childMakers", {2, 300});
+}
+
+TEST(ChildSchedules, ABusMayGoBesideItsMaker) {
+  explore<tBusGoesBesideItsMaker<false>>("busRemoval", {1, 300});
+}
+
+TEST(ChildSchedules, ABusMayGoBesideItsMakerBySurprise) {
+  explore<tBusGoesBesideItsMaker<true>>("busSurprise", {1, 300});
+}
