@@ -115,6 +115,13 @@ TEST_F(PnpViolationsDeathTest, RelationsAreOfReadyPhysicalDevices) {
   EXPECT_DEATH(enumerateWith({.devices = {child.device}}),
                "A bus lists the device at 0x[0-9a-f]+, which says DO_DEVICE_INITIALIZING\\.");
   child.device->Flags &= ~DO_DEVICE_INITIALIZING;
+  EXPECT_DEATH(
+      {
+        ObfReferenceObject(child.device);
+        IoDeleteDevice(child.device);
+        enumerateWith({.devices = {child.device}});
+      },
+      "A bus lists the device at 0x[0-9a-f]+, which it has deleted\\.");
 }
 
 TEST_F(PnpViolationsDeathTest, ADeviceIsListedOnce) {

@@ -57,8 +57,11 @@ void requireRelation(DEVICE_OBJECT* device) {
     violation("A bus lists the device at %p, which is no physical device: it lies on another.",
               address);
   }
-  if (recordOf(device).references > (recordOf(device).isDeleted ? 0 : 1)) return;
-  violation("A bus lists the device at %p without a reference on it.", address);
+  bool const isDeleted = recordOf(device).isDeleted;
+  if (recordOf(device).references <= (isDeleted ? 0 : 1)) {
+    violation("A bus lists the device at %p without a reference on it.", address);
+  }
+  if (isDeleted) violation("A bus lists the device at %p, which it has deleted.", address);
 }
 
 void requireRelations(DEVICE_RELATIONS const* relations) {
