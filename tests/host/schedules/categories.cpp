@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "schedules/tExplorer.h"
 #include "support/assertSwitches.h"
 #include "trace/startedModules.h"
@@ -76,6 +78,10 @@ class tTwoMakers {
     EXPECT_TRUE(contracts.checksAreEnabled("rack"));
     EXPECT_FALSE(contracts.breakOnViolationIsEnabled("rack"));
     EXPECT_TRUE(contracts.breakOnViolationIsEnabled("default"));
+    char text[2000];
+    contracts.inquire(text, sizeof(text), nullptr);
+    std::string const settings = text;
+    EXPECT_EQ(settings.find("rack"), settings.rfind("rack")) << "made twice";
   }
 
  private:

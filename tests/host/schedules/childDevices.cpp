@@ -8,6 +8,7 @@
 
 #include "ntos/wait.h"
 #include "ntoshost/executive.h"
+#include "package/windows/wdm/tChildDevice.h"
 #include "schedules/tExplorer.h"
 #include "trace/startedModules.h"
 #include "vexk/statusCodes.h"
@@ -24,7 +25,7 @@ constexpr i32 kChildExists = -50303;
 struct tChildFate {
   int within = 0;
   int stops = 0;
-  bool isSurprise = false;
+  int served = 0;
 };
 
 class tWatchedChild final : public iChildHandler {
@@ -39,12 +40,12 @@ class tWatchedChild final : public iChildHandler {
     ntoshost::schedulePoint();
     EXPECT_EQ(told.stops, 0) << "a request was in the handler as it ended";
     --told.within;
+    ++told.served;
   }
 
-  void stop(bool isSurprise) override {
+  void stop(bool /*isSurprise*/) override {
     EXPECT_EQ(fate.within, 0) << "the handler ended around a request";
     EXPECT_EQ(fate.stops, 0) << "the handler ended twice";
-    fate.isSurprise = isSurprise;
     ++fate.stops;
     delete this;
   }
@@ -72,11 +73,25 @@ class tModelBus {
     ObfReferenceObject(child);
   }
 
+  // The same, which the system leaves unstarted.
+  void addUnstartedChild() {
+    ntoshost::setChildrenStart(false);
+    addStartedChild();
+    ntoshost::setChildrenStart(true);
+  }
+
   // Takes the child away; its handler has ended then.
   void take() {
     EXPECT_EQ(bus.take(kSlot), 0);
     EXPECT_EQ(fate.stops, 1);
     isTaken = true;
+  }
+
+  // Whether somebody waits for the system to let go of the child.
+  bool isAwaited() const {
+    using namespace nOXDIAG100;
+    auto* const extension = static_cast<tDeviceExtension*>(child->DeviceExtension);
+    return static_cast<tChildDevice*>(extension)->isAwaited;
   }
 
   // Does what the system does, until the child is taken away.
@@ -85,11 +100,6 @@ class tModelBus {
       if (ntoshost::runPnpWork() == 0) ntoshost::scheduleYield();
     }
     ntoshost::runPnpWork();
-  }
-
-  NTSTATUS control() {
-    ntoshost::DeviceControl request;
-    return ntoshost::controlDevice(child, request);
   }
 
   // Nothing of the child is left.
@@ -114,18 +124,87 @@ class tModelBus {
   static constexpr u64 kDevicesOfABus = 3;  // physical, filter, function
 };
 
-// A child in use is taken away.
+// A child in use is taken away. A request that was in its handler is complete then.
 class tTakeBesideUse {
  public:
   static constexpr unsigned kThreads = 3;
 
-  tTakeBesideUse() { model.addStartedChild(); }
+  tTakeBesideUse() {
+    model.addStartedChild();
+    request = std::make_unique<tDeviceRequest>(model.child, u8{IRP_MJ_DEVICE_CONTROL});
+  }
   void run(unsigned thread) {
-    if (thread == 0) model.take();
+    if (thread == 0) take();
     if (thread == 1) model.serveUntilTaken();
-    if (thread != 2) return;
-    NTSTATUS const status = model.control();
-    EXPECT_TRUE(status == STATUS_SUCCESS || status == STATUS_DELETE_PENDING) << status;
+    if (thread == 2) request->send();
+  }
+  void finish() {
+    EXPECT_EQ(request->completions(), 1);
+    NTSTATUS const status = request->status();
+    EXPECT_EQ(status, model.fate.served == 1 ? STATUS_SUCCESS : STATUS_DELETE_PENDING);
+    request.reset();
+    model.requireGone();
+  }
+
+ private:
+  void take() {
+    model.take();
+    EXPECT_GE(request->completions(), model.fate.served);
+  }
+
+  tModelBus model;
+  std::unique_ptr<tDeviceRequest> request;
+};
+
+// A child is taken away that the system knows and has not started, while the system is told.
+class tTakeOfUnstarted {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeOfUnstarted() { model.addUnstartedChild(); }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    ntoshost::enumerateDevice(model.bus.physical);
+    model.serveUntilTaken();
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+};
+
+// A child that is open: its handler ends, and its device stays until it is closed.
+class tTakeOfOpen {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeOfOpen() {
+    model.bus.assignFunction();
+    model.addStartedChild();
+    EXPECT_EQ(ntoshost::openDevice(model.child, &file), STATUS_SUCCESS);
+  }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    model.serveUntilTaken();
+    ntoshost::closeDevice(file);
+  }
+  void finish() { model.requireGone(); }
+
+ private:
+  tModelBus model;
+  FILE_OBJECT* file = nullptr;
+};
+
+// The bus is removed while somebody waits for the system to let go of a child, and asks for that.
+class tTakeBesideBusRemoval {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  tTakeBesideBusRemoval() { model.addStartedChild(); }
+  void run(unsigned thread) {
+    if (thread == 0) return model.take();
+    while (!model.isAwaited()) ntoshost::scheduleYield();
+    model.bus.removeBus();
   }
   void finish() { model.requireGone(); }
 
@@ -194,14 +273,7 @@ class tTakeBesideStart {
  public:
   static constexpr unsigned kThreads = 2;
 
-  tTakeBesideStart() {
-    ntoshost::setChildrenStart(false);
-    model.addStartedChild();
-  }
-  ~tTakeBesideStart() { ntoshost::setChildrenStart(true); }
-  tTakeBesideStart(tTakeBesideStart const&) = delete;
-  tTakeBesideStart& operator=(tTakeBesideStart const&) = delete;
-
+  tTakeBesideStart() { model.addUnstartedChild(); }
   void run(unsigned thread) {
     if (thread == 0) return model.take();
     EXPECT_EQ(ntoshost::startDevice(model.child), STATUS_SUCCESS);
@@ -339,7 +411,19 @@ class tBusGoesBesideItsMaker {
 }  // namespace
 
 TEST(ChildSchedules, WhoTakesAChildAwayWaitsForItsRequests) {
-  explore<tTakeBesideUse>("childUse", {1, 300});
+  explore<tTakeBesideUse>("childUse", {0, 600});
+}
+
+TEST(ChildSchedules, AnUnstartedChildMayGoAsTheSystemIsTold) {
+  explore<tTakeOfUnstarted>("childUnstarted", {1, 600});
+}
+
+TEST(ChildSchedules, AnOpenChildHoldsUpNobody) {
+  explore<tTakeOfOpen>("childOpen", {1, 300});
+}
+
+TEST(ChildSchedules, ABusMayGoBesideWhoWaitsForItsChild) {
+  explore<tTakeBesideBusRemoval>("childBusRemoval", {1, 600});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsReported) {
@@ -367,7 +451,7 @@ TEST(ChildSchedules, AChildMayGoAsItIsRemovedBySurprise) {
 }
 
 TEST(ChildSchedules, AChildIsTakenAwayOnce) {
-  explore<tTwoTakers>("childTakers", {1, 300});
+  explore<tTwoTakers>("childTakers", {0, 600});
 }
 
 TEST(ChildSchedules, ANumberIsForOneChild) {

@@ -203,7 +203,7 @@ class tFailedSwitch {
 }  // namespace
 
 TEST(SlotSchedules, NobodyPutsToAClosedDestination) {
-  explore<tSwitchBesideALine>("slotSwitch", {2, 500});
+  explore<tSwitchBesideALine>("slotSwitch", {1, 500});
 }
 
 TEST(SlotSchedules, ALineWithTheMutexArrivesOnce) {
@@ -223,7 +223,7 @@ TEST(SlotSchedules, APutThatSwitchesChangesNothing) {
 }
 
 TEST(SlotSchedules, ADestinationEndsBehindTheLastPut) {
-  explore<tEndBesideALine>("slotEnd", {2, 500});
+  explore<tEndBesideALine>("slotEnd", {1, 500});
 }
 
 TEST(SlotSchedules, ASharedDestinationStaysOpenForTheOtherStream) {

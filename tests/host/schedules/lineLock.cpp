@@ -107,9 +107,9 @@ TEST(LineSchedules, LinesOfTwoThreadsDoNotMix) {
 }
 
 TEST(LineSchedules, TurningTheMutexWaitsForTheLine) {
-  explore<tTurnedBesideALine>("lineTurned", {2, 500});
+  explore<tTurnedBesideALine>("lineTurned", {1, 500});
 }
 
 TEST(LineSchedules, ALineWithinALineStaysWithItsThread) {
-  explore<tLineWithinALine>("lineWithin", {2, 500});
+  explore<tLineWithinALine>("lineWithin", {1, 500});
 }

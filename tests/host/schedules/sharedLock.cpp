@@ -64,6 +64,21 @@ class tLockUsers {
   bool had[kThreads] = {};
 };
 
+// One who gives up waiting and wants the lock again, beside one who uses it twice.
+class tGivenUp {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  void run(unsigned thread) {
+    lock.use(thread == 0 ? kSyncWaitForever : 5);
+    EXPECT_TRUE(lock.use(kSyncWaitForever));
+  }
+  void finish() {}
+
+ private:
+  tOpenLock lock;
+};
+
 }  // namespace
 
 TEST(LockSchedules, OneThreadAtATimeHasIt) {
@@ -71,14 +86,18 @@ TEST(LockSchedules, OneThreadAtATimeHasIt) {
 }
 
 TEST(LockSchedules, ThreeThreadsHaveItOneAfterTheOther) {
-  explore<tLockUsers<kSyncWaitForever, kSyncWaitForever, kSyncWaitForever>>("lockThree", {2, 500});
+  explore<tLockUsers<kSyncWaitForever, kSyncWaitForever, kSyncWaitForever>>("lockThree", {1, 500});
 }
 
 TEST(LockSchedules, WhoWaitsNoLongerTakesNobodysTurn) {
   explore<tLockUsers<kSyncWaitForever, 5>>("lockTimed", {3, 500});
-  explore<tLockUsers<kSyncWaitForever, 5, 5>>("lockTimedThree", {2, 500});
+  explore<tLockUsers<kSyncWaitForever, 5, 5>>("lockTimedThree", {1, 500});
+}
+
+TEST(LockSchedules, WhoGaveUpLeavesNobodysTurnBehind) {
+  explore<tGivenUp>("lockGivenUp", {2, 1000});
 }
 
 TEST(LockSchedules, ATryHasItOrNot) {
-  explore<tLockUsers<kSyncWaitForever, 0, 0>>("lockTries", {2, 500});
+  explore<tLockUsers<kSyncWaitForever, 0, 0>>("lockTries", {1, 500});
 }
