@@ -29,6 +29,7 @@ import natvisView  # noqa: E402
 import packages  # noqa: E402
 import pages  # noqa: E402
 import programs  # noqa: E402
+import scheduleFaults  # noqa: E402
 import scripts  # noqa: E402
 import toolNames  # noqa: E402
 import twins  # noqa: E402
@@ -88,12 +89,13 @@ STEPS = {
                    lambda: programs.check("host-debug", "host_tests")),
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
+    "schedules": ("faults that the schedules of threads have to find", scheduleFaults.check),
     "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
 WHEN_NAMED = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
               "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds",
-              "browser"}
+              "schedules", "browser"}
 
 
 def guarded(name, function):
