@@ -16,25 +16,28 @@ u64 getCount() {
   return static_cast<u64>(KeQueryPerformanceCounter(nullptr).QuadPart);
 }
 
-u64 getMillisecondsSince(u64 start) {
-  LARGE_INTEGER countsPerSecond;
-  u64 const now = static_cast<u64>(KeQueryPerformanceCounter(&countsPerSecond).QuadPart);
-  return (now - start) * kMillisecondsPerSecond / static_cast<u64>(countsPerSecond.QuadPart);
-}
-
 }  // namespace
 
-tPatience::tPatience() : start(getCount()) {
+tPatience::tPatience() : lastCount(getCount()) {
+}
+
+// A count that goes back adds no time; what passes from there on counts.
+u64 tPatience::getMilliseconds() const {
+  LARGE_INTEGER countsPerSecond;
+  u64 const now = static_cast<u64>(KeQueryPerformanceCounter(&countsPerSecond).QuadPart);
+  if (now > lastCount) passedCounts += now - lastCount;
+  lastCount = now;
+  return passedCounts * kMillisecondsPerSecond / static_cast<u64>(countsPerSecond.QuadPart);
 }
 
 u32 tPatience::getRest() const {
   if (isExhausted()) return 0;
-  u64 const passed = getMillisecondsSince(start);
+  u64 const passed = getMilliseconds();
   return passed < kMostPatience ? static_cast<u32>(kMostPatience - passed) : 0;
 }
 
 bool tPatience::hasPassed() const {
-  return getMillisecondsSince(start) >= kMostPatience;
+  return getMilliseconds() >= kMostPatience;
 }
 
 // An event that nobody sets is a pause.

@@ -8,7 +8,7 @@ namespace nOXDIAG100 {
 // their line.
 constexpr u32 kMostPatience = 10'000;  // milliseconds
 
-// The time that is left of kMostPatience. Any IRQL but for pause().
+// The time that is left of kMostPatience, for one thread. Any IRQL but for pause().
 //
 //     tPatience const patience;
 //     while (isSomebodyWithin()) {
@@ -33,7 +33,10 @@ class tPatience {
   static void setExhausted(bool isExhausted);
 
  private:
-  u64 const start;  // a count of the time base
+  u64 getMilliseconds() const;
+
+  mutable u64 lastCount;  // of the time base, when it was looked at last
+  mutable u64 passedCounts = 0;
 };
 
 // Ends at the end of a scope what was exhausted in it.
