@@ -39,7 +39,9 @@ namespace nOXDIAG100 {
 // is being put, by a put within that put, four deep at most; what would go deeper is dropped. `put`
 // cannot switch its own destination: that changes nothing. `open` and `close` may switch the stream
 // to another destination, four switches deep at most; a destination that is opened then, and is not
-// the one where the stream stays, is closed again.
+// the one where the stream stays, is closed again. `put` may also destroy its own object, whose
+// destructor begins with leaveStream(), if it touches nothing of it any more: the streams go to the
+// debugger, and what is left of the text follows them.
 //
 // A `put` that does not return holds up a switch for ten seconds, which is then given up.
 class OXDIAG_API iTraceDestination {

@@ -28,7 +28,8 @@ bool isTakenOff(tTraceParts& stream, iTraceDestination& leaving) {
   tTraceOptionReader(stream, 2, words).read();
   if (stream.slot.get() != &leaving) return true;
   stream.slot.install(tVEXTraceDestination::getInstance());
-  logForcedLeave(findOther(leaving));
+  u32 const within = findOther(leaving);
+  if (within != 0) logForcedLeave(within);
   tPatience::setExhausted(true);
   return false;
 }
