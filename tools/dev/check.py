@@ -25,6 +25,7 @@ import kernel  # noqa: E402
 import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
+import mutants  # noqa: E402
 import natvisView  # noqa: E402
 import packages  # noqa: E402
 import pages  # noqa: E402
@@ -90,12 +91,13 @@ STEPS = {
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
     "schedules": ("faults that the schedules of threads have to find", scheduleFaults.check),
+    "mutants": ("a sample of the mutants, each seen by a test", mutants.check),
     "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
 WHEN_NAMED = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
               "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds",
-              "schedules", "browser"}
+              "schedules", "mutants", "browser"}
 
 
 def guarded(name, function):

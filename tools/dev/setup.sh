@@ -22,6 +22,7 @@ pages=(mkdocs python3-pygments doxygen)              # the handbook
 debugger=(gdb)                                       # its views
 browser=(chromium chromium-driver fonts-dejavu-core) # the page of a trace, as people see it
 packaging=(pkgconf mandoc)                           # what is installed, as clients find it
+mutation=(python3-clang)                             # where a source can be mutated
 packing=(dpkg-dev binutils)                          # the Debian packages
 
 packages_for() {
@@ -33,11 +34,12 @@ packages_for() {
     kernel) echo "${host[@]}" "${windows[@]}" "${wine[@]}" ;;
     docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
+    mutants) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${mutation[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
       "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
-      "${packing[@]}" ;;
+      "${packing[@]}" "${mutation[@]}" ;;
     *) echo "setup: '$1' is no verb that needs packages" >&2 && return 2 ;;
   esac
 }

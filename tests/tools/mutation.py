@@ -1,0 +1,204 @@
+"""Tests of ./dev mutants: where a source is mutated, what is woven, what the compiler's errors drop,
+and which tests a mutant meets."""
+
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import places
+
+sys.path.insert(0, str(places.TOP / "tools/dev"))
+
+import mutantBuild  # noqa: E402
+import mutants  # noqa: E402
+
+SOURCE = """#define BOTH(a, b) ((a) < (b))
+constexpr int kMost = 7;
+constexpr int twice(int value) { return value * 2; }
+int calls = 0;
+void call() { ++calls; }
+int limit(int value, bool isOpen) {
+  char text[kMost] = {};
+  static int const fixed = 3;
+  if (value > kMost && isOpen) {
+    calls = value - 1;
+  } else {
+    call();
+  }
+  if (BOTH(value, 5)) call();
+  return value + text[0] + fixed;
+}
+"""
+MAIN = """
+#include <cstdlib>
+int oxdiagMutantChosen = 0;
+unsigned char reached[1000];
+unsigned char* oxdiagMutantReached = reached;
+int main(int, char** words) {
+  oxdiagMutantChosen = std::atoi(words[1]);
+  int const above = limit(8, true);
+  int const set = calls;
+  int const most = limit(7, true);
+  return above == 11 && set == 7 && most == 10 && calls == 8 ? 0 : 1;
+}
+"""
+
+
+def weave(text, dropped=""):
+    with tempfile.TemporaryDirectory() as folder:
+        file = pathlib.Path(folder) / "source.cpp"
+        file.write_text(text)
+        done = subprocess.run([mutantBuild.PYTHON, places.TOP / "tools/dev/mutantPlaces.py", file, dropped,
+                               "-std=c++20"], capture_output=True, text=True, check=True)
+        return json.loads(done.stdout)
+
+
+def found(weaving):
+    return [(mutant["kind"], mutant["before"], mutant["after"])
+            for place in weaving["places"] for mutant in place]
+
+
+class Weaving(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.weaving = weave(SOURCE)
+        cls.found = found(cls.weaving)
+
+    def test_each_kind_has_its_mutants(self):
+        for expected in [("store", "++calls", ""), ("call", "call()", ""),
+                         ("condition", "value > kMost && isOpen", "true"),
+                         ("condition", "value > kMost && isOpen", "!(value > kMost && isOpen)"),
+                         ("condition", "isOpen", "true"), ("boundary", "value > kMost", "value >= kMost"),
+                         ("store", "calls = value - 1", ""), ("operator", "value - 1", "value + 1"),
+                         ("constant", "1", "0"), ("constant", "0", "0 + 1"),
+                         ("condition", "BOTH(value, 5)", "false"),
+                         ("return", "value + text[0] + fixed", "0")]:
+            self.assertIn(expected, self.found)
+
+    def test_what_the_compiler_computes_is_left_alone(self):
+        befores = {before for _, before, _ in self.found}
+        self.assertNotIn("value * 2", befores)
+        self.assertNotIn("3", befores)
+        self.assertNotIn("7", befores)
+        self.assertNotIn("5", befores)
+        self.assertIn("char text[kMost] = {}", self.weaving["text"])
+
+    def test_lines_stay_where_they_are(self):
+        woven = self.weaving["text"].splitlines()[1:]
+        self.assertEqual(len(woven), len(SOURCE.splitlines()))
+        for place in self.weaving["places"]:
+            for mutant in place:
+                self.assertEqual(SOURCE.splitlines()[mutant["line"] - 1].strip(), mutant["text"])
+
+    def test_a_dropped_place_is_not_woven_and_keeps_its_numbers(self):
+        other = weave(SOURCE, "0")
+        self.assertEqual(found(other), self.found)
+        self.assertIn("OXDIAG_MUTANT_BASE + 0", self.weaving["text"])
+        self.assertNotIn("OXDIAG_MUTANT_BASE + 0,", other["text"])
+        self.assertNotIn("OXDIAG_MUTANT_BASE + 0)", other["text"])
+
+    def test_what_an_error_is_within_is_dropped_the_innermost_alone(self):
+        spans = {order: (tuple(start), tuple(end)) for order, (start, end) in self.weaving["spans"]}
+        order = next(number for number, place in enumerate(self.weaving["places"])
+                     if place[0]["before"] == "value - 1")
+        line, column = spans[order][0]
+        error = f"source.cpp:{line}:{column + 1}: error: no\nother.cpp:{line}:{column}: error: no\n"
+        self.assertEqual(mutantBuild.objected(pathlib.Path("source.cpp"), error, spans), {order})
+
+    def test_the_chosen_mutant_alone_changes_the_program(self):
+        with tempfile.TemporaryDirectory() as folder:
+            program = pathlib.Path(folder) / "program"
+            source = program.with_suffix(".cpp")
+            source.write_text(self.weaving["text"] + MAIN)
+            subprocess.run(["g++", "-std=c++20", "-DOXDIAG_MUTANT_BASE=1", "-include",
+                            mutantBuild.KIT / "mutant.h", source, "-o", program], check=True)
+            self.assertEqual(subprocess.run([program, "0"]).returncode, 0)
+            for expected, seen in [(("operator", "value - 1", "value + 1"), 1),
+                                   (("boundary", "value > kMost", "value >= kMost"), 1),
+                                   (("condition", "isOpen", "true"), 0)]:
+                number = self.found.index(expected) + 1
+                self.assertEqual(subprocess.run([program, str(number)]).returncode, seen, expected)
+
+
+class Program:
+    def __init__(self, name):
+        self.name = name
+
+
+class Meeting(unittest.TestCase):
+    @staticmethod
+    def reached(name, tests, numbers, around=()):
+        return mutants.Reached(Program(name), tests, {test: 1 for test in tests}, numbers, set(around))
+
+    def test_only_what_reaches_the_place_is_met_the_conformance_tests_first(self):
+        slow = self.reached("slow", {"A.a": 3.0}, {5: ["A.a"]})
+        quick = self.reached("quick", {"B.b": 1.0, "B.c": 1.0}, {5: ["B.c"]})
+        other = self.reached("other", {"C.c": 1.0}, {6: ["C.c"]})
+        first = self.reached("conformance_tests", {"D.d": 9.0}, {5: ["D.d"]})
+        met = [(each.program.name, names) for _, each, names in
+               mutants.meetings(5, [slow, quick, other, first], [])]
+        self.assertEqual(met, [("conformance_tests", ["D.d"]), ("quick", ["B.c"]), ("slow", ["A.a"])])
+
+    def test_what_is_reached_around_the_tests_is_met_by_all_of_them(self):
+        each = self.reached("each", {"A.a": 1.0, "A.b": 1.0}, {}, around=[5])
+        self.assertEqual([names for _, _, names in mutants.meetings(5, [each], [])], [["A.a", "A.b"]])
+
+    def test_a_test_that_saw_a_neighbour_is_met_first(self):
+        each = self.reached("each", {"A.a": 0.01, "A.b": 0.01}, {5: ["A.a", "A.b"]})
+        met = [names for _, _, names in mutants.meetings(5, [each], [("each", "A.b"), ("each", "A.c")])]
+        self.assertEqual(met, [["A.b"], ["A.a", "A.b"]])
+
+    def test_most_tests_are_chosen_by_the_others(self):
+        tests = {"A.a": 1, "A.b": 1, "A.c": 1}
+        self.assertEqual(mutants.filters(["A.a"], tests), ["A.a"])
+        self.assertEqual(mutants.filters(["A.a", "A.b"], tests), ["-A.c"])
+
+    def test_the_test_that_failed_or_died_is_named(self):
+        self.assertEqual(mutants.last_test("[ RUN      ] A.a\n[  FAILED  ] A.a (0 ms)\n"), "A.a")
+        self.assertEqual(mutants.last_test("[ RUN      ] A.a\n[ RUN      ] A.b\n"), "A.b")
+        self.assertEqual(mutants.last_test(""), "")
+
+
+class Source:
+    name, base = "source/a/b.cpp", 1
+
+    def digest(self):
+        return "none"
+
+    def mutants(self):
+        shared = {"function": "f", "text": "g();", "kind": "call", "after": "", "line": 3, "place": 0}
+        return [dict(shared, number=number, before=before, compiled=number < 3)
+                for number, before in enumerate(["seen()", "listed()", "open()", "wrong()"])]
+
+
+class Reporting(unittest.TestCase):
+    def outcome(self, verdicts, listed):
+        with tempfile.TemporaryDirectory() as folder:
+            kept = mutants.VERDICTS, mutants.LISTED
+            mutants.VERDICTS, mutants.LISTED = pathlib.Path(folder), pathlib.Path(folder) / "listed.json"
+            mutants.LISTED.write_text(json.dumps(
+                [{"file": Source.name, "function": "f", "text": "g();", "kind": "call", "before": before,
+                  "after": "", "reason": "none"} for before in listed]))
+            try:
+                known = mutants.Verdicts(Source())
+                known.known.update(verdicts)
+                return mutants.report([known])
+            finally:
+                mutants.VERDICTS, mutants.LISTED = kept
+
+    def test_a_survivor_fails_unless_it_is_listed(self):
+        verdicts = {0: (mutants.KILLED, "t"), 1: (mutants.SURVIVED, "9 tests"), 2: (mutants.UNREACHED, "")}
+        outcome = self.outcome(verdicts, ["listed()"])
+        self.assertEqual(outcome.passed, 3)
+        self.assertEqual(outcome.failed, ["source/a/b.cpp:3: f: call: open() -> (nothing): unreached"])
+
+    def test_a_listed_one_that_is_killed_fails(self):
+        outcome = self.outcome({0: (mutants.KILLED, "t")}, ["seen()"])
+        self.assertEqual(outcome.failed, ["source/a/b.cpp: f: listed as unobservable, but killed: seen() -> "])
+
+
+if __name__ == "__main__":
+    unittest.main()

@@ -1,0 +1,219 @@
+"""The test programs of a preset with all mutants of the product woven in: each source is compiled
+once, and a number in the environment chooses the mutant when a program runs."""
+
+import hashlib
+import json
+import pathlib
+import re
+import shlex
+import shutil
+
+import workshop
+
+PRESET = "host-plain"
+TREE = workshop.tree(PRESET)
+HERE = workshop.OUT / "mutants"
+KIT = workshop.TOP / "tests/mutants"
+# Debian's Python, which sees Debian's python3-clang whichever Python runs the workshop.
+PYTHON = "/usr/bin/python3"
+
+FOLDERS = ["source", "platform/vexk/common", "platform/qelmk/common", "platform/vexk/host"]
+ARCHIVES = {"source/": "source/liboxdiagk.a", "platform/vexk/": "platform/vexk/libvexk.a",
+            "platform/qelmk/": "platform/qelmk/libqelmk.a"}
+NUMBERS_OF_A_FILE = 1024
+MOST_FILES = 512
+# Stacks as deep as without the wrapping of every expression, or nearly.
+OPTIONS = ["-O1", "-g0", "-Wno-narrowing", "-Werror=vla", "-include", KIT / "mutant.h"]
+# What an error of the compiler names.
+PLACE_OF_ERROR = re.compile(r"^([^\s:]+\.cpp):(\d+):(?:(\d+):)?", re.MULTILINE)
+MOST_ROUNDS = 12
+
+
+class Source:
+    """One file of the product, as the preset compiles it."""
+
+    def __init__(self, command, number):
+        self.file = pathlib.Path(command["file"])
+        self.name = str(self.file.relative_to(workshop.TOP))
+        self.words = [word for word in shlex.split(command["command"])
+                      if not word.startswith(("-W", "-g")) and word not in ("-o", "-c")]
+        self.object = next(word for word in self.words if word.endswith(".o"))
+        self.words = [word for word in self.words if not word.endswith((".o", ".cpp"))]
+        self.base = 1 + number * NUMBERS_OF_A_FILE
+        self.woven = HERE / "code" / self.name
+        self.made = HERE / "objects" / self.name
+        self.record = HERE / "places" / f"{self.name}.json"
+
+    def digest(self):
+        digest = hashlib.sha256(self.file.read_bytes())
+        for part in (KIT / "mutant.h", workshop.TOP / "tools/dev/mutantPlaces.py"):
+            digest.update(part.read_bytes())
+        return digest.hexdigest()
+
+    def mutants(self):
+        return json.loads(self.record.read_text())["mutants"]
+
+    def is_woven(self, digest):
+        if not self.record.exists() or not self.made_object().exists():
+            return False
+        record = json.loads(self.record.read_text())
+        newest = max(header.stat().st_mtime for header in headers())
+        return (record["digest"], record["base"]) == (digest, self.base) and \
+            self.made_object().stat().st_mtime > newest
+
+    def made_object(self):
+        return self.made.parent / (pathlib.Path(self.object).name)
+
+    def weave(self, dropped):
+        options = [word for word in self.words[1:] if word.startswith(("-I", "-D", "-std", "-f"))]
+        options.append("-Wno-unknown-warning-option")
+        return json.loads(workshop.demand(
+            [PYTHON, workshop.TOP / "tools/dev/mutantPlaces.py", self.file,
+             ",".join(map(str, sorted(dropped))), *options]))
+
+    def compile(self):
+        command = [*self.words, *OPTIONS, f"-DOXDIAG_MUTANT_BASE={self.base}",
+                   "-iquote", self.file.parent, "-o", self.made_object(), "-c", self.woven]
+        return workshop.run(command, cwd=TREE)
+
+    def make(self):
+        """Weaves until it compiles: what the compiler objects to is left out."""
+        digest = self.digest()
+        if self.is_woven(digest):
+            return
+        dropped = set()
+        for path in (self.woven, self.made, self.record):
+            path.parent.mkdir(parents=True, exist_ok=True)
+        for _ in range(MOST_ROUNDS):
+            weaving = self.weave(dropped)
+            self.woven.write_text(weaving["text"])
+            code, output = self.compile()
+            if code == 0:
+                break
+            wrong = objected(self.file, output, dict(weaving["spans"])) - dropped
+            if not wrong:
+                raise workshop.Failure(f"{self.name} does not compile with its mutants\n{output}")
+            dropped |= wrong
+        else:
+            raise workshop.Failure(f"{self.name}: {MOST_ROUNDS} rounds did not make it compile")
+        mutants = []
+        for order, place in enumerate(weaving["places"]):
+            for mutant in place:
+                mutants.append(dict(mutant, place=place[0]["number"], compiled=order not in dropped))
+        if len(mutants) >= NUMBERS_OF_A_FILE:
+            raise workshop.Failure(f"{self.name} has {len(mutants)} mutants")
+        self.record.write_text(json.dumps({"digest": digest, "base": self.base, "mutants": mutants}))
+
+
+def objected(file, output, spans):
+    """The places that the compiler's errors are within, the innermost of each error."""
+    found = set()
+    for name, line, column in PLACE_OF_ERROR.findall(output):
+        if pathlib.Path(name).name != file.name:
+            continue
+        where = (int(line), int(column or 0))
+        around = [(start, order) for order, (start, end) in spans.items()
+                  if tuple(start) <= where <= tuple(end)]
+        if around:
+            found.add(max(around)[1])
+        elif not column:
+            found |= {order for order, (start, end) in spans.items() if start[0] <= where[0] <= end[0]}
+    return found
+
+
+def headers():
+    found = [workshop.TOP / "tests/mutants/mutant.h"]
+    for folder in ("include", "source", "platform"):
+        found += (workshop.TOP / folder).rglob("*.h")
+    return found
+
+
+def sources():
+    """Every source of the folders that the preset builds into the library, in the order of names."""
+    commands = json.loads((TREE / "compile_commands.json").read_text())
+    found = {}
+    for command in commands:
+        name = str(pathlib.Path(command["file"]).relative_to(workshop.TOP))
+        is_archived = re.search(r"(oxdiagk|vexk|qelmk)\.dir/", command["command"]) is not None
+        if is_archived and name.startswith(tuple(folder + "/" for folder in FOLDERS)):
+            found[name] = command
+    return [Source(found[name], number) for number, name in enumerate(sorted(found))]
+
+
+def archive(all_sources):
+    """The preset's archives with the woven objects in the place of theirs."""
+    for prefix, name in ARCHIVES.items():
+        made = HERE / name
+        made.parent.mkdir(parents=True, exist_ok=True)
+        objects = [source.made_object() for source in all_sources if source.name.startswith(prefix)]
+        newest = max(path.stat().st_mtime for path in [TREE / name, *objects])
+        if made.exists() and made.stat().st_mtime >= newest:
+            continue
+        members = workshop.demand(["ar", "t", TREE / name]).split()
+        names = [path.name for path in objects]
+        if len(set(members)) != len(members) or not set(names) <= set(members):
+            raise workshop.Failure(f"{name} has members of one name, or lacks a source")
+        made.unlink(missing_ok=True)
+        shutil.copy(TREE / name, made)
+        workshop.demand(["ar", "rs", made, *objects])
+
+
+def choice():
+    made = HERE / "choice.o"
+    workshop.demand(["g++", "-std=c++20", "-O1", "-fno-rtti", f"-I{KIT}",
+                     f"-DOXDIAG_MUTANT_NUMBERS={NUMBERS_OF_A_FILE * MOST_FILES}",
+                     "-c", KIT / "mutantChoice.cpp", "-o", made])
+    return made
+
+
+class Program:
+    """One test program, linked with the woven archives."""
+
+    def __init__(self, name):
+        self.name = name
+        self.original = TREE / "tests/host/bin" / name
+        self.path = HERE / "bin" / name
+        self.log = HERE / "reached" / name
+
+    def link(self, choice_object):
+        """True if it had to be."""
+        made_of = [HERE / name for name in ARCHIVES.values()] + [self.original, choice_object]
+        newest = max(path.stat().st_mtime for path in made_of)
+        if self.path.exists() and self.path.stat().st_mtime >= newest:
+            return False
+        lines = workshop.demand(["ninja", "-C", TREE, "-t", "commands", f"tests/host/bin/{self.name}"])
+        call = lines.strip().splitlines()[-1].removeprefix(": && ").removesuffix(" && :")
+        words = []
+        for word in shlex.split(call):
+            words.append(str(HERE / word) if word in ARCHIVES.values() else word)
+        words[words.index("-o") + 1] = self.path
+        self.path.parent.mkdir(parents=True, exist_ok=True)
+        workshop.demand([*words, choice_object, "/usr/lib/x86_64-linux-gnu/libgtest.a",
+                         "-fuse-ld=lld", "-Wl,--strip-debug"], cwd=TREE)
+        self.log.unlink(missing_ok=True)
+        return True
+
+
+# The image's tests load the library as a file of its own, which is not woven.
+NOT_WOVEN = {"image_tests"}
+
+
+def program_names():
+    """The programs that the preset's tests are."""
+    listed = json.loads(workshop.demand(["ctest", "--test-dir", TREE, "--show-only=json-v1"]))
+    return sorted({test["name"] for test in listed["tests"]} - NOT_WOVEN)
+
+
+def make():
+    """All programs, woven; and their sources."""
+    workshop.build(PRESET, "host_tests")
+    found = sources()
+    workshop.in_parallel(Source.make, found)
+    archive(found)
+    chosen = HERE / "choice.o"
+    if not chosen.exists() or chosen.stat().st_mtime < max(
+            path.stat().st_mtime for path in KIT.glob("mutant*")):
+        choice()
+    programs = [Program(name) for name in program_names()]
+    workshop.in_parallel(lambda program: program.link(chosen), programs)
+    return found, programs
