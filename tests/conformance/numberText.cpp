@@ -151,6 +151,13 @@ TEST(NumberText, OfARadixOfMoreThan32BitsTheLow32Stay) {
   EXPECT_EQ(kLargest, readNumber("4294967295#10"));
 }
 
+TEST(NumberText, WhatIsNoDecimalDigitIsADigitInNoRadix) {
+  EXPECT_EQ(u32{1}, readNumber("36#1:"));
+  EXPECT_EQ(u32{1}, readNumber("36#1/"));
+  EXPECT_EQ(u32{1}, readNumber("36#1a"));
+  EXPECT_EQ(u32{1}, readNumber("4294967295#1:"));
+}
+
 TEST(NumberText, NullIsZero) {
   EXPECT_EQ(u32{0}, readNumber(nullptr));
   EXPECT_EQ(u32{0}, readNumber(nullptr, 5));
