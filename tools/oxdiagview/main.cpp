@@ -88,7 +88,7 @@ std::unique_ptr<iRecordSink> makeView(tViewOptions const& options, uint64_t tick
   if (options.wantsSummary) {
     return std::make_unique<tSummary>(output, rateText(options, ticksPerSecond));
   }
-  if (options.wantsJsonLines) return std::make_unique<tJsonLines>(output);
+  if (options.wantsJsonLines) return std::make_unique<tJsonLines>(output, options.start);
   if (!options.perfettoFile.empty()) return std::make_unique<tPerfetto>(output);
   if (!options.htmlFile.empty()) return std::make_unique<tPageFormat>(output, titleOf(options));
   return std::make_unique<tTextView>(output, isColored(options.color));

@@ -8,17 +8,17 @@ _oxdiag_view() {
   case ${COMP_WORDS[COMP_CWORD - 1]} in
     --color) mapfile -t COMPREPLY < <(compgen -W "auto always never" -- "$word") && return ;;
     --perfetto | --html) mapfile -t COMPREPLY < <(compgen -f -- "$word") && return ;;
-    --filter | --rate) return ;;
+    --filter | --rate | --start) return ;;
   esac
   for ((index = 1; index < COMP_CWORD; ++index)); do
     case ${COMP_WORDS[index]} in
       --help | --version) return ;;
-      --color | --perfetto | --html | --filter | --rate) given[${COMP_WORDS[index]}]=1 && ((index += 1)) ;;
+      --color | --perfetto | --html | --filter | --rate | --start) given[${COMP_WORDS[index]}]=1 && ((index += 1)) ;;
       --*) given[${COMP_WORDS[index]}]=1 ;;
       *) has_file=1 ;;
     esac
   done
-  for option in --dump --follow --summary --jsonl --perfetto --html --filter --rate --color; do
+  for option in --dump --follow --summary --jsonl --perfetto --html --filter --rate --start --color; do
     [[ ${given[$option]-} ]] || choices+=" $option"
   done
   ((COMP_CWORD > 1)) || choices+=' --help --version'

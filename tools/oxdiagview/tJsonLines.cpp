@@ -55,11 +55,17 @@ char const* nameOf(tKind kind) {
 void tJsonLines::take(tRecord const& record) {
   json.clear();
   putText(R"({"Body":)", record.text);
+  if (start && record.time) putTimestamp(record);
   putSeverity(record);
   putScope(record);
   putAttributes(record);
   json += "}\n";
   output.put(json);
+}
+
+// A line of another processor may be a little before the first one.
+void tJsonLines::putTimestamp(tRecord const& record) {
+  putDigits(R"(,"Timestamp":)", *start + (*record.time - record.firstTime.value_or(*record.time)));
 }
 
 void tJsonLines::putSeverity(tRecord const& record) {

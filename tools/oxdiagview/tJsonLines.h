@@ -10,17 +10,21 @@
 namespace oxdiagview {
 
 // Prints an object of JSON for each record, with the field names of OpenTelemetry's log data model:
-// SeverityText, SeverityNumber, Body, Attributes, InstrumentationScope. There is no Timestamp,
-// since a counter is no time of day; the attributes have the nanoseconds since the first line.
+// Timestamp, SeverityText, SeverityNumber, Body, Attributes, InstrumentationScope. A counter is no
+// time of day, so there is a Timestamp only if somebody says when the trace began; the attributes
+// have the nanoseconds since the first line that is printed.
 class tJsonLines : public iRecordSink {
  public:
-  // `output` outlives the object.
-  explicit tJsonLines(tOutput& output) : output(output) {}
+  // `output` outlives the object. `start` is the time of the first line of the trace that has one,
+  // in nanoseconds since 1970.
+  explicit tJsonLines(tOutput& output, std::optional<uint64_t> start = std::nullopt)
+      : output(output), start(start) {}
 
   void take(tRecord const& record) override;
   void finish() override { output.flush(); }
 
  private:
+  void putTimestamp(tRecord const& record);
   void putSeverity(tRecord const& record);
   void putScope(tRecord const& record);
   void putAttributes(tRecord const& record);
@@ -37,6 +41,7 @@ class tJsonLines : public iRecordSink {
   void putDigits(std::string_view name, uint64_t number);
 
   tOutput& output;
+  std::optional<uint64_t> const start;
   std::optional<uint64_t> firstTime;
   std::string json;  // of the record
 };

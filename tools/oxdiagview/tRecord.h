@@ -40,6 +40,7 @@ struct tRecord {
   // Nanoseconds on the clock of the counter. In a trace without stamps it is the sum of the deltas.
   std::optional<uint64_t> time;
   std::optional<int64_t> timeDelta;
+  std::optional<uint64_t> firstTime;  // of the first line of the trace that has a time
 
   uint32_t depth = 0;           // of open blocks around the line
   std::string_view text;        // behind prefix and indentation

@@ -278,21 +278,30 @@ void tTraceReader::setField(tField field, std::string_view part) {
   if (delta) record.delta = static_cast<int64_t>(*delta);
 }
 
-// The delta of the very first line is the counter itself, which is no time between lines.
 void tTraceReader::setTimes() {
   if (ticksPerSecond == 0) return;
-  if (record.delta) {
-    bool const isBack = *record.delta < 0;
-    uint64_t const ticks = static_cast<uint64_t>(*record.delta);
-    uint64_t const magnitude = toNanoseconds(isBack ? 0 - ticks : ticks);
-    int64_t const span = static_cast<int64_t>(std::min(magnitude, kLongestSpan));
-    record.timeDelta = isBack ? -span : span;
+  if (record.delta) setTimeDelta(*record.delta);
+  if (record.stamp) {
+    record.time = toNanoseconds(*record.stamp);
+  } else if (record.delta) {
+    record.time = sumTime(*record.timeDelta);
   }
-  if (record.stamp) record.time = toNanoseconds(*record.stamp);
-  if (record.stamp || !record.delta) return;
-  if (hasSum && *record.timeDelta > 0) summedTime += static_cast<uint64_t>(*record.timeDelta);
+  if (!firstTime) firstTime = record.time;
+  record.firstTime = firstTime;
+}
+
+void tTraceReader::setTimeDelta(int64_t delta) {
+  uint64_t const ticks = static_cast<uint64_t>(delta);
+  uint64_t const magnitude = toNanoseconds(delta < 0 ? 0 - ticks : ticks);
+  int64_t const span = static_cast<int64_t>(std::min(magnitude, kLongestSpan));
+  record.timeDelta = delta < 0 ? -span : span;
+}
+
+// The delta of the very first line is the counter itself, which is no time between lines.
+uint64_t tTraceReader::sumTime(int64_t timeDelta) {
+  if (hasSum && timeDelta > 0) summedTime += static_cast<uint64_t>(timeDelta);
   hasSum = true;
-  record.time = summedTime;
+  return summedTime;
 }
 
 // In two steps, because the product has more than 64 bits.

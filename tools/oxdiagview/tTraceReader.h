@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -71,6 +72,8 @@ class tTraceReader {
   void setFields(tPrefixText& prefix);
   void setField(tField field, std::string_view part);
   void setTimes();
+  void setTimeDelta(int64_t delta);
+  uint64_t sumTime(int64_t timeDelta);
   uint64_t toNanoseconds(uint64_t ticks) const;
   void setDepth(uint32_t blanks);
   void hand();
@@ -92,6 +95,7 @@ class tTraceReader {
   size_t blankPrefix = 0;
   uint64_t number = 0;
   uint64_t noteUntil = 0;  // the lines up to this one are in the table
+  std::optional<uint64_t> firstTime;
   uint64_t summedTime = 0;
   bool hasSum = false;
   uint32_t level = 0;        // of open blocks, by their lines

@@ -8,6 +8,7 @@
 #include "options/quotedWord.h"
 #include "options/toolVersion.h"
 #include "oxdiagview/exitCodes.h"
+#include "oxdiagview/startTime.h"
 #include "oxdiagview/tickRate.h"
 
 namespace oxdiagview {
@@ -52,6 +53,11 @@ std::string checkRate(std::string const& text) {
   return quoteWord(text) + " is no rate such as 2.4GHz, 2400MHz or 2400000000";
 }
 
+std::string checkStart(std::string const& text) {
+  if (readStartTime(text)) return "";
+  return quoteWord(text) + " is no time such as 2026-11-22T20:15:00Z";
+}
+
 void addInput(CLI::App& app, tViewOptions& options) {
   app.add_option("FILE", options.file, "The trace; by default, or as -, standard input")
       ->type_name("");
@@ -63,11 +69,16 @@ void addInput(CLI::App& app, tViewOptions& options) {
                "another takes its name");
 }
 
-void addOutput(CLI::App& app, tViewOptions& options) {
+void addOutput(CLI::App& app, tViewOptions& options, std::string& start) {
   app.add_flag("--summary", options.wantsSummary, "Show what is in the trace instead of its lines");
   app.add_flag("--jsonl", options.wantsJsonLines,
                "Print an object of JSON for each line, with the names of\n"
                "OpenTelemetry's log data model");
+  app.add_option("--start", start,
+                 "When the first line was written, as 2026-11-22T20:15:00Z:\n"
+                 "the objects of --jsonl have a Timestamp")
+      ->type_name("TIME")
+      ->check(checkStart);
   app.add_option("--perfetto", options.perfettoFile,
                  "Write the blocks as slices of their threads into FILE,\n"
                  "in the trace event format")
@@ -97,13 +108,14 @@ std::optional<tViewOptions> readOptions(std::vector<std::string> const& words, i
   tViewOptions options;
   std::string color = "auto";
   std::string rate;
+  std::string start;
   CLI::App app(kDescription, "oxdiag-view");
   app.get_formatter()->column_width(18);
   app.allow_windows_style_options(false);
   app.footer(kFooter);
   app.set_version_flag("--version", std::string("oxdiag-view ") + getToolVersion());
   addInput(app, options);
-  addOutput(app, options);
+  addOutput(app, options, start);
   app.add_option("--filter", options.filter, "Which lines are shown, see below")
       ->type_name("EXPR")
       ->check(checkFilter);
@@ -118,7 +130,9 @@ std::optional<tViewOptions> readOptions(std::vector<std::string> const& words, i
   try {
     // The last word first.
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
-    char const* const problem = findContradiction(options);
+    char const* const problem = !start.empty() && !options.wantsJsonLines
+                                    ? "--start needs --jsonl"
+                                    : findContradiction(options);
     if (problem != nullptr) throw CLI::ValidationError(problem);
   } catch (CLI::ParseError const& problem) {
     bool const isHelp = app.exit(problem) == 0;
@@ -127,6 +141,7 @@ std::optional<tViewOptions> readOptions(std::vector<std::string> const& words, i
   }
   options.color = kChoices.at(color);
   options.ticksPerSecond = readTickRate(rate);
+  options.start = readStartTime(start);
   return options;
 }
 

@@ -20,6 +20,7 @@ struct tViewOptions {
   std::string htmlFile;      // empty: none
   std::string filter;        // empty: everything is shown
   tColorChoice color = tColorChoice::kAuto;
+  std::optional<uint64_t> start;           // of the trace, in nanoseconds since 1970
   std::optional<uint64_t> ticksPerSecond;  // none: those of this computer
 };
 

@@ -7,7 +7,7 @@ Each record is a line: line, thread, kind, depth and body."""
 import json
 import sys
 
-TOP = {"SeverityNumber": int, "SeverityText": str, "Body": str, "InstrumentationScope": dict,
+TOP = {"Timestamp": str, "SeverityNumber": int, "SeverityText": str, "Body": str, "InstrumentationScope": dict,
        "Attributes": dict}
 ATTRIBUTES = {"code.file.path": str, "code.line.number": int, "code.function.name": str,
               "thread.id": int, "oxdiag.line": int, "oxdiag.stamp": str, "oxdiag.delta": int,

@@ -4,9 +4,11 @@
 
 #include <gtest/gtest.h>
 
+#include "oxdiagview/startTime.h"
 #include "oxdiagview/tickRate.h"
 
 using oxdiagview::clockText;
+using oxdiagview::readStartTime;
 using oxdiagview::readTickRate;
 using oxdiagview::spanText;
 
@@ -52,6 +54,20 @@ TEST(TickRate, IsWrittenWithAUnitOrWithout) {
   for (char const* text :
        {"", "0", "-1", "fast", "2.4 GHz", "2.4ghz", "11GHz", "0.5", "1e9", "nan", "inf"}) {
     EXPECT_EQ(readTickRate(text), std::nullopt) << text;
+  }
+}
+
+TEST(StartTime, IsADayAndATimeInUtc) {
+  EXPECT_EQ(readStartTime("1970-01-01T00:00:00Z"), 0u);
+  EXPECT_EQ(readStartTime("2026-11-22T20:15:00Z"), 1'795'378'500'000'000'000u);
+  EXPECT_EQ(readStartTime("2024-02-29T23:59:59.000000001Z"), 1'709'251'199'000'000'001u);
+  for (char const* text :
+       {"", "now", "2026-11-22", "2026-11-22T20:15:00", "2026-11-22 20:15:00Z",
+        "2026-11-31T20:15:00Z", "2026-13-01T20:15:00Z", "2026-11-22T24:00:00Z",
+        "2026-11-22T20:60:00Z", "2026-11-22T20:15:60Z", "2026-11-22T20:15:00.Z",
+        "2026-11-22T20:15:00.1234567890Z", "2026-11-22T20:15:00,5Z", "1969-12-31T23:59:59Z",
+        "2500-01-01T00:00:00Z", "2026-1a-22T20:15:00Z"}) {
+    EXPECT_EQ(readStartTime(text), std::nullopt) << text;
   }
 }
 

@@ -20,8 +20,8 @@ class ViewCompletion : public tDemoTest {
 
 TEST_F(ViewCompletion, OffersOptions) {
   EXPECT_EQ(offered("--"),
-            "--color --dump --filter --follow --help --html --jsonl --perfetto --rate --summary "
-            "--version\n");
+            "--color --dump --filter --follow --help --html --jsonl --perfetto --rate --start "
+            "--summary --version\n");
   EXPECT_EQ(offered("--follow --f"), "--filter\n");
   EXPECT_EQ(offered("--help ''"), "\n");
 }

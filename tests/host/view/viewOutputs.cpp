@@ -167,6 +167,23 @@ TEST_F(ViewOutputs, SeverityFollowsVerbosityAssertionsAndStatuses) {
   }
 }
 
+// From the first line of the trace on, whichever the filter shows.
+TEST_F(ViewOutputs, TimestampsCountFromTheStartThatIsSaid) {
+  std::string const trace = lineOf("rack--1--a.cpp", "no stamp") +
+                            lineOf("boot--17--a.cpp--0x1--5000000000000--60", "boots") +
+                            stamped("0x1", 1'000'000, "two") + stamped("0x2", -1, "before");
+  for (char const* filter : {"comp==rack", "verbosity>=0"}) {
+    std::string const output =
+        viewText(trace, {"--jsonl", "--start", "2026-11-22T20:15:00.5Z", "--filter", filter})
+            .output;
+    for (char const* wanted : {"{\"Body\":\"no stamp\",\"Inst",
+                               "{\"Body\":\"two\",\"Timestamp\":\"1795378501500000000\",",
+                               "{\"Body\":\"before\",\"Timestamp\":\"1795378500499999000\","}) {
+      EXPECT_TRUE(contains(output, wanted)) << output;
+    }
+  }
+}
+
 TEST_F(ViewOutputs, SummaryCountsAndMeasures) {
   tRun const done = viewText(
       stamped("0x1", 0, "outer; {") + stamped("0x2", 10, "ASSERTION WARNING: one") +

@@ -136,6 +136,8 @@ TEST_F(OxdiagView, WrongUsageIsDistinct) {
                                                     {"--color", "red"},
                                                     {"--rate", "fast"},
                                                     {"--rate", "0"},
+                                                    {"--start", "2026-11-22T20:15:00Z"},
+                                                    {"--jsonl", "--start", "now"},
                                                     {"--filter", "colour==1"},
                                                     {"--follow", "--summary"},
                                                     {"--follow", "--dump"},
