@@ -81,10 +81,13 @@ def linked(fault, commands, folder):
 
 
 def survives(fault, commands):
-    """Null when the model fails, else why it did not."""
+    """None when the model fails, else why it did not."""
     with tempfile.TemporaryDirectory() as place:
         folder = pathlib.Path(place)
-        program = linked(fault, commands[fault.program], folder)
+        try:
+            program = linked(fault, commands[fault.program], folder)
+        except workshop.Failure as failure:
+            return f"{fault.name}: {failure}\n"
         command = ["timeout", SECONDS, program, f"--gtest_filter={fault.test}"]
         code, output = workshop.run(command, cwd=folder)
     if code == 124:

@@ -411,57 +411,57 @@ class tBusGoesBesideItsMaker {
 }  // namespace
 
 TEST(ChildSchedules, WhoTakesAChildAwayWaitsForItsRequests) {
-  explore<tTakeBesideUse>("childUse", {0, 600});
+  explore<tTakeBesideUse>("childUse", {0, 300});
 }
 
 TEST(ChildSchedules, AnUnstartedChildMayGoAsTheSystemIsTold) {
-  explore<tTakeOfUnstarted>("childUnstarted", {1, 600});
+  explore<tTakeOfUnstarted>("childUnstarted", {1, 300});
 }
 
 TEST(ChildSchedules, AnOpenChildHoldsUpNobody) {
-  explore<tTakeOfOpen>("childOpen", {1, 300});
+  explore<tTakeOfOpen>("childOpen", {1, 120});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideWhoWaitsForItsChild) {
-  explore<tTakeBesideBusRemoval>("childBusRemoval", {1, 600});
+  explore<tTakeBesideBusRemoval>("childBusRemoval", {1, 300});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsReported) {
-  explore<tTakeBesideReport>("childReport", {1, 300});
+  explore<tTakeBesideReport>("childReport", {1, 120});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItsReportFails) {
-  explore<tTakeBesideFailedReport>("childFailedReport", {1, 300});
+  explore<tTakeBesideFailedReport>("childFailedReport", {1, 120});
 }
 
 TEST(ChildSchedules, TheSystemIsAskedAgainToLetGo) {
-  explore<tTakeWithFailingRelations>("childAskedAgain", {1, 300});
+  explore<tTakeWithFailingRelations>("childAskedAgain", {1, 120});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsStarted) {
-  explore<tTakeBesideStart>("childStart", {1, 300});
+  explore<tTakeBesideStart>("childStart", {1, 120});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsRemoved) {
-  explore<tTakeBesideRemoval<false>>("childRemoval", {1, 300});
+  explore<tTakeBesideRemoval<false>>("childRemoval", {1, 120});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsRemovedBySurprise) {
-  explore<tTakeBesideRemoval<true>>("childSurprise", {1, 300});
+  explore<tTakeBesideRemoval<true>>("childSurprise", {1, 120});
 }
 
 TEST(ChildSchedules, AChildIsTakenAwayOnce) {
-  explore<tTwoTakers>("childTakers", {0, 600});
+  explore<tTwoTakers>("childTakers", {0, 300});
 }
 
 TEST(ChildSchedules, ANumberIsForOneChild) {
-  explore<tTwoMakers>("childMakers", {2, 300});
+  explore<tTwoMakers>("childMakers", {2, 120});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideItsMaker) {
-  explore<tBusGoesBesideItsMaker<false>>("busRemoval", {1, 300});
+  explore<tBusGoesBesideItsMaker<false>>("busRemoval", {1, 120});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideItsMakerBySurprise) {
-  explore<tBusGoesBesideItsMaker<true>>("busSurprise", {1, 300});
+  explore<tBusGoesBesideItsMaker<true>>("busSurprise", {1, 120});
 }
