@@ -166,7 +166,10 @@ TEST(Schedules, WhoRepeatsItselfLetsOthersMakeAStep) {
   bool isSet = false;
   int turns = 0;
   tList({}).run({[&] {
-                   for (; !isSet; ++turns) ntoshost::scheduleYield();
+                   while (!isSet) {
+                     ntoshost::scheduleYield();
+                     ++turns;
+                   }
                  },
                  [&] {
                    ntoshost::schedulePoint();
@@ -193,9 +196,8 @@ TEST_F(SchedulesDeathTest, ADeadlockStopsTheProgram) {
 }
 
 TEST_F(SchedulesDeathTest, ALoopWithoutEndStopsTheProgram) {
-  bool const isSet = false;
-  EXPECT_DEATH(tList({}).run({[&] {
-    while (!isSet) ntoshost::scheduleYield();
+  EXPECT_DEATH(tList({}).run({[] {
+    for (;;) ntoshost::scheduleYield();
   }}),
                "ntos: The schedule does not end; threads that have not ended: 0\\.");
 }

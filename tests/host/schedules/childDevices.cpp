@@ -411,57 +411,57 @@ class tBusGoesBesideItsMaker {
 }  // namespace
 
 TEST(ChildSchedules, WhoTakesAChildAwayWaitsForItsRequests) {
-  explore<tTakeBesideUse>("childUse", {0, 300});
+  explore<tTakeBesideUse>("childUse", {0, 800});
 }
 
 TEST(ChildSchedules, AnUnstartedChildMayGoAsTheSystemIsTold) {
-  explore<tTakeOfUnstarted>("childUnstarted", {1, 300});
+  explore<tTakeOfUnstarted>("childUnstarted", {1, 150});
 }
 
 TEST(ChildSchedules, AnOpenChildHoldsUpNobody) {
-  explore<tTakeOfOpen>("childOpen", {1, 120});
+  explore<tTakeOfOpen>("childOpen", {1, 60});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideWhoWaitsForItsChild) {
-  explore<tTakeBesideBusRemoval>("childBusRemoval", {1, 300});
+  explore<tTakeBesideBusRemoval>("childBusRemoval", {1, 150});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsReported) {
-  explore<tTakeBesideReport>("childReport", {1, 120});
+  explore<tTakeBesideReport>("childReport", {1, 60});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItsReportFails) {
-  explore<tTakeBesideFailedReport>("childFailedReport", {1, 120});
+  explore<tTakeBesideFailedReport>("childFailedReport", {1, 60});
 }
 
 TEST(ChildSchedules, TheSystemIsAskedAgainToLetGo) {
-  explore<tTakeWithFailingRelations>("childAskedAgain", {1, 120});
+  explore<tTakeWithFailingRelations>("childAskedAgain", {1, 60});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsStarted) {
-  explore<tTakeBesideStart>("childStart", {1, 120});
+  explore<tTakeBesideStart>("childStart", {1, 60});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsRemoved) {
-  explore<tTakeBesideRemoval<false>>("childRemoval", {1, 120});
+  explore<tTakeBesideRemoval<false>>("childRemoval", {1, 60});
 }
 
 TEST(ChildSchedules, AChildMayGoAsItIsRemovedBySurprise) {
-  explore<tTakeBesideRemoval<true>>("childSurprise", {1, 120});
+  explore<tTakeBesideRemoval<true>>("childSurprise", {1, 60});
 }
 
 TEST(ChildSchedules, AChildIsTakenAwayOnce) {
-  explore<tTwoTakers>("childTakers", {0, 300});
+  explore<tTwoTakers>("childTakers", {0, 150});
 }
 
 TEST(ChildSchedules, ANumberIsForOneChild) {
-  explore<tTwoMakers>("childMakers", {2, 120});
+  explore<tTwoMakers>("childMakers", {2, 60});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideItsMaker) {
-  explore<tBusGoesBesideItsMaker<false>>("busRemoval", {1, 120});
+  explore<tBusGoesBesideItsMaker<false>>("busRemoval", {1, 60});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideItsMakerBySurprise) {
-  explore<tBusGoesBesideItsMaker<true>>("busSurprise", {1, 120});
+  explore<tBusGoesBesideItsMaker<true>>("busSurprise", {1, 60});
 }

@@ -42,8 +42,6 @@ class tCounter {
 // Each thread has points only, so the schedules can be counted.
 class tPoints {
  public:
-  static constexpr unsigned kThreads = 2;
-
   void run(unsigned thread) {
     order = order * 2 + thread;
     ntoshost::schedulePoint();

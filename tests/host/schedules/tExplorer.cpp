@@ -20,7 +20,7 @@ constexpr unsigned long long kMostPoints = 20'000;
 constexpr unsigned long long kSeed = 1;
 constexpr unsigned kLongRandom = 30;
 constexpr unsigned kShortExhaustive = 3;
-constexpr unsigned kWarmUps = 100;
+constexpr unsigned kWarmUps = 40;
 constexpr unsigned kSwitchesInHundred = 20;
 constexpr size_t kMostText = 4000;
 constexpr bool isLong = OXDIAG_ROUND_DIVISOR == 1;

@@ -41,7 +41,7 @@ class tExplorer {
   // Runs the threads under it.
   void run(unsigned threads, std::function<void(unsigned)> const& body);
 
-  // Whether this one is one of those that are reported: the first hundred, at random, only make
+  // Whether this one is one of those that are reported: the first forty, at random, only make
   // what is made once.
   bool isCounted() const { return warmUps == 0; }
 
