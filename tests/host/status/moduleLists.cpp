@@ -139,6 +139,17 @@ TEST(ModuleLists, AModuleThatWentAwayIsNotInIt) {
   EXPECT_EQ(namesIn(after), std::vector<std::string>{"status.moduleLists"});
 }
 
+TEST(ModuleLists, AReturnAddressBehindTheLastByteBelongsToTheModule) {
+  tStartedHeap const heap;
+  tStatus2ModuleList const list(statusAt({addressOf(&kLibraries)}));
+  ASSERT_EQ(list.getCount(), 1U);
+  u64 const base = list.getModule(0).base;
+  EXPECT_EQ(namesIn(tStatus2ModuleList(statusAt({base + list.getModule(0).size}))),
+            std::vector<std::string>{"status.moduleLists"});
+  EXPECT_EQ(tStatus2ModuleList(statusAt({base})).getCount(), 0U);
+  EXPECT_EQ(tStatus2ModuleList(statusAt({base + 1})).getCount(), 1U);
+}
+
 TEST(ModuleLists, TakeNoMemory) {
   tStartedHeap const heap;
   tStatus2 const status = statusAt({addressOf(&kLibraries)});
