@@ -30,8 +30,9 @@ class tItemTranslator : public nOXDIAG100::iReportableTranslator {
  public:
   static constexpr i32 kStatusFailed = -77301;
 
-  // Counts the texts that are asked for; the one with this number, from 1, is kStatusFailed and
-  // empty, or remembers exhausted memory.
+  // Answers whatever the status is, so that a report that asks on after an error is seen. Counts
+  // the texts that are asked for; the one with this number, from 1, is kStatusFailed and empty, or
+  // remembers exhausted memory.
   u32 failAt = 0;
   u32 cutAt = 0;
   mutable u32 calls = 0;
@@ -70,7 +71,6 @@ class tItemTranslator : public nOXDIAG100::iReportableTranslator {
 
 inline _STL::wstring tItemTranslator::answer(_STL::wstring text,
                                              nOXDIAG100::tStatus2& status) const {
-  if (status.isError()) return {};
   ++calls;
   if (calls == failAt) {
     status.setCode(kStatusFailed);
