@@ -8,8 +8,8 @@ usage: ./dev mutants [FOLDER | FILE ...]          runs what has no verdict yet, 
 
 Each source is compiled once with all its mutants woven in (mutantPlaces.py, mutantBuild.py). Each test
 program runs once without a mutant: that tells which test reaches which place. A mutant then meets the
-tests that reach it: those that saw its neighbours, the conformance tests (first those that reach
-little else), the other programs, the quickest first, until one fails, crashes or takes too long.
+tests that reach it: those that saw its neighbours, the conformance tests, the other programs, those
+first that are quick and reach little else, until one fails, crashes or takes too long.
 
 Verdicts are kept in out/mutants/verdicts until the source changes. A survivor that nothing can observe
 stands with its reason in tests/mutants/unobservable.json, by file, function and text. The report fails
@@ -44,6 +44,7 @@ PATIENCE, LEAST_PATIENCE = 10, 20
 MOST_SECONDS = 60  # of tests for one mutant; beyond, its verdict says what was not run
 MOST_FILTER = 100_000  # characters of one argument
 FIRST = "conformance_tests"  # the most tests for the time
+START_SECONDS = 0.05  # of a program, to begin with
 NARROW = 16  # of its tests, before the others
 MOST_HINTS, HINT_SECONDS = 4, 0.05  # tests that saw neighbours, and how long one of them takes
 LIMITS = ["prlimit", "--core=0", f"--data={4 << 30}", f"--fsize={256 << 20}"]
@@ -136,7 +137,7 @@ def filters(names, tests):
 
 def meetings(place, reached, hints):
     """(seconds, program, its tests) of what reaches the place: the tests that saw neighbours one by
-    one, then whole programs. What is reached around the tests only, all of them may see."""
+    one, then whole programs, those first that are quick and reach little else. What is reached around the tests only, all of them may see."""
     first, found = [], []
     for each in reached:
         names = each.numbers.get(place) or (list(each.tests) if place in each.around else [])
@@ -148,8 +149,9 @@ def meetings(place, reached, hints):
         if each.program.name == FIRST:
             first += [each.meeting(narrow[:NARROW]), each.meeting(narrow[NARROW:])]
         else:
-            found.append(each.meeting(names))
-    return [meeting for meeting in first + sorted(found, key=lambda meeting: meeting[0]) if meeting[2]]
+            found.append((each.width[narrow[0]], each.meeting(names)))
+    found.sort(key=lambda meeting: meeting[0] * (meeting[1][0] + START_SECONDS))
+    return [meeting for meeting in first + [meeting for _, meeting in found] if meeting[2]]
 
 
 def meet(number, each, names, seconds, folder):
