@@ -159,3 +159,15 @@ TEST_F(CalibratedCosts, NobodySeesTheirLines) {
   EXPECT_EQ(print.text(), "");
   EXPECT_STREQ(recorder.text(), "");
 }
+
+TEST_F(CalibratedCosts, TheOptionMeasuresThem) {
+  tScriptedCounter counter({100, 200, 300});
+  static_cast<nOXDIAG100::tConfigurable&>(trace).configure("--calibrate");
+  EXPECT_EQ(trace.offsets(), (std::array<u64, 3>{100, 200, 300}));
+}
+
+TEST_F(CalibratedCosts, AnyOtherOptionDoesNot) {
+  tScriptedCounter counter({100, 200, 300});
+  static_cast<nOXDIAG100::tConfigurable&>(trace).configure("--timestamp --calibrated");
+  EXPECT_EQ(trace.offsets(), (std::array<u64, 3>{0, 0, 0}));
+}
