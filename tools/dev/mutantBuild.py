@@ -186,10 +186,12 @@ class Program:
         words = []
         for word in shlex.split(call):
             words.append(str(HERE / word) if word in ARCHIVES.values() else word)
-        words[words.index("-o") + 1] = self.path
+        linked = self.path.with_name(self.name + ".linked")  # the one before may be at work
+        words[words.index("-o") + 1] = linked
         self.path.parent.mkdir(parents=True, exist_ok=True)
         workshop.demand([*words, choice_object, "/usr/lib/x86_64-linux-gnu/libgtest.a",
                          "-fuse-ld=lld", "-Wl,--strip-debug"], cwd=TREE)
+        linked.rename(self.path)
         self.log.unlink(missing_ok=True)
         return True
 

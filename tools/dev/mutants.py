@@ -48,6 +48,7 @@ START_SECONDS = 0.05  # of a program, to begin with
 NARROW = 16  # of its tests, before the others
 MOST_HINTS, HINT_SECONDS = 4, 0.05  # tests that saw neighbours, and how long one of them takes
 LIMITS = ["prlimit", "--core=0", f"--data={4 << 30}", f"--fsize={256 << 20}"]
+CANNOT_RUN = (126, 127)  # what prlimit says then
 REACH_SECONDS = 300
 
 KILLED, SURVIVED, UNREACHED, NOT_COMPILED = "killed", "survived", "unreached", "not compiled"
@@ -137,7 +138,8 @@ def filters(names, tests):
 
 def meetings(place, reached, hints):
     """(seconds, program, its tests) of what reaches the place: the tests that saw neighbours one by
-    one, then whole programs, those first that are quick and reach little else. What is reached around the tests only, all of them may see."""
+    one, then whole programs, those first that are quick and reach little else. What is reached around
+    the tests only, all of them may see."""
     first, found = [], []
     for each in reached:
         names = each.numbers.get(place) or (list(each.tests) if place in each.around else [])
@@ -160,6 +162,8 @@ def meet(number, each, names, seconds, folder):
         code, output = limited(
             [each.program.path, f"--gtest_filter={names_filter}", "--gtest_fail_fast"], folder,
             LEAST_BUSY + BUSY * seconds, LEAST_PATIENCE + PATIENCE * seconds, OXDIAG_MUTANT=str(number))
+        if code in CANNOT_RUN and not BEGUN_TEST.search(output):
+            raise workshop.Failure(f"{each.program.name} does not start\n{output}")
         if code != 0:
             is_hang = code in (None, -signal.SIGXCPU)
             return last_test(output), "hangs" if is_hang else "fails" if code > 0 else f"signal {-code}"
