@@ -138,7 +138,7 @@ void tPerfetto::putMicroseconds(char const* member, uint64_t nanoseconds) {
   json += "\":";
   appendNumber(json, nanoseconds / 1000);
   json += '.';
-  for (unsigned int unit : {100, 10, 1}) json += static_cast<char>('0' + behind / unit % 10);
+  for (unsigned int unit : {100u, 10u, 1u}) json += static_cast<char>('0' + behind / unit % 10);
 }
 
 void tPerfetto::endEvent() {

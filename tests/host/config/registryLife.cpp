@@ -77,7 +77,7 @@ TEST(RegistryLife, BeforeTheLoadThereIsNone) {
 }
 
 TEST(RegistryLife, ALockThatCannotBeOpenedGivesItsStatusWhateverElseFails) {
-  for (u64 failures : {0, 1}) {
+  for (u64 failures : {0u, 1u}) {
     EXPECT_EQ(inAProcess([&] {
                 if (failures != 0) ntoshost::failFrom(ntoshost::kFaultMemory, 1);
                 tInstanceRegistry const registry;

@@ -30,11 +30,11 @@ class tTextConfigurable : public tRecordingConfigurable {
   tTextConfigurable(tTextConfigurable const&) = delete;
   tTextConfigurable& operator=(tTextConfigurable const&) = delete;
 
-  void inquire(char* buffer, unsigned int size, unsigned int* required) override {
+  void inquire(char* to, unsigned int size, unsigned int* required) override {
     mostBytes = std::max(mostBytes, ntoshost::outstandingBytes() - bytesBefore);
-    if (buffer != nullptr && size != 0) {
-      std::copy_n(content.c_str(), std::min<size_t>(size, content.size() + 1), buffer);
-      buffer[size - 1] = 0;
+    if (to != nullptr && size != 0) {
+      std::copy_n(content.c_str(), std::min<size_t>(size, content.size() + 1), to);
+      to[size - 1] = 0;
     }
     if (required != nullptr) *required = static_cast<unsigned int>(content.size() + 1);
     ++inquiries;

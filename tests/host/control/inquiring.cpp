@@ -64,7 +64,7 @@ TEST(Inquiring, OneCallIsEnoughForAShortText) {
 }
 
 TEST(Inquiring, GoesOnUntilTheWholeTextFits) {
-  for (size_t length : {510, 511, 512, 513, 5000}) {
+  for (size_t length : {510u, 511u, 512u, 513u, 5000u}) {
     tPlayedChannel channel;
     channel.text.assign(length, 't');
     tTunnel tunnel(channel, "trace");

@@ -175,7 +175,7 @@ TEST_F(DeviceSecurityDeathTest, WhatIsNoListIsRefused) {
   descriptor.entries[1].header.AceType = kDenied;
   EXPECT_DEATH(secure(descriptor), kSentence);
   descriptor = {};
-  for (u16 size : {0, 15, 23, 28}) {
+  for (u16 size : {u16{0}, u16{15}, u16{23}, u16{28}}) {
     descriptor.entries[1].header.AceSize = size;
     EXPECT_DEATH(secure(descriptor), kSentence) << size;
   }
@@ -183,7 +183,7 @@ TEST_F(DeviceSecurityDeathTest, WhatIsNoListIsRefused) {
   descriptor.entries[1].count = 3;
   EXPECT_DEATH(secure(descriptor), kSentence);
   descriptor = {};
-  for (u16 size : {0, 7, 8, 55}) {
+  for (u16 size : {u16{0}, u16{7}, u16{8}, u16{55}}) {
     descriptor.list.AclSize = size;
     EXPECT_DEATH(secure(descriptor), kSentence) << size;
   }

@@ -30,7 +30,7 @@ TEST(Pool, ATagReadsInMemoryAsItsText) {
 
 TEST(Pool, EveryKindGivesMemoryAlignedToSixteenBytes) {
   for (POOL_TYPE type : {PagedPool, NonPagedPoolNx}) {
-    for (size_t size : {1, 15, 16, 17, 4096}) {
+    for (size_t size : {1u, 15u, 16u, 17u, 4096u}) {
       void* const block = ExAllocatePoolWithTag(type, size, kTag);
       ASSERT_NE(block, nullptr);
       EXPECT_EQ(reinterpret_cast<u64>(block) % 16, 0u) << size << " bytes of kind " << type;

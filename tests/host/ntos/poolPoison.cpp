@@ -19,7 +19,7 @@ bool isPoisoned(u8 const* address) {
 }
 
 TEST(PoolPoison, TheBytesAskedForAreOpenAndTheGuardsAreNot) {
-  for (size_t size : {1, 7, 8, 9, 16, 21, 4096}) {
+  for (size_t size : {1u, 7u, 8u, 9u, 16u, 21u, 4096u}) {
     u8* const block = static_cast<u8*>(ExAllocatePoolWithTag(NonPagedPoolNx, size, kTag));
     EXPECT_EQ(isPoisoned(block - 16), isSanitized()) << size;
     EXPECT_EQ(isPoisoned(block - 1), isSanitized()) << size;

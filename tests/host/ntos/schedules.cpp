@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <functional>
 #include <string>
 #include <vector>
@@ -30,8 +31,8 @@ class tList {
       scheduled.push_back(
           {[](void* context) { (*static_cast<std::function<void()>*>(context))(); }, &body});
     }
-    ScheduleChooser const chooser = {[](void* list, SchedulePoint const& point) {
-                                       return static_cast<tList*>(list)->choose(point);
+    ScheduleChooser const chooser = {[](void* context, SchedulePoint const& point) {
+                                       return static_cast<tList*>(context)->choose(point);
                                      },
                                      this, kMostPoints};
     return ntoshost::runScheduled(scheduled.data(), static_cast<u32>(scheduled.size()), chooser);
@@ -163,7 +164,7 @@ TEST(Schedules, AWaitMayRunOutWhileOthersGoOn) {
 }
 
 TEST(Schedules, WhoRepeatsItselfLetsOthersMakeAStep) {
-  bool isSet = false;
+  std::atomic<bool> isSet = false;
   int turns = 0;
   tList({}).run({[&] {
                    while (!isSet) {

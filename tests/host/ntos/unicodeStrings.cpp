@@ -47,7 +47,7 @@ TEST(UnicodeString, AnEmptyTextHasRoomForItsTerminator) {
 }
 
 TEST(UnicodeString, AVeryLongTextIsCut) {
-  for (size_t units : {32765, 32766, 32767, 40000}) {
+  for (size_t units : {32765u, 32766u, 32767u, 40000u}) {
     std::vector<wchar_t> text(units, L'x');
     text.push_back(0);
     UNICODE_STRING const string = counted(text.data());

@@ -222,7 +222,7 @@ TEST_F(QelmkBinaryFaults, ATextWithoutMemoryKeepsItsValueAndPlace) {
 }
 
 TEST_F(QelmkBinaryFaults, ACountThatCannotBeTrueTakesNoMemory) {
-  for (unsigned char const last : {0x01, 0x7F, 0xFF}) {
+  for (u8 const last : {u8{0x01}, u8{0x7F}, u8{0xFF}}) {
     std::string bytes("QELM\1\0\0\0\0\0\0\0abcd", 16);
     bytes[11] = static_cast<char>(last);
     i32 status = 0;

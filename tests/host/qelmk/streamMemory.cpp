@@ -121,7 +121,7 @@ std::string nested(u32 depth, u32 whole, u32 claimed) {
 
 TEST(StreamMemory, NestedDescriptionsClaimNoMoreThanTheyAre) {
   for (u32 depth = 1; depth <= kMostObjectDepth + 1; ++depth) {
-    for (u32 whole : {0, 1, 3, 1000}) {
+    for (u32 whole : {0u, 1u, 3u, 1000u}) {
       for (u32 claimed : {0u, 1u, 5u, 100000u, 0x10000000u, 0xFFFFFFFFu}) {
         expectBounded(
             nested(depth, whole, claimed),
@@ -163,7 +163,7 @@ TEST(StreamMemory, ListsOfTheSmallestObjectsStayBelowTheBound) {
 
 TEST(StreamMemory, EachClassWithAnyCountStaysBelowTheBound) {
   for (tListClass const& one : kListClasses) {
-    for (u32 size : {0, 4, 1000, 30000}) {
+    for (u32 size : {0u, 4u, 1000u, 30000u}) {
       std::string const content(size, '\0');
       for (u32 count : {1u, size / 2, size / 4, size / 8, size / 16, size, size + 1, 0x7FFFFFFFu,
                         0xFFFFFFFFu}) {
@@ -175,7 +175,7 @@ TEST(StreamMemory, EachClassWithAnyCountStaysBelowTheBound) {
 }
 
 TEST(StreamMemory, TextsOfAnyLengthStayBelowTheBound) {
-  for (u32 length : {0, 1, 2, 3, 7, 15, 16, 17, 100, 5000}) {
+  for (u32 length : {0u, 1u, 2u, 3u, 7u, 15u, 16u, 17u, 100u, 5000u}) {
     u32 const count = length < 100 ? 10000 : 200;
     std::string const texts = repeated(text(std::string(2 * length, 'w')), count);
     expectBounded(stream(object(kTexts, counted(count, texts))), std::to_string(length));

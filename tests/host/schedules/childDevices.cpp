@@ -57,8 +57,8 @@ class tWatchedChild final : public iChildHandler {
 // A bus on which nothing happens but what the model does.
 class tModelBus {
  public:
-  i32 create(u64 instance, u32 slot, tChildFate& fate) {
-    auto* const made = new tWatchedChild(fate);
+  i32 create(u64 instance, u32 slot, tChildFate& fateOfIt) {
+    auto* const made = new tWatchedChild(fateOfIt);
     i32 const status = bus.create(instance, slot, *made);
     if (status < 0) delete made;
     return status;

@@ -152,7 +152,7 @@ TEST_F(SlotbusServe, ACallerThatDiesInTheMiddleHoldsUpNobody) {
                 tConnection connection(socket());
                 if (connection.awaitGreeting() != kRequestAccepted) return 1;
                 if (!connection.send(kTunnelName, request.get())) return 2;
-                usleep(round * 100);
+                usleep(static_cast<useconds_t>(round) * 100);
                 return raise(SIGKILL);
               }),
               -1);
@@ -171,7 +171,7 @@ TEST_F(SlotbusServe, ACallerThatUnmapsItsBufferIsAnsweredAllTheSame) {
                 tConnection connection(socket());
                 if (connection.awaitGreeting() != kRequestAccepted) return 1;
                 if (!connection.send(kTunnelName, request)) return 2;
-                usleep(round * 100);
+                usleep(static_cast<useconds_t>(round) * 100);
                 munmap(memory, sizeof(tLongRequest));
                 return connection.awaitReply() == kRequestAccepted ? 0 : 3;
               }),

@@ -30,7 +30,7 @@ namespace {
 
 using namespace nOXDIAG100;
 
-constexpr int kThreads = 8;
+constexpr u64 kThreads = 8;
 constexpr int kSharedHandles = 4;
 constexpr u64 kDriveBytes = 64 << 20;
 
@@ -283,7 +283,7 @@ TEST(Soak, EverythingAtOnce) {
   tShared shared;
   ntoshost::setDebugPrintSink(&countPrint, &shared);
   std::vector<tWorker> workers;
-  for (int index = 0; index < kThreads; ++index) workers.emplace_back(shared, seed + index);
+  for (u64 index = 0; index < kThreads; ++index) workers.emplace_back(shared, seed + index);
   std::vector<std::thread> threads;
   for (tWorker& worker : workers) threads.emplace_back([&worker] { worker.run(); });
   std::this_thread::sleep_for(std::chrono::seconds(seconds));

@@ -34,7 +34,7 @@ void expectOutcome(tWideTextList const& list, bool isDone, tWideTextList const& 
 
 TEST(WideTextFaults, AFailedPushLeavesTheList) {
   wstring const text(L"the last text, longer than the room that is left for it in the list");
-  for (u32 count : {0, 4, 8}) {
+  for (u32 count : {0u, 4u, 8u}) {
     tWideTextList const before = listOf(count);
     tWideTextList after = before;
     ASSERT_TRUE(after.push_back(text));

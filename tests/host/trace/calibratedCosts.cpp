@@ -76,7 +76,8 @@ class tScriptedCounter {
     int const place = reading % kReadingsOfATry;
     bool const isLong = isInterrupted && reading / kReadingsOfATry % 2 == 0;
     if (place % 2 == 0) return kOther;
-    return kReading + (isLong ? kInterrupt : 0) + (place > 1 ? ticks[place / 2 - 1] : 0);
+    return kReading + (isLong ? kInterrupt : 0) +
+           (place > 1 ? ticks[static_cast<size_t>(place) / 2 - 1] : 0);
   }
 
   static inline tScriptedCounter* current = nullptr;
