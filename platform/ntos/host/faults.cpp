@@ -26,6 +26,31 @@ constinit u64 g_seed = 0;
 constinit pthread_once_t g_once = PTHREAD_ONCE_INIT;
 constinit u64 g_seen = 0;
 constinit u64 g_injected = 0;
+constinit CallVisitor* g_visit = nullptr;
+constinit void* g_visitContext = nullptr;
+
+struct NamedKind {
+  u32 kind;
+  char const* name;
+};
+
+constexpr NamedKind kNames[] = {
+    {kFaultMemory, "memory"},
+    {kFaultUserCopy, "user copy"},
+    {kFaultFixedMemory, "fixed memory"},
+    {kFaultBus, "bus"},
+    {kFaultSerialLine, "serial line"},
+    {kFaultSocket, "socket"},
+    {kFaultThread, "thread"},
+    {kFaultFileOpen, "file open"},
+    {kFaultFileWrite, "file write"},
+    {kFaultFileRead, "file read"},
+    {kFaultAttach, "attach"},
+    {kFaultDevice, "device"},
+    {kFaultRequest, "request"},
+    {kFaultLink, "link"},
+    {kFaultSecurity, "security"},
+};
 
 struct Plan {
   u32 kinds;
@@ -154,7 +179,20 @@ u64 faultsInjected() {
   return loadAcquire(g_injected);
 }
 
+char const* faultName(u32 kind) {
+  for (NamedKind const& named : kNames) {
+    if (named.kind == kind) return named.name;
+  }
+  return "other";
+}
+
+void visitFallibleCalls(CallVisitor* visit, void* context) {
+  g_visitContext = context;
+  g_visit = visit;
+}
+
 bool injectFault(u32 kind) {
+  if (g_visit != nullptr) g_visit(g_visitContext, kind);
   heedEnvironment();
   if ((loadAcquire(g_kinds) & kind) == 0) return false;
   u64 const number = __atomic_add_fetch(&g_seen, 1, __ATOMIC_ACQ_REL);

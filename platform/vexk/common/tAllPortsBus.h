@@ -6,7 +6,7 @@
 // check of every access. A target adds the access itself.
 class tAllPortsBus : public iBus {
  public:
-  u32 openRange(u64 base, u64 length, u32 flags) final {
+  u32 openRange(u64 base, u64 length, u32 flags) override {
     return base == 0 && length == 0 && flags == 0 ? kAllPorts : 0;
   }
 

@@ -16,7 +16,10 @@ constexpr u32 kOwnKind = ntoshost::kFaultOther;
 
 class Faults : public testing::Test {
  protected:
-  ~Faults() override { ntoshost::clearFaults(); }
+  ~Faults() override {
+    ntoshost::clearFaults();
+    ntoshost::visitFallibleCalls(nullptr, nullptr);
+  }
 };
 
 // Which of `count` calls failed, as text: '.' for one that did not.
@@ -92,6 +95,25 @@ TEST_F(Faults, APoolAllocationIsAFallibleCall) {
   EXPECT_FALSE(canAllocate());
   EXPECT_TRUE(canAllocate());
   EXPECT_EQ(ntoshost::outstandingBlocks(), 0u);
+}
+
+TEST_F(Faults, EachKindHasAName) {
+  EXPECT_STREQ(ntoshost::faultName(ntoshost::kFaultMemory), "memory");
+  EXPECT_STREQ(ntoshost::faultName(ntoshost::kFaultFileOpen), "file open");
+  EXPECT_STREQ(ntoshost::faultName(ntoshost::kFaultSecurity), "security");
+  EXPECT_STREQ(ntoshost::faultName(kOwnKind), "other");
+}
+
+TEST_F(Faults, EachCallIsVisitedWhetherItFailsOrNot) {
+  std::vector<u32> kinds;
+  ntoshost::visitFallibleCalls(
+      [](void* seen, u32 kind) { static_cast<std::vector<u32>*>(seen)->push_back(kind); }, &kinds);
+  ntoshost::failNth(kOwnKind, 1);
+  callsOf(kOwnKind, 2);
+  EXPECT_TRUE(canAllocate());
+  ntoshost::visitFallibleCalls(nullptr, nullptr);
+  callsOf(kOwnKind, 1);
+  EXPECT_EQ(kinds, (std::vector<u32>{kOwnKind, kOwnKind, ntoshost::kFaultMemory}));
 }
 
 TEST_F(Faults, EachCallOfAnOperationIsMadeToFailInTurn) {

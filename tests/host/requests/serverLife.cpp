@@ -7,6 +7,7 @@
 #include <fstream>
 #include <thread>
 
+#include "ntoshost/faults.h"
 #include "requests/requestTest.h"
 
 using vexkhost::startRequestServer;
@@ -43,6 +44,29 @@ TEST_F(ServerLife, ServesFromStartToStop) {
   stopRequestServer();
   EXPECT_FALSE(tConnection(path).isConnected());
   EXPECT_TRUE(folder.isEmpty());
+}
+
+TEST_F(ServerLife, AStartWithoutASocketOrAThreadLeavesNothing) {
+  ntoshost::failNth(ntoshost::kFaultSocket, 1);
+  expectRefusedStart(path.c_str(), EMFILE);
+  EXPECT_TRUE(folder.isEmpty());
+  ntoshost::failNth(ntoshost::kFaultThread, 1);
+  expectRefusedStart(path.c_str(), EAGAIN);
+  ntoshost::clearFaults();
+  EXPECT_TRUE(folder.isEmpty());
+  startServer();
+  EXPECT_EQ(callOnce(), 0);
+  stopRequestServer();
+}
+
+TEST_F(ServerLife, ACallerForWhomThereIsNoThreadIsRefusedAndTheNextIsServed) {
+  startServer();
+  ntoshost::failNth(ntoshost::kFaultThread, 1);
+  EXPECT_NE(callOnce(), 0);
+  ntoshost::clearFaults();
+  EXPECT_EQ(ntoshost::faultsInjected(), 1u);
+  EXPECT_EQ(callOnce(), 0);
+  stopRequestServer();
 }
 
 TEST_F(ServerLife, CanBeginAnew) {

@@ -100,19 +100,19 @@ class FunctionDevice : public testing::Test {
 }  // namespace
 
 TEST_F(FunctionDevice, NothingIsLeftWhenTheDeviceCannotBeMade) {
-  u64 const failures =
-      ntoshost::failEachCall(ntoshost::kFaultMemory | ntoshost::kFaultDevice, [&](u64) {
-        component.isStopped = component.isReleased = false;
-        NTSTATUS const status = ntoshost::addRootDevice(driver, "FUNCTION", &device);
-        ntoshost::clearFaults();
-        if (status == STATUS_SUCCESS) {
-          ntoshost::removeRootDevice(device);
-        } else {
-          EXPECT_FALSE(component.isStopped);
-          EXPECT_FALSE(component.isReleased);
-        }
-        EXPECT_EQ(ntoshost::countDevices().devices, 0U);
-      });
+  constexpr u32 kKinds = ntoshost::kFaultMemory | ntoshost::kFaultDevice | ntoshost::kFaultAttach;
+  u64 const failures = ntoshost::failEachCall(kKinds, [&](u64) {
+    component.isStopped = component.isReleased = false;
+    NTSTATUS const status = ntoshost::addRootDevice(driver, "FUNCTION", &device);
+    ntoshost::clearFaults();
+    if (status == STATUS_SUCCESS) {
+      ntoshost::removeRootDevice(device);
+    } else {
+      EXPECT_FALSE(component.isStopped);
+      EXPECT_FALSE(component.isReleased);
+    }
+    EXPECT_EQ(ntoshost::countDevices().devices, 0U);
+  });
   EXPECT_GE(failures, 1U);
   EXPECT_TRUE(component.isReleased);
 }

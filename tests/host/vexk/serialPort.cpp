@@ -65,6 +65,29 @@ TEST(SerialPort, BusIsRefusedWhenMemoryIsExhausted) {
   EXPECT_EQ(ntoshost::outstandingBlocks(), before);
 }
 
+TEST(SerialPort, PortsAreRefusedAsAFallibleCall) {
+  iBus* bus = busNewBusObject(kBusSystemIo);
+  ASSERT_NE(bus, nullptr);
+  ntoshost::failNth(ntoshost::kFaultBus, 1);
+  EXPECT_EQ(bus->openRange(0, 0, 0), 0u);
+  EXPECT_NE(bus->openRange(0, 0, 0), 0u);
+  ntoshost::clearFaults();
+  EXPECT_EQ(ntoshost::faultsInjected(), 1u);
+  busDeleteBusObject(bus);
+}
+
+TEST(SerialPort, ConnectingIsAFallibleCallThatLeavesNothingConnected) {
+  tSerialFile const file;
+  char name[64];
+  ntoshost::failNth(ntoshost::kFaultSerialLine, 1);
+  errno = 0;
+  EXPECT_FALSE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+  ntoshost::clearFaults();
+  EXPECT_EQ(errno, EMFILE);
+  tOpenPorts const ports;
+  EXPECT_EQ(ports.read(kComLineStatus), 0xFF);
+}
+
 TEST(SerialPort, StartsIdleAndReady) {
   tSerialFile const file;
   tOpenPorts const ports;

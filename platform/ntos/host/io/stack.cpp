@@ -38,6 +38,7 @@ DEVICE_OBJECT* IoAttachDeviceToDeviceStack(DEVICE_OBJECT* source, DEVICE_OBJECT*
   ntoshost::requireDevice(source, ntoshost::kAttach);
   ntoshost::requireDevice(target, ntoshost::kAttach);
   ntoshost::requireAttachable(source);
+  if (ntoshost::injectFault(ntoshost::kFaultAttach)) return nullptr;
   DEVICE_OBJECT* const top = ntoshost::topOf(target);
   if (top == source || !ntoshost::takesAttachment(top)) return nullptr;
   ntoshost::attach(source, top);

@@ -6,6 +6,7 @@
 
 #include <new>
 
+#include "host/requests/startThread.h"
 #include "ntoshost/userMemory.h"
 #include "vexkhost/requestServer.h"
 
@@ -43,7 +44,7 @@ tMemoryCourier* tMemoryCourier::hire(pid_t process, uid_t user) {
   void* const memory = malloc(sizeof(tMemoryCourier));
   if (memory == nullptr) return nullptr;
   auto* const courier = new (memory) tMemoryCourier(process, user);
-  if (pthread_create(&courier->thread, nullptr, run, courier) != 0) {
+  if (startThread(courier->thread, run, courier) != 0) {
     courier->references = 1;  // there is no thread that has the other one
     courier->release();
     return nullptr;

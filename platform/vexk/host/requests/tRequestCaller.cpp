@@ -5,6 +5,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "host/requests/startThread.h"
 #include "vexk/iLib.h"
 
 using vexkhost::kRequestMagic;
@@ -30,7 +31,7 @@ bool tRequestCaller::start(int newConnection, tRequestPeer const& newPeer) {
   isServing = false;
   isLeaving = false;
   isReached = false;
-  hasThread = pthread_create(&thread, nullptr, run, this) == 0;
+  hasThread = startThread(thread, run, this) == 0;
   if (!hasThread) connection = kNone;
   return hasThread;
 }

@@ -5,6 +5,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "host/requests/startThread.h"
+
 namespace {
 
 constexpr u32 kMicrosecondsOfDistress = 10000;  // when the system is out of descriptors
@@ -45,7 +47,7 @@ bool tRequestServer::startThread() {
   sigset_t former;
   sigfillset(&all);
   pthread_sigmask(SIG_SETMASK, &all, &former);
-  int const error = pthread_create(&thread, nullptr, run, this);
+  int const error = ::startThread(thread, run, this);
   pthread_sigmask(SIG_SETMASK, &former, nullptr);
   return error == 0 ? true : fail(error);
 }

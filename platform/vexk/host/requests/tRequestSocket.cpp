@@ -9,6 +9,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "ntoshost/faults.h"
+
 namespace {
 
 constexpr mode_t kOwnerOnly = 0600;
@@ -28,6 +30,10 @@ void closeKeepingError(int& descriptor) {
 }
 
 int makeSocket(int flags) {
+  if (ntoshost::injectFault(ntoshost::kFaultSocket)) {
+    errno = EMFILE;
+    return -1;
+  }
   return socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | flags, 0);
 }
 

@@ -8,6 +8,7 @@
 #include <time.h>
 #include <unistd.h>
 
+#include "ntoshost/faults.h"
 #include "vexkhost/serialPort.h"
 
 namespace {
@@ -28,6 +29,12 @@ bool makeRaw(int terminal) {
   return tcsetattr(terminal, TCSANOW, &settings) == 0;
 }
 
+bool isRefused() {
+  if (!ntoshost::injectFault(ntoshost::kFaultSerialLine)) return false;
+  errno = EMFILE;
+  return true;
+}
+
 void closeKeepingError(int& descriptor) {
   int const error = errno;
   if (descriptor >= 0) close(descriptor);
@@ -39,12 +46,14 @@ void closeKeepingError(int& descriptor) {
 
 bool tSerialLine::connectFile(char const* path) {
   disconnect();
+  if (isRefused()) return false;
   output = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode);
   return isConnected();
 }
 
 bool tSerialLine::connectTerminal(char* name, size_t size) {
   disconnect();
+  if (isRefused()) return false;
   output = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
   if (isConnected() && !prepareTerminal(name, size)) disconnect();
   return isConnected();

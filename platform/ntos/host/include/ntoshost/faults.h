@@ -14,16 +14,25 @@ namespace ntoshost {
 
 constexpr u32 kFaultMemory = 1;         // ExAllocatePoolWithTag gives null
 constexpr u32 kFaultUserCopy = 2;       // copyFromUser and copyToUser fault at the first byte
+constexpr u32 kFaultFixedMemory = 4;    // a library's own pool, in programs that see to it
+constexpr u32 kFaultBus = 8;            // iBus::openRange of the host's ports gives 0
+constexpr u32 kFaultSerialLine = 0x10;  // vexkhost::connectSerial... is refused, EMFILE
+constexpr u32 kFaultSocket = 0x20;      // the request server gets no socket, EMFILE
+constexpr u32 kFaultThread = 0x40;      // it gets no thread, EAGAIN
 constexpr u32 kFaultFileOpen = 0x100;   // ZwCreateFile gives STATUS_INSUFFICIENT_RESOURCES
 constexpr u32 kFaultFileWrite = 0x200;  // so does ZwWriteFile
 constexpr u32 kFaultFileRead = 0x400;   // so do ZwReadFile and ZwQueryInformationFile
 constexpr u32 kFaultFile = 0x700;       // all three
+constexpr u32 kFaultAttach = 0x800;     // IoAttachDeviceToDeviceStack gives null
 constexpr u32 kFaultDevice = 0x1000;    // IoCreateDevice gives STATUS_INSUFFICIENT_RESOURCES
 constexpr u32 kFaultRequest = 0x2000;   // IoAllocateIrp and IoBuild... give null
 constexpr u32 kFaultLink = 0x4000;      // IoCreateSymbolicLink as IoCreateDevice
 constexpr u32 kFaultSecurity = 0x8000;  // ObOpenObjectByPointer, ZwSetSecurityObject likewise
 constexpr u32 kFaultOther = 0x10000;  // this bit and up: for other host-side code, see injectFault
 constexpr u32 kFaultAll = 0xFFFFFFFF;
+
+// The name of one kind: "memory", "file open"; "other" from kFaultOther on.
+char const* faultName(u32 kind);
 
 // From here on, the nth call (counted from 1) of the kinds fails, and only this one. Starts the
 // counts below from zero, as the other two do.
@@ -56,6 +65,12 @@ void clearFaults();
 // Calls of the armed kinds since the last failNth, failFrom or watchCalls; how many of them failed.
 u64 fallibleCallsSeen();
 u64 faultsInjected();
+
+// Calls visit(context, kind) at the start of each fallible call, whether it is to fail or not,
+// armed or not; null ends that. `visit` runs on the calling thread, at its IRQL and on its stack,
+// and uses nothing of the executive. Set while no other thread makes fallible calls.
+using CallVisitor = void(void* context, u32 kind);
+void visitFallibleCalls(CallVisitor* visit, void* context);
 
 // Called at the start of a fallible call of one kind: true when the call is to fail. What takes its
 // memory from the pool needs no kind of its own: a lock cannot be opened when the pool gives none.
