@@ -88,9 +88,9 @@ TEST(ChildControl, EveryStateServes) {
 
 TEST(ChildControl, AChildThatWasTakenAwayServesNoMore) {
   tChildStack stack;
-  EXPECT_EQ(stack.countRelations(), 1u);
+  ASSERT_EQ(stack.countRelations(), 1u);
   i32 status = 0;
-  stack.children->removeChild(7, status);
+  stack.remove(7, status);
   EXPECT_EQ(status, 0);
   tControl control(stack.child);
   EXPECT_EQ(control.send(), STATUS_DELETE_PENDING);

@@ -47,6 +47,7 @@ i32 createWithIdOf(size_t length) {
 
 TEST(ChildCreation, MakesADeviceOfItsBus) {
   tChildStack stack;
+  ASSERT_NE(stack.child, nullptr);
   EXPECT_EQ(stack.child->DriverObject, stack.bus()->DriverObject);
   EXPECT_EQ(stack.child->DeviceType, 42u);
   EXPECT_EQ(stack.child->Flags & DO_POWER_PAGABLE, DO_POWER_PAGABLE);
@@ -67,7 +68,8 @@ TEST(ChildCreation, ChildrenAreListedInTheirOrder) {
   auto const* const relations = request.answer<DEVICE_RELATIONS>();
   ASSERT_NE(relations, nullptr);
   EXPECT_EQ(relations->Count, 3u);
-  for (u32 index = 0; index < 3; ++index) EXPECT_EQ(relations->Objects[index], made[index]);
+  for (u32 index = 0; index < relations->Count; ++index)
+    EXPECT_EQ(relations->Objects[index], made[index]);
   request.freeRelations();
 }
 
@@ -90,7 +92,7 @@ TEST(ChildCreation, AnInstanceIsFreeWhenItsChildIsTakenAway) {
   stack.add(1, 1);
   EXPECT_EQ(stack.countRelations(), 1u);
   i32 status = 0;
-  stack.children->removeChild(1, status);
+  stack.remove(1, status);
   DEVICE_OBJECT* const second = stack.add(1, 1);
   EXPECT_NE(second, nullptr);
   EXPECT_EQ(stack.countRelations(), 1u);
@@ -210,7 +212,7 @@ TEST(ChildCreation, ANegativeStatusIsKept) {
   stack.startBus();
   tTestChild const child(stack.handler, 1, 1);
   i32 status = -7;
-  stack.children->createChild(child.description, status);
+  stack.create(child.description, status);
   EXPECT_EQ(status, -7);
   EXPECT_EQ(stack.countRelations(), 0u);
 }
@@ -220,7 +222,7 @@ TEST(ChildCreation, AWarningStays) {
   stack.startBus();
   tTestChild const child(stack.handler, 1, 1);
   i32 status = 7;
-  stack.children->createChild(child.description, status);
+  stack.create(child.description, status);
   EXPECT_EQ(status, 7);
   EXPECT_EQ(stack.countRelations(), 1u);
 }

@@ -216,6 +216,7 @@ TEST(QelmkHostileBytes, AParcelWithABrokenOneInsideIsDestroyed) {
   tRegistration<tBrokenParcel> const brokenRegistration;
   tParcel parcel;
   parcel.inside = new tBrokenParcel;
+  ASSERT_NE(parcel.inside, nullptr);
   tHandmadeStream stream;
   tBinaryObjectWriter writer(stream.bytes, sizeof(stream.bytes));
   i32 status = 0;

@@ -23,12 +23,15 @@ struct tSerialStream {
   tSerialTraceDestination* const serial = tSerialTraceDestination::getInstance();
 
   tSerialStream() {
+    if (serial == nullptr) return;
     serial->setDivisor("115200");
     serial->open();
     serial->close();
     port->clear();
   }
-  ~tSerialStream() { serial->close(); }
+  ~tSerialStream() {
+    if (serial != nullptr) serial->close();
+  }
   tSerialStream(tSerialStream const&) = delete;
   tSerialStream& operator=(tSerialStream const&) = delete;
 };
@@ -71,6 +74,7 @@ TEST(SerialStream, ThereIsOneInstance) {
 
 TEST(SerialStream, OptionInstallsTheInstanceWithItsRate) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600");
   EXPECT_TRUE(stream.trace.getDestination() == stream.serial);
   EXPECT_STREQ(stream.port.takeEvents(), "new(0) open(0,0,0) w3FB=80 w3F8=C w3FB=3 ");
@@ -80,6 +84,7 @@ TEST(SerialStream, OptionInstallsTheInstanceWithItsRate) {
 
 TEST(SerialStream, OptionWithoutARateKeepsTheOneChosenBefore) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.serial->setDivisor("4800");
   stream.trace.configure("--destination serial");
   EXPECT_STREQ(stream.port.takeEvents(), "new(0) open(0,0,0) w3FB=80 w3F8=18 w3FB=3 ");
@@ -87,6 +92,7 @@ TEST(SerialStream, OptionWithoutARateKeepsTheOneChosenBefore) {
 
 TEST(SerialStream, RateIsReadUpToTheNextOption) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600 bogus 2400 --linenumber on");
   EXPECT_STREQ(stream.serial->getDescription(), "Serial port with baud rate 2400");
   EXPECT_EQ(stream.trace.lineNumberIsEnabled(), u32{1});
@@ -94,6 +100,7 @@ TEST(SerialStream, RateIsReadUpToTheNextOption) {
 
 TEST(SerialStream, NameIsComparedExactly) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination Serial 9600");
   stream.trace.configure("--destination serial1 9600");
   EXPECT_TRUE(stream.trace.getDestination() == &stream.recorder);
@@ -102,6 +109,7 @@ TEST(SerialStream, NameIsComparedExactly) {
 
 TEST(SerialStream, LineGoesOutWithCarriageReturn) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.setDestination(*stream.serial);
   stream.port->clear();
   stream.trace.put("line").endl();
@@ -110,12 +118,14 @@ TEST(SerialStream, LineGoesOutWithCarriageReturn) {
 
 TEST(SerialStream, InquiryOfTheStreamTellsTheRate) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 19200");
   EXPECT_TRUE(tTraceState(stream.trace).has(" --destination serial 19200"));
 }
 
 TEST(SerialStream, ChoosingItAnewReopensItWithTheNewRate) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600");
   stream.port->modemStatus.set(0xB0);
   stream.trace.disable();
@@ -127,6 +137,7 @@ TEST(SerialStream, ChoosingItAnewReopensItWithTheNewRate) {
 
 TEST(SerialStream, PoppedConfigurationRestoresTheRate) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600");
   stream.trace.pushConfiguration();
   stream.trace.configure("--destination serial 2400");
@@ -137,6 +148,7 @@ TEST(SerialStream, PoppedConfigurationRestoresTheRate) {
 
 TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutABus) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.port->isBusMissing = true;
   stream.trace.configure("--destination serial 9600");
   EXPECT_TRUE(stream.trace.getDestination() == &stream.recorder);
@@ -150,6 +162,7 @@ TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutABus) {
 
 TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutAHandle) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.port->handle = 0;
   EXPECT_TRUE(stream.trace.setDestination(*stream.serial) == &stream.recorder);
   EXPECT_TRUE(stream.trace.getDestination() == &stream.recorder);
@@ -158,6 +171,7 @@ TEST(SerialStream, LeavesTheFormerDestinationInPlaceWithoutAHandle) {
 
 TEST(SerialStream, IsRestoredWithItsRateWhenTheNextDestinationFails) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600");
   stream.serial->setDivisor("1200");
   stream.recorder.failingOpens = 1;
@@ -171,6 +185,7 @@ TEST(SerialStream, IsRestoredWithItsRateWhenTheNextDestinationFails) {
 
 TEST(SerialStream, GivesWayToTheDebuggerWhenItDoesNotReopen) {
   tSerialStream stream;
+  ASSERT_NE(stream.serial, nullptr);
   stream.trace.configure("--destination serial 9600");
   stream.port->isBusMissing = true;
   stream.trace.configure("--destination serial 2400");

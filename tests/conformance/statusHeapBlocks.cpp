@@ -91,6 +91,7 @@ TEST(StatusHeap, GivesEachNextBlockBelowTheOneBefore) {
 
 TEST(StatusHeap, HandsTheUpperPartOutWithAHeaderOfItsOwn) {
   void* const block = takeBlock(kRecordSize);
+  ASSERT_NE(block, nullptr);
   EXPECT_EQ(headerOf(block)->units, kRecordUnits);
   EXPECT_EQ(headerOf(atOffset(32))->units, u32{1024} - kRecordUnits);
   giveBack(block);
@@ -207,6 +208,7 @@ TEST(StatusHeap, HasNoBlockOfASizeNearTheLargestNumber) {
 
 TEST(StatusHeap, FailingChangesNothing) {
   void* const low = takeBlock(kLargest / 2);
+  ASSERT_NE(low, nullptr);
   EXPECT_EQ(attemptThatChangesNothing(kLargest / 2 + 16), kStatusHeapFull);
   giveBack(low);
   tFullHeap const full;

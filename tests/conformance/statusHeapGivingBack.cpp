@@ -113,6 +113,7 @@ TEST(StatusHeapGivingBack, TheLowestBlockDoesNotMergeWithTheAnchor) {
 TEST(StatusHeapGivingBack, TheHighestBlockIsTheLastFragment) {
   tFilledHeap heap;
   void* const highest = heap.blocks[63];
+  ASSERT_NE(highest, nullptr);
   heap.give(10);
   heap.give(63);
   EXPECT_EQ(heap.lastStatus, 0);

@@ -77,6 +77,7 @@ TEST(StlList, InsertPutsAnElementBeforeThePosition) {
 
 TEST(StlList, EraseReturnsThePositionBehind) {
   tHandles handles = upTo(3);
+  ASSERT_EQ(handles.size(), size_t{3});
   auto at = handles.erase(++handles.begin());
   EXPECT_EQ(*at, u32{3});
   at = handles.erase(at);

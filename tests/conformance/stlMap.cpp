@@ -33,9 +33,9 @@ TEST(StlMap, NewMapIsEmpty) {
 
 TEST(StlMap, ValueIsFoundUnderItsKey) {
   tTable table;
-  EXPECT_TRUE(table.insert(0xC0000000, 5));
-  EXPECT_TRUE(table.insert(0, 6));
-  EXPECT_TRUE(table.insert(0xFFFFFFFF, 7));
+  ASSERT_TRUE(table.insert(0xC0000000, 5));
+  ASSERT_TRUE(table.insert(0, 6));
+  ASSERT_TRUE(table.insert(0xFFFFFFFF, 7));
   ASSERT_TRUE(table.find(0xC0000000) != nullptr);
   EXPECT_EQ(*table.find(0xC0000000), i32{5});
   EXPECT_EQ(*table.find(0), i32{6});
@@ -113,7 +113,7 @@ TEST(StlMap, KeyOfOwnEntryCanBeErased) {
 TEST(StlMap, OwnValueCanBeInserted) {
   _STL::map<u32, _STL::string> table;
   ASSERT_TRUE(table.insert(1, _STL::string("one")));
-  EXPECT_TRUE(table.insert(2, *table.find(1)));
+  ASSERT_TRUE(table.insert(2, *table.find(1)));
   EXPECT_STREQ(table.find(2)->c_str(), "one");
   EXPECT_STREQ(table.find(1)->c_str(), "one");
 }
@@ -154,17 +154,19 @@ TEST(StlMap, ClearedMapIsUsedAgain) {
   EXPECT_TRUE(table.empty());
   EXPECT_TRUE(table.begin() == table.end());
   EXPECT_TRUE(table.insert(3, 4));
+  ASSERT_NE(table.find(3), nullptr);
   EXPECT_EQ(*table.find(3), i32{4});
 }
 
 TEST(StlMap, CopyIsIndependent) {
   tTable original = shuffled(10);
   tTable copy(original);
+  ASSERT_EQ(copy.size(), size_t{10});
   *original.find(4) = 99;
   EXPECT_EQ(*copy.find(4), i32{-4});
   copy = original;
   original.clear();
-  EXPECT_EQ(copy.size(), size_t{10});
+  ASSERT_EQ(copy.size(), size_t{10});
   EXPECT_EQ(*copy.find(4), i32{99});
 }
 

@@ -54,7 +54,7 @@ TEST(StlString, AppendAddsBehindTheText) {
 
 TEST(StlString, TextWithLengthKeepsInnerTerminators) {
   _STL::string text("a\0b", 3);
-  EXPECT_EQ(text.size(), size_t{3});
+  ASSERT_EQ(text.size(), size_t{3});
   EXPECT_EQ(text[2], 'b');
   EXPECT_STREQ(text.c_str(), "a");
 }
@@ -175,12 +175,13 @@ TEST(StlString, ResizeCutsOrFills) {
   EXPECT_TRUE(text.resize(2));
   EXPECT_STREQ(text.c_str(), "ab");
   EXPECT_TRUE(text.resize(20));
-  EXPECT_EQ(text.size(), size_t{20});
+  ASSERT_EQ(text.size(), size_t{20});
   EXPECT_EQ(text[19], '\0');
 }
 
 TEST(StlString, CharactersChangeInPlace) {
   _STL::string text("abc");
+  ASSERT_EQ(text.size(), size_t{3});
   text[1] = 'X';
   for (char& character : text) {
     character = static_cast<char>(character + 1);
@@ -216,6 +217,7 @@ TEST(StlString, EqualTextsHaveEqualLengthAndUnits) {
 
 TEST(StlString, CopyIsIndependent) {
   _STL::string original("abc");
+  ASSERT_EQ(original.size(), size_t{3});
   _STL::string copy(original);
   original[0] = 'X';
   EXPECT_STREQ(copy.c_str(), "abc");
@@ -361,7 +363,7 @@ TEST(StlWideString, TitleIsEditedInPlace) {
 
 TEST(StlWideString, UnitsAreUtf16AndComparedUnsigned) {
   _STL::wstring const text(L"\x20AC\xFFFD");
-  EXPECT_EQ(text.size(), size_t{2});
+  ASSERT_EQ(text.size(), size_t{2});
   EXPECT_EQ(static_cast<u32>(text[1]), u32{0xFFFD});
   EXPECT_GT(text.compare(L"\x20AC\x7FFF"), i32{0});
 }

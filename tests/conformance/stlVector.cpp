@@ -93,7 +93,7 @@ TEST(StlVector, OwnElementCanBeMovedToTheBackWhileGrowing) {
   _STL::vector<_STL::string> texts;
   ASSERT_TRUE(texts.reserve(1));
   ASSERT_TRUE(texts.push_back(_STL::string("first")));
-  EXPECT_TRUE(texts.push_back(_STL::move(texts[0])));
+  ASSERT_TRUE(texts.push_back(_STL::move(texts[0])));
   EXPECT_STREQ(texts[0].c_str(), "");
   EXPECT_STREQ(texts[1].c_str(), "first");
 }
@@ -115,6 +115,7 @@ TEST(StlVector, EraseIsCutToWhatIsThere) {
 
 TEST(StlVector, PopBackTakesTheLastAndSparesAnEmptyVector) {
   tNumbers numbers = counting(2);
+  ASSERT_EQ(numbers.size(), size_t{2});
   numbers.pop_back();
   EXPECT_EQ(numbers.back(), i32{0});
   numbers.pop_back();
@@ -180,9 +181,12 @@ TEST(StlVector, CopyIsIndependent) {
   _STL::vector<_STL::wstring> original;
   ASSERT_TRUE(original.push_back(_STL::wstring(L"one")));
   _STL::vector<_STL::wstring> copy(original);
+  ASSERT_EQ(copy.size(), size_t{1});
+  ASSERT_EQ(original[0].size(), size_t{3});
   original[0][0] = L'X';
   EXPECT_TRUE(copy[0] == L"one");
   copy = original;
+  ASSERT_EQ(copy.size(), size_t{1});
   original.clear();
   EXPECT_TRUE(copy[0] == L"Xne");
 }
@@ -204,7 +208,7 @@ TEST(StlVector, MoveTakesTheStorageAndLeavesAnEmptyVector) {
   target = _STL::move(taken);
   EXPECT_TRUE(taken.empty());
   EXPECT_TRUE(target.data() == storage);
-  EXPECT_TRUE(taken.push_back(5));
+  ASSERT_TRUE(taken.push_back(5));
   EXPECT_EQ(taken[0], i32{5});
 }
 

@@ -234,6 +234,7 @@ TEST(BlockTracer, TheFilterMayHideOneOfTheTwoLines) {
   {
     tBlockTracer const block(stream.component, kVersion, 42, stream.file, kShown, stream.work,
                              nullptr, static_cast<i32*>(nullptr), stream.trace);
+    ASSERT_NE(stream.trace.getFilter(), nullptr);
     stream.trace.getFilter()->parseExpression("verbosity>=101");
   }
   EXPECT_STREQ("work; {\n", stream.text());
@@ -245,6 +246,7 @@ TEST(BlockTracer, AnExitMayBeShownWithoutItsEntry) {
   {
     tBlockTracer const block(stream.component, kVersion, 42, stream.file, kHidden, stream.work,
                              nullptr, static_cast<i32*>(nullptr), stream.trace);
+    ASSERT_NE(stream.trace.getFilter(), nullptr);
     stream.trace.getFilter()->parseExpression("verbosity>=99");
   }
   EXPECT_STREQ("} work\n", stream.text());

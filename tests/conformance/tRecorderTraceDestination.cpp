@@ -159,7 +159,7 @@ TEST(RecorderOption, ChoosesTheInstanceAndComesBackByPop) {
   tPrivateTrace trace(before);
   trace.configure("--destination recorder 2");
   tRecorderTraceDestination* const recorder = tRecorderTraceDestination::getInstance();
-  ASSERT_TRUE(recorder != nullptr);
+  ASSERT_TRUE(recorder != nullptr && recorder->getRing() != nullptr);
   EXPECT_TRUE(trace.getDestination() == recorder);
   EXPECT_TRUE(tTraceState(trace).beginsWith("--on --destination recorder 2 --compname on"));
   trace.put("recorded").endl();

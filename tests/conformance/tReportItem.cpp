@@ -232,6 +232,7 @@ TEST(ReportItem, IsClonedThroughTheFramework) {
 TEST(ReportItem, IsNotClonedWithoutAReportablesClone) {
   tReportItem const item = makeItem(42);
   tBehaviourScope const failing(tTestReportable::kCloneFails);
+  ASSERT_NE(item.getReportable(), nullptr);
   i32 status = 0;
   EXPECT_TRUE(item.clone(status) == nullptr);
   EXPECT_EQ(status, kStatusOutOfMemory);

@@ -194,6 +194,7 @@ TEST(StatusDescription, MayBeTheOneOfTheStatusThatIsSetAnew) {
   tTestDescription const description(42);
   tStatus2 status;
   OXDIAG_SET_STATUS_WITH_DESCRIPTION(status, kWarning, description);
+  ASSERT_NE(status.getDescription(), nullptr);
   OXDIAG_SET_STATUS_WITH_DESCRIPTION(status, kError, *status.getDescription());
   EXPECT_EQ(status.getCode(), kError);
   EXPECT_EQ(numberOf(status.getDescription()), 42);

@@ -126,6 +126,7 @@ TEST(DescriptionBytes, WithAHostileCountAreOutOfMemoryAtOnce) {
 
 TEST(DescriptionBytes, OfAnUnknownReportableAreRefused) {
   size_t const size = writeGolden();
+  ASSERT_EQ(size, kGoldenSize);
   for (size_t place = 0; place + 4 < size; ++place) {
     if (__builtin_memcmp(bytes + place, "tTitle", 6) == 0) bytes[place] = 'x';
   }
@@ -137,6 +138,7 @@ TEST(DescriptionBytes, OfAnUnknownReportableAreRefused) {
 
 TEST(DescribedStatusBytes, ComeBackWithOriginAndItems) {
   size_t const size = writeStatus();
+  ASSERT_GT(size, size_t{300});
   i32 code = 0;
   tBinaryObjectReader reader(bytes, size, code);
   tStatus2 status;
@@ -154,6 +156,7 @@ TEST(DescribedStatusBytes, ComeBackWithOriginAndItems) {
 
 TEST(DescribedStatusBytes, CutAnywhereLeaveTheStatusWithoutDescriptionOrWhole) {
   size_t const size = writeStatus();
+  ASSERT_GT(size, size_t{300});
   for (size_t length = 0; length != size; ++length) {
     i32 code = 0;
     tBinaryObjectReader reader(bytes, length, code);
@@ -169,6 +172,7 @@ TEST(DescribedStatusBytes, CutAnywhereLeaveTheStatusWithoutDescriptionOrWhole) {
 
 TEST(DescribedStatusBytes, ComeBackFromANewerWriter) {
   size_t const size = writeStatus();
+  ASSERT_GT(size, size_t{300});
   // Three bytes more in the fixed part of the detail, behind the marker.
   constexpr size_t kDetail = nQELM100::kBinaryStreamHeaderSize + 12;
   constexpr size_t kEndOfFixedPart = kDetail + 4 + kDetailFixedLength;
@@ -187,6 +191,7 @@ TEST(DescribedStatusBytes, ComeBackFromANewerWriter) {
 
 TEST(DescribedStatusBytes, ComeBackFromAnOlderWriter) {
   size_t const size = writeStatus();
+  ASSERT_GT(size, size_t{300});
   // Neither the marker nor the high halves.
   constexpr size_t kDetail = nQELM100::kBinaryStreamHeaderSize + 12;
   constexpr size_t kMarker = kDetail + 4 + kDetailFixedLength - 4;

@@ -76,6 +76,7 @@ TEST(DescribedStatus, SharesTheItemsWithItsCopies) {
 
 TEST(DescribedStatus, HandsItsItemsOnToAnotherStatus) {
   tDescribed const described;
+  ASSERT_NE(described.status.getDescription(), nullptr);
   tStatus2 other;
   OXDIAG_SET_STATUS_WITH_DESCRIPTION(other, kError - 1, *described.status.getDescription());
   EXPECT_TRUE(other.getDescription() != described.status.getDescription());

@@ -79,6 +79,7 @@ TEST(DescriptionClone, IsIndependentOfTheOriginal) {
   tStatus2Description original;
   addItems(original, 3);
   tClone const clone(original);
+  ASSERT_NE(clone.get(), nullptr);
   tStatus2 status;
   clone.get()->removeReportItemAtIndex(0, status);
   original.replaceReportItemAtIndex(2, 90, tTestReportable(9), status);
@@ -158,6 +159,7 @@ TEST(DescriptionClone, OfTheImplementationFailsWithAReportable) {
   tStatus2DescriptionImplementation original;
   tStatus2 status;
   original.add(10, tTestReportable(1), status);
+  ASSERT_EQ(status.getCode(), 0);
   tBehaviourScope const failing(tTestReportable::kCloneFails);
   i32 code = 0;
   EXPECT_TRUE(original.clone(code) == nullptr);
@@ -176,6 +178,7 @@ TEST(DescriptionEquality, HoldsForEqualItemsInTheSameOrder) {
   EXPECT_TRUE(left == right);
   EXPECT_TRUE(left == left);
   tClone const clone(left);
+  ASSERT_NE(clone.get(), nullptr);
   EXPECT_TRUE(*clone.get() == left);
 }
 

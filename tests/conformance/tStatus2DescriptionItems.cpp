@@ -89,6 +89,7 @@ TEST(DescriptionItems, KeepAWarningOnConstruction) {
 
 TEST(DescriptionItems, TakeTwoBlocksOfTheStatusHeapHoweverManyThereAre) {
   auto* const description = new tStatus2Description;
+  ASSERT_NE(description, nullptr);
   EXPECT_EQ(addItems(*description, 100), 0);
   EXPECT_EQ(theHeap().getAllocatedBlocks(), u32{2});
   delete description;
@@ -215,11 +216,13 @@ TEST(DescriptionItems, AreReplacedInPlace) {
 
 TEST(DescriptionItems, MayBeMadeOfTheListsOwnReportable) {
   tStatus2Description description;
-  addItems(description, 4);
+  ASSERT_EQ(addItems(description, 4), 0);
   tStatus2 status;
   for (u32 i = 0; i != 4; ++i) {
+    ASSERT_NE(description.getReportablePtrAtIndex(0, status), nullptr);
     description.addReportItem(10, *description.getReportablePtrAtIndex(0, status), status);
   }
+  ASSERT_EQ(description.getNumberOfReportItems(status), u32{8});
   description.replaceReportItemAtIndex(1, 10, *description.getReportablePtrAtIndex(1, status),
                                        status);
   description.insertReportItemAtIndex(0, 10, *description.getReportablePtrAtIndex(3, status),

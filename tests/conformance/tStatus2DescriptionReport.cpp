@@ -50,9 +50,10 @@ void expectOutOfMemory(tStatus2 const& status) {
 void readWithGap(tStatus2Description& description) {
   tItemStream& stream = cleanStream();
   tStatus2Description whole;
-  addItems(whole, 3);
-  i32 code = 0;
+  i32 code = addItems(whole, 3);
   whole.writeExternal(stream, code);
+  EXPECT_EQ(code, 0);
+  if (code != 0) return;
   // The count, then four items of the stream for every one of the list.
   stream.erase(8);
   stream.erase(7);

@@ -59,9 +59,10 @@ u32 countWrongCuts(tStatus2 const& status, char const* whole) {
 
 // Sets the line of a status' record, and its addresses.
 u8* recordOf(tStatus2 const& status) {
+  static constinit u8 none[240] = {};  // of a status without detail
   u8* record = nullptr;
   __builtin_memcpy(&record, &status, sizeof record);
-  return record;
+  return record == nullptr ? none : record;
 }
 void setLine(tStatus2 const& status, u32 line) {
   __builtin_memcpy(recordOf(status) + 140, &line, sizeof line);

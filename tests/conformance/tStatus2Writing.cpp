@@ -28,6 +28,7 @@ class tKnownFailure {
     OXDIAG_SET_STATUS(status, kFormError);
     u8* record = nullptr;
     __builtin_memcpy(&record, &status, sizeof record);
+    if (record == nullptr) return;
     for (u32 i = 0; i != tStatus2::kStackTraceLength; ++i) {
       u64 const address = u64{i + 1} << 32 | (i + 1) * 0x10;
       __builtin_memcpy(record + 144 + u64{8} * i, &address, sizeof address);

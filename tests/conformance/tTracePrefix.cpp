@@ -405,6 +405,8 @@ TEST(TracePrefix, TextPutBeforeTheStreamIsDisabledHeadsTheNextShownLine) {
 
 TEST(TracePrefix, AHugeWidthCostsNothingOnAHiddenLine) {
   tPrefixedStream stream;
+  ASSERT_NE(stream.trace.getFilter(), nullptr);
+  ASSERT_FALSE(stream.trace.getFilter()->isEmpty());
   stream.trace.setMinPrefixWidth(0xFFFFFFFF);
   for (u32 count = 0; count < 1000; ++count) stream.write(stream.withVerbosity(99));
   stream.trace.disable();

@@ -24,6 +24,7 @@ struct tNestedStream : tPrefixedStream {
   }
 
   bool shows(char const* filter, tTestLine const& line = {}) {
+    if (trace.getFilter() == nullptr) return false;
     trace.getFilter()->parseExpression(filter);
     record.clear();
     line.openOn(trace).put("x").endl();
@@ -178,6 +179,7 @@ TEST(TracePrefixFilter, MissingTextsAreAskedAsEmpty) {
 
 TEST(TracePrefixFilter, AnEmptyFilterShowsEveryLine) {
   tNestedStream stream;
+  ASSERT_NE(stream.trace.getFilter(), nullptr);
   stream.trace.getFilter()->removeAll();
   EXPECT_STREQ("x\n", stream.write(tTrace::kTraceLine, 0));
 }

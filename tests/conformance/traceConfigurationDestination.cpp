@@ -34,6 +34,7 @@ class tLeavingDestination : public tRecordingDestination {
   explicit tLeavingDestination(tTrace*& trace) : trace(trace) {}
   ~tLeavingDestination() override {
     if (trace->getDestination() == this) trace->configure("--destination vex");
+    if (trace->getDestination() == this) leaveStream();
   }
 
  private:

@@ -80,6 +80,7 @@ void traceBlock() {
 
 TEST(TraceMacroComponents, ABlockHasANameOfAConstPointer) {
   tComponentStream component;
+  ASSERT_NE(component.trace.getFilter(), nullptr);
   component.trace.getFilter()->removeAll();
   component.trace.getFilter()->addTerm("==const pointer", nOXDIAG100::tTraceFilter::kFirst,
                                        nOXDIAG100::tTraceFilter::kComponentName);

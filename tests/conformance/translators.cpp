@@ -250,7 +250,7 @@ TEST(ShortTexts, AreCutAtTheirLimit) {
   text.addNumber(12);
   tStatus2 status;
   _STL::wstring const wide = text.toWide(status);
-  EXPECT_EQ(wide.size(), size_t{tShortText::kMaxLength});
+  ASSERT_EQ(wide.size(), size_t{tShortText::kMaxLength});
   EXPECT_EQ(wide[tShortText::kMaxLength - 1], L'1');
 }
 

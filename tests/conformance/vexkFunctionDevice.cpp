@@ -23,6 +23,7 @@ class tNoBus : public iChildBus {
 
 TEST(VexkFunctionDevice, LiesOnTopOfThePhysicalDevice) {
   tFunctionStack stack;
+  ASSERT_NE(stack.getDevice(), nullptr);
   DEVICE_OBJECT* const top = IoGetAttachedDeviceReference(stack.getFloor());
   EXPECT_TRUE(top == stack.getDevice());
   ObfDereferenceObject(top);
@@ -35,6 +36,7 @@ TEST(VexkFunctionDevice, LiesOnTopOfThePhysicalDevice) {
 
 TEST(VexkFunctionDevice, TellsWhatBusItIs) {
   tFunctionStack stack;
+  ASSERT_NE(stack.getDevice(), nullptr);
   GUID busType = {};
   stack.getHandler().getBusTypeGUID(busType);
   EXPECT_TRUE(isSameGUID(busType, kStackBusType));
@@ -44,11 +46,13 @@ TEST(VexkFunctionDevice, TellsWhatBusItIs) {
 
 TEST(VexkFunctionDevice, HasTheFlagsOfTheLowerDeviceAndIsReady) {
   tFunctionStack plain;
+  ASSERT_NE(plain.getDevice(), nullptr);
   EXPECT_EQ(plain.getDevice()->Flags & (DO_DEVICE_INITIALIZING | DO_POWER_PAGABLE), u32{0});
 }
 
 TEST(VexkFunctionDevice, TakesOverThatPowerIsPagable) {
   tFunctionStack stack(DO_POWER_PAGABLE | DO_BUFFERED_IO);
+  ASSERT_NE(stack.getDevice(), nullptr);
   EXPECT_EQ(stack.getDevice()->Flags & (DO_POWER_PAGABLE | DO_BUFFERED_IO),
             DO_POWER_PAGABLE | DO_BUFFERED_IO);
 }
@@ -62,6 +66,7 @@ TEST(VexkFunctionDevice, StartGoesDownFirst) {
 
 TEST(VexkFunctionDevice, StartTellsThePlaceForChildren) {
   tFunctionStack stack;
+  ASSERT_NE(stack.getDevice(), nullptr);
   tNoBus place;
   stack.getHandler().attachChildBus(&place);
   EXPECT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
@@ -87,6 +92,7 @@ TEST(VexkFunctionDevice, AComponentThatFailsToStartFailsTheStart) {
 
 TEST(VexkFunctionDevice, RemovalStopsReleasesAndDeletes) {
   tFunctionStack stack;
+  ASSERT_NE(stack.getDevice(), nullptr);
   stack.sendPnp(IRP_MN_START_DEVICE);
   EXPECT_EQ(stack.sendPnp(IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
   EXPECT_STREQ(stack.component.getCalls(), "FSsFr");

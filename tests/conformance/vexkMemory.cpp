@@ -104,6 +104,8 @@ TEST(VexkMemory, ClassesGetOperatorsOverTheModulesMemory) {
   tCounted::destroyed = 0;
   auto* one = new tCounted;
   auto* many = new tCounted[3];
+  if (one == nullptr) delete[] many;
+  if (many == nullptr) delete one;
   ASSERT_TRUE(one != nullptr && many != nullptr);
   EXPECT_EQ(i32{7}, one->value);
   EXPECT_EQ(i32{7}, many[2].value);

@@ -283,9 +283,11 @@ TEST(VexkSync, ClosingNullDoesNothing) {
 
 TEST(VexkSync, ClosingThroughACopyOfAClosedPointerIsRefused) {
   tOpened const survivor(kName);
+  ASSERT_TRUE(survivor.isOpen());
   i32 status = 0;
   iSync* sync = syncOpen(kName, tSyncDescriptor{}, status);
   iSync* copy = sync;
+  ASSERT_NE(copy, nullptr);
   EXPECT_EQ(i32{0}, syncClose(sync));
   EXPECT_EQ(kStatusBadArgument, syncClose(copy));
   EXPECT_TRUE(copy == nullptr);

@@ -50,41 +50,58 @@ tTestChild::tTestChild(tChildHandler& handler, u64 instance, u32 slot)
 tBusStack::tBusStack() : testDriver(&dispatch) {
   ExInitializeFastMutex(&noting);
   pkgSetWDMWrapperLoadStateAndGetGUID(1);
-  makeFloor();
+  if (!makeFloor()) return;
   tFunctionDeviceDescription const description = {testDriver.get(), floorDevice,
                                                   FILE_DEVICE_BUS_EXTENDER,
                                                   tModuleGUID::of(kTestBusType), kTestBusNumber};
-  static_cast<void>(vexAddFunctionDevice(description, *this));
-  function = testDriver.newestDevice();
+  if (vexAddFunctionDevice(description, *this) >= 0) function = testDriver.newestDevice();
 }
 
 tBusStack::~tBusStack() {
-  if (function != nullptr) removeBus();
+  while (function != nullptr) removeBus();
   // What is left are children that outlive the bus.
   while (testDriver.newestDevice() != floorDevice) {
     sendPnp(testDriver.newestDevice(), IRP_MN_REMOVE_DEVICE);
   }
-  IoDeleteDevice(floorDevice);
+  if (floorDevice != nullptr) IoDeleteDevice(floorDevice);
   pkgSetWDMWrapperLoadStateAndGetGUID(0);
 }
 
-void tBusStack::makeFloor() {
-  IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr, FILE_DEVICE_UNKNOWN, 0, 0,
-                 &floorDevice);
+bool tBusStack::makeFloor() {
+  NTSTATUS const status = IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr,
+                                         FILE_DEVICE_UNKNOWN, 0, 0, &floorDevice);
+  if (status < 0) return false;
   floorOf(*floorDevice).stack = this;
   floorDevice->Flags &= ~DO_DEVICE_INITIALIZING;
+  return true;
 }
 
 NTSTATUS tBusStack::removeBus() {
   NTSTATUS const status = sendPnp(function, IRP_MN_REMOVE_DEVICE);
-  function = nullptr;
+  if (status != STATUS_INSUFFICIENT_RESOURCES) function = nullptr;
   return status;
 }
 
 i32 tBusStack::create(tChildDescription const& description) {
   i32 status = 0;
-  children->createChild(description, status);
+  create(description, status);
   return status;
+}
+
+void tBusStack::create(tChildDescription const& description, i32& status) {
+  if (children == nullptr) {
+    status = kNotStarted;
+  } else {
+    children->createChild(description, status);
+  }
+}
+
+void tBusStack::remove(u32 slot, i32& status) const {
+  if (children == nullptr) {
+    status = kNotStarted;
+  } else {
+    children->removeChild(slot, status);
+  }
 }
 
 DEVICE_OBJECT* tBusStack::add(u64 instance, u32 slot) {
@@ -96,7 +113,8 @@ u32 tBusStack::countRelations() {
   tDeviceRequest request(function, IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
   request.location().Parameters.QueryDeviceRelations.Type = BusRelations;
   request.send();
-  u32 const count = request.answer<DEVICE_RELATIONS>()->Count;
+  auto const* const relations = request.answer<DEVICE_RELATIONS>();
+  u32 const count = relations == nullptr ? 0 : relations->Count;
   request.freeRelations();
   return count;
 }

@@ -43,6 +43,7 @@ struct tTestChild {
   tChildDescription description;
 };
 
+// Where there is no memory for the devices, bus() and floor() are null.
 class tBusStack : public iDeviceComponent {
  public:
   tBusStack();
@@ -58,8 +59,12 @@ class tBusStack : public iDeviceComponent {
   NTSTATUS startBus() { return sendPnp(function, IRP_MN_START_DEVICE); }
   NTSTATUS removeBus();
 
-  // Makes a child and gives its status and its device, which nobody has been told of.
+  // Makes a child and gives its status and its device, which nobody has been told of. A bus that
+  // was never started makes none.
+  static constexpr i32 kNotStarted = -1;
   i32 create(tChildDescription const& description);
+  void create(tChildDescription const& description, i32& status);
+  void remove(u32 slot, i32& status) const;
   DEVICE_OBJECT* add(u64 instance, u32 slot);
 
   // Asks for the bus' relations. How many there are; the references are given back.
@@ -101,7 +106,7 @@ class tBusStack : public iDeviceComponent {
   NTSTATUS serveFloor(IRP& irp);
   NTSTATUS keep(IRP& irp);
   void note(IRP const& irp, IO_STACK_LOCATION const& location);
-  void makeFloor();
+  bool makeFloor();
 
   tTestDriver testDriver;
   DEVICE_OBJECT* floorDevice = nullptr;

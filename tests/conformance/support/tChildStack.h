@@ -15,7 +15,11 @@ class tChildStack : public tBusStack {
   nOXDIAG100::tChildDevice& record() const { return recordOf(child); }
   nOXDIAG100::tPnpState state() const { return record().states.get(); }
 
+  // Zeros when there is no device.
   static nOXDIAG100::tChildDevice& recordOf(DEVICE_OBJECT* device) {
+    alignas(
+        nOXDIAG100::tChildDevice) static constinit u8 none[sizeof(nOXDIAG100::tChildDevice)] = {};
+    if (device == nullptr) return *reinterpret_cast<nOXDIAG100::tChildDevice*>(none);
     auto* const extension = static_cast<tDeviceExtension*>(device->DeviceExtension);
     return *static_cast<nOXDIAG100::tChildDevice*>(extension);
   }

@@ -11,22 +11,36 @@ constexpr u32 kAnswerTag = ntosPoolTag("vex ");
 }  // namespace
 
 tDeviceRequest::tDeviceRequest(DEVICE_OBJECT* target, u8 major, u8 minor)
-    : irp(IoAllocateIrp(target->StackSize, 0)), device(target) {
+    : irp(target == nullptr ? nullptr : IoAllocateIrp(target->StackSize, 0)), device(target) {
+  if (irp == nullptr) useSpare();
   irp->IoStatus.Status = STATUS_NOT_SUPPORTED;
   location().MajorFunction = major;
   location().MinorFunction = minor;
 }
 
 tDeviceRequest::~tDeviceRequest() {
-  IoFreeIrp(irp);
+  if (irp != &spare.irp) IoFreeIrp(irp);
+}
+
+void tDeviceRequest::useSpare() {
+  irp = &spare.irp;
+  irp->CurrentLocation = irp->StackCount = 1;
+  irp->Tail.Overlay.CurrentStackLocation = spare.locations + 1;
+}
+
+NTSTATUS tDeviceRequest::giveUp() {
+  irp->IoStatus.Status = STATUS_INSUFFICIENT_RESOURCES;
+  return STATUS_INSUFFICIENT_RESOURCES;
 }
 
 NTSTATUS tDeviceRequest::send() {
+  if (irp == &spare.irp) return giveUp();
   IoSetCompletionRoutine(irp, &keep, this, true, true, true);
   return IoCallDriver(device, irp);
 }
 
 NTSTATUS tDeviceRequest::sendPastTheKernel(NTSTATUS status) {
+  if (irp == &spare.irp) return giveUp();
   IoSetCompletionRoutine(irp, &keep, this, true, true, true);
   irp->IoStatus.Status = status;
   location().DeviceObject = device;

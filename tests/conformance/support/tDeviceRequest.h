@@ -1,6 +1,7 @@
 #pragma once
 
-// A request of the test's own to a device, kept after its completion.
+// A request of the test's own to a device, kept after its completion. Without a device, and without
+// memory, it is not sent, and its status is STATUS_INSUFFICIENT_RESOURCES.
 
 #include "ntos/io.h"
 
@@ -38,10 +39,18 @@ class tDeviceRequest {
   IRP* irp;
 
  private:
+  struct tSpare {
+    IRP irp = {};
+    IO_STACK_LOCATION locations[1] = {};
+  };
+
+  void useSpare();
+  NTSTATUS giveUp();
   static NTSTATUS keep(DEVICE_OBJECT* device, IRP* irp, void* context);
 
   DEVICE_OBJECT* device;
   int completionCount = 0;
+  tSpare spare;
 };
 
 // Sends one without parameters. Returns the status that it was completed with.

@@ -58,20 +58,20 @@ void tRecordingComponent::handleDeviceControl(u32 controlCode, void* from, u32 f
 }
 
 tFunctionStack::tFunctionStack(u32 floorFlags) : testDriver(&dispatch) {
-  IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr, FILE_DEVICE_UNKNOWN, 0, 0,
-                 &floor);
+  NTSTATUS const status = IoCreateDevice(testDriver.get(), sizeof(tFloorExtension), nullptr,
+                                         FILE_DEVICE_UNKNOWN, 0, 0, &floor);
+  if (status < 0) return;
   extensionOf(*floor).stack = this;
   floor->Flags |= floorFlags;
   floor->Flags &= ~DO_DEVICE_INITIALIZING;
   tFunctionDeviceDescription const description = {testDriver.get(), floor, FILE_DEVICE_BUS_EXTENDER,
                                                   tModuleGUID::of(kStackBusType), kStackBusNumber};
-  static_cast<void>(vexAddFunctionDevice(description, component));
-  device = testDriver.newestDevice();
+  if (vexAddFunctionDevice(description, component) >= 0) device = testDriver.newestDevice();
 }
 
 tFunctionStack::~tFunctionStack() {
-  if (hasDevice()) sendPnp(IRP_MN_REMOVE_DEVICE);
-  IoDeleteDevice(floor);
+  while (device != nullptr && hasDevice()) sendPnp(IRP_MN_REMOVE_DEVICE);
+  if (floor != nullptr) IoDeleteDevice(floor);
 }
 
 NTSTATUS tFunctionStack::send(u8 major, u8 minor) const {

@@ -42,6 +42,7 @@ class tRecordingComponent : public iDeviceComponent {
 constexpr GUID kStackBusType = {0x01020304, 0x0506, 0x0708, {9, 10, 11, 12, 13, 14, 15, 16}};
 constexpr u32 kStackBusNumber = 3;
 
+// Where there is no memory for the devices, they are null.
 class tFunctionStack {
  public:
   explicit tFunctionStack(u32 floorFlags = 0);

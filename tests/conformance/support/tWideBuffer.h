@@ -6,11 +6,12 @@
 
 // Whether the first `length` characters are the same, terminators or not.
 inline bool hasCharacters(wchar_t const* seen, wchar_t const* wanted, size_t length) {
-  return __builtin_memcmp(seen, wanted, length * sizeof(wchar_t)) == 0;
+  return seen != nullptr && __builtin_memcmp(seen, wanted, length * sizeof(wchar_t)) == 0;
 }
 
 // Whether both texts are the same, up to their terminators.
 inline bool isSameWideText(wchar_t const* seen, wchar_t const* wanted) {
+  if (seen == nullptr) return false;
   while (*seen != 0 && *seen == *wanted) {
     ++seen;
     ++wanted;
