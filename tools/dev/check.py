@@ -17,6 +17,7 @@ import control  # noqa: E402
 import demos  # noqa: E402
 import dialect  # noqa: E402
 import distribution  # noqa: E402
+import faults  # noqa: E402
 import fuzz  # noqa: E402
 import gdbViews  # noqa: E402
 import handbook  # noqa: E402
@@ -65,6 +66,7 @@ STEPS = {
                   lambda: programs.check("host-plain", "bare_tests", "bare")),
     "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-clang", "host_tests")),
+    "faults": ("conformance tests with calls that fail, and at raised levels", faults.check),
     "host-tsan": ("thread tests, g++, thread sanitizer",
                   lambda: programs.check("host-tsan", "thread_tests")),
     "budget": ("the instructions of the library's paths", budget.check),
@@ -88,6 +90,8 @@ STEPS = {
     "handbook": ("the handbook as a site", handbook.check),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-debug", "host_tests")),
+    "faults-long": ("conformance tests with each call that fails, and with failures at random",
+                    faults.check_long),
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
     "schedules": ("faults that the schedules of threads have to find", scheduleFaults.check),
@@ -96,7 +100,7 @@ STEPS = {
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
 WHEN_NAMED = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
-              "kit-alone", "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds",
+              "kit-alone", "faults-long", "fuzz-runs", "host-plain", "host-tsan", "host-debug", "host-rounds",
               "schedules", "mutants", "browser"}
 
 

@@ -1,56 +1,29 @@
-// The conformance tests on the host, inside started modules, as in a driver.
+// The conformance tests on the host, inside started modules, as in a driver. What else the program
+// does with them, each in the lives of the modules that it starts:
+//
+//   --fail-each-call [--repeats N] [--rounds N] [--test NAME [--call N]] [--points FILE]
+//       each test again and again, each time with another of its fallible calls failing: of those
+//       that come from one place the first N, or 1; of all these rounds N, evenly spread
+//   --fail-randomly SECONDS [--seed N]
+//       calls that fail at random; with 0 SECONDS only the round of the seed
+//   --at-level apc | dispatch [--below FILE]
+//       each test at this IRQL, and how it ended; but those of the file, "Suite: Test Test" a line
 
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
 
-#include "ntos/status.h"
-#include "ntoshost/files.h"
-#include "ntoshost/pool.h"
-#include "oxdiagk/module.h"
-#include "qelmk/module.h"
-#include "vexk/module.h"
+#include "tCommand.h"
+#include "tDrive.h"
+#include "tLevels.h"
+#include "tModules.h"
+#include "tRounds.h"
 
 namespace {
 
-bool startModules() {
-  return vexkInitialize() == STATUS_SUCCESS && qelmkInitialize() == STATUS_SUCCESS &&
-         oxdiagkInitialize(nullptr) == STATUS_SUCCESS;
-}
-
-void unloadModules() {
-  oxdiagkUnload();
-  qelmkUnload();
-  vexkUnload();
-}
-
-// A fresh folder is drive C; it is removed at the end.
-class tDrive {
- public:
-  tDrive() {
-    std::string name = (std::filesystem::temp_directory_path() / "conformance-XXXXXX").string();
-    if (mkdtemp(name.data()) != nullptr) folder = name;
-  }
-  ~tDrive() {
-    if (!folder.empty()) std::filesystem::remove_all(folder);
-  }
-  tDrive(tDrive const&) = delete;
-  tDrive& operator=(tDrive const&) = delete;
-
-  bool mount() const { return ntoshost::mountDrive('C', folder.c_str()); }
-
- private:
-  std::filesystem::path folder;
-};
-
-}  // namespace
-
-int main(int argc, char** argv) {
-  testing::InitGoogleTest(&argc, argv);
-  if (!startModules()) {
+int runAsTests() {
+  tModules modules;
+  if (!modules.start()) {
     std::fputs("conformance_tests: the modules did not start\n", stderr);
     return 1;
   }
@@ -60,8 +33,28 @@ int main(int argc, char** argv) {
     return 1;
   }
   int const result = RUN_ALL_TESTS();
-  unloadModules();
-  ntoshost::requireNoOutstanding("conformance_tests");
-  ntoshost::requireNoHandles("conformance_tests");
-  return result;
+  std::string const left = modules.stop();
+  std::fputs(left.c_str(), stderr);
+  return left.empty() ? result : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  testing::InitGoogleTest(&argc, argv);
+  tCommand const command(argc, argv);
+  switch (command.mode) {
+    case tCommand::kTests:
+      return runAsTests();
+    case tCommand::kFailEachCall:
+      return failEachCall(command);
+    case tCommand::kFailRandomly:
+      return failRandomly(command);
+    case tCommand::kAtLevel:
+      return runAtLevel(command);
+    case tCommand::kWrong:
+      break;
+  }
+  std::fputs("conformance_tests: see the head of tests/host/main/conformanceMain.cpp\n", stderr);
+  return 2;
 }
