@@ -250,6 +250,9 @@ TEST(StatusHeap, BlocksDoNotOverlap) {
   static constinit u8* blocks[kMostRecords] = {};
   for (u32 i = 0; i != kMostRecords; ++i) {
     blocks[i] = static_cast<u8*>(takeBlock(kRecordSize));
+    if (blocks[i] == nullptr) {
+      for (u32 taken = 0; taken != i; ++taken) giveBack(blocks[taken]);
+    }
     ASSERT_TRUE(blocks[i] != nullptr);
     for (i32 at = 0; at != kRecordSize; ++at) blocks[i][at] = static_cast<u8>(i + 1);
   }

@@ -177,6 +177,7 @@ TEST(StlMap, SelfAssignmentChangesNothing) {
   table = _STL::move(same);
   table.swap(same);
   EXPECT_EQ(table.size(), size_t{5});
+  ASSERT_NE(table.find(5), nullptr);
   EXPECT_EQ(*table.find(5), i32{-5});
 }
 

@@ -173,6 +173,7 @@ TEST(ConfigTunnel, WhatAnObjectOnlyClaimsToHaveWrittenIsZeros) {
   u32 needed = 0;
   tTestRequest(recorder.handle, inquireRecord(buffer, sizeof(buffer), &needed)).send();
   ASSERT_EQ(needed, 1000u);
+  ASSERT_EQ(buffer[sizeof(buffer) - 1], '\0');
   EXPECT_STREQ(buffer, recorder.settings);
   for (u32 index = 15; index < sizeof(buffer); ++index) EXPECT_EQ(buffer[index], '\0');
 }

@@ -225,6 +225,7 @@ TEST(DescriptionItems, MayBeMadeOfTheListsOwnReportable) {
   ASSERT_EQ(description.getNumberOfReportItems(status), u32{8});
   description.replaceReportItemAtIndex(1, 10, *description.getReportablePtrAtIndex(1, status),
                                        status);
+  ASSERT_EQ(status.getCode(), 0);
   description.insertReportItemAtIndex(0, 10, *description.getReportablePtrAtIndex(3, status),
                                       status);
   EXPECT_EQ(numbersIn(description), 412341111);

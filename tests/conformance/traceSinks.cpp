@@ -26,9 +26,9 @@ class tSinks {
   ~tSinks() {
     trace.disable();
     trace.configure("--destination serial 115200 --destination file C:/oxdiag-test.out");
-    serial()->open();
+    if (serial() != nullptr) serial()->open();
     trace.configure("--destination vex");
-    serial()->close();
+    if (serial() != nullptr) serial()->close();
   }
 
   static tSerialTraceDestination* serial() { return tSerialTraceDestination::getInstance(); }
