@@ -117,10 +117,10 @@ class tPrinted {
  public:
   tPrinted() {
     ntoshost::setDebugPrintSink(
-        [](void* context, char const* text, size_t length) {
+        [](void* context, char const* printed, size_t length) {
           tPrinted& self = *static_cast<tPrinted*>(context);
           std::lock_guard const guard(self.lock);
-          self.text.append(text, length);
+          self.text.append(printed, length);
         },
         this);
   }

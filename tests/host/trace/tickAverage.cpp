@@ -24,8 +24,8 @@ u64 averageOf(Ticks ticksOf) {
 
 TEST(TickAverage, ItIsTheSumOfTwentyFiveSamplesDividedByTwentyFive) {
   EXPECT_EQ(averageOf([](u64 sample, u64) { return sample; }), 12u);
-  EXPECT_EQ(averageOf([](u64 sample, u64) { return sample < 24 ? 10 : 34; }), 10u);
-  EXPECT_EQ(averageOf([](u64 sample, u64) { return sample < 24 ? 10 : 35; }), 11u);
+  EXPECT_EQ(averageOf([](u64 sample, u64) { return sample < 24 ? u64{10} : u64{34}; }), 10u);
+  EXPECT_EQ(averageOf([](u64 sample, u64) { return sample < 24 ? u64{10} : u64{35}; }), 11u);
 }
 
 TEST(TickAverage, OfTheTriesForASampleTheShortestCounts) {
@@ -40,5 +40,7 @@ TEST(TickAverage, AnInterruptInATryChangesNothing) {
 }
 
 TEST(TickAverage, CodeThatIsNotInTheCacheChangesNothing) {
-  EXPECT_EQ(averageOf([](u64 sample, u64 count) { return sample + count == 0 ? 9'000 : 30; }), 30u);
+  EXPECT_EQ(
+      averageOf([](u64 sample, u64 count) { return sample + count == 0 ? u64{9'000} : u64{30}; }),
+      30u);
 }

@@ -87,7 +87,7 @@ TEST(DeviceMemory, AnAbsentChildIsCountedOnceMore) {
   EXPECT_EQ(stack.countRelations(), 3u);
   i32 status = 0;
   stack.children->removeChild(1, status);
-  for (size_t size : {32, 24}) {
+  for (size_t size : {32u, 24u}) {
     tDeviceRequest request(stack.bus(), IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
     request.location().Parameters.QueryDeviceRelations.Type = BusRelations;
     expectAnswer(request, size);
