@@ -84,6 +84,9 @@ LONG = {
         "out/host-clang/tests/host/bin/trace.putfAgainstPrintf --gtest_filter='*'",
     "cmake --build --preset host-plain": "cmake --build --preset host-plain --target host_tests",
     "ctest --preset host-plain -R trace -j 4": None,
+    "out/host-plain/tests/host/bin/schedules.lineLock":
+        "cmake --build out/host-plain --target schedules.lineLock && "
+        "out/host-plain/tests/host/bin/schedules.lineLock",
 }
 SERVER, CLIENT = "./dev demo --serve", "out/host-release/tools/oxdiagctl/oxdiagctl trace --timestamp on"
 
