@@ -59,6 +59,19 @@ of them does is said in the sources in `bench`.
 
 {table}
 
+## What holds up the rows that are not met
+
+Seen by leaving one part after the other out, on the same machine:
+
+- *macro, shown*: 22 ns are the destination slot, which sees to it that a destination can be switched,
+  closed and destroyed while other threads write. 15 of these are the one locked instruction by which
+  a text says that it is on the way. The copy that keeps a line apart from what its destination traces
+  is 4 ns. Without both a line takes as long as its floor, which is 0.3 of spdlog's time.
+- *macro, line mutex*: the same, and the lock.
+- *six calls, shown*: the same, and a prefix that is written field by field.
+- *error made, copied, dropped*: two lock pairs of the status heap, 21 ns each. Its blocks are told apart
+  and joined under the lock, and a block that is given back twice is refused.
+
 These are times of the library on Linux. `./dev kernel bench` puts lines of a driver under Wine beside
 their floors.
 
