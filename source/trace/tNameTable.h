@@ -14,9 +14,9 @@ struct tNameRow {
 // no addresses but two, so the rows take 8 bytes each beside the texts.
 class tNameTable {
  public:
-  template <u32 count>
-  constexpr tNameTable(tNameRow const (&rows)[count], void const* texts)
-      : rows(rows), count(count), texts(texts) {}
+  template <u32 kCount>
+  constexpr tNameTable(tNameRow const (&rows)[kCount], void const* texts)
+      : rows(rows), count(kCount), texts(texts) {}
 
   // Null for a number without a name.
   char const* find(u32 number) const {

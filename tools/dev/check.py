@@ -14,6 +14,7 @@ import budget  # noqa: E402
 import commands  # noqa: E402
 import compileChecks  # noqa: E402
 import control  # noqa: E402
+import cppcheck  # noqa: E402
 import demos  # noqa: E402
 import dialect  # noqa: E402
 import distribution  # noqa: E402
@@ -86,6 +87,7 @@ STEPS = {
     "dist": ("the archive for Windows, unpacked", distribution.check),
     "gdb": ("the views for GDB, of programs by g++ and clang", gdbViews.check),
     "tidy": ("clang-tidy", lint.check_tidy),
+    "cppcheck": ("cppcheck, of the product", cppcheck.check),
     "commands-long": ("the commands of the pages that take long, typed", commands.check_long),
     "handbook": ("the handbook as a site", handbook.check),
     "host-debug": ("host tests, g++, address and undefined-behaviour sanitizers",
@@ -101,7 +103,7 @@ STEPS = {
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
 PROOF = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
          "kit-alone", "faults-long", "fuzz-runs", "host-plain", "host-tsan", "host-debug",
-         "host-rounds", "schedules", "browser"}
+         "host-rounds", "schedules", "browser", "cppcheck"}
 # A sample of the mutants nearly always has some that no test has been written for yet.
 WHEN_NAMED = PROOF | {"mutants"}
 

@@ -18,6 +18,7 @@ peers=(libbenchmark-dev libfmt-dev libspdlog-dev libabsl-dev libmsgpack-dev)
 counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
+analysis=(cppcheck)                                  # more of the same
 pages=(mkdocs python3-pygments doxygen)              # the handbook
 debugger=(gdb)                                       # its views
 browser=(chromium chromium-driver fonts-dejavu-core) # the page of a trace, as people see it
@@ -36,7 +37,8 @@ packages_for() {
     metal) echo "${host[@]}" "${bare[@]}" ;;
     mutants) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${mutation[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
-    everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" ;;
+    everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" \
+      "${analysis[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
       "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
       "${packing[@]}" "${mutation[@]}" ;;
