@@ -29,10 +29,17 @@ def environment():
     return dict(clean, SOURCE_DATE_EPOCH=time.strip()) if code == 0 and time.strip() else clean
 
 
-def build_clone(top):
+def make_clones(folder):
+    """All of them at once: whoever works on the sources meanwhile changes none."""
+    tops = [pathlib.Path(folder) / place for place in PLACES]
+    for top in tops:
+        shutil.copytree(workshop.TOP, top, ignore=left_out, symlinks=True)
+    return tops
+
+
+def build_clone(top, variables):
     """File name -> its bytes, of everything that is made of the family, and of its packages."""
-    shutil.copytree(workshop.TOP, top, ignore=left_out, symlinks=True)
-    settings = {"cwd": top, "env": environment()}
+    settings = {"cwd": top, "env": variables}
     workshop.demand(["cmake", "--preset", PRESET], **settings)
     targets = [f"{pathlib.Path(image).stem}.module" for image in images.FAMILY]
     workshop.demand(["cmake", "--build", "--preset", PRESET, "-j", workshop.CORES,
@@ -53,6 +60,7 @@ def complaints(one, other):
 
 def check():
     with tempfile.TemporaryDirectory(prefix="oxdiagk-") as folder:
-        one, other = [build_clone(pathlib.Path(folder) / place) for place in PLACES]
+        variables = environment()
+        one, other = [build_clone(top, variables) for top in make_clones(folder)]
     failed = complaints(one, other)
     return workshop.Outcome(len(one) - len(failed), failed, "")
