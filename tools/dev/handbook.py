@@ -38,6 +38,7 @@ HEADER = re.compile(r"(?:include/)?((?:oxdiagk/|vexk/|qelmk/|stl/|ntos/|ntoshost
 CLASS = re.compile(r"(?:nOXDIAG100::|nQELM100::|_STL::|ntoshost::|vexkhost::)?([A-Za-z]\w+)")
 NAMED_BLOCK = re.compile(r"^(```\w+) \w+$")  # the name is for the tests
 FENCE = re.compile(r"^(```|    )")
+PICTURE = re.compile(r"\]\(docs/([\w-]+\.svg)\)")  # as README.md shows it
 
 
 class Index:
@@ -134,7 +135,7 @@ def composed(text, index, page):
         within ^= line.startswith("```")
         line = NAMED_BLOCK.sub(r"\1", line)
         is_code = within or FENCE.match(line) is not None
-        lines.append(line if is_code else with_links(line, index, page))
+        lines.append(line if is_code else with_links(PICTURE.sub(r"](\1)", line), index, page))
     return "\n".join(lines) + "\n"
 
 

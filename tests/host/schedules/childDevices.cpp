@@ -411,11 +411,11 @@ class tBusGoesBesideItsMaker {
 }  // namespace
 
 TEST(ChildSchedules, WhoTakesAChildAwayWaitsForItsRequests) {
-  explore<tTakeBesideUse>("childUse", {0, 800});
+  explore<tTakeBesideUse>("childUse", {0, 3000});
 }
 
 TEST(ChildSchedules, AnUnstartedChildMayGoAsTheSystemIsTold) {
-  explore<tTakeOfUnstarted>("childUnstarted", {1, 150});
+  explore<tTakeOfUnstarted>("childUnstarted", {1, 800});
 }
 
 TEST(ChildSchedules, AnOpenChildHoldsUpNobody) {
