@@ -73,15 +73,8 @@ int runAtLevel(tCommand const& command) {
                              tell(holds ? "held" : "failed", result.test, sentenceIn(result.wrong));
                            },
                            command.level == "apc" ? APC_LEVEL : DISPATCH_LEVEL};
-  tWorkers::run(
-      filters.size(),
-      [&](u64 i) {
-        runRounds(filters[i], 1, plan);
-        return true;
-      },
-      [&](u64 i, std::string const& why) {
-        tell("died", filters[i].substr(0, filters[i].find('-')), sentenceIn(why));
-        return false;
-      });
+  runEach(filters, plan, [](std::string const& filter, std::string const& why) {
+    tell("died", filter.substr(0, filter.find('-')), sentenceIn(why));
+  });
   return 0;
 }

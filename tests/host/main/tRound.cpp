@@ -4,6 +4,7 @@
 
 #include "ntoshost/faults.h"
 #include "tModules.h"
+#include "tWorkers.h"
 
 namespace {
 
@@ -71,4 +72,18 @@ void runRounds(std::string const& filter, int times, tRoundPlan const& plan) {
   // It tells whether a test failed, which the plan was told of each.
   [[maybe_unused]] int const end = testing::UnitTest::GetInstance()->Run();
   listeners.Release(&surroundings);
+}
+
+void runEach(std::vector<std::string> const& filters, tRoundPlan const& plan,
+             std::function<void(std::string const& filter, std::string const& why)> const& died) {
+  tWorkers::run(
+      filters.size(),
+      [&](u64 i) {
+        runRounds(filters[i], 1, plan);
+        return true;
+      },
+      [&](u64 i, std::string const& why) {
+        died(filters[i], why);
+        return false;
+      });
 }

@@ -28,3 +28,8 @@ std::vector<std::string> listSuites();
 
 // Runs the tests that the filter names one after the other, all of them so many times.
 void runRounds(std::string const& filter, int times, tRoundPlan const& plan);
+
+// The tests of each filter once, by workers: `died` hears of a filter whose tests ended their
+// process, and of what that had printed.
+void runEach(std::vector<std::string> const& filters, tRoundPlan const& plan,
+             std::function<void(std::string const& filter, std::string const& why)> const& died);

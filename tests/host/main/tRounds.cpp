@@ -77,16 +77,9 @@ void findPlaces(tCommand const& command, std::vector<std::string> const& tests, 
                                tell(counts, result.test + " fails by itself\n", "");
                              if (!result.wrong.empty()) tell(counts, result.test, result.wrong);
                            }};
-  tWorkers::run(
-      filters.size(),
-      [&](u64 i) {
-        runRounds(filters[i], 1, plan);
-        return true;
-      },
-      [&](u64 i, std::string const& why) {
-        tell(counts, filters[i] + " died by itself: " + why, "");
-        return false;
-      });
+  runEach(filters, plan, [&](std::string const& filter, std::string const& why) {
+    tell(counts, filter + " died by itself: " + why, "");
+  });
 }
 
 // Leaves so many rounds of all, at equal distances.

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "keptLines.h"
+#include "newEvents.h"
 #include "ntoshost/debugPrint.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "racingThreads.h"
 #include "startedModules.h"
-#include "vexk/eventLog.h"
 
 namespace {
 
@@ -34,26 +34,6 @@ class tMortalDestination final : public tKeptLines {
 
  private:
   std::string& fate;
-};
-
-// What the event log has said since the object was built.
-class tNewEvents {
- public:
-  tNewEvents() {
-    tVexEvent event;
-    while (vexReadEvent(next, event)) next = event.number + 1;
-  }
-  std::string read() const {
-    std::string all;
-    tVexEvent event;
-    for (u64 number = next; vexReadEvent(number, event); number = event.number + 1) {
-      all += event.text;
-    }
-    return all;
-  }
-
- private:
-  u64 next = 1;
 };
 
 class EndWithinPut : public testing::Test {

@@ -8,12 +8,12 @@
 
 #include "hurriedTime.h"
 #include "keptLines.h"
+#include "newEvents.h"
 #include "ntoshost/debugPrint.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "startedModules.h"
 #include "trace/tTextsOnTheWay.h"
-#include "vexk/eventLog.h"
 #include "vexk/threadUtility.h"
 
 namespace {
@@ -82,28 +82,6 @@ class tStuckThread {
  private:
   tStickyDestination& destination;
   std::thread thread;
-};
-
-// What the event log has said since the object was built.
-class tNewEvents {
- public:
-  tNewEvents() {
-    tVexEvent event;
-    while (vexReadEvent(next, event)) next = event.number + 1;
-  }
-
-  std::string read() const {
-    std::string all;
-    tVexEvent event;
-    for (u64 number = next; vexReadEvent(number, event); number = event.number + 1) {
-      all += event.text;
-      all += "\n";
-    }
-    return all;
-  }
-
- private:
-  u64 next = 1;
 };
 
 std::string nameOf(u32 thread) {
