@@ -73,6 +73,7 @@ STEPS = {
     "budget": ("the instructions of the library's paths", budget.check),
     "packages": ("what is installed, in the hands of clients", packages.check),
     "packages-long": ("the quick start, a driver's tests and the Debian packages", packages.check_long),
+    "clean-debian": ("the Debian packages in a system that has nothing else", packages.check_clean_debian),
     "commands": ("the commands of the pages, typed", commands.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
     "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
@@ -101,7 +102,7 @@ STEPS = {
     "browser": ("the page of a trace in a browser", browser.check),
 }
 # Each takes long and shows little that the others do not: `./dev prove` runs them.
-PROOF = {"packages-long", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
+PROOF = {"packages-long", "clean-debian", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
          "kit-alone", "faults-long", "fuzz-runs", "host-plain", "host-tsan", "host-debug",
          "host-rounds", "schedules", "browser", "cppcheck"}
 # A sample of the mutants nearly always has some that no test has been written for yet.

@@ -236,6 +236,31 @@ def check_long():
     return run_checks(LONG_PRESET, LONG_CHECKS | CHECKS)  # the last of which moves it away
 
 
+BARE = ["env", "-i", "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "HOME=/root", "DEBIAN_FRONTEND=noninteractive"]
+
+
+def in_system(root, command, **options):
+    return workshop.run([*BARE, "chroot", root, "sh", "-ec", f"cd /root/hello; {command}"], **options)
+
+
+def check_clean_debian():
+    """The commands of docs/installing.md in a Debian that has just been made, with nothing more in it."""
+    results = []
+    with tempfile.TemporaryDirectory() as folder:
+        root = pathlib.Path(folder) / "system"
+        workshop.demand(["debootstrap", "--variant=minbase", "--include=sudo", "bookworm", root])
+        shutil.copytree(HELLO, root / "root/hello")
+        debianPackages.make(root / "root/hello")
+        for name, block in TYPED.findall(PAGE.read_text()):
+            code, output = in_system(root, block.replace("apt-get", "apt-get -y"))
+            good = code == 0 and (name or output.endswith(greeting()))
+            results.append((block.splitlines()[0], "" if good else f"{block}: {code}\n{output}"))
+        left = in_system(root, "find /usr /etc -xdev -name '*oxdiag*'")[1]
+        results.append(("nothing is left behind", left))
+    failed = [f"clean Debian: {name}" for name, wrong in results if wrong]
+    return workshop.Outcome(len(results) - len(failed), failed, "\n".join(wrong for _, wrong in results))
+
+
 def run_checks(preset, checks):
     workshop.build(preset, "installed")
     failed, output = [], []

@@ -19,6 +19,7 @@ counting=(valgrind)                                  # instructions of a path
 mingw=(mingw-w64-x86-64-dev g++-mingw-w64-x86-64-win32)  # Windows programs, driver kit headers
 lint=(clang-format clang-tidy)
 analysis=(cppcheck)                                  # more of the same
+fresh=(debootstrap)                                  # a Debian with nothing else in it
 pages=(mkdocs python3-pygments doxygen)              # the handbook
 debugger=(gdb)                                       # its views
 browser=(chromium chromium-driver fonts-dejavu-core) # the page of a trace, as people see it
@@ -38,7 +39,7 @@ packages_for() {
     mutants) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${mutation[@]}" ;;
     fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" \
-      "${analysis[@]}" ;;
+      "${analysis[@]}" "${fresh[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
       "${bare[@]}" "${peers[@]}" "${counting[@]}" "${mingw[@]}" "${lint[@]}" "${packaging[@]}" \
       "${packing[@]}" "${mutation[@]}" ;;
