@@ -9,6 +9,8 @@ target_compile_options(oxdiag_warnings INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
   # That of g++ objects to constructors whose parameters are named as the members that they set.
   target_compile_options(oxdiag_warnings INTERFACE -Wconversion -Wsign-conversion -Wshadow)
+  # A compiler cache may give back a precompiled header that is older than its text.
+  target_compile_options(oxdiag_warnings INTERFACE "SHELL:-Xclang -fno-pch-timestamp")
 elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # Optimising, g++ 12 sees copies overlap in "text" + std::string that do not.
   target_compile_options(oxdiag_warnings INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
