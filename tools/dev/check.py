@@ -1,5 +1,7 @@
 """./dev test: every check there is, one line a step, one closing line for all."""
 
+import contextlib
+import json
 import sys
 import traceback
 
@@ -24,6 +26,7 @@ import gdbViews  # noqa: E402
 import handbook  # noqa: E402
 import images  # noqa: E402
 import kernel  # noqa: E402
+import lanes  # noqa: E402
 import layers  # noqa: E402
 import lint  # noqa: E402
 import metal  # noqa: E402
@@ -49,7 +52,10 @@ def windows_build():
                             "\n".join([*wrong, guide.output]))
 
 
+# In the order in which they begin: the longest first, with all the others beside it.
 STEPS = {
+    "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
+                   lambda: programs.check("host-clang", "host_tests")),
     "format": ("clang-format", lint.check_format),
     "layers": ("every include goes down the layers", layers.check),
     "dialect": ("public headers are for every compiler and declare nothing of the kernel",
@@ -62,29 +68,27 @@ STEPS = {
     "documents": ("what pages and headers name is there", pages.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "natvis": ("every expression of the views for WinDbg and Visual Studio", natvisView.check),
-    "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
-    "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
-                  lambda: programs.check("host-plain", "bare_tests", "bare")),
-    "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
-                   lambda: programs.check("host-clang", "host_tests")),
-    "faults": ("conformance tests with calls that fail, and at raised levels", faults.check),
-    "host-tsan": ("thread tests, g++, thread sanitizer",
-                  lambda: programs.check("host-tsan", "thread_tests")),
-    "budget": ("the instructions of the library's paths", budget.check),
+    "windows": ("Windows modules, warnings as errors", windows_build),
+    "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
+    "kernel": ("conformance tests in a driver under Wine", kernel.check),
+    "control": ("oxdiagctl.exe, under Wine", control.check),
+    "programs": ("the other programs for Windows, under Wine", control.check_programs),
+    "demos": ("the demo traces the same on Linux and under Wine", demos.check),
+    "metal": ("the serial destination on an emulated PC", metal.check),
     "packages": ("what is installed, in the hands of clients", packages.check),
     "packages-long": ("the quick start, a driver's tests and the Debian packages", packages.check_long),
     "clean-debian": ("the Debian packages in a system that has nothing else", packages.check_clean_debian),
     "commands": ("the commands of the pages, typed", commands.check),
+    "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
+                  lambda: programs.check("host-plain", "bare_tests", "bare")),
+    "budget": ("the instructions of the library's paths", budget.check),
+    "faults": ("conformance tests with calls that fail, and at raised levels", faults.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
+    "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
+    "host-tsan": ("thread tests, g++, thread sanitizer",
+                  lambda: programs.check("host-tsan", "thread_tests")),
     "fuzz-runs": ("fuzz targets with coverage, a few seconds each", fuzz.check_runs),
-    "windows": ("Windows modules, warnings as errors", windows_build),
-    "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
     "twins": ("the same modules and packages from two clones at different paths", twins.check),
-    "kernel": ("conformance tests in a driver under Wine", kernel.check),
-    "control": ("oxdiagctl.exe, under Wine", control.check),
-    "programs": ("the other programs for Windows, under Wine", control.check_programs),
-    "metal": ("the serial destination on an emulated PC", metal.check),
-    "demos": ("the demo traces the same on Linux and under Wine", demos.check),
     "dist": ("the archive for Windows, unpacked", distribution.check),
     "gdb": ("the views for GDB, of programs by g++ and clang", gdbViews.check),
     "tidy": ("clang-tidy", lint.check_tidy),
@@ -108,6 +112,10 @@ PROOF = {"packages-long", "clean-debian", "programs", "dist", "gdb", "tidy", "ha
 # A sample of the mutants nearly always has some that no test has been written for yet.
 WHEN_NAMED = PROOF | {"mutants"}
 
+# Most steps wait for one process after the other while they do not build; two of them keep two
+# cores busy. What ./dev prove runs is beside nothing else, so that its limits of time mean something.
+LANES = 2
+
 
 def guarded(name, function):
     """A step that cannot even run is a failed check, and the others go on."""
@@ -119,18 +127,39 @@ def guarded(name, function):
         return workshop.Outcome(0, [f"{name}: the check itself broke"], traceback.format_exc())
 
 
-def run_step(name, number, count):
-    title, function = STEPS[name]
-    with workshop.Progress(f"[{number}/{count}] {title}", sys.stdout) as progress:
-        outcome = guarded(name, function)
-        progress.end(workshop.counts(outcome.passed, len(outcome.failed), len(outcome.skipped)))
-    if outcome.failed:
-        print(outcome.output)
-    return outcome
+def report_step(name):
+    """One step, in a process of its own. Its outcome is all that goes to the standard output."""
+    with contextlib.redirect_stdout(sys.stderr):
+        outcome = guarded(name, STEPS[name][1])
+    print(json.dumps(outcome))
+
+
+def outcome_of(name, output):
+    try:
+        return workshop.Outcome(*json.loads(output))
+    except ValueError:
+        return workshop.Outcome(0, [f"{name}: its process ended"], output)
+
+
+def run_steps(names, lane_count):
+    """The outcomes of the steps; each is shown when it ends."""
+    outcomes = []
+
+    def show(name, seconds, output):
+        outcome = outcome_of(name, output)
+        outcomes.append(outcome)
+        counted = workshop.counts(outcome.passed, len(outcome.failed), len(outcome.skipped))
+        line = f"[{len(outcomes)}/{len(names)}] {STEPS[name][0]} ... {seconds:.1f} s, {counted}"
+        return f"{line}\n{outcome.output}" if outcome.failed else line
+
+    here = [sys.executable, __file__, "--report"]
+    lanes.Lanes(lane_count, sys.stdout).run({name: [*here, name] for name in names}, show)
+    return outcomes
 
 
 def main(names):
-    if names == ["--long"]:
+    is_proof = names == ["--long"]
+    if is_proof:
         names = [name for name in STEPS if name in PROOF]
     unknown = [name for name in names if name not in STEPS]
     if unknown:
@@ -140,7 +169,7 @@ def main(names):
         print(f"'{unknown[0]}' is no step", file=sys.stderr)
         return 2
     names = names or [name for name in STEPS if name not in WHEN_NAMED]
-    outcomes = [run_step(name, number, len(names)) for number, name in enumerate(names, 1)]
+    outcomes = run_steps(names, 1 if is_proof else LANES)
     failed = [name for outcome in outcomes for name in outcome.failed]
     skipped = [name for outcome in outcomes for name in outcome.skipped]
     for name in skipped:
@@ -152,4 +181,7 @@ def main(names):
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1:]))
+    if sys.argv[1:2] == ["--report"]:
+        report_step(sys.argv[2])
+    else:
+        sys.exit(main(sys.argv[1:]))

@@ -130,6 +130,7 @@ def missing_check():
 
 
 def check():
+    workshop.build("windows")
     jobs = [(one, image) for image in every_image() for one in checks_of(image)]
     results = [missing_check(), *workshop.in_parallel(lambda job: job[0](job[1]), jobs)]
     failed = [f"{title}: {', '.join(wrong)}" for title, wrong in results if wrong]

@@ -2,6 +2,8 @@
 
 import collections
 import concurrent.futures
+import contextlib
+import fcntl
 import os
 import pathlib
 import subprocess
@@ -51,16 +53,31 @@ def tree(preset):
     return OUT / preset
 
 
-def configure(preset):
+@contextlib.contextmanager
+def building(preset):
+    """One build in a tree at a time, also of several processes."""
+    tree(preset).mkdir(parents=True, exist_ok=True)
+    with open(tree(preset) / "building", "w") as lock:
+        fcntl.flock(lock, fcntl.LOCK_EX)
+        yield
+
+
+def generate(preset):
     return demand(["cmake", "--preset", preset], cwd=TOP)
 
 
+def configure(preset):
+    with building(preset):
+        return generate(preset)
+
+
 def build(preset, *targets):
-    configure(preset)
     command = ["cmake", "--build", tree(preset), "-j", CORES]
     if targets:
         command += ["--target", *targets]
-    return demand(command, cwd=TOP)
+    with building(preset):
+        generate(preset)
+        return demand(command, cwd=TOP)
 
 
 class Progress:
