@@ -41,6 +41,11 @@ class OXDIAG_API tLineLock {
   // The thread that has the lock for its line; 0 when there is none.
   u32 getOwner() const;
 
+  // Whether both mean the same lock of the platform, as their tokens are now.
+  bool isSharedWith(tLineLock const& other) const {
+    return token[0] == other.token[0] && token[1] == other.token[1];
+  }
+
   u32 holders = 0;  // a bit for each tStreamHold that has the lock
 
  private:

@@ -17,10 +17,13 @@ bool configureDestination(iTraceDestination& chosen, int argc, char** argv) {
   tPatience const patience;
   tStreamHold hold;
   if (hold.isTooDeep()) return false;
-  bool const areLinesHeld = hold.holdLinesOfUsers(chosen, patience);
+  if (!hold.holdLinesOfUsers(chosen, patience)) {
+    logGivenUpSwitchBesideLine(hold.getLineOwner());
+    return false;
+  }
   hold.shutUsers(chosen);
   u32 const within = tStreamHold::awaitNobodyWithin(chosen, nullptr, patience);
-  if (within != 0 || !areLinesHeld) {
+  if (within != 0) {
     logGivenUpSwitch(within);
     return false;
   }

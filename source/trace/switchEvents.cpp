@@ -1,7 +1,7 @@
 #include "trace/switchEvents.h"
 
-#include "trace/tLiveStreams.h"
 #include "trace/tPatience.h"
+#include "trace/tTextsOnTheWay.h"
 #include "vexk/eventLog.h"
 
 namespace nOXDIAG100 {
@@ -9,22 +9,31 @@ namespace {
 
 constexpr char kComponent[] = "oxdiagk";
 constexpr char kLocation[] = "source/trace/tTrace - ";
-constexpr u32 kMillisecondsPerSecond = 1000;
+constexpr char kNoSwitch[] = "the trace destination is not switched";
+constexpr u32 kSeconds = kMostPatience / 1000;
 
 void log(char const* what, u32 thread, char const* place) {
   _vexLogEvent(kComponent, kLocation, kVexEventFailure,
                "%s: thread 0x%X is still within %s after %u s\n", what,
-               static_cast<unsigned>(thread), place, kMostPatience / kMillisecondsPerSecond);
+               static_cast<unsigned>(thread), place, kSeconds);
+}
+
+void logUnknown(char const* what, char const* place) {
+  _vexLogEvent(kComponent, kLocation, kVexEventFailure,
+               "%s: another thread is still within %s after %u s\n", what, place, kSeconds);
 }
 
 }  // namespace
 
 void logGivenUpSwitch(u32 thread) {
-  char const* const what = "the trace destination is not switched";
-  if (thread != 0) {
-    log(what, thread, "its put");
+  log(kNoSwitch, thread, "its put");
+}
+
+void logGivenUpSwitchBesideLine(u32 thread) {
+  if (thread == 0) {
+    logUnknown(kNoSwitch, "a line");
   } else {
-    log(what, tLiveStreams::findLineOwner(), "a line");
+    log(kNoSwitch, thread, tTextsOnTheWay::isWithin(thread, nullptr) ? "its put" : "a line");
   }
 }
 

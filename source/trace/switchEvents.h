@@ -6,9 +6,11 @@
 
 namespace nOXDIAG100 {
 
-// That a destination stays as it is, because `thread` is within its put; 0 when the line of another
-// thread does not end, and then that one is named, as far as the streams know it.
+// That a destination stays as it is, because `thread` is within its put.
 void logGivenUpSwitch(u32 thread);
+
+// The same, because `thread` does not end its line; 0 when it is not known who.
+void logGivenUpSwitchBesideLine(u32 thread);
 
 // enableMutex or disableMutex has changed nothing.
 void logGivenUpMutex(u32 thread);

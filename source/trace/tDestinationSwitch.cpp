@@ -43,7 +43,7 @@ tDestinationSwitch::tSharing tDestinationSwitch::getSharing(bool isChanged) cons
 iTraceDestination* tDestinationSwitch::run() {
   if (isRefused()) return former;
   tPatience const patience;
-  if (!holdLines(patience)) return giveUpBesideLines();
+  if (!holdLines(patience)) return giveUp();
   if (!isQuiet(patience)) return giveUp();
   hold.open();
   stream.announce("Switching trace destination to ", next->getDescription());
@@ -74,20 +74,15 @@ bool tDestinationSwitch::isQuiet(tPatience const& patience) {
   return within == 0;
 }
 
-iTraceDestination* tDestinationSwitch::giveUpBesideLines() {
-  u32 const thread = tThreadUtility::getCurrentThreadId();
-  within = tTextsOnTheWay::findOther(thread, *former, &stream.slot);
-  if (within == 0 && sharing == kSharedAndMoved) {
-    within = tTextsOnTheWay::findOther(thread, *next, nullptr);
-  }
-  return giveUp();
-}
-
 // A stream that ends says once whom it leaves behind, and not by every configuration that it
 // restores: the event log has room for few.
 iTraceDestination* tDestinationSwitch::giveUp() const {
-  bool const isLogged = stream.isEnding && tPatience::isExhausted();
-  if (!isLogged) logGivenUpSwitch(within);
+  if (stream.isEnding && tPatience::isExhausted()) return former;
+  if (within != 0) {
+    logGivenUpSwitch(within);
+  } else {
+    logGivenUpSwitchBesideLine(hold.getLineOwner());
+  }
   return former;
 }
 

@@ -44,7 +44,6 @@ class tDestinationSwitch {
   bool isRefused() const;
   bool holdLines(tPatience const& patience);
   bool isQuiet(tPatience const& patience);
-  iTraceDestination* giveUpBesideLines();
   iTraceDestination* giveUp() const;
 
   iTraceDestination* change(tFormerSettings& settings);

@@ -1,6 +1,7 @@
 #include "trace/tLiveStreams.h"
 
 #include "oxdiagk/tTraceParts.h"
+#include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -45,12 +46,13 @@ tTraceParts* tLiveStreams::findKeeper(iTraceDestination const& destination,
   return nullptr;
 }
 
-u32 tLiveStreams::findLineOwner() {
-  u32 owner = 0;
-  for (tTraceParts* stream = first; stream != nullptr && owner == 0; stream = stream->nextStream) {
-    owner = stream->lock.getOwner();
+u32 tLiveStreams::findLineOwner(tTraceParts const& stream) {
+  u32 const own = tThreadUtility::getCurrentThreadId();
+  for (tTraceParts* each = first; each != nullptr; each = each->nextStream) {
+    u32 const owner = each->lock.isSharedWith(stream.lock) ? each->lock.getOwner() : 0;
+    if (owner != 0 && owner != own) return owner;
   }
-  return owner;
+  return 0;
 }
 
 }  // namespace nOXDIAG100

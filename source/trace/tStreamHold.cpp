@@ -38,9 +38,13 @@ tStreamHold::~tStreamHold() {
 bool tStreamHold::holdLines(tTraceParts& stream, tPatience const& patience) {
   if ((stream.lock.holders & bit) != 0) return true;
   if (!stream.getShape().isOn(tLineShape::kMutex)) return true;
-  tLineLock::tStart const start = stream.lock.begin(patience.getRest());
+  u32 const owner = tLiveStreams::findLineOwner(stream);
+  u32 const rest = patience.getRest();
+  tLineLock::tStart const start = stream.lock.begin(rest);
   if (start == tLineLock::kLocked) stream.lock.holders |= bit;
-  return start != tLineLock::kTimedOut;
+  if (start != tLineLock::kTimedOut) return true;
+  lineOwner = owner == tLiveStreams::findLineOwner(stream) ? owner : 0;
+  return false;
 }
 
 bool tStreamHold::holdLinesOfUsers(iTraceDestination const& destination,

@@ -30,6 +30,10 @@ class tStreamHold {
   // The same of all streams that use the destination.
   bool holdLinesOfUsers(iTraceDestination const& destination, tPatience const& patience);
 
+  // The thread whose line was waited for in vain; 0 when the streams do not know it, or when the
+  // lock went from one thread to another meanwhile.
+  u32 getLineOwner() const { return lineOwner; }
+
   // Keeps the text of all other threads out of the stream, which is dropped.
   void shut(tTraceParts& stream);
 
@@ -46,6 +50,7 @@ class tStreamHold {
 
  private:
   u32 const bit;
+  u32 lineOwner = 0;
 };
 
 }  // namespace nOXDIAG100

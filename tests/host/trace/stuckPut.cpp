@@ -223,6 +223,70 @@ TEST_F(StuckPut, ALineThatDoesNotEndHoldsUpNoSwitchForEver) {
   EXPECT_EQ(trace.getDestination(), &next);
 }
 
+// A thread with an open line of a stream, until the object goes.
+class tOpenLine {
+ public:
+  explicit tOpenLine(tTrace& trace)
+      : thread([this, &trace] {
+          id = tThreadUtility::getCurrentThreadId();
+          trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
+          isOpen.set_value();
+          mayEnd.get_future().wait();
+          trace.endl();
+        }) {}
+  ~tOpenLine() { end(); }
+
+  void await() { isOpen.get_future().wait(); }
+  void end() {
+    if (!thread.joinable()) return;
+    mayEnd.set_value();
+    thread.join();
+  }
+  std::string name() const { return nameOf(id); }
+
+ private:
+  std::promise<void> isOpen;
+  std::promise<void> mayEnd;
+  std::atomic<u32> id = 0;
+  std::thread thread;
+};
+
+TEST_F(StuckPut, TheThreadIsThatOfTheLineInTheWay) {
+  tKeptLines kept;
+  tOwnTrace trace(sticky);
+  tOwnTrace other(kept);  // with a lock of its own
+  other.configure("--mutex on --mutex-kernel-token 1:2");
+  trace.enableMutex();
+  tOpenLine inTheWay(trace);
+  tOpenLine elsewhere(other);
+  inTheWay.await();
+  elsewhere.await();
+  EXPECT_EQ(trace.setDestination(kept), &sticky);
+  EXPECT_NE(events.read().find(inTheWay.name() + "is still within a line"), std::string::npos)
+      << events.read();
+}
+
+// Then none of them was in the way for so long.
+TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  tOpenLine first(trace);
+  first.await();
+  tOpenLine second(trace);  // waits for the first one
+  std::this_thread::sleep_for(kAWhile);
+  std::future<void> const change =
+      std::async(std::launch::async, [&] { trace.setDestination(next); });
+  std::this_thread::sleep_for(kAWhile);
+  first.end();
+  second.await();
+  EXPECT_EQ(change.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.getDestination(), &sticky);
+  EXPECT_NE(events.read().find(": another thread is still within a line after 10 s"),
+            std::string::npos)
+      << events.read();
+}
+
 TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
   constexpr u32 kSomebody = 0xFFFFFFF1;
   tFileTraceDestination& file = *tFileTraceDestination::getInstance();
