@@ -82,7 +82,8 @@ OXDIAG_API u64 readTimeStampCounter();
 // Waiting has an end: a switch waits for threads within the destination's put, and for the line of
 // another thread, for ten seconds in all, as does a list of options. Then it is given up: the
 // former destination stays as it is, and the event log names the thread; it names nobody when the
-// line lock went from one thread to another meanwhile.  While a thread does
+// line lock went from one thread to another meanwhile. The seconds pass by the performance counter,
+// and by the kernel's timer should the counter stand still or run backwards. While a thread does
 // not come out of the put of its own switch, the other operations of the configuration are given up
 // in the same way: they change nothing, and inquire gives an empty text. enableMutex and
 // disableMutex wait for the line lock without limit, unless the line's thread does not come out of

@@ -8,7 +8,8 @@ namespace nOXDIAG100 {
 namespace {
 
 constexpr u64 kMillisecondsPerSecond = 1000;
-constexpr i64 kBetweenLooks = -10'000;  // 1 ms, in units of 100 ns from now
+constexpr u32 kPause = 1;                     // milliseconds
+constexpr i64 kTicksOfMillisecond = -10'000;  // units of 100 ns, from now
 
 constinit u32 exhausted = 0;
 
@@ -27,7 +28,9 @@ u64 tPatience::getMilliseconds() const {
   u64 const now = static_cast<u64>(KeQueryPerformanceCounter(&countsPerSecond).QuadPart);
   if (now > lastCount) passedCounts += now - lastCount;
   lastCount = now;
-  return passedCounts * kMillisecondsPerSecond / static_cast<u64>(countsPerSecond.QuadPart);
+  u64 const counted =
+      passedCounts * kMillisecondsPerSecond / static_cast<u64>(countsPerSecond.QuadPart);
+  return counted < waited ? waited : counted;
 }
 
 u32 tPatience::getRest() const {
@@ -40,12 +43,17 @@ bool tPatience::hasPassed() const {
   return getMilliseconds() >= kMostPatience;
 }
 
+void tPatience::wait() const {
+  pause();
+  addWait(kPause);
+}
+
 // An event that nobody sets is a pause.
 void tPatience::pause() {
   KEVENT never;
   KeInitializeEvent(&never, NotificationEvent, 0);
   LARGE_INTEGER span;
-  span.QuadPart = kBetweenLooks;
+  span.QuadPart = kPause * kTicksOfMillisecond;
   KeWaitForSingleObject(&never, Executive, KernelMode, 0, &span);
 }
 

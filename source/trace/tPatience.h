@@ -8,12 +8,14 @@ namespace nOXDIAG100 {
 // their line.
 constexpr u32 kMostPatience = 10'000;  // milliseconds
 
-// The time that is left of kMostPatience, for one thread. Any IRQL but for pause().
+// The time that is left of kMostPatience, for one thread. It passes by the performance counter, and
+// by the waits of the kernel's timer that the thread adds, should the counter stand still or run
+// backwards. Any IRQL but for the pauses.
 //
 //     tPatience const patience;
 //     while (isSomebodyWithin()) {
 //       if (patience.isOver()) return false;
-//       tPatience::pause();
+//       patience.wait();
 //     }
 class tPatience {
  public:
@@ -24,7 +26,13 @@ class tPatience {
   bool hasPassed() const;  // as isOver, but never early
   u32 getRest() const;     // milliseconds
 
-  // Waits for a millisecond. PASSIVE_LEVEL.
+  // Waits for a millisecond, which is added. PASSIVE_LEVEL.
+  void wait() const;
+
+  // Adds a wait that the kernel's timer has ended.
+  void addWait(u32 milliseconds) const { waited += milliseconds; }
+
+  // Waits for a millisecond, for who waits without limit. PASSIVE_LEVEL.
   static void pause();
 
   // While exhausted, every patience is over from its beginning: who waits only looks. For waits for
@@ -37,6 +45,7 @@ class tPatience {
 
   mutable u64 lastCount;  // of the time base, when it was looked at last
   mutable u64 passedCounts = 0;
+  mutable u64 waited = 0;  // milliseconds, by the kernel's timer
 };
 
 // Ends at the end of a scope what was exhausted in it.

@@ -43,6 +43,7 @@ bool tStreamHold::holdLines(tTraceParts& stream, tPatience const& patience) {
   tLineLock::tStart const start = stream.lock.begin(rest);
   if (start == tLineLock::kLocked) stream.lock.holders |= bit;
   if (start != tLineLock::kTimedOut) return true;
+  patience.addWait(rest);
   lineOwner = owner == tLiveStreams::findLineOwner(stream) ? owner : 0;
   return false;
 }
@@ -70,7 +71,7 @@ u32 tStreamHold::awaitNobodyWithin(iTraceDestination const& destination,
   u32 const own = tThreadUtility::getCurrentThreadId();
   u32 within = tTextsOnTheWay::findOther(own, destination, slot);
   while (within != 0 && !patience.isOver()) {
-    tPatience::pause();
+    patience.wait();
     within = tTextsOnTheWay::findOther(own, destination, slot);
   }
   return within;

@@ -15,7 +15,8 @@ namespace {
 
 enum tState : u32 { kRaw, kInTheMaking, kReady };
 
-constexpr i64 kBetweenLooks = -1'000'000;  // 100 ms, in units of 100 ns from now
+constexpr u32 kBetweenLooks = 100;            // milliseconds
+constexpr i64 kTicksOfMillisecond = -10'000;  // units of 100 ns, from now
 
 // Made by the first who asks: a destination may leave before the first stream is built.
 constinit KMUTEX mutex = {};
@@ -41,7 +42,7 @@ void prepare() {
 
 bool isTakenInTime() {
   LARGE_INTEGER span;
-  span.QuadPart = kBetweenLooks;
+  span.QuadPart = kBetweenLooks * kTicksOfMillisecond;
   return KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, &span) != STATUS_TIMEOUT;
 }
 
@@ -61,6 +62,7 @@ bool tStreamLock::acquire() {
   prepare();
   tPatience const patience;
   while (!isTakenInTime()) {
+    patience.addWait(kBetweenLooks);
     if (!patience.hasPassed() || !isOwnerStuck()) continue;
     logGivenUpConfiguration(getOwner());
     return false;

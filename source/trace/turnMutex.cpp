@@ -27,6 +27,7 @@ i32 await(iSync& lock, tTraceParts const& stream) {
   for (;;) {
     i32 const status = lock.acquire(kBetweenLooks);
     if (status != kStatusSyncTimeout) return status;
+    patience.addWait(kBetweenLooks);
     u32 const stuck = patience.isOver() ? findStuck(stream) : 0;
     if (stuck == 0) continue;
     logGivenUpMutex(stuck);

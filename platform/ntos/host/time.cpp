@@ -10,8 +10,8 @@ constexpr i64 kNanosecondsPerTick = 100;
 constexpr i64 kSecondsFrom1601To1970 = 11'644'473'600;
 
 constinit u32 g_rate = 1;
-constinit i64 g_ticksAhead =
-    0;  // what the counter shows at rate g_rate, less g_rate times the time
+constinit i32 g_counterRate = 1;
+constinit i64 g_ticksAhead = 0;  // what the counter shows, less g_counterRate times the time
 
 i64 ticksOf(timespec const& time) {
   return time.tv_sec * kTicksPerSecond + time.tv_nsec / kNanosecondsPerTick;
@@ -23,14 +23,23 @@ i64 ticksSinceStart() {
   return ticksOf(now);
 }
 
+i32 getCounterRate() {
+  return __atomic_load_n(&g_counterRate, __ATOMIC_RELAXED);
+}
+
 }  // namespace
 
 namespace ntoshost {
 
 void setTimeRate(u32 rate) {
-  i64 const shift = (i64{getTimeRate()} - i64{rate}) * ticksSinceStart();
-  __atomic_fetch_add(&g_ticksAhead, shift, __ATOMIC_RELAXED);
+  setCounterRate(static_cast<i32>(rate));
   __atomic_store_n(&g_rate, rate, __ATOMIC_RELAXED);
+}
+
+void setCounterRate(i32 rate) {
+  i64 const shift = (i64{getCounterRate()} - i64{rate}) * ticksSinceStart();
+  __atomic_fetch_add(&g_ticksAhead, shift, __ATOMIC_RELAXED);
+  __atomic_store_n(&g_counterRate, rate, __ATOMIC_RELAXED);
 }
 
 u32 getTimeRate() {
@@ -46,8 +55,8 @@ void moveTime(i64 counts) {
 LARGE_INTEGER KeQueryPerformanceCounter(LARGE_INTEGER* frequency) {
   if (frequency != nullptr) frequency->QuadPart = kTicksPerSecond;
   LARGE_INTEGER ticks;
-  ticks.QuadPart = ticksSinceStart() * ntoshost::getTimeRate() +
-                   __atomic_load_n(&g_ticksAhead, __ATOMIC_RELAXED);
+  ticks.QuadPart =
+      ticksSinceStart() * getCounterRate() + __atomic_load_n(&g_ticksAhead, __ATOMIC_RELAXED);
   return ticks;
 }
 

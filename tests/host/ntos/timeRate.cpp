@@ -1,4 +1,4 @@
-// Time that passes faster than it does.
+// Time that passes faster than it does, and a counter that does not show it.
 
 #include <gtest/gtest.h>
 
@@ -40,6 +40,24 @@ TEST_F(TimeRate, WaitForASpanEndsEarlierAndTheCounterShowsTheSpan) {
   EXPECT_EQ(waitInVain(100), STATUS_TIMEOUT);
   EXPECT_GE(getCount() - count, 100 * kTicksPerSecond);
   EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(50));
+}
+
+TEST_F(TimeRate, CounterThatStandsStillShowsNoWait) {
+  ntoshost::setTimeRate(1000);
+  ntoshost::setCounterRate(0);
+  i64 const count = getCount();
+  EXPECT_EQ(waitInVain(10), STATUS_TIMEOUT);
+  EXPECT_EQ(getCount(), count);
+  ntoshost::setTimeRate(1);
+  EXPECT_GE(getCount(), count);
+}
+
+TEST_F(TimeRate, CounterThatRunsBackwardsShowsLessBehindAWait) {
+  ntoshost::setTimeRate(1000);
+  ntoshost::setCounterRate(-1000);
+  i64 const count = getCount();
+  EXPECT_EQ(waitInVain(10), STATUS_TIMEOUT);
+  EXPECT_LE(getCount(), count - 10 * kTicksPerSecond);
 }
 
 TEST_F(TimeRate, CounterNeverGoesBackWhenTheRateChanges) {

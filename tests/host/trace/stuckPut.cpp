@@ -362,3 +362,45 @@ TEST_F(StuckPut, AListOfOptionsWaitsOnce) {
   stuck.letGo();
   EXPECT_TRUE(isOver);
 }
+
+namespace {
+
+// The performance counter stands still, or runs backwards, while time passes.
+class StuckPutWithoutCounter : public StuckPut, public testing::WithParamInterface<i32> {
+ protected:
+  StuckPutWithoutCounter() { ntoshost::setCounterRate(GetParam()); }
+};
+
+constexpr i32 kStandsStill = 0;
+constexpr i32 kRunsBackwards = -i32{tHurriedTime::kRate};
+
+}  // namespace
+
+TEST_P(StuckPutWithoutCounter, ASwitchIsGivenUp) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  EXPECT_EQ(trace.setDestination(next), &sticky);
+}
+
+TEST_P(StuckPutWithoutCounter, AConfigurationIsGivenUp) {
+  tKeptLines next;
+  sticky.sticksToSwitches = true;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(sticky, [&] { trace.setDestination(next); });
+  trace.configure("--timestamp on");
+  EXPECT_EQ(trace.timeStampIsEnabled(), 0u);
+}
+
+TEST_P(StuckPutWithoutCounter, ASwitchOfTheMutexIsGivenUp) {
+  tOwnTrace trace(sticky);
+  trace.configure("--mutex on");
+  tStuckThread stuck(sticky, [&trace] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine).put("stuck").endl();
+  });
+  trace.disableMutex();
+  EXPECT_EQ(trace.mutexIsEnabled(), 1u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Any, StuckPutWithoutCounter,
+                         testing::Values(kStandsStill, kRunsBackwards));

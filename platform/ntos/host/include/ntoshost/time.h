@@ -12,6 +12,10 @@ namespace ntoshost {
 void setTimeRate(u32 rate);
 u32 getTimeRate();
 
+// From now on the counter alone runs so, while waits last as long as before: 0 stands still, a
+// negative rate runs backwards, as no kernel's does. setTimeRate ends it.
+void setCounterRate(i32 rate);
+
 // Moves the performance counter on by so many counts, or back when they are negative, as no kernel
 // does. Waits keep the span that they began with.
 void moveTime(i64 counts);
