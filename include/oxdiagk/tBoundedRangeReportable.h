@@ -2,6 +2,7 @@
 
 // Ranges of numbers.
 
+#include "compiler/compiler.h"
 #include "compiler/types.h"
 #include "oxdiagk/api.h"
 #include "oxdiagk/iVariantReportable.h"
@@ -10,6 +11,21 @@
 #include "oxdiagk/tReportableValue.h"
 
 namespace nOXDIAG100 {
+
+// Whether a value is a number that becomes a T, and whether that T then has another value.
+template <class T, class tNumber>
+concept isNumberFor = requires(tNumber number) {
+  static_cast<T>(number) < 0;
+  static_cast<tNumber>(static_cast<T>(number)) == number;
+};
+template <class T, class tNumber>
+constexpr bool isLostIn(tNumber number) {
+  if constexpr (isNumberFor<T, tNumber>) {
+    T const held = static_cast<T>(number);
+    return static_cast<tNumber>(held) != number || (held < 0) != (number < 0);
+  }
+  return false;
+}
 
 // The lower and the upper bound of a range, both part of it. T is i32, u32, i64 or u64. The library
 // has these four; a client may have others, see tReportableValue, as long as a T is copied without
@@ -38,6 +54,15 @@ class tBoundedRangeReportable : public iVariantReportable {
     upper = upperBound;
   }
 
+  // The same of numbers of other types, which become a T, as those of `slots` above do. A constant
+  // that no T can hold, such as -1 of u32, is an error of the call where the compiler can say so:
+  // clang can. Of other numbers the low bits count.
+  template <class tLower, class tUpper>
+  requires isNumberFor<T, tLower> && isNumberFor<T, tUpper> tBoundedRangeReportable(
+      tLower lowerBound, tUpper upperBound, tStatus2& status)
+  COMPILER_REFUSES_IF(isLostIn<T>(lowerBound) || isLostIn<T>(upperBound),
+                      "the type of the range does not hold this bound");
+
   tBoundedRangeReportable(tBoundedRangeReportable const& other) = default;
   tBoundedRangeReportable& operator=(tBoundedRangeReportable const& other) = default;
 
@@ -65,6 +90,15 @@ class tBoundedRangeReportable : public iVariantReportable {
   T lower{};
   T upper{};
 };
+
+template <class T>
+template <class tLower, class tUpper>
+requires isNumberFor<T, tLower> && isNumberFor<T, tUpper>
+tBoundedRangeReportable<T>::tBoundedRangeReportable(tLower lowerBound, tUpper upperBound,
+                                                    tStatus2& status)
+    : tBoundedRangeReportable(T(static_cast<T>(lowerBound)), T(static_cast<T>(upperBound)),
+                              status) {
+}
 
 template <class T>
 void tBoundedRangeReportable<T>::generateReport(iReportableTranslator const& translator,

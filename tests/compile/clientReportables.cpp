@@ -37,11 +37,13 @@ u32 compare(_STL::vector<_STL::wstring> const& texts, nOXDIAG100::tStatus2& stat
   tIntrinsicTypeReportable<_STL::wstring> const textValues(texts, status);
   tBoundedRangeReportable<i32> const i32Range(-1, 1, status);
   tBoundedRangeReportable<u32> const u32Range(1, 2, status);
+  tBoundedRangeReportable<u32> const largestRange(u32{1}, 0xFFFFFFFF, status);
   tBoundedRangeReportable<i64> const i64Range(-1, 1, status);
   tBoundedRangeReportable<u64> const u64Range(1, 2, status);
   tIntrinsicTypeReportable<tPlace> const places(tPlace{1}, status);
   tBoundedRangeReportable<tPlace> const placeRange(tPlace{1}, tPlace{2}, status);
   return i32Value.isEquivalent(u32Value, status) + i64Value.isEquivalent(u64Value, status) +
-         textValues.isEquivalent(i32Range, status) + u32Range.isEquivalent(i64Range, status) +
-         u64Range.isEquivalent(places, status) + placeRange.isEquivalent(places, status);
+         textValues.isEquivalent(i32Range, status) + largestRange.isEquivalent(u32Range, status) +
+         u32Range.isEquivalent(i64Range, status) + u64Range.isEquivalent(places, status) +
+         placeRange.isEquivalent(places, status);
 }
