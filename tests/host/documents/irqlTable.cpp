@@ -7,19 +7,34 @@
 #include <map>
 #include <string>
 
+#include "config/tConfigurationGuard.h"
 #include "documents/tDocument.h"
+#include "oxdiagk/assertion.h"
 #include "oxdiagk/contractMacros.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/tAssertConfiguration.h"
+#include "oxdiagk/tCTFTraceDestination.h"
+#include "oxdiagk/tCategoryTable.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tRecorderTraceDestination.h"
 #include "oxdiagk/tStatus2Description.h"
+#include "oxdiagk/tStatus2Heap.h"
+#include "oxdiagk/tStatus2ModuleList.h"
+#include "oxdiagk/tTitleReportable.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "oxdiagk/tWideTextList.h"
 #include "oxdiagk/version.h"
+#include "qelmk/mergeStatus.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "qelmk/tBinaryObjectWriter.h"
 #include "qelmk/tClass.h"
+#include "qelmk/tGUID.h"
+#include "stl/borrowed_string.h"
+#include "stl/list.h"
+#include "stl/map.h"
+#include "stl/single_vector.h"
+#include "stl/tree.h"
 #include "trace/capturedPrint.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
@@ -28,9 +43,14 @@
 #include "vexk/debug.h"
 #include "vexk/eventLog.h"
 #include "vexk/iLib.h"
+#include "vexk/loadedModule.h"
 #include "vexk/memory.h"
+#include "vexk/module.h"
 #include "vexk/number.h"
+#include "vexk/serialSupport.h"
 #include "vexk/sync.h"
+#include "vexk/tSSTimeAbsolute.h"
+#include "vexk/threadUtility.h"
 #include "vexk/timerTimebase.h"
 #include "vexk/userMemory.h"
 
@@ -55,6 +75,11 @@ struct tObjects {
   tOwnTrace trace{tVEXTraceDestination::getInstance()};
   tTraceFilter filter;
   tStatus2 plain{-1};
+  tLineLimit limit;
+  tConfigurationLock lock;
+  tCategoryTable<u32> categories{1};
+  tTitleReportable title;
+  tOpenPorts ports;
   u8 bytes[64] = {};
   char text[64] = {};
 };
@@ -63,6 +88,48 @@ void writeNumber(u8* bytes, size_t size) {
   i32 status = 0;
   nQELM100::tBinaryObjectWriter writer(bytes, size);
   writer.writeI32(1, status);
+}
+
+void writeObject(u8* bytes, size_t size) {
+  i32 status = 0;
+  tTitleReportable const title;
+  nQELM100::tBinaryObjectWriter writer(bytes, size);
+  writer.writeObject(&title, status);
+}
+
+void cloneAndDestroy(tTitleReportable const& title) {
+  i32 status = 0;
+  nQELM100::iCloneable* const copy = title.clone(status);
+  title.getClass(status).deleteInstance(copy, status);
+}
+
+void takeFromPool() {
+  i32 status = 0;
+  tStatus2Heap* const heap = tStatus2Heap::getHeap(status);
+  void* const block = heap->allocateMemoryBlock(240, status);
+  if (block != nullptr) heap->releaseMemoryBlock(block, status);
+}
+
+// Of all kinds, in memory of one kind.
+template <u32 kFlags>
+void growContainers() {
+  _STL::basic_string<wchar_t, kFlags> text;
+  text.append(L"a text that is too long to lie in the string itself");
+  _STL::vector<u32, kFlags> vector;
+  vector.push_back(1);
+  _STL::single_vector<u32, kFlags> single;
+  single.push_back(1);
+  single.push_back(2);
+  _STL::list<u32, kFlags> list;
+  list.push_back(1);
+  _STL::map<u32, u32, _STL::less<u32>, kFlags> map;
+  map.insert(1, 1);
+  tWideTextList texts;
+  if (kFlags != 0) texts.push_back(_STL::wstring(L"text"));
+}
+
+void openAndReleasePorts() {
+  tOpenPorts const ports;
 }
 
 void setDetail() {
@@ -95,6 +162,13 @@ std::map<std::string, tRow> rowsOf(tObjects& on) {
       {"lines to the debugger print, the serial port, the recorder, a capture",
        {any, [&] { on.trace.put("line").endl(); }, false}},
       {"lines to a file", {any, [] { tFileTraceDestination::getInstance()->put("x"); }, false}},
+      {"limits of lines",
+       {any,
+        [&] {
+          u32 leftOut = 0;
+          on.limit.admit(tLineLimit::kAtMostASecond, 5, leftOut);
+        },
+        false}},
       {"enable, disable, the plain switches of tTrace and all queries",
        {any,
         [&] {
@@ -116,12 +190,34 @@ std::map<std::string, tRow> rowsOf(tObjects& on) {
         [&] {
           on.trace.configure("--destination file C:/irql.out");
           on.trace.configure("--destination vex");
+          tAssertConfiguration::getInstance().configure("--category irql");
         },
         true}},
+      {"destinations: making, opening, closing, destroying",
+       {"PASSIVE_LEVEL",
+        [&] {
+          i32 position = 0;
+          tCTFTraceDestination const capture(on.text, position, sizeof(on.text), nullptr);
+          tFileTraceDestination file;
+          file.open();
+          file.close();
+        },
+        true}},
+      {"the lock that they take",
+       {"APC_LEVEL", [&] { tConfigurationGuard const guard(on.lock); }, true}},
       {"tTraceFilter: evaluating", {any, [&] { static_cast<void>(on.filter.isEmpty()); }, false}},
       {"tTraceFilter: changing",
        {"DISPATCH_LEVEL", [&] { on.filter.parseExpression("verbosity<5"); }, true}},
       {"a contract that holds, or is switched off", {any, [] { OXDIAG_REQUIRE(true); }, false}},
+      {"the evaluations of oxdiagk/assertion.h, continuationAction",
+       {any,
+        [&] {
+          evalCheck(on.text, on.text, tSSVersion(), 1, on.text);
+          continuationAction(on.text, on.text, tSSVersion(), 1, on.text);
+        },
+        false}},
+      {"a table of categories: finding",
+       {any, [&] { static_cast<void>(on.categories.find("disk")); }, false}},
       {"the switches and queries of tAssertConfiguration",
        {any,
         [] {
@@ -135,6 +231,63 @@ std::map<std::string, tRow> rowsOf(tObjects& on) {
       {"tStatus2::toString, put of a status",
        {any, [&] { on.plain.toString(on.text, sizeof(on.text)); }, false}},
       {"tStatus2Description, reportables, translators, reports", {"APC_LEVEL", describe, false}},
+      {"the pool of the statuses: taking and giving back", {"APC_LEVEL", takeFromPool, false}},
+      {"the pool of the statuses: finding it, its counters",
+       {any,
+        [] {
+          i32 status = 0;
+          static_cast<void>(tStatus2Heap::getHeap(status)->getFreeUnits());
+        },
+        false}},
+      {"the module at an address, a list of a status' modules",
+       {"APC_LEVEL",
+        [&] {
+          tLoadedModule module;
+          _vexFindModule(reinterpret_cast<u64>(&takeFromPool), &module);
+          tStatus2ModuleList const modules(on.plain);
+        },
+        false}},
+      {"tBinaryObjectReader, tBinaryObjectWriter: objects",
+       {"APC_LEVEL", [&] { writeObject(on.bytes, sizeof(on.bytes)); }, false}},
+      {"objects of classes: making, cloning, destroying",
+       {"DISPATCH_LEVEL", [&] { cloneAndDestroy(on.title); }, true}},
+      {"what is known of a class, casts, merging statuses",
+       {any,
+        [&] {
+          i32 status = 0;
+          static_cast<void>(on.title.getClass(status).getName());
+          nQELM100::mergeStatus(status, kError);
+        },
+        false}},
+      {"plain values: versions, times, GUIDs",
+       {any,
+        [] {
+          char text[tSSVersion::kMaxTextSize];
+          tSSVersion(1, 0, 0, tSSVersion::kPhaseReleased, 1, 0).toString(text);
+          static_cast<void>(tSSTimeAbsolute::now());
+          static_cast<void>(nQELM100::tGUID() == nQELM100::tGUID());
+        },
+        false}},
+      {"memory: kMemScratch", {"APC_LEVEL", [] { takeAndGive(kMemScratch); }, true}},
+      {"containers of _STL, lists of wide texts", {"DISPATCH_LEVEL", growContainers<4>, true}},
+      {"containers of _STL in scratch memory", {"APC_LEVEL", growContainers<0>, true}},
+      {"_STL: borrowed strings, trees, remembered failures, moving",
+       {any,
+        [&] {
+          _STL::borrowed_string<char> const text(on.text, 0);
+          static_cast<void>(text.get().hasFailed());
+          static_cast<void>(_STL::tree().first());
+        },
+        false}},
+      {"who runs: threads, the processor, whether a module is started",
+       {any,
+        [] {
+          static_cast<void>(tThreadUtility::getCurrentThreadId());
+          static_cast<void>(pkgIsVexkInitialized());
+        },
+        false}},
+      {"iBus: bytes of ports", {any, [&] { on.ports.write(kComData, 'x'); }, false}},
+      {"iBus: making, opening, releasing", {"PASSIVE_LEVEL", openAndReleasePorts, false}},
       {"tBinaryObjectReader, tBinaryObjectWriter: numbers and texts",
        {"DISPATCH_LEVEL", [&] { writeNumber(on.bytes, sizeof(on.bytes)); }, false}},
       {"the class registry: registering, finding",
@@ -183,6 +336,7 @@ std::map<std::string, tRow> rowsOf(tObjects& on) {
 // Rows of what takes a device or a module; the named programs call them.
 std::map<std::string, char const*> const kElsewhere = {
     {"registering a module, iLib", "vexk.module"},
+    {"starting and stopping the library and what is beneath it", "package.moduleLoad"},
     {"vexAddFunctionDevice, iChildBus", "vexk.functionDevice"},
     {"vexDispatch, vexDispatchPower", "conformance_tests, VexkDispatch"},
     {"the handlers of a driver: device controls", "conformance_tests, ChildControl"},
