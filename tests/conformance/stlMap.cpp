@@ -95,6 +95,7 @@ TEST(StlMap, ValuesStayWhereTheyAreWhenOthersGo) {
 
 TEST(StlMap, ValueChangesInPlace) {
   tTable table = shuffled(3);
+  ASSERT_NE(table.find(2), nullptr);
   *table.find(2) = 9;
   for (auto& entry : table) {
     ++entry.value;

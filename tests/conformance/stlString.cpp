@@ -69,7 +69,7 @@ TEST(StlString, PushBackGrowsCharacterByCharacter) {
 TEST(StlString, EveryLengthAroundTheFirstCapacityIsTerminated) {
   for (size_t length = 14; length <= 17; ++length) {
     _STL::string const text = digits(length);
-    EXPECT_EQ(text.size(), length);
+    ASSERT_EQ(text.size(), length);
     EXPECT_EQ(text.c_str()[length], '\0');
   }
 }
