@@ -43,7 +43,8 @@ struct tTunnelHeader {
 enum tTunnelOperation : u32 {
   // acquireInstance. `address`: where the 4-byte handle goes, kNoHandle on failure. `source` and
   // `extra`: address and length of the name. A name of length 0, or one that cannot be read, is
-  // empty and gets no handle. When there is no memory for the name it means "trace".
+  // empty and gets no handle. When there is no memory for the name it means "trace". A handle that
+  // cannot be written is released at once.
   kTunnelAcquire = 1,
   kTunnelRelease = 2,    // releaseInstance
   kTunnelConfigure = 3,  // configure, of the object's own source

@@ -33,7 +33,8 @@ u32 lowHalf(u64 field) {
 void acquireNamed(tTunnelRecord const& record) {
   tUserText const name(record.source, lowHalf(record.extra));
   u32 const handle = acquireInstance(name.getText());
-  vexCopyToUser(record.address, &handle, sizeof(handle));
+  size_t const written = vexCopyToUser(record.address, &handle, sizeof(handle));
+  if (written != sizeof(handle)) releaseInstance(handle);
 }
 
 void configureWithText(u32 handle, tTunnelRecord const& record) {

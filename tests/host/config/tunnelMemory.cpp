@@ -263,6 +263,18 @@ TEST(TunnelMemory, WithoutMemoryForTheHandleItIsNone) {
   }
 }
 
+// Nobody could ever release it.
+TEST(TunnelMemory, AHandleThatCannotBeWrittenIsReleased) {
+  u64 const before = ntoshost::outstandingBlocks();
+  tLastBytes const half(sizeof(u32) - 1);
+  for (u64 const address : {u64{0}, half.address()}) {
+    tTunnelRecord record = acquireRecord(nullptr, "assert");
+    record.address = address;
+    tTestRequest(kNoHandle, record).send();
+    EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+  }
+}
+
 TEST(TunnelMemory, EveryFailedAllocationIsThatOfOneRecord) {
   tRegisteredRecorder recorder;
   u64 const failures = ntoshost::failEachCall(ntoshost::kFaultMemory, [&](u64 n) {
