@@ -117,7 +117,8 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
   //                      last word, the switch is on, and the other word is read as an option.
   //
   // A category that cannot be made because memory is exhausted leaves everything as it was,
-  // including which category the options are about.
+  // including which category later calls are about. Switches that follow it in this call are
+  // passed over.
   void configure(int argc, char** argv) override;
   using tConfigurable::configure;
 

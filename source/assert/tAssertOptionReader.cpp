@@ -41,7 +41,10 @@ void tAssertOptionReader::readCategory(char const* word) {
   }
   char const* const known = configuration.findName(word);
   char const* const name = known != nullptr ? known : configuration.addCategory(word);
-  if (name == nullptr) return;
+  if (name == nullptr) {
+    current = nullptr;
+    return;
+  }
   configuration.currentCategory = name;
   findCurrentSwitches();
 }

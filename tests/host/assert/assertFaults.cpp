@@ -97,6 +97,19 @@ TEST(AssertFaults, ACategoryThatCannotBeMadeLeavesTheCurrentOne) {
   }
 }
 
+TEST(AssertFaults, SwitchesOfACategoryThatCannotBeMadeChangeNothing) {
+  for (u64 n = 1; n <= 2; ++n) {
+    tPrivateContracts contracts;
+    std::string const before = inquiredText(contracts);
+    ntoshost::failNth(ntoshost::kFaultMemory, n);
+    configureWords(contracts, "--category", "rack", "--checks", "off", "--break");
+    ntoshost::clearFaults();
+    EXPECT_EQ(inquiredText(contracts), before);
+    configureWords(contracts, "--checks", "off");
+    EXPECT_FALSE(contracts.checksAreEnabled("default"));
+  }
+}
+
 TEST(AssertFaults, ACategoryCanBeMadeAfterAFailure) {
   tPrivateContracts contracts;
   ntoshost::failFrom(ntoshost::kFaultMemory, 1);
