@@ -59,7 +59,8 @@ class OXDIAG_API tConfigurable {
   // is exhausted nothing is saved.
   virtual void pushConfiguration() = 0;
 
-  // Restores the settings saved last and forgets them. Does nothing when none are saved.
+  // Restores the settings saved last and forgets them. Does nothing when none are saved. When
+  // memory is exhausted they are forgotten all the same, and nothing else changes.
   virtual void popConfiguration() = 0;
 };
 

@@ -447,7 +447,9 @@ class OXDIAG_API tTrace : public tConfigurable {
   void inquire(char* buffer, unsigned int size, unsigned int* needed) override;
 
   // A pop configures the stream with the text that inquire gave at the push: it installs the
-  // destination anew, calibrates, and leaves terms alone when no filter was set at the push.
+  // destination anew, calibrates, and leaves terms alone when no filter was set at the push. When
+  // memory is exhausted a push saves nothing, and a pop drops what was saved and changes nothing;
+  // when there is memory but for a term of the filter, that term is missing.
   void pushConfiguration() override;
   void popConfiguration() override;
 
