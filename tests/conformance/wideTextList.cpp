@@ -53,7 +53,7 @@ TEST(WideTextList, KeepsNULInATextAndATerminatorBehindIt) {
   list.push_back(text);
   list.push_back(wstring(L"c"));
   EXPECT_TRUE(*list.begin() == text);
-  EXPECT_EQ((*list.begin()).size(), size_t{3});
+  ASSERT_EQ((*list.begin()).size(), size_t{3});
   EXPECT_EQ((*list.begin()).c_str()[3], L'\0');
 }
 

@@ -26,6 +26,8 @@ DEPTH = 3  # lines that tell one place from another
 SECONDS = 120  # of failures at random
 LIBRARY = re.compile(r"(?:^|/)((?:source|platform/(?:vexk|qelmk))/.*)$")
 HELPERS = re.compile(r"memory\.(?:cpp|h)$|statusMemory|placementNew")
+# Templates that a test uses, with its own mistakes in their arguments.
+TEMPLATES = re.compile(r"platform/stl/include|/gtest/")
 FRAME = re.compile(r"^ *#\d+ .* (\S+?):\d+", re.MULTILINE)
 COUNTS = re.compile(r"^(\d+) rounds, (\d+) failed calls, \d+ rounds without one, (\d+) findings$",
                     re.MULTILINE)
@@ -88,7 +90,7 @@ def own_deaths(output):
     innermost frame, but for the templates that it uses, is the test's."""
     count = 0
     for finding in output.split("FINDING ")[1:]:
-        frames = [place for place in FRAME.findall(finding) if "platform/stl/include" not in place]
+        frames = [place for place in FRAME.findall(finding) if not TEMPLATES.search(place)]
         count += " died: " in finding and bool(frames) and "tests/conformance/" in frames[0]
     return count
 
