@@ -43,7 +43,10 @@ namespace nOXDIAG100 {
 // destructor begins with leaveStream(), if it touches nothing of it any more: the streams go to the
 // debugger, and what is left of the text follows them.
 //
-// A `put` that does not return holds up a switch for ten seconds, which is then given up.
+// A `put` that does not return holds up a switch for ten seconds, which is then given up. The other
+// operations are waited for without limit: while one of them does not return, no stream is
+// configured or inquired and the module does not end, and locked lines wait. Lines without the line
+// mutex go on, and are lost during an `open` and a `close`.
 class OXDIAG_API iTraceDestination {
  public:
   VEX_MODULE_MEMORY

@@ -302,6 +302,42 @@ TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
   tTextsOnTheWay::leave(place);
 }
 
+namespace {
+
+// Opens when it may.
+class tSlowOpening final : public tKeptLines {
+ public:
+  u32 open() override {
+    isWithin = true;
+    while (!mayGo) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    return 1;
+  }
+
+  std::atomic<bool> isWithin = false;
+  std::atomic<bool> mayGo = false;
+};
+
+}  // namespace
+
+// Ten seconds are a put's: what is opened for longer is waited for.
+TEST_F(StuckPut, AnOpenOfAnyLengthHoldsUpConfigurationsAndNoLine) {
+  constexpr auto kTwentySeconds = std::chrono::milliseconds(20'000 / tHurriedTime::kRate);
+  tSlowOpening next;
+  tOwnTrace trace(sticky);
+  std::future<void> const change =
+      std::async(std::launch::async, [&] { trace.setDestination(next); });
+  while (!next.isWithin) std::this_thread::yield();
+  std::future<void> const configuration =
+      std::async(std::launch::async, [&] { trace.configure("--timestamp on"); });
+  trace.put("line").endl();
+  EXPECT_EQ(configuration.wait_for(kTwentySeconds), std::future_status::timeout);
+  next.mayGo = true;
+  EXPECT_EQ(configuration.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
+  EXPECT_EQ(trace.getDestination(), &next);
+  trace.setDestination(tVEXTraceDestination::getInstance());
+}
+
 TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
   tOwnTrace trace(tVEXTraceDestination::getInstance());
   tOwnTrace other(tVEXTraceDestination::getInstance());
