@@ -18,6 +18,10 @@ KIT = workshop.TOP / "tests/mutants"
 PYTHON = "/usr/bin/python3"
 
 FOLDERS = ["source", "platform/vexk/common", "platform/qelmk/common", "platform/vexk/host"]
+# The library as image_tests loads it: a file of its own, compiled once more.
+IMAGE = "tests/host/image/liboxdiagk_image.so"
+IMAGE_PROGRAM, IMAGE_LOADER = "image_tests", "tests/host/image/tImage.cpp"
+SCHEDULED = "schedules."  # programs whose parts have a point of a schedule at each atomic operation
 ARCHIVES = {"source/": "source/liboxdiagk.a", "platform/vexk/": "platform/vexk/libvexk.a",
             "platform/qelmk/": "platform/qelmk/libqelmk.a"}
 NUMBERS_OF_A_FILE = 1024
@@ -35,10 +39,7 @@ class Source:
     def __init__(self, command, number):
         self.file = pathlib.Path(command["file"])
         self.name = str(self.file.relative_to(workshop.TOP))
-        self.words = [word for word in shlex.split(command["command"])
-                      if not word.startswith(("-W", "-g")) and word not in ("-o", "-c")]
-        self.object = next(word for word in self.words if word.endswith(".o"))
-        self.words = [word for word in self.words if not word.endswith((".o", ".cpp"))]
+        self.words, self.object = words_of(command)
         self.base = 1 + number * NUMBERS_OF_A_FILE
         self.woven = HERE / "code" / self.name
         self.made = HERE / "objects" / self.name
@@ -72,9 +73,11 @@ class Source:
              ",".join(map(str, sorted(dropped))), *options]))
 
     def compile(self):
-        command = [*self.words, *OPTIONS, f"-DOXDIAG_MUTANT_BASE={self.base}",
-                   "-iquote", self.file.parent, "-o", self.made_object(), "-c", self.woven]
-        return workshop.run(command, cwd=TREE)
+        return workshop.run(self.compilation(self.words, self.made_object()), cwd=TREE)
+
+    def compilation(self, words, made):
+        return [*words, *OPTIONS, f"-DOXDIAG_MUTANT_BASE={self.base}",
+                "-iquote", self.file.parent, "-o", made, "-c", self.woven]
 
     def make(self):
         """Weaves until it compiles: what the compiler objects to is left out."""
@@ -128,15 +131,25 @@ def headers():
     return found
 
 
+def words_of(command):
+    """The words of a compilation but for warnings, and the object that it makes."""
+    words = [word for word in shlex.split(command["command"])
+             if not word.startswith(("-W", "-g")) and word not in ("-o", "-c")]
+    made = next(word for word in words if word.endswith(".o"))
+    return [word for word in words if not word.endswith((".o", ".cpp"))], made
+
+
+def commands_of(targets):
+    """The compilations of the preset for these targets, by the names of the sources."""
+    commands = json.loads((TREE / "compile_commands.json").read_text())
+    return {str(pathlib.Path(command["file"]).relative_to(workshop.TOP)): command for command in commands
+            if re.search(rf"({targets})\.dir/", command["command"]) is not None}
+
+
 def sources():
     """Every source of the folders that the preset builds into the library, in the order of names."""
-    commands = json.loads((TREE / "compile_commands.json").read_text())
-    found = {}
-    for command in commands:
-        name = str(pathlib.Path(command["file"]).relative_to(workshop.TOP))
-        is_archived = re.search(r"(oxdiagk|vexk|qelmk)\.dir/", command["command"]) is not None
-        if is_archived and name.startswith(tuple(folder + "/" for folder in FOLDERS)):
-            found[name] = command
+    found = {name: command for name, command in commands_of("oxdiagk|vexk|qelmk").items()
+             if name.startswith(tuple(folder + "/" for folder in FOLDERS))}
     return [Source(found[name], number) for number, name in enumerate(sorted(found))]
 
 
@@ -158,6 +171,56 @@ def archive(all_sources):
         workshop.demand(["ar", "rs", made, *objects])
 
 
+def link_command(target):
+    """The words by which the preset links a target."""
+    lines = workshop.demand(["ninja", "-C", TREE, "-t", "commands", target])
+    return shlex.split(lines.strip().splitlines()[-1].removeprefix(": && ").removesuffix(" && :"))
+
+
+class Anew:
+    """The woven sources that a target of the preset compiles once more, in its own way."""
+
+    def __init__(self, target, all_sources):
+        commands = commands_of(target)
+        self.folder = HERE / "anew" / target
+        self.parts = [(source, *words_of(commands[source.name])) for source in all_sources
+                      if source.name in commands]
+        self.made = {name: self._made(source) for source, _, name in self.parts}
+
+    def make(self):
+        workshop.in_parallel(self._compile, self.parts)
+        return self.made
+
+    def _made(self, source):
+        return self.folder / f"{source.name}.o"
+
+    def _compile(self, part):
+        source, words, _ = part
+        made = self._made(source)
+        if made.exists() and made.stat().st_mtime >= source.made_object().stat().st_mtime:
+            return
+        made.parent.mkdir(parents=True, exist_ok=True)
+        workshop.demand(source.compilation(words, made), cwd=TREE)
+
+
+def make_image(made):
+    """The library that image_tests loads, of these objects in the place of the preset's; what takes
+    their place in image_tests. There the mutant is chosen for both."""
+    image = HERE / pathlib.Path(IMAGE).name
+    newest = max(path.stat().st_mtime for path in [TREE / IMAGE, *made.values()])
+    if not image.exists() or image.stat().st_mtime < newest:
+        words = [str(made.get(word, word)) for word in link_command(IMAGE)]
+        words[words.index("-o") + 1] = image
+        workshop.demand([*words, "-Wl,--strip-debug"], cwd=TREE)
+    words, known = words_of(commands_of(IMAGE_PROGRAM)[IMAGE_LOADER])
+    words = [word for word in words if not word.startswith("-DOXDIAG_IMAGE=")]
+    loader = HERE / "loader.o"
+    if not loader.exists() or loader.stat().st_mtime < image.stat().st_mtime:
+        workshop.demand([*words, f'-DOXDIAG_IMAGE="{image}"', "-o", loader, "-c",
+                         workshop.TOP / IMAGE_LOADER], cwd=TREE)
+    return {known: loader}
+
+
 def choice():
     made = HERE / "choice.o"
     workshop.demand(["g++", "-std=c++20", "-O1", "-fno-rtti", f"-I{KIT}",
@@ -175,17 +238,14 @@ class Program:
         self.path = HERE / "bin" / name
         self.log = HERE / "reached" / name
 
-    def link(self, choice_object):
-        """True if it had to be."""
-        made_of = [HERE / name for name in ARCHIVES.values()] + [self.original, choice_object]
+    def link(self, choice_object, anew):
+        """True if it had to be. `anew`: object -> what takes its place."""
+        replaced = {name: HERE / name for name in ARCHIVES.values()} | anew
+        made_of = [*replaced.values(), self.original, choice_object]
         newest = max(path.stat().st_mtime for path in made_of)
         if self.path.exists() and self.path.stat().st_mtime >= newest:
             return False
-        lines = workshop.demand(["ninja", "-C", TREE, "-t", "commands", f"tests/host/bin/{self.name}"])
-        call = lines.strip().splitlines()[-1].removeprefix(": && ").removesuffix(" && :")
-        words = []
-        for word in shlex.split(call):
-            words.append(str(HERE / word) if word in ARCHIVES.values() else word)
+        words = [str(replaced.get(word, word)) for word in link_command(f"tests/host/bin/{self.name}")]
         linked = self.path.with_name(self.name + ".linked")  # the one before may be at work
         words[words.index("-o") + 1] = linked
         self.path.parent.mkdir(parents=True, exist_ok=True)
@@ -196,14 +256,10 @@ class Program:
         return True
 
 
-# The image's tests load the library as a file of its own, which is not woven.
-NOT_WOVEN = {"image_tests"}
-
-
 def program_names():
     """The programs that the preset's tests are."""
     listed = json.loads(workshop.demand(["ctest", "--test-dir", TREE, "--show-only=json-v1"]))
-    return sorted({test["name"] for test in listed["tests"]} - NOT_WOVEN)
+    return sorted({test["name"] for test in listed["tests"]})
 
 
 def make():
@@ -216,6 +272,16 @@ def make():
     if not chosen.exists() or chosen.stat().st_mtime < max(
             path.stat().st_mtime for path in KIT.glob("mutant*")):
         choice()
+    image = make_image(Anew("oxdiagk_image", found).make())
+    scheduled = Anew("scheduled_parts", found).make()
     programs = [Program(name) for name in program_names()]
-    workshop.in_parallel(lambda program: program.link(chosen), programs)
+    workshop.in_parallel(
+        lambda program: program.link(chosen, anew_in(program.name, image, scheduled)), programs)
     return found, programs
+
+
+def anew_in(name, image, scheduled):
+    """What takes the place of objects in a program."""
+    if name == IMAGE_PROGRAM:
+        return image
+    return scheduled if name.startswith(SCHEDULED) else {}

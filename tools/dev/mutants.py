@@ -17,6 +17,7 @@ for one that does not stand there, and for one that stands there and is killed."
 
 import collections
 import concurrent.futures
+import contextlib
 import dataclasses
 import json
 import os
@@ -92,13 +93,21 @@ def limited(command, folder, busy, seconds, **variables):
         return code, output.read().decode(errors="replace")
 
 
+@contextlib.contextmanager
+def fresh_folder():
+    """A folder for a program's files, which tests also see that become another user."""
+    with tempfile.TemporaryDirectory() as folder:
+        os.chmod(folder, 0o755)
+        yield folder
+
+
 # Which test reaches what.
 
 def reach(program):
     """Runs the program as it is, unless that is known since it was linked."""
     if not program.log.exists():
         program.log.parent.mkdir(parents=True, exist_ok=True)
-        with tempfile.TemporaryDirectory() as folder:
+        with fresh_folder() as folder:
             limited([program.path], folder, REACH_SECONDS, REACH_SECONDS,
                     OXDIAG_MUTANT_PLACES=str(program.log))
     return read_reached(program, program.log)
@@ -237,7 +246,7 @@ class Round:
     def _one(self, job):
         verdicts, mutant = job
         base = verdicts.source.base
-        with tempfile.TemporaryDirectory() as folder:
+        with fresh_folder() as folder:
             verdict = judge(base + mutant["number"], base + mutant["place"], self.reached, verdicts.hints,
                             folder, self.is_quick)
         with self.lock:
