@@ -32,6 +32,22 @@ ANSI_STRING narrow(char const* text, u32 length) {
   return {static_cast<u16>(length), static_cast<u16>(length), const_cast<char*>(text)};
 }
 
+// Whether a day, from 1601 on, is shown as this date.
+bool isShownAs(i64 day, u32 year, u32 month, u32 ofMonth) {
+  constexpr i64 kUnitsPerDay = 864'000'000'000;
+  char const date[] = {static_cast<char>('0' + year / 1000),
+                       static_cast<char>('0' + year / 100 % 10),
+                       static_cast<char>('0' + year / 10 % 10),
+                       static_cast<char>('0' + year % 10),
+                       '-',
+                       static_cast<char>('0' + month / 10),
+                       static_cast<char>('0' + month % 10),
+                       '-',
+                       static_cast<char>('0' + ofMonth / 10),
+                       static_cast<char>('0' + ofMonth % 10)};
+  return __builtin_memcmp(tShown(asKernelTime(day * kUnitsPerDay)).text(), date, sizeof(date)) == 0;
+}
+
 constexpr GUID kGuid = {
     0x6E0B2C51, 0x7A1D, 0x4F38, {0x93, 0x5E, 0x20, 0x4C, 0xB8, 0x17, 0xD9, 0x62}};
 
@@ -216,6 +232,25 @@ TEST(KernelValues, LeapDaysAreCounted) {
   EXPECT_STREQ(tShown(asKernelTime(146097 * day)).text(), "2001-01-01T00:00:00.0000000Z\n");
   EXPECT_STREQ(tShown(asKernelTime((36524 - 307) * day)).text(), "1700-02-28T00:00:00.0000000Z\n");
   EXPECT_STREQ(tShown(asKernelTime((36524 - 306) * day)).text(), "1700-03-01T00:00:00.0000000Z\n");
+}
+
+TEST(KernelValues, EachYearOfFourCenturiesHasItsDays) {
+  i64 day = 0;
+  for (u32 year = 1601; year <= 2002; ++year) {
+    bool const isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    i64 const march = day + (isLeap ? 60 : 59);
+    EXPECT_TRUE(isShownAs(day, year, 1, 1));
+    EXPECT_TRUE(isShownAs(march - 1, year, 2, isLeap ? 29 : 28));
+    EXPECT_TRUE(isShownAs(march, year, 3, 1));
+    day += isLeap ? 366 : 365;
+    EXPECT_TRUE(isShownAs(day - 1, year, 12, 31));
+  }
+}
+
+TEST(KernelValues, EachHourOfADayBeginsWithItsFirstMinute) {
+  EXPECT_STREQ(tShown(asKernelTime(35999999999)).text(), "1601-01-01T00:59:59.9999999Z\n");
+  EXPECT_STREQ(tShown(asKernelTime(36000000000)).text(), "1601-01-01T01:00:00.0000000Z\n");
+  EXPECT_STREQ(tShown(asKernelTime(828000000000)).text(), "1601-01-01T23:00:00.0000000Z\n");
 }
 
 TEST(KernelValues, ANegativeTimeIsAnInterval) {
