@@ -3,11 +3,13 @@
 #include "conformance/harness.h"
 #include "ntos/io.h"
 #include "ntos/pnp.h"
+#include "ntos/pool.h"
 #include "support/tFunctionStack.h"
 #include "vexk/statusCodes.h"
 
 namespace {
 
+constexpr u32 kListTag = ntosPoolTag("test");
 constexpr u32 kDirect = 1;  // a method that the platform does not serve
 constexpr u8 kUnknownMinor = 0x7F;
 constexpr u8 kRead = 3;  // a major code that nobody here serves
@@ -44,6 +46,59 @@ class tControl : public tDeviceRequest {
 
 NTSTATUS controlOf(tFunctionStack const& stack) {
   return tControl(stack, codeOf(METHOD_NEITHER)).sendForStatus();
+}
+
+// Takes a request to the device that is completed once, and returns with what it is completed with.
+NTSTATUS statusOf(tDeviceRequest& request) {
+  NTSTATUS const returned = request.send();
+  EXPECT_EQ(request.completions(), 1);
+  EXPECT_EQ(request.status(), returned);
+  return returned;
+}
+
+// The relations of the bus, with a list of another driver's that has the device `listed`.
+class tRelationsRequest : public tDeviceRequest {
+ public:
+  tRelationsRequest(tFunctionStack const& stack, DEVICE_OBJECT* listed)
+      : tDeviceRequest(stack.getDevice(), IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS) {
+    location().Parameters.QueryDeviceRelations.Type = BusRelations;
+    list = static_cast<DEVICE_RELATIONS*>(
+        ExAllocatePoolWithTag(PagedPool, sizeof(DEVICE_RELATIONS), kListTag));
+    if (list == nullptr) return;
+    ObfReferenceObject(listed);
+    list->Count = 1;
+    list->Objects[0] = listed;
+    ioStatus().Information = reinterpret_cast<u64>(list);
+  }
+  ~tRelationsRequest() {
+    if (answer<DEVICE_RELATIONS>() != list || list == nullptr) return;
+    ObfDereferenceObject(list->Objects[0]);
+    ExFreePoolWithTag(list, kListTag);
+  }
+
+  DEVICE_RELATIONS* list;
+};
+
+// While the removal of the device is at the floor: every other request finds the device closed.
+void expectRefusals(tFunctionStack& stack) {
+  constexpr u8 kMinors[] = {IRP_MN_START_DEVICE,        IRP_MN_STOP_DEVICE,
+                            IRP_MN_REMOVE_DEVICE,       IRP_MN_SURPRISE_REMOVAL,
+                            IRP_MN_QUERY_REMOVE_DEVICE, IRP_MN_QUERY_CAPABILITIES};
+  for (u8 const minor : kMinors) {
+    tDeviceRequest request(stack.getDevice(), IRP_MJ_PNP, minor);
+    EXPECT_EQ(statusOf(request), STATUS_DELETE_PENDING);
+  }
+  constexpr u8 kMajors[] = {IRP_MJ_POWER, IRP_MJ_SYSTEM_CONTROL, kRead};
+  for (u8 const major : kMajors) {
+    tDeviceRequest request(stack.getDevice(), major, IRP_MN_QUERY_POWER);
+    EXPECT_EQ(statusOf(request), STATUS_DELETE_PENDING);
+  }
+  tControl control(stack, codeOf(METHOD_NEITHER));
+  EXPECT_EQ(statusOf(control), STATUS_DELETE_PENDING);
+  EXPECT_EQ(control.ioStatus().Information, u64{0});
+  tRelationsRequest relations(stack, stack.getFloor());
+  EXPECT_EQ(statusOf(relations), STATUS_DELETE_PENDING);
+  EXPECT_EQ(relations.ioStatus().Information, u64{0});
 }
 
 }  // namespace
@@ -182,6 +237,57 @@ TEST(VexkDispatch, TheDevicesBelowMayRefuse) {
   tFunctionStack stack;
   stack.floorStatus = STATUS_UNSUCCESSFUL;
   EXPECT_EQ(stack.sendPnp(IRP_MN_QUERY_REMOVE_DEVICE), STATUS_UNSUCCESSFUL);
+}
+
+TEST(VexkDispatch, WhatTheDevicesBelowSayIsReturned) {
+  constexpr u8 kMinors[] = {IRP_MN_STOP_DEVICE, IRP_MN_SURPRISE_REMOVAL, IRP_MN_QUERY_STOP_DEVICE,
+                            IRP_MN_REMOVE_DEVICE};
+  tFunctionStack stack;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  for (u8 const minor : kMinors) {
+    stack.seenStatus = STATUS_PENDING;
+    tDeviceRequest request(stack.getDevice(), IRP_MJ_PNP, minor);
+    EXPECT_EQ(statusOf(request), STATUS_UNSUCCESSFUL);
+    EXPECT_EQ(stack.seenMinor, minor);
+    EXPECT_EQ(stack.seenStatus, STATUS_SUCCESS);
+  }
+}
+
+TEST(VexkDispatch, RequestsBesideTheRemovalAreRefused) {
+  tFunctionStack stack;
+  ASSERT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  stack.atFloor = expectRefusals;
+  EXPECT_EQ(stack.sendPnp(IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_STREQ(stack.component.getCalls(), "FSsFr");
+  EXPECT_FALSE(stack.hasDevice());
+}
+
+TEST(VexkDispatch, OfRelationsThatFailBelowTheListIsGivenBack) {
+  tFunctionStack stack;
+  ASSERT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  tRelationsRequest relations(stack, stack.getFloor());
+  EXPECT_EQ(statusOf(relations), STATUS_UNSUCCESSFUL);
+  EXPECT_EQ(relations.ioStatus().Information, u64{0});
+}
+
+TEST(VexkDispatch, OfRelationsThatSucceedBelowTheListStays) {
+  tFunctionStack stack;
+  ASSERT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  tRelationsRequest relations(stack, stack.getFloor());
+  EXPECT_EQ(statusOf(relations), STATUS_SUCCESS);
+  EXPECT_TRUE(relations.list != nullptr && relations.answer<DEVICE_RELATIONS>() == relations.list);
+}
+
+TEST(VexkDispatch, RelationsOfAnotherKindGoDownAsTheyAre) {
+  tFunctionStack stack;
+  ASSERT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  tRelationsRequest relations(stack, stack.getFloor());
+  relations.location().Parameters.QueryDeviceRelations.Type = RemovalRelations;
+  EXPECT_EQ(statusOf(relations), STATUS_UNSUCCESSFUL);
+  EXPECT_TRUE(relations.list != nullptr && relations.answer<DEVICE_RELATIONS>() == relations.list);
 }
 
 TEST(VexkDispatch, OtherPlugAndPlayRequestsGoDownAsTheyAre) {

@@ -92,6 +92,10 @@ NTSTATUS tFunctionStack::serveFloor(IRP& request) {
   seenMajor = location.MajorFunction;
   seenMinor = location.MinorFunction;
   seenStatus = request.IoStatus.Status;
+  if (auto* const hook = atFloor) {
+    atFloor = nullptr;
+    hook(*this);
+  }
   if (!keeps) return complete(request);
   IoMarkIrpPending(&request);
   __atomic_store_n(&kept, &request, __ATOMIC_RELEASE);

@@ -68,6 +68,9 @@ class tFunctionStack {
   void completeKept();
   bool keeps = false;
 
+  // Is called at the floor before the request is completed, unless it is null.
+  void (*atFloor)(tFunctionStack& stack) = nullptr;
+
   // What the floor completes with, and the last that it has seen.
   NTSTATUS floorStatus = STATUS_SUCCESS;
   NTSTATUS seenStatus = STATUS_PENDING;  // that a request came with
