@@ -7,6 +7,10 @@
 
 namespace {
 
+// What support knows the module by, whatever its version.
+constexpr tModuleGUID kIdentifier = {
+    0xB4E0D7C2, 0x5A39, 0x4F16, {0x8C, 0x71, 0x2E, 0x93, 0x60, 0xAF, 0x1D, 0x58}};
+
 bool startsWith(char const* text, char const* start) {
   while (*start != '\0' && *text == *start) ++text, ++start;
   return *start == '\0';
@@ -26,6 +30,7 @@ TEST(Package, TellsWhoTheModuleIs) {
   EXPECT_EQ(1u, package.format);
   EXPECT_EQ(u64{0}, package.reserved);
   EXPECT_EQ(6u, package.identity->format);
+  EXPECT_EQ(0, __builtin_memcmp(&package.identity->guid, &kIdentifier, sizeof(kIdentifier)));
   EXPECT_STREQ("oxdiagk", package.identity->name);
   EXPECT_STREQ("oxdiagk.dll", package.identity->fileName);
   EXPECT_EQ(520u, u32{package.registryPath.MaximumLength});
