@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "keptLines.h"
+#include "ntos/time.h"
 #include "ntoshost/time.h"
 #include "startedModules.h"
 #include "tRaisedIrql.h"
@@ -56,6 +57,24 @@ TEST(LineLimit, TheNextSecondTellsWhatWasLeftOut) {
             "no reply 0\nno reply 1\n"
             "12 lines left out\nno reply 20\nno reply 21\n"
             "1 line left out\nno reply 30\n");
+}
+
+// To the count of the kernel's counter, which is at the begin of a millisecond first.
+TEST(LineLimit, ASecondIsAThousandMilliseconds) {
+  LARGE_INTEGER countsPerSecond;
+  ntoshost::setTimeRate(0);
+  i64 const now = KeQueryPerformanceCounter(&countsPerSecond).QuadPart;
+  i64 const countsPerMillisecond = countsPerSecond.QuadPart / 1000;
+  ntoshost::moveTime(countsPerMillisecond - now % countsPerMillisecond);
+  tLineLimit limit;
+  u32 leftOut = 0;
+  EXPECT_TRUE(limit.admit(tLineLimit::kAtMostASecond, 1, leftOut));
+  ntoshost::moveTime(countsPerSecond.QuadPart - 1);
+  EXPECT_FALSE(limit.admit(tLineLimit::kAtMostASecond, 1, leftOut));
+  ntoshost::moveTime(1);
+  EXPECT_TRUE(limit.admit(tLineLimit::kAtMostASecond, 1, leftOut));
+  EXPECT_EQ(leftOut, 1u);
+  ntoshost::setTimeRate(1);
 }
 
 TEST(LineLimit, TheLineAboutOthersHasThePrefixOfItsPlace) {
