@@ -145,7 +145,7 @@ TEST_F(RequestCallers, OneWithoutNameOrWithAWrongNumberIsToldAndHungUpOn) {
     EXPECT_EQ(connection.awaitGreeting(), kRequestAccepted);
     EXPECT_TRUE(connection.send(&message, sizeof(message)));
     EXPECT_EQ(connection.awaitReply(), kRequestMalformed);
-    EXPECT_EQ(connection.awaitReply(), tConnection::kNothing);
+    EXPECT_TRUE(connection.isHungUpOn());
   }
 }
 
@@ -159,7 +159,7 @@ TEST_F(RequestCallers, MessagesOfAnotherSizeAreToldAndHungUpOn) {
     EXPECT_EQ(connection.awaitGreeting(), kRequestAccepted);
     EXPECT_TRUE(connection.send(bytes.data(), size)) << size;
     EXPECT_EQ(connection.awaitReply(), kRequestMalformed) << size;
-    EXPECT_EQ(connection.awaitReply(), tConnection::kNothing) << size;
+    EXPECT_TRUE(connection.isHungUpOn()) << size;
   }
   EXPECT_EQ(callOnce(), 0);
 }
@@ -174,6 +174,20 @@ TEST_F(RequestCallers, AConnectionIsOfTheProcessThatMadeIt) {
   });
   EXPECT_EQ(heir.await(), kRequestOtherProcess);
   EXPECT_EQ(doubler->served, 0);
+}
+
+// Whatever it sends behind a refusal.
+TEST_F(RequestCallers, OneThatIsRefusedAndGoesOnSendingIsHungUpOn) {
+  tConnection connection(path);
+  EXPECT_EQ(connection.awaitGreeting(), kRequestAccepted);
+  static tDoubling doubling;
+  tChild heir([&] {
+    for (int count = 0; count < 3; ++count) connection.send(kDoubler, &doubling);
+    return connection.awaitReply();
+  });
+  EXPECT_EQ(heir.await(), kRequestOtherProcess);
+  EXPECT_TRUE(connection.isHungUpOn());
+  EXPECT_EQ(doubler->begun, 0);
 }
 
 TEST_F(RequestCallers, AnHeirOfADeadProcessIsNotServed) {

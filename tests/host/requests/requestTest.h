@@ -3,6 +3,7 @@
 // A server in this program with a dispatcher of its own, and callers in other processes.
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -84,9 +85,12 @@ class tSignal {
   tSignal& operator=(tSignal const&) = delete;
 
   bool give() const { return write(ends[1], "x", 1) == 1; }
+
+  // Whether it is given, within a minute: who should give it may have failed.
   bool await() const {
+    pollfd watched = {ends[0], POLLIN, 0};
     char byte;
-    return read(ends[0], &byte, 1) == 1;
+    return poll(&watched, 1, 60'000) == 1 && read(ends[0], &byte, 1) == 1;
   }
 
  private:

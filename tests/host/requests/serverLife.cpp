@@ -24,6 +24,32 @@ class ServerLife : public RequestTest {
   }
 };
 
+// A user whom only this process has, and the folder in /tmp that anybody may have made.
+class FolderByDefault : public ServerLife {
+ protected:
+  void SetUp() override {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can become another user";
+    std::filesystem::remove_all(own);
+  }
+  ~FolderByDefault() override { std::filesystem::remove_all(own); }
+
+  // 0 when the user's server starts, or why it does not.
+  int startAsUser() const {
+    return tChild([this] {
+             unsetenv("XDG_RUNTIME_DIR");
+             umask(0);
+             if (setuid(user) != 0) return 200;
+             if (!startRequestServer(nullptr)) return errno;
+             stopRequestServer();
+             return 0;
+           })
+        .await();
+  }
+
+  uid_t const user = 1'000'000 + static_cast<uid_t>(getpid());
+  std::filesystem::path const own = "/tmp/oxdiag-" + std::to_string(user);
+};
+
 mode_t modeOf(std::string const& path) {
   struct stat found = {};
   stat(path.c_str(), &found);
@@ -129,6 +155,17 @@ TEST_F(ServerLife, WhatIsNoSocketIsLeftAlone) {
   std::filesystem::remove(path);
 }
 
+TEST_F(ServerLife, ALinkToASocketIsLeftAlone) {
+  std::string const left = folder.pathOf("left");
+  ASSERT_EQ(leaveASocket(left), 0);
+  std::filesystem::create_symlink(left, path);
+  expectRefusedStart(path.c_str(), EADDRINUSE);
+  EXPECT_TRUE(std::filesystem::is_symlink(path));
+  EXPECT_TRUE(std::filesystem::is_socket(left));
+  std::filesystem::remove(path);
+  std::filesystem::remove(left);
+}
+
 TEST_F(ServerLife, TheStopTakesOnlyItsOwnSocketAway) {
   startServer();
   std::filesystem::remove(path);
@@ -167,6 +204,31 @@ TEST_F(ServerLife, WithoutThatItIsInAFolderOfTheUsersOwn) {
   unsetenv("XDG_RUNTIME_DIR");
   EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
   EXPECT_EQ(found, wanted);
+}
+
+TEST_F(FolderByDefault, IsMadeForItsUserAlone) {
+  EXPECT_EQ(startAsUser(), 0);
+  EXPECT_EQ(modeOf(own.string()), mode_t{S_IFDIR | 0700});
+  EXPECT_TRUE(std::filesystem::is_empty(own));
+  EXPECT_EQ(startAsUser(), 0);
+}
+
+TEST_F(FolderByDefault, OfAStrangerIsNotUsed) {
+  std::filesystem::create_directory(own);
+  std::filesystem::permissions(own, std::filesystem::perms{0777});
+  EXPECT_EQ(startAsUser(), EPERM);
+  EXPECT_TRUE(std::filesystem::is_empty(own));
+}
+
+TEST_F(FolderByDefault, IsNoLinkToAnotherOne) {
+  std::filesystem::path const other = folder.pathOf("other");
+  std::filesystem::create_directory(other);
+  ASSERT_EQ(chown(other.c_str(), user, user), 0);
+  std::filesystem::create_directory_symlink(other, own);
+  ASSERT_EQ(lchown(own.c_str(), user, user), 0);
+  EXPECT_EQ(startAsUser(), EPERM);
+  EXPECT_TRUE(std::filesystem::is_empty(other));
+  std::filesystem::remove(other);
 }
 
 TEST_F(ServerLife, ARuntimeFolderWithALongNameIsRefused) {

@@ -45,6 +45,12 @@ int tConnection::awaitGreeting() {
   return await(greeting) ? static_cast<int>(greeting.answer) : kNothing;
 }
 
+bool tConnection::isHungUpOn() const {
+  pollfd watched = {descriptor, POLLIN, 0};
+  char byte;
+  return poll(&watched, 1, kPatience) == 1 && recv(descriptor, &byte, 1, 0) <= 0;
+}
+
 bool tConnection::send(void const* bytes, size_t size) const {
   return ::send(descriptor, bytes, size, MSG_NOSIGNAL) == static_cast<ssize_t>(size);
 }

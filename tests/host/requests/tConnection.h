@@ -28,6 +28,9 @@ class tConnection {
   int awaitReply(i32& status);
   int awaitReply();
 
+  // Whether the server hangs up, within 20 s, without a word more.
+  bool isHungUpOn() const;
+
   // All of it: greeting, message, reply.
   int call(std::string const& name, void const* request, i32& status);
   int call(std::string const& name, void const* request);
