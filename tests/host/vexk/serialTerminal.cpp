@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
+#include <iterator>
 #include <thread>
 
 #include "serialSupport.h"
@@ -56,6 +58,10 @@ size_t fill(tOpenPorts const& ports, char value) {
     ++count;
   }
   return count - 1;  // the last one waits in the transmitter
+}
+
+long countDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
 
 u64 millisecondsSince(std::chrono::steady_clock::time_point start) {
@@ -112,6 +118,23 @@ TEST(SerialTerminal, NameThatFindsNoRoomLeavesThePortAbsent) {
   EXPECT_FALSE(vexkhost::connectSerialTerminal(name, sizeof(name)));
   EXPECT_EQ(errno, ERANGE);
   EXPECT_EQ(tOpenPorts().read(kComScratch), 0xFF);
+}
+
+TEST(SerialTerminal, NoDescriptorIsLeftOrMissing) {
+  char name[64];
+  char tooShort[4];
+  long const before = countDescriptors();
+  for (int round = 0; round < 3; ++round) {
+    ASSERT_TRUE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+    EXPECT_EQ(countDescriptors(), before + 2);
+  }
+  EXPECT_FALSE(vexkhost::connectSerialTerminal(tooShort, sizeof(tooShort)));
+  EXPECT_EQ(countDescriptors(), before);
+  ASSERT_TRUE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+  tSerialFile const file;
+  EXPECT_EQ(countDescriptors(), before + 1);
+  vexkhost::disconnectSerialPort();
+  EXPECT_EQ(countDescriptors(), before);
 }
 
 TEST(SerialTerminal, TransmitterIsBusyWhileTheTerminalIsFull) {
