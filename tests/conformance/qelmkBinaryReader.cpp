@@ -136,7 +136,10 @@ TEST(QelmkBinaryReader, ReadsNothingAfterAnError) {
   tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
   tParcel parcel;
   status = kSomeError;
+  char character = 'c';
   parcel.readExternal(reader, status);
+  reader.readCharacters(&character, 1, status);
+  EXPECT_EQ('c', character);
   EXPECT_TRUE(reader.readObject(status) == nullptr);
   EXPECT_EQ(kSomeError, status);
   EXPECT_EQ(kHeaderSize, reader.getPosition());
@@ -205,6 +208,25 @@ TEST(QelmkBinaryReader, CharactersAtOnceAreReadAsFarAsTheyGo) {
   EXPECT_EQ(sizeof(kBytes), reader.getFailurePosition());
   reader.readCharacters(values, 1, status);
   EXPECT_STREQ("abc...", values);
+}
+
+TEST(QelmkBinaryReader, TheFirstFailureStaysTheOneThatIsTold) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 'a', 'b', 'c', 'd', 'e'};
+  i32 status = 0;
+  tBinaryObjectReader reader(kBytes, sizeof(kBytes), status);
+  u64 number = 0;
+  u32 shorter = 0;
+  char character = '\0';
+  reader.readCharacter(character, status);
+  reader.readU64(number, status);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_EQ(kHeaderSize + 1, reader.getFailurePosition());
+  status = 0;
+  reader.readU32(shorter, status);
+  EXPECT_EQ(0, status);
+  reader.readU32(shorter, status);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_EQ(kHeaderSize + 1, reader.getFailurePosition());
 }
 
 TEST(QelmkBinaryReader, AClassIsLookedUpAgainWhenItHasGone) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <map>
 #include <memory>
 #include <random>
@@ -56,6 +57,32 @@ tClass find(char const* name) {
   EXPECT_EQ(found.isValid() ? 0 : kStatusClassUnknown, status);
   return found;
 }
+
+// One turn of the hash that the registry arranges its classes by. A name counts by its length, then
+// its words.
+u64 mix(u64 hash, u64 word) {
+  hash = (hash ^ word) * 0x9E3779B97F4A7C15;
+  return hash ^ hash >> 32;
+}
+
+// The text of these words, or "" when one of them has a byte 0.
+std::string textOf(std::initializer_list<u64> words) {
+  std::string text;
+  for (u64 const word : words) text.append(reinterpret_cast<char const*>(&word), sizeof(word));
+  return text.find('\0') == std::string::npos ? text : "";
+}
+
+// Two names that the registry cannot tell apart by their hashes: of one length, or of which the
+// first begins the second.
+struct tTwins {
+  static constexpr u64 kFirst = 0x5F73656D616E5F61;
+  static constexpr u64 kSecond = 0x7962735F666F5F65;
+  u64 const begun = mix(16, kFirst) ^ kSecond;
+
+  std::string one = textOf({kFirst, kSecond});
+  std::string ofOneLength = textOf({kFirst + 1, begun ^ mix(16, kFirst + 1)});
+  std::string longer = textOf({kFirst, kSecond, begun ^ mix(mix(24, kFirst), kSecond)});
+};
 
 // What is registered by name: the record, and how often.
 using tModel = std::map<std::string, std::pair<tClassImplementation*, u32>>;
@@ -118,6 +145,25 @@ TEST(QelmkRegistryModel, ManyClassesAreFoundWhateverTheOrderOfLeaving) {
     nQELM100::unregisterClass(records.at(index));
   }
   EXPECT_TRUE(find("nQELM100::iCloneable").isValid());
+}
+
+TEST(QelmkRegistryModel, NamesOfOneHashAreToldApart) {
+  tRunningFramework const framework;
+  tTwins const twins;
+  for (std::string const& otherName : {twins.ofOneLength, twins.longer}) {
+    ASSERT_NE("", otherName);
+    tClassImplementation one(twins.one.c_str(), nullptr, nullptr);
+    tClassImplementation other(otherName.c_str(), nullptr, nullptr);
+    EXPECT_EQ(0, add(other));
+    EXPECT_FALSE(find(twins.one.c_str()).isValid());
+    EXPECT_EQ(0, add(one));
+    EXPECT_TRUE(find(twins.one.c_str()) == tClass(one));
+    EXPECT_TRUE(find(otherName.c_str()) == tClass(other));
+    nQELM100::unregisterClass(other);
+    EXPECT_TRUE(find(twins.one.c_str()) == tClass(one));
+    EXPECT_FALSE(find(otherName.c_str()).isValid());
+    nQELM100::unregisterClass(one);
+  }
 }
 
 TEST(QelmkRegistryModel, TakesNoMemory) {
