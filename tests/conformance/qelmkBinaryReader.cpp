@@ -4,6 +4,28 @@
 #include "support/tParcel.h"
 #include "support/tRegistration.h"
 
+// Classes whose names are alike: the one begins the other two, which differ by one in the last
+// character.
+class tCrate : public virtual nQELM100::iExternalizable {
+  QELM_DECLARE_CLASS(tCrate, nQELM100::iExternalizable)
+
+ public:
+  void writeExternal(nQELM100::iObjectWriter&, i32&) const override {}
+  void readExternal(nQELM100::iObjectReader&, i32&) override {}
+};
+
+class tCrate1 : public tCrate {
+  QELM_DECLARE_CLASS(tCrate1, tCrate)
+};
+
+class tCrate2 : public tCrate {
+  QELM_DECLARE_CLASS(tCrate2, tCrate)
+};
+
+QELM_DEFINE_CLASS(tCrate, "tCrate")
+QELM_DEFINE_CLASS(tCrate1, "tCrate1")
+QELM_DEFINE_CLASS(tCrate2, "tCrate2")
+
 namespace {
 
 using nQELM100::dynamicCast;
@@ -22,6 +44,7 @@ i32 statusOfHeader(u8 const (&header)[kHeaderSize], size_t size = kHeaderSize) {
   i32 status = 0;
   tBinaryObjectReader const reader(header, size, status);
   EXPECT_TRUE(reader.isAtEnd());
+  EXPECT_EQ(size_t{0}, reader.getPosition());
   EXPECT_EQ(size_t{0}, reader.getFailurePosition());
   return status;
 }
@@ -95,7 +118,21 @@ TEST(QelmkBinaryReader, ReadsTheGoldenBytes) {
   EXPECT_TRUE(reader.isAtEnd());
   auto const* const parcel = dynamicCast<tParcel>(object);
   EXPECT_TRUE(parcel != nullptr && parcel->isLike(wanted));
+  EXPECT_EQ(size_t{0}, reader.getFailurePosition());
   destroy(object);
+}
+
+TEST(QelmkBinaryReader, ReadsTextsOfOneCharacter) {
+  constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 1, 0, 0, 0, 'x', 1, 0, 0, 0, 'y', 'z'};
+  i32 status = 0;
+  tBinaryObjectReader reader(kBytes, sizeof(kBytes), status);
+  _STL::string text;
+  _STL::wstring wideText;
+  reader.readString(text, status);
+  reader.readWideString(wideText, status);
+  EXPECT_EQ(0, status);
+  EXPECT_TRUE(text.size() == 1 && text[0] == 'x');
+  EXPECT_TRUE(wideText.size() == 1 && wideText[0] == 'z' * 256 + 'y');
 }
 
 TEST(QelmkBinaryReader, ReadsNumbersOfEveryKind) {
@@ -177,6 +214,29 @@ TEST(QelmkBinaryReader, WhatALaterWriterAddedIsPassedOver) {
   auto const* const read = dynamicCast<tLaterParcel>(object);
   EXPECT_TRUE(read != nullptr && read->isLike(later));
   destroy(object);
+}
+
+TEST(QelmkBinaryReader, ObjectsOfClassesWithNamesThatAreAlikeFollowEachOther) {
+  tRegistration<tCrate> const registration;
+  tRegistration<tCrate1> const firstRegistration;
+  tRegistration<tCrate2> const secondRegistration;
+  tCrate const plain;
+  tCrate1 const first;
+  tCrate2 const second;
+  tObject const* const written[] = {&plain, &second, &first, &plain, &first, &second};
+  u8 bytes[128];
+  nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  i32 status = 0;
+  for (tObject const* const each : written) writer.writeObject(each, status);
+  writer.finish(status);
+  tBinaryObjectReader reader(bytes, writer.getSize(), status);
+  for (tObject const* const each : written) {
+    tObject* const object = reader.readObject(status);
+    ASSERT_EQ(0, status);
+    EXPECT_STREQ(each->getClass(status).getName(), object->getClass(status).getName());
+    destroy(object);
+  }
+  EXPECT_TRUE(reader.isAtEnd());
 }
 
 TEST(QelmkBinaryReader, StreamsFollowEachOther) {

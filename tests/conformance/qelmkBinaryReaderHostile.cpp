@@ -132,6 +132,10 @@ TEST(QelmkHostileBytes, ANameHasALargestLength) {
   EXPECT_EQ(kStatusStreamEnded, tHandmadeStream().put({0xFF, 0x01}).readObject());
 }
 
+TEST(QelmkHostileBytes, ANameIsNoLongerThanWhatIsLeft) {
+  EXPECT_EQ(kStatusStreamEnded, tHandmadeStream().put({5, 0, 0, 0, 0, 0}).readObject());
+}
+
 TEST(QelmkHostileBytes, AnUnknownClassMakesNoObject) {
   tRegistration<tParcel> const registration;
   EXPECT_EQ(kStatusClassUnknown, tHandmadeStream().putObject("tParce", 0).readObject());
@@ -146,8 +150,10 @@ TEST(QelmkHostileBytes, ANameWithNULIsUnknown) {
 }
 
 TEST(QelmkHostileBytes, AClassWithoutInstancesMakesNoObject) {
-  EXPECT_EQ(kStatusClassAbstract,
-            tHandmadeStream().putObject("nQELM100::iExternalizable", 0).readObject());
+  tHandmadeStream stream;
+  stream.putObject("nQELM100::iExternalizable", 0);
+  EXPECT_EQ(kStatusClassAbstract, stream.readObject());
+  EXPECT_EQ(kHeaderSize, stream.failurePosition);
 }
 
 TEST(QelmkHostileBytes, AClassThatIsNotExternalizableMakesNoObject) {

@@ -37,6 +37,11 @@ struct tBuffer {
   }
 };
 
+class tAnonymousParcel : public tParcel {
+ public:
+  nQELM100::tClass getClass(i32& /*status*/) const override { return nQELM100::tClass(); }
+};
+
 // Writes an object, which leaves the stream as it was when it fails.
 i32 statusOf(nQELM100::tObject const& object) {
   tBinaryObjectWriter writer(nullptr, 0);
@@ -225,6 +230,11 @@ TEST(QelmkBinaryWriter, AFullBufferKeepsAnEarlierError) {
 TEST(QelmkBinaryWriter, RefusesAClassThatNoReaderWouldFind) {
   tParcel const parcel;
   EXPECT_EQ(kStatusClassUnknown, statusOf(parcel));
+}
+
+TEST(QelmkBinaryWriter, RefusesAnObjectThatNamesNoClass) {
+  tAnonymousParcel const anonymous;
+  EXPECT_EQ(kStatusClassUnknown, statusOf(anonymous));
 }
 
 TEST(QelmkBinaryWriter, RefusesAClassWhoseNameMeansAnother) {
