@@ -153,6 +153,9 @@ TEST(ChildCreation, CharactersThatStopWindowsAreRefused) {
     tried = character;
     EXPECT_EQ(createWith(ids, 2), kStatusBadArgument);
     EXPECT_EQ(createWith(ids + 1, 1), kStatusBadArgument);
+    wchar_t const alone[] = {character, L'x', L'\0'};
+    wchar_t const* const aloneIds[] = {alone};
+    EXPECT_EQ(createWith(aloneIds, 1), kStatusBadArgument);
   }
   wchar_t const taken[] = {0x20, L'!', L'+', L'-', L'&', L'\\', L'~', 0x7F};
   for (wchar_t character : taken) {
