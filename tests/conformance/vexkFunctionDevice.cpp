@@ -57,11 +57,19 @@ TEST(VexkFunctionDevice, TakesOverThatPowerIsPagable) {
             DO_POWER_PAGABLE | DO_BUFFERED_IO);
 }
 
+TEST(VexkFunctionDevice, TakesOverNothingElse) {
+  constexpr u32 kOthers = 0x19;  // unload pending, exclusive, direct I/O
+  tFunctionStack stack(kOthers);
+  ASSERT_NE(stack.getDevice(), nullptr);
+  EXPECT_EQ(stack.getDevice()->Flags & (kOthers | DO_BUFFERED_IO | DO_POWER_PAGABLE), u32{0});
+}
+
 TEST(VexkFunctionDevice, StartGoesDownFirst) {
   tFunctionStack stack;
   EXPECT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
   EXPECT_STREQ(stack.component.getCalls(), "FS");
   EXPECT_TRUE(stack.component.place == nullptr);
+  EXPECT_EQ(stack.component.cameWith, 0);
 }
 
 TEST(VexkFunctionDevice, StartTellsThePlaceForChildren) {

@@ -37,6 +37,7 @@ void tRecordingComponent::note(char call) {
 void tRecordingComponent::start(iChildBus* children, i32& status) {
   note('S');
   place = children;
+  cameWith = status;
   if (startStatus != 0) status = startStatus;
 }
 

@@ -27,6 +27,7 @@ class tRecordingComponent : public iDeviceComponent {
   u64 controlInformation = 0;
 
   iChildBus* place = nullptr;  // of the last start
+  i32 cameWith = -1;           // its status before
   u32 code = 0;                // of the last control
   void* input = nullptr;
   u32 inputLength = 0;

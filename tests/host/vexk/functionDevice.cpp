@@ -120,8 +120,16 @@ TEST_F(FunctionDevice, NothingIsLeftWhenTheDeviceCannotBeMade) {
 TEST_F(FunctionDevice, NamesBelowItAreAsSecureAsTheDevice) {
   plugIn();
   DEVICE_OBJECT* const top = IoGetAttachedDeviceReference(device);
-  EXPECT_TRUE(top->Characteristics & FILE_DEVICE_SECURE_OPEN);
+  EXPECT_EQ(top->Characteristics, FILE_DEVICE_SECURE_OPEN);
   ObfDereferenceObject(top);
+  ntoshost::removeRootDevice(device);
+}
+
+TEST_F(FunctionDevice, IsOpenedByManyAtOnce) {
+  plugIn();
+  FILE_OBJECT* files[2] = {};
+  for (FILE_OBJECT*& file : files) EXPECT_EQ(ntoshost::openDevice(device, &file), STATUS_SUCCESS);
+  for (FILE_OBJECT* const file : files) ntoshost::closeDevice(file);
   ntoshost::removeRootDevice(device);
 }
 

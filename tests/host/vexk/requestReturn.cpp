@@ -7,6 +7,7 @@
 #include <memory>
 #include <thread>
 
+#include "ntos/irql.h"
 #include "ntos/thread.h"
 #include "ntoshost/executive.h"
 #include "platformSupport.h"
@@ -14,6 +15,7 @@
 #include "vexk/iLib.h"
 #include "vexk/moduleInfo.h"
 #include "vexkntos/tCriticalRegionGuard.h"
+#include "vexkntos/tReturnWatch.h"
 
 namespace {
 
@@ -112,6 +114,27 @@ TEST_F(RequestReturn, OneThatStaysInARegionIsNamed) {
   EXPECT_EQ(printOf(KeEnterCriticalRegion),
             "[vexk] the request to nTEST://nReturn returns within a critical region\n");
   KeLeaveCriticalRegion();
+}
+
+// At DISPATCH_LEVEL nobody may look for it.
+TEST_F(RequestReturn, TheLockIsNamedUpToApcLevel) {
+  tOpenLock lock(kLockName);
+  auto const returnAt = [&](KIRQL level) {
+    tCapturedPrint const print;
+    KIRQL before = PASSIVE_LEVEL;
+    {
+      tReturnWatch const watch("this", 4);
+      EXPECT_EQ(lock->acquire(kSyncWaitForever), 0);
+      KeRaiseIrql(level, &before);
+    }
+    KeLowerIrql(before);
+    lock->release();
+    return print.text();
+  };
+  EXPECT_EQ(returnAt(APC_LEVEL),
+            "[vexk] the request to this returns while its thread holds the lock 'nTEST::_mutex'\n");
+  EXPECT_EQ(returnAt(DISPATCH_LEVEL),
+            "[vexk] the request to this returns within a critical region\n");
 }
 
 TEST_F(RequestReturn, WhatTheThreadHadBeforeDoesNotCount) {
