@@ -187,10 +187,19 @@ TEST(QelmkRegistry, AClassHasAName) {
 TEST(QelmkRegistry, ANameHasALargestLength) {
   tClassImplementation tooLong(longName(kMostClassNameLength + 1), nullptr, nullptr);
   EXPECT_EQ(kStatusBadArgument, tryToRegister(tooLong));
+  EXPECT_FALSE(isFound(longName(kMostClassNameLength + 1)));
   tClassImplementation longest(longName(kMostClassNameLength), nullptr, nullptr);
   EXPECT_EQ(i32{0}, tryToRegister(longest));
   EXPECT_TRUE(isFound(longName(kMostClassNameLength)));
   unregisterClass(longest);
+}
+
+TEST(QelmkRegistry, ANameMayHaveOneCharacter) {
+  tClassImplementation shortest(longName(1), nullptr, nullptr);
+  EXPECT_EQ(i32{0}, tryToRegister(shortest));
+  EXPECT_TRUE(isFound("n"));
+  EXPECT_FALSE(isFound("m"));
+  unregisterClass(shortest);
 }
 
 TEST(QelmkRegistry, UnregisteringWhatIsNotRegisteredDoesNothing) {

@@ -115,6 +115,31 @@ TEST(Dispatchers, ExportedBehindTheRegistrationAreTheNextModules) {
   EXPECT_EQ(kStatusNoDispatcher, deliver());
 }
 
+TEST(Dispatchers, StayWithTheirModuleWhenAnotherComes) {
+  tModule first;
+  tModule second;
+  tEcho const echo;
+  EXPECT_EQ(0, first.open());
+  EXPECT_EQ(0, second.open());
+  EXPECT_EQ(0, second.close());
+  EXPECT_EQ(0, deliver());
+  EXPECT_EQ(0, first.close());
+  EXPECT_EQ(kStatusNoDispatcher, deliver());
+}
+
+TEST(Dispatchers, ExportedAnewAreTheNextModules) {
+  tModule first;
+  tModule second;
+  tEcho echo;
+  EXPECT_EQ(0, first.open());
+  EXPECT_EQ(0, echo.withdraw());
+  iLib::exportDispatcher(echo, echo.status);
+  EXPECT_EQ(0, echo.status);
+  EXPECT_EQ(kStatusNoDispatcher, deliver());
+  EXPECT_EQ(0, second.open());
+  EXPECT_EQ(0, deliver());
+}
+
 TEST(Dispatchers, AreReachedNoMoreOnceTheirModuleIsBeingUnregistered) {
   tModule module;
   tEcho echo;

@@ -61,6 +61,24 @@ class tBusy : public iLib::iDispatcher {
   std::atomic<u32> left = 0;
 };
 
+// Of the same name, exported when a test asks for it.
+class tIdle : public iLib::iDispatcher {
+ public:
+  tIdle() : iDispatcher(kName) {}
+  ~tIdle() override {
+    i32 status = 0;
+    iLib::unexportDispatcher(*this, status);
+  }
+
+  i32 exportNow() {
+    i32 status = 0;
+    iLib::exportDispatcher(*this, status);
+    return status;
+  }
+
+  void dispatch(u64 /*request*/) override {}
+};
+
 i32 enter(u32 /*reason*/) {
   return 0;
 }
@@ -131,6 +149,47 @@ TEST_F(DispatcherThreads, UnregisteringWaitsForTheRequestsOfAllItsDispatchers) {
   unregisterer.join();
   first.join();
   second.join();
+}
+
+// The first one's request ends first, the second one's much later.
+TEST_F(DispatcherThreads, EachWithdrawalWaitsForItsOwnRequests) {
+  tBusy busy;
+  tBusy other(kOtherName);
+  open();
+  std::thread request([] { EXPECT_EQ(deliver(1), 0); });
+  std::thread otherRequest([] { EXPECT_EQ(deliver(1, kOtherName), 0); });
+  waitFor(busy.entered, 1);
+  waitFor(other.entered, 1);
+  std::atomic<bool> isOtherWithdrawn = false;
+  std::thread withdrawer([&] { busy.withdraw(); });
+  waitALittle();
+  std::thread otherWithdrawer([&] {
+    other.withdraw();
+    isOtherWithdrawn = true;
+  });
+  waitALittle();
+  busy.letGo = 1;
+  withdrawer.join();
+  waitALittle();
+  EXPECT_FALSE(isOtherWithdrawn);
+  other.letGo = 1;
+  for (std::thread* each : {&otherWithdrawer, &request, &otherRequest}) each->join();
+  close();
+}
+
+TEST_F(DispatcherThreads, TheNameOfOneThatIsWaitedForIsTaken) {
+  tBusy busy;
+  open();
+  std::thread request([] { EXPECT_EQ(deliver(1), 0); });
+  waitFor(busy.entered, 1);
+  std::thread unregisterer([&] { close(); });
+  waitALittle();
+  tIdle next;
+  EXPECT_EQ(next.exportNow(), kStatusBadArgument);
+  busy.letGo = 1;
+  unregisterer.join();
+  request.join();
+  EXPECT_EQ(next.exportNow(), 0);
 }
 
 TEST_F(DispatcherThreads, ADispatcherMayBeWithdrawnWhileItsModuleWaitsForIt) {

@@ -117,6 +117,14 @@ TEST_F(FunctionDevice, NothingIsLeftWhenTheDeviceCannotBeMade) {
   EXPECT_TRUE(component.isReleased);
 }
 
+TEST_F(FunctionDevice, ADeviceThatCannotBeMadeIsToldWhy) {
+  ntoshost::failNth(ntoshost::kFaultDevice, 2);  // the first is the physical one
+  EXPECT_EQ(ntoshost::addRootDevice(driver, "FUNCTION", &device), STATUS_INSUFFICIENT_RESOURCES);
+  ntoshost::failNth(ntoshost::kFaultAttach, 1);
+  EXPECT_EQ(ntoshost::addRootDevice(driver, "FUNCTION", &device), STATUS_NO_SUCH_DEVICE);
+  ntoshost::clearFaults();
+}
+
 TEST_F(FunctionDevice, NamesBelowItAreAsSecureAsTheDevice) {
   plugIn();
   DEVICE_OBJECT* const top = IoGetAttachedDeviceReference(device);
