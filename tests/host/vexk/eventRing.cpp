@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <cstring>
 #include <memory>
 #include <string>
@@ -27,6 +28,18 @@ struct tGuarded {
     return true;
   }
 };
+
+constexpr u8 kFiller = 0x5A;
+
+// The text is the last member, but the event is a little larger.
+bool isUntouchedBehindText(tVexEvent const& event) {
+  u8 bytes[sizeof(event)];
+  std::memcpy(bytes, &event, sizeof(event));
+  size_t place = offsetof(tVexEvent, text) + sizeof(event.text);
+  while (place < sizeof(bytes) && bytes[place] == kFiller) ++place;
+  return place == sizeof(bytes);
+}
+static_assert(sizeof(tVexEvent) > offsetof(tVexEvent, text) + kVexEventTextSize);
 
 // A ring with so many events, each with its number for a text.
 std::unique_ptr<tEventRing> makeRing(u64 events) {
@@ -71,13 +84,14 @@ TEST(EventRing, ATextIsCutAtTheEndOfItsPlace) {
       ring.object.add(7, 0, std::string(length, 'x').c_str());
     }
     EXPECT_TRUE(ring.isWhole());
-    tGuarded<tVexEvent> event;
     for (u64 number = 1; number <= kVexEventCount; ++number) {
-      ASSERT_TRUE(ring.object.read(number, event.object));
-      EXPECT_EQ(event.object.number, number);
-      EXPECT_EQ(event.object.level, 7u);
-      EXPECT_EQ(std::strlen(event.object.text), length < kLongest ? length : kLongest);
-      EXPECT_TRUE(event.isWhole());
+      tVexEvent event;
+      std::memset(&event, kFiller, sizeof(event));
+      ASSERT_TRUE(ring.object.read(number, event));
+      EXPECT_EQ(event.number, number);
+      EXPECT_EQ(event.level, 7u);
+      EXPECT_EQ(std::strlen(event.text), length < kLongest ? length : kLongest);
+      EXPECT_TRUE(isUntouchedBehindText(event));
     }
   }
 }
