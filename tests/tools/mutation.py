@@ -7,6 +7,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import unittest.mock
 
 import places
 
@@ -125,7 +126,7 @@ class Weaving(unittest.TestCase):
 
 class Program:
     def __init__(self, name):
-        self.name = name
+        self.name = self.path = name
 
 
 class Meeting(unittest.TestCase):
@@ -155,6 +156,17 @@ class Meeting(unittest.TestCase):
         tests = {"A.a": 1, "A.b": 1, "A.c": 1}
         self.assertEqual(mutants.filters(["A.a"], tests), ["A.a"])
         self.assertEqual(mutants.filters(["A.a", "A.b"], tests), ["-A.c"])
+
+    def test_a_test_that_fails_by_itself_sees_no_mutant(self):
+        with tempfile.TemporaryDirectory() as folder:
+            log = pathlib.Path(folder) / "log"
+            log.write_text("- 0 1\nA.a 100 2 3\n!A.b 100 2\nA.c 100 4\nA.d 100 2\n+ 0 5\n")
+            each = mutants.read_reached(Program("each"), log)
+        self.assertEqual(each.numbers[2], ["A.a", "A.d"])
+        self.assertEqual(each.unusable, {"A.b"})
+        with unittest.mock.patch.object(mutants, "limited", return_value=(0, "")) as called:
+            mutants.meet(2, each, ["A.a", "A.d"], 0, "/")
+        self.assertIn("--gtest_filter=A.a:A.d", called.call_args.args[0])
 
     def test_the_test_that_failed_or_died_is_named(self):
         self.assertEqual(mutants.last_test("[ RUN      ] A.a\n[  FAILED  ] A.a (0 ms)\n"), "A.a")

@@ -67,6 +67,7 @@ class Reached:
     width: dict  # name -> how many places it reaches
     numbers: dict  # number -> names of tests
     around: set  # numbers that are reached before the first and after the last
+    unusable: set = dataclasses.field(default_factory=set)  # tests that fail or are skipped by themselves
 
     def meeting(self, names):
         return sum(self.tests[name] for name in names), self, names
@@ -114,17 +115,19 @@ def reach(program):
 
 
 def read_reached(program, log):
-    tests, width, numbers, around = {}, {}, collections.defaultdict(list), set()
+    tests, width, numbers, around, unusable = {}, {}, collections.defaultdict(list), set(), set()
     for line in log.read_text().splitlines() if log.exists() else []:
         name, microseconds, *reached = line.split()
         if name in "-+":
             around.update(map(int, reached))
-        elif not name.startswith("!"):
+        elif name.startswith("!"):
+            unusable.add(name[1:])
+        else:
             tests[name] = int(microseconds) / 1e6
             width[name] = len(reached)
             for number in reached:
                 numbers[int(number)].append(name)
-    return Reached(program, tests, width, dict(numbers), around)
+    return Reached(program, tests, width, dict(numbers), around, unusable)
 
 
 def filters(names, tests):
@@ -167,7 +170,7 @@ def meetings(place, reached, hints):
 
 def meet(number, each, names, seconds, folder):
     """The test that sees the mutant and how, or None."""
-    for names_filter in filters(names, each.tests):
+    for names_filter in filters(names, {*each.tests, *each.unusable}):
         code, output = limited(
             [each.program.path, f"--gtest_filter={names_filter}", "--gtest_fail_fast"], folder,
             LEAST_BUSY + BUSY * seconds, LEAST_PATIENCE + PATIENCE * seconds, OXDIAG_MUTANT=str(number))
