@@ -38,15 +38,22 @@ void tScatteredRings::findTable(std::string_view page) {
   for (tScattered& one : scattered) {
     uint64_t const first = entryAt(page, one.entry);
     bool const isTable = isPresent(first) && (first & kFrameMask) == one.head;
-    if (!isTable || !one.places.empty()) continue;
-    size_t const count = std::min(one.pages, kEntries - one.entry);
-    for (size_t index = 0; index < count; ++index) {
-      uint64_t const entry = entryAt(page, one.entry + index);
-      if (!isPresent(entry)) break;
-      one.places.push_back(entry & kFrameMask);
-      wanted[one.places.back()];
-    }
+    if (!isTable || one.tables.size() == kMostTables) continue;
+    one.tables.push_back(placesIn(page, one));
+    for (uint64_t const place : one.tables.back()) wanted[place];
   }
+}
+
+tScatteredRings::tPlaces tScatteredRings::placesIn(std::string_view table,
+                                                   tScattered const& one) const {
+  tPlaces places;
+  size_t const count = std::min(one.pages, kEntries - one.entry);
+  for (size_t index = 0; index < count; ++index) {
+    uint64_t const entry = entryAt(table, one.entry + index);
+    if (!isPresent(entry)) break;
+    places.push_back(entry & kFrameMask);
+  }
+  return places;
 }
 
 void tScatteredRings::takePage(uint64_t place, std::string_view page) {
@@ -55,14 +62,23 @@ void tScatteredRings::takePage(uint64_t place, std::string_view page) {
 }
 
 // Up to the first page that is not there.
-std::string tScatteredRings::bytesOf(tScattered const& one) const {
+std::string tScatteredRings::bytesOf(tPlaces const& places) const {
   std::string bytes;
-  for (uint64_t const place : one.places) {
+  for (uint64_t const place : places) {
     std::string const& page = wanted.at(place);
     if (page.empty()) break;
     bytes += page;
   }
   return bytes;
+}
+
+std::string tScatteredRings::bytesOf(tScattered const& one) const {
+  std::string most;
+  for (tPlaces const& places : one.tables) {
+    std::string bytes = bytesOf(places);
+    if (bytes.size() > most.size()) most = std::move(bytes);
+  }
+  return most;
 }
 
 std::vector<tRingFinder::tRing> tScatteredRings::join() const {

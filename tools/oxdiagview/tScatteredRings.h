@@ -13,7 +13,9 @@ namespace oxdiagview {
 // Puts rings together whose pages lie apart, as in an image of physical memory, in which a byte's
 // place is its physical address. Which pages a ring has tells the page table of which one entry, at
 // the place that the ring's address gives, names the page where its head lies. What is behind the
-// end of that table, 2 MiB of addresses at most, is not looked for.
+// end of that table, 2 MiB of addresses at most, is not looked for. Any page may look like a table
+// by chance, or because somebody wrote a text into it: of the first four that do, the one is taken
+// of which most pages are there.
 //
 // The pages of the image are looked at twice: for the tables, and for the pages that they name.
 class tScatteredRings {
@@ -38,14 +40,19 @@ class tScatteredRings {
   std::vector<tRingFinder::tRing> join() const;
 
  private:
+  static constexpr size_t kMostTables = 4;  // of a ring
+
+  using tPlaces = std::vector<uint64_t>;  // of the pages of a ring
   struct tScattered {
     size_t ring;    // its number
     uint64_t head;  // the place of the page with its head
     size_t entry;   // of that page in its table
     size_t pages;
-    std::vector<uint64_t> places;  // of its pages; empty until the table is found
+    std::vector<tPlaces> tables;  // by each page that looks like its table
   };
 
+  tPlaces placesIn(std::string_view table, tScattered const& one) const;
+  std::string bytesOf(tPlaces const& places) const;
   std::string bytesOf(tScattered const& one) const;
 
   std::vector<tRingFinder::tRing> const rings;

@@ -138,6 +138,19 @@ TEST_F(ViewDump, OfAnImageOfPhysicalMemoryThePagesAreFoundByTheirTable) {
   EXPECT_EQ(viewDump(physicalImage(ring(), 3)).output, whole);
 }
 
+// Each names the page with the head, as a table would, and then pages that are not there.
+TEST_F(ViewDump, PagesThatLookLikeTheTableHideNothing) {
+  keepTwoPages();
+  traceLines(1000);
+  std::string const whole = viewDump(ring()).output;
+  std::string image = physicalImage(ring(), 3);
+  for (size_t const page : {0u, 1u, 3u}) {
+    u64 const entries[] = {7 * 4096 | 1, u64{1} << 40 | 1};
+    std::memcpy(&image[page * 4096 + 3 * 8], entries, sizeof(entries));
+  }
+  EXPECT_EQ(viewDump(image).output, whole);
+}
+
 TEST_F(ViewDump, BehindTheEndOfThePageTableNothingIsTakenForText) {
   keepTwoPages();
   traceLines(1000);
