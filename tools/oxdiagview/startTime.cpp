@@ -10,6 +10,7 @@ constexpr std::string_view kForm = "0000-00-00T00:00:00";
 constexpr size_t kMostDecimals = 9;
 constexpr int kFirstYear = 1970;
 constexpr int kLastYear = 2499;
+constexpr uint64_t kNanosecondsPerSecond = 1'000'000'000;
 
 bool isDigit(char character) {
   return character >= '0' && character <= '9';
@@ -62,9 +63,9 @@ std::optional<uint64_t> readStartTime(std::string_view text) {
   if (!part || !date.ok() || !isTime || yearNumber < kFirstYear || yearNumber > kLastYear) {
     return std::nullopt;
   }
-  auto const since = sys_days(date).time_since_epoch() + hours(hour) + minutes(minute);
-  auto const whole = duration_cast<nanoseconds>(since + seconds(second)).count();
-  return static_cast<uint64_t>(whole) + *part;
+  seconds const since =
+      sys_days(date).time_since_epoch() + hours(hour) + minutes(minute) + seconds(second);
+  return static_cast<uint64_t>(since.count()) * kNanosecondsPerSecond + *part;
 }
 
 }  // namespace oxdiagview
