@@ -5,6 +5,7 @@
 
 #include "options/optionTable.h"
 #include "options/toolVersion.h"
+#include "options/utf8Text.h"
 #include "oxdiagctl/controlOptions.h"
 #include "oxdiagctl/libraryState.h"
 #include "oxdiagctl/objectCommand.h"
@@ -27,7 +28,9 @@ void showVersions(tControlOptions const& options) {
   auto const channel = openRequestChannel(options.place);
   auto const state = askLibraryState(*channel);
   if (!state) throw tFailure{kExitNotTaken, "the library there does not report its version"};
-  print(std::string("library    ") + state->build + "\n");
+  std::string build;
+  appendForTerminal(build, state->build);
+  print("library    " + build + "\n");
 }
 
 // For the shell, which completes them.
@@ -54,7 +57,9 @@ void runCommand(tControlOptions const& options) {
 }
 
 int complain(tFailure const& failure) {
-  std::fprintf(stderr, "oxdiagctl: %s.\n", failure.sentence.c_str());
+  std::string sentence;
+  appendForTerminal(sentence, failure.sentence);
+  std::fprintf(stderr, "oxdiagctl: %s.\n", sentence.c_str());
   return failure.code;
 }
 

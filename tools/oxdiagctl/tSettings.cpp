@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "options/optionText.h"
+#include "options/utf8Text.h"
 
 namespace {
 
@@ -18,7 +19,8 @@ std::string pad(std::string text, size_t width) {
   return text;
 }
 
-// Cells below each other, and nothing behind the last one of a line.
+// Cells below each other, and nothing behind the last one of a line. What is in a cell may be a
+// stranger's, and is for a terminal.
 std::string alignColumns(std::vector<tRow> const& rows) {
   std::vector<size_t> widths;
   for (tRow const& row : rows) {
@@ -31,7 +33,8 @@ std::string alignColumns(std::vector<tRow> const& rows) {
   for (tRow const& row : rows) {
     std::string line;
     for (size_t index = 0; index < row.size(); ++index) line += pad(row[index], widths[index]);
-    text += line.substr(0, line.find_last_not_of(' ') + 1) + "\n";
+    appendForTerminal(text, std::string_view(line).substr(0, line.find_last_not_of(' ') + 1));
+    text += '\n';
   }
   return text;
 }

@@ -57,6 +57,13 @@ TEST_F(Control, ShowsTheAssertionsByCategory) {
             "--exceptions       on       off          off            on\n");
 }
 
+TEST_F(Control, NothingThatItShowsSteersATerminal) {
+  std::string const term = "compname==\x1B[2J\xC2\x9B";
+  EXPECT_EQ(told({"trace", "--filter", term}), "--filter  verbosity>=100 -> compname==?[2J?\n");
+  EXPECT_NE(told({"trace"}).find("compname==?[2J?  which"), std::string::npos);
+  EXPECT_NE(told({"trace", "--raw"}).find(term), std::string::npos);
+}
+
 TEST_F(Control, ShowsTheTextOfTheLibraryAsItIs) {
   EXPECT_EQ(told({"trace", "--raw"}), std::string(kFirstSettings) + "\n");
 }
