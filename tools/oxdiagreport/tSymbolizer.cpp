@@ -1,38 +1,11 @@
 #include "oxdiagreport/tSymbolizer.h"
 
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 namespace {
 
-using nlohmann::json;
-
 constexpr char const* kNames[] = {"llvm-symbolizer", "llvm-symbolizer-14"};
 constexpr size_t kMostAnswer = size_t{1} << 20;
-
-std::string textIn(json const& object, char const* name) {
-  auto const member = object.find(name);
-  return member != object.end() && member->is_string() ? member->get<std::string>() : "";
-}
-
-u64 numberIn(json const& object, char const* name) {
-  auto const member = object.find(name);
-  return member != object.end() && member->is_number_unsigned() ? member->get<u64>() : 0;
-}
-
-std::vector<tSourcePlace> placesIn(std::string const& answer) {
-  std::vector<tSourcePlace> places;
-  json const object = json::parse(answer, nullptr, false);
-  if (!object.is_object() || !object.contains("Symbol")) return places;
-  for (json const& symbol : object["Symbol"]) {
-    if (!symbol.is_object()) continue;
-    tSourcePlace place = {textIn(symbol, "FunctionName"), textIn(symbol, "FileName"),
-                          numberIn(symbol, "Line")};
-    if (place.function.empty() && place.line == 0) continue;
-    places.push_back(std::move(place));
-  }
-  return places;
-}
 
 }  // namespace
 

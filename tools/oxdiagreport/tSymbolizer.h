@@ -5,14 +5,8 @@
 #include <vector>
 
 #include "compiler/types.h"
+#include "oxdiagreport/symbolAnswer.h"
 #include "oxdiagreport/tChildProgram.h"
-
-// A function that was being executed, and where.
-struct tSourcePlace {
-  std::string function;
-  std::string file;  // empty when it is not known
-  u64 line;          // 0 when it is not known
-};
 
 // LLVM's symbolizer, llvm-symbolizer of Debian's package llvm, as a program that answers until this
 // object ends. One that ends at a module, or says nothing of it for a minute, is started again for
