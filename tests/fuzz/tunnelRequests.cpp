@@ -13,7 +13,7 @@
 //     h N         the handle: of the object, none or unknown
 //     w AT BYTES  writes bytes; any byte but a newline
 //     o N         the request begins N bytes before the end of the page, with what is behind it
-//     gone ! N         the Nth allocation fails        * N   the Nth and all later ones
+//     ! N         the Nth allocation fails        * N   the Nth and all later ones
 //
 // or, with R as the first byte, the request itself, bytes up to the end of the page.
 
