@@ -1,8 +1,9 @@
-// Binary streams that nobody wrote. What begins like a stream is read as objects, and as a status;
-// everything else is the content of an object: its first character says of which class, from 'A' on
-// in the order below. Every object and status that comes out is written and read once more. A
-// client's reader that cannot tell how much is left reads the same; whichever reads, the memory
-// that it takes is bounded by the bytes that were read.
+// Binary streams that nobody wrote. What begins like a stream is read as objects, and as a status,
+// and so is what lines build that begin with one of "s" (support/tStreamScript.h); everything else
+// is the content of an object: its first character says of which class, from 'A' on in the order
+// below. Every object and status that comes out is written and read once more. A client's reader
+// that cannot tell how much is left reads the same; whichever reads, the memory that it takes is
+// bounded by the bytes that were read.
 
 #include <iterator>
 
@@ -12,6 +13,7 @@
 #include "qelmk/tWatchingReader.h"
 #include "support/fuzzing.h"
 #include "support/tExactText.h"
+#include "support/tStreamScript.h"
 
 namespace {
 
@@ -214,7 +216,8 @@ std::string asObject(std::string const& input) {
 
 }  // namespace
 
-void fuzzInput(std::string const& input) {
+void fuzzInput(std::string const& given) {
+  std::string const input = given.starts_with("s\n") ? tStreamScript(given).getBytes() : given;
   if (input.empty()) return;
   bool const isStream = input.starts_with(header().substr(0, sizeof(nQELM100::kBinaryStreamMagic)));
   std::string const bytes = isStream ? input : asObject(input);
