@@ -16,9 +16,16 @@ namespace {
 
 using nOXDIAG100::tStatus2;
 
+constexpr char kWords[] =
+    "component rack\nusage 1 line\nusage 2 field\nproperty 1 slot\nproperty 2 instance\n"
+    "value 1 2 second\n";
+
 class tReports {
  public:
-  explicit tReports(char const* language) : language(language, words) {}
+  explicit tReports(char const* language) : language(language, words) {
+    std::string problem;
+    demand(words.add(kWords, problem), "the words are good", [&] { return problem; });
+  }
 
   void read(std::string_view bytes) {
     tStatusFile file(bytes);
