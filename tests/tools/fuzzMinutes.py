@@ -45,6 +45,15 @@ class Ledgers(Folder):
         self.assertEqual(ledger.lacking("words", "one", 300), 100)
         self.assertEqual(ledger.lacking("words", "one", 150), 0)
 
+    def test_calls_at_the_same_time_keep_what_the_others_write(self):
+        one, other = fuzzLedger.Ledger(self.path), fuzzLedger.Ledger(self.path)
+        one.add("words", "one", 100, 7, 12, "")
+        other.add("texts", "two", 200, 8, 13, "")
+        one.add("words", "one", 100, 7, 12, "")
+        kept = fuzzLedger.Ledger(self.path)
+        self.assertEqual([kept.entry("words", "one").seconds, kept.entry("texts", "two").seconds],
+                         [200, 200])
+
     def test_a_program_of_other_sources_begins_again(self):
         ledger = fuzzLedger.Ledger(self.path)
         ledger.add("words", "one", 100, 7, 12, "crash")

@@ -2,9 +2,10 @@
 anew from other sources begins again, for what it was run with says nothing of it."""
 
 import collections
+import contextlib
+import fcntl
 import hashlib
 import json
-import threading
 
 Entry = collections.namedtuple("Entry", "program seconds runs coverage finding")
 # Its program, the seconds and inputs that this had, the edges that were reached at last, and the
@@ -19,11 +20,27 @@ def state_of(program):
 class Ledger:
     def __init__(self, path):
         self.path = path
-        self.lock = threading.Lock()
-        self.entries = {}
-        if path.exists():
-            kept = json.loads(path.read_text())
-            self.entries = {name: Entry(**fields) for name, fields in kept.items()}
+        self.entries = self.read()
+
+    def read(self):
+        if not self.path.exists():
+            return {}
+        kept = json.loads(self.path.read_text())
+        return {name: Entry(**fields) for name, fields in kept.items()}
+
+    def write(self):
+        fresh = self.path.with_suffix(".new")
+        kept = {name: entry._asdict() for name, entry in sorted(self.entries.items())}
+        fresh.write_text(json.dumps(kept, indent=1) + "\n")
+        fresh.replace(self.path)
+
+    @contextlib.contextmanager
+    def alone(self):
+        """No other thread or program of this folder writes meanwhile."""
+        self.path.parent.mkdir(parents=True, exist_ok=True)
+        with open(self.path.with_suffix(".lock"), "w", encoding="ascii") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            yield
 
     def entry(self, name, program):
         """What is known of this build of a target."""
@@ -32,15 +49,12 @@ class Ledger:
 
     def add(self, name, program, seconds, runs, coverage, finding):
         """Notes one run, in the file at once: the next one may be interrupted."""
-        with self.lock:
+        with self.alone():
+            self.entries = self.read()
             kept = self.entry(name, program)
             self.entries[name] = Entry(program, round(kept.seconds + seconds, 1), kept.runs + runs,
                                        max(kept.coverage, coverage), finding or kept.finding)
-            self.path.parent.mkdir(parents=True, exist_ok=True)
-            fresh = self.path.with_suffix(".new")
-            fresh.write_text(json.dumps({key: value._asdict() for key, value
-                                         in sorted(self.entries.items())}, indent=1) + "\n")
-            fresh.replace(self.path)
+            self.write()
 
     def lacking(self, name, program, seconds):
         """How long a target has yet to run for so many seconds; not at all behind a finding."""
