@@ -27,6 +27,10 @@ namespace nOXDIAG100 {
 // many as its size needs: 0 bytes one unit, 16 bytes two, 17 bytes three. 64 blocks of 240 bytes
 // fill it.
 //
+// A block that was given back is no longer its caller's. The address sanitizer, if the library is
+// built with it, reports who uses such a block; in a build without NDEBUG each byte of its content
+// is 0xDD then.
+//
 // Any thread; every change happens under the pool's own lock. IRQL <= APC_LEVEL: above it nothing
 // is allocated or released and the status becomes kStatusSyncIrqlTooHigh.
 class OXDIAG_API tStatus2Heap {

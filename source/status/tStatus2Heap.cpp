@@ -1,14 +1,16 @@
 #include "oxdiagk/tStatus2Heap.h"
 
 #include "qelmk/mergeStatus.h"
+#include "status/freedMemory.h"
 #include "vexk/memory.h"
 #include "vexk/placementNew.h"
 
 namespace nOXDIAG100 {
 
-// The header of a block, one unit. A free block links to the next one in address order. One that is
-// allocated links to itself, which no free block does and hardly any content: an address inside a
-// block is not taken for a block.
+// The header of a block, one unit. Of a free block only the header is read; the rest is retired,
+// and so is the header of one that another took up. A free block links to the next one in address
+// order. One that is allocated links to itself, which no free block does and hardly any content: an
+// address inside a block is not taken for a block.
 struct tStatus2Heap::tBlock {
   tBlock* next;
   u32 units;  // header included; 0 for the anchor alone
@@ -24,6 +26,10 @@ constexpr size_t kArenaSize = size_t{kArenaUnits} * tStatus2Heap::kUnitSize;
 
 constexpr tSyncDescriptor kLock = {
     kSyncKindMutex, kSyncFlagLongLived, kSyncAccessSynchronize, {0, 0}};
+
+void retireUnits(void* first, u32 units) {
+  retireMemory(first, size_t{units} * tStatus2Heap::kUnitSize);
+}
 
 // A negative size counts as the 2 GiB and more that its bits say, which no pool has.
 u32 unitsOf(i32 size) {
@@ -56,6 +62,7 @@ i32 tStatus2Heap::destroy() {
   if (heap == nullptr) return 0;
   pool = nullptr;
   i32 const status = syncClose(heap->lock);
+  reuseMemory(heap->arena, kArenaSize);
   _memDelete(heap->arena);
   _memDelete(heap);
   return status;
@@ -82,6 +89,7 @@ tStatus2Heap::tStatus2Heap(void* memory, iSync* sync)
   }
   firstUsableUnit = arena + 1;
   *firstUsableUnit = {arena, kTotalUnits, 0};
+  retireUnits(firstUsableUnit + 1, kTotalUnits - 1);
   *arena = {firstUsableUnit, 0, 0};
 }
 
@@ -134,6 +142,7 @@ tStatus2Heap::tBlock* tStatus2Heap::takeFrom(tBlock* previous, tBlock* block, u3
     block->units -= units;
     taken = block + block->units;
   }
+  reuseMemory(taken, size_t{units} * kUnitSize);
   *taken = {taken, units, 0};
   freeUnits -= units;
   usedUnits += units;
@@ -163,9 +172,11 @@ tStatus2Heap::tBlock* tStatus2Heap::findPredecessor(tBlock const* block) const {
   return previous;
 }
 
+// Nothing inside a free block is read: it is retired, and a stranger may have written to it.
 bool tStatus2Heap::isReleasable(tBlock const* block, tBlock const* previous) const {
+  if (previous + previous->units > block) return false;
   bool const isAllocated = block->next == block && block->units != 0;
-  if (!isAllocated || previous + previous->units > block) return false;
+  if (!isAllocated) return false;
   tBlock const* const next = previous->next;
   tBlock const* const limit = next == arena ? arena + kArenaUnits : next;
   return block->units <= static_cast<size_t>(limit - block);
@@ -176,15 +187,19 @@ void tStatus2Heap::insert(tBlock* block, tBlock* previous) {
   usedUnits -= block->units;
   freeUnits += block->units;
   ++freeBlocks;
-  block->next = previous->next;
-  if (block + block->units == block->next) {
-    block->units += block->next->units;
-    block->next = block->next->next;
+  retireUnits(block + 1, block->units - 1);
+  tBlock* const next = previous->next;
+  block->next = next;
+  if (block + block->units == next) {
+    block->units += next->units;
+    block->next = next->next;
+    retireUnits(next, 1);
     --freeBlocks;
   }
   if (previous + previous->units == block) {
     previous->units += block->units;
     previous->next = block->next;
+    retireUnits(block, 1);
     --freeBlocks;
   } else {
     previous->next = block;
