@@ -40,6 +40,16 @@ if(OXDIAG_TARGET STREQUAL "host")
     target_compile_options(oxdiag_warnings INTERFACE
       "-fsanitize-coverage-ignorelist=${PROJECT_SOURCE_DIR}/tests/fuzz/uncovered.txt")
   endif()
+  if(OXDIAG_COVERAGE)
+    # The counters are a mapped file (%c in LLVM_PROFILE_FILE), so that a program may die at any time;
+    # its threads and its children count in the same ones.
+    target_compile_options(oxdiag_warnings INTERFACE -fprofile-instr-generate -fcoverage-mapping
+      -fprofile-update=atomic "SHELL:-mllvm -runtime-counter-relocation"
+      "-fprofile-list=${PROJECT_SOURCE_DIR}/tests/coverage/counted.txt")
+    # A program that has nothing of the product would say so on its standard error.
+    target_link_options(oxdiag_warnings INTERFACE -fuse-ld=lld
+      $<$<NOT:$<STREQUAL:$<TARGET_PROPERTY:NAME>,oxdiagctl>>:-fprofile-instr-generate>)
+  endif()
 elseif(OXDIAG_TARGET STREQUAL "windows")
   # -fms-extensions brings __declspec, __int64 and __try; -Wpedantic must not object to them.
   # Call stacks and __try walk by the unwind tables, which -ffreestanding would leave out.

@@ -16,6 +16,7 @@ import budget  # noqa: E402
 import commands  # noqa: E402
 import compileChecks  # noqa: E402
 import control  # noqa: E402
+import coverage  # noqa: E402
 import cppcheck  # noqa: E402
 import demos  # noqa: E402
 import dialect  # noqa: E402
@@ -102,6 +103,7 @@ STEPS = {
     "host-rounds": ("host tests, clang, sanitizers, random tests with all rounds",
                     lambda: programs.check("host-rounds", "host_tests")),
     "schedules": ("faults that the schedules of threads have to find", scheduleFaults.check),
+    "coverage": ("lines and branches of the product, each reached by a test", coverage.check),
     "mutants": ("a sample of the mutants, each seen by a test", mutants.check),
     "browser": ("the page of a trace in a browser", browser.check),
 }
@@ -109,8 +111,9 @@ STEPS = {
 PROOF = {"packages-long", "clean-debian", "programs", "dist", "gdb", "tidy", "handbook", "commands-long", "twins",
          "kit-alone", "faults-long", "fuzz-runs", "host-plain", "host-tsan", "host-debug",
          "host-rounds", "schedules", "browser", "cppcheck"}
-# A sample of the mutants nearly always has some that no test has been written for yet.
-WHEN_NAMED = PROOF | {"mutants"}
+# A sample of the mutants nearly always has some that no test has been written for yet, and some
+# outcomes of conditions have none.
+WHEN_NAMED = PROOF | {"mutants", "coverage"}
 
 # Most steps wait for one process after the other while they do not build; two of them keep two
 # cores busy. What ./dev prove runs is beside nothing else, so that its limits of time mean something.

@@ -37,7 +37,7 @@ packages_for() {
     docs) echo python3 "${pages[@]}" ;;
     metal) echo "${host[@]}" "${bare[@]}" ;;
     mutants) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${mutation[@]}" ;;
-    fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
+    coverage | fuzz | soak) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" ;;
     everything | prove) packages_for test && echo "${pages[@]}" "${debugger[@]}" "${browser[@]}" \
       "${analysis[@]}" "${fresh[@]}" ;;
     build | test) echo "${host[@]}" "${tests[@]}" "${sanitizers[@]}" "${windows[@]}" "${wine[@]}" \
