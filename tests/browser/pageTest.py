@@ -102,7 +102,7 @@ class PageTest(unittest.TestCase):
         end = time.monotonic() + PATIENCE
         while not condition():
             self.assertLess(time.monotonic(), end, sentence)
-            time.sleep(0.02)
+            time.sleep(0.02)  # between two looks
 
     def shown(self):
         """How many lines the list has now."""

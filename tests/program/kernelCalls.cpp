@@ -70,7 +70,7 @@ void checkDeadline() {
 }
 
 void setLater() {
-  tWorker::sleep(20);
+  tWorker::sleep(20);  // until the other thread waits
   KeSetEvent(&event, 0, 0);
 }
 
@@ -138,7 +138,7 @@ void checkMachine() {
   ExFreePoolWithTag(block, kTag);
   LARGE_INTEGER frequency;
   LARGE_INTEGER const start = KeQueryPerformanceCounter(&frequency);
-  tWorker::sleep(20);
+  tWorker::sleep(20);  // is what the counter measures
   i64 const passed = KeQueryPerformanceCounter(nullptr).QuadPart - start.QuadPart;
   expect(passed * 1000 / frequency.QuadPart >= 15, "the counter counts at another rate");
   expect(PsGetCurrentThreadId() != nullptr, "a thread has no number");

@@ -38,6 +38,7 @@ import pages  # noqa: E402
 import programs  # noqa: E402
 import scheduleFaults  # noqa: E402
 import scripts  # noqa: E402
+import sleeps  # noqa: E402
 import toolNames  # noqa: E402
 import twins  # noqa: E402
 import windowsGuide  # noqa: E402
@@ -65,6 +66,7 @@ STEPS = {
     "kit": ("public headers beside the driver kit's, and for the vendor's compiler",
             besideKit.check),
     "kit-alone": ("each public header by itself beside the driver kit's", besideKit.check_alone),
+    "sleeps": ("every sleep of a test says why", sleeps.check),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "documents": ("what pages and headers name is there", pages.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),

@@ -29,6 +29,7 @@ inline NTSTATUS look(void* object) {
   return waitFor(object, inMilliseconds(0));
 }
 
+// Time for what has to wait to go on, if it can.
 inline void pause(i64 milliseconds) {
   std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }

@@ -91,7 +91,7 @@ class WithheldMemory : public RequestTest {
   template <class tCondition>
   static bool awaitThat(tCondition condition) {
     for (int look = 0; look < kLooks && !condition(); ++look) {
-      std::this_thread::sleep_for(kBetweenLooks);
+      std::this_thread::sleep_for(kBetweenLooks);  // not for long
     }
     return condition();
   }
@@ -300,7 +300,7 @@ TEST_F(WithheldMemory, WhoHasAllPlacesOfAUserGivesThemToTheNext) {
   SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD();
   for (u32 count = 0; count < kRequestPlacesOfOneUser; ++count) addStuck();
   EXPECT_TRUE(awaitThat([this] { return doubler->begun == int{kRequestPlacesOfOneUser}; }));
-  std::this_thread::sleep_for(kOneSecond / 5);
+  std::this_thread::sleep_for(kOneSecond / 5);  // until all are stuck
   for (int call = 0; call < 3; ++call) EXPECT_EQ(callUntilServed(), 0);
   EXPECT_EQ(doubler->served, 3);
 }
@@ -323,7 +323,7 @@ TEST_F(WithheldMemory, ThatArrivesAfterAllIsServed) {
     tConnection connection(path);
     if (connection.awaitGreeting() != kRequestAccepted) return 102;
     if (!connection.send(kDoubler, page)) return 103;
-    std::this_thread::sleep_for(kOneSecond / 2);
+    std::this_thread::sleep_for(kOneSecond / 2);  // the server reads meanwhile
     if (!withheld.deliver(page, {21})) return 104;
     if (connection.awaitReply() != kRequestAccepted) return 105;
     return static_cast<tDoubling*>(page)->result == 42 ? 0 : 106;
@@ -347,7 +347,7 @@ TEST_F(WithheldMemory, AStopWaitsLessThanASecondForAFirstPageThatIsWithheld) {
     return isWithheld ? connection.awaitReply() : 100;
   }));
   EXPECT_TRUE(isSent.await());
-  std::this_thread::sleep_for(kOneSecond / 10);
+  std::this_thread::sleep_for(kOneSecond / 10);  // until the server reads
   EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
   EXPECT_EQ(doubler->served, 0);
 }
@@ -364,13 +364,13 @@ TEST_F(WithheldMemory, AStopWaitsLessThanASecondForMemoryThatTricklesIn) {
     if (connection.awaitGreeting() != kRequestAccepted) return 101;
     if (!connection.send("nTEST://nEcho", pages) || !isSent.give()) return 102;
     for (size_t at = 0; at < tEcho::kLength; at += kPage) {
-      std::this_thread::sleep_for(kOneSecond / 8);
+      std::this_thread::sleep_for(kOneSecond / 8);  // each page comes a little later
       if (!withheld.deliver(pages + at, {})) return 103;
     }
     return connection.awaitReply();
   }));
   EXPECT_TRUE(isSent.await());
-  std::this_thread::sleep_for(kOneSecond / 2);
+  std::this_thread::sleep_for(kOneSecond / 2);  // the server has some of the pages
   EXPECT_LT(timeOf(stopRequestServer), kOneSecond);
   EXPECT_LT(echo.read, tEcho::kLength);
 }

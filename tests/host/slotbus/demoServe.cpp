@@ -105,6 +105,7 @@ class SlotbusServe : public tDemoTest {
     EXPECT_EQ(prlimit(child, RLIMIT_FSIZE, &few, nullptr), 0);
   }
 
+  // Looks now and then.
   void waitFor(std::string const& file, std::string const& text) const {
     for (int turn = 0; turn < kPatience && !contains(readFile(file), text); ++turn) usleep(kPause);
     EXPECT_TRUE(contains(readFile(file), text)) << file << ": " << readFile(file);
@@ -152,7 +153,7 @@ TEST_F(SlotbusServe, ACallerThatDiesInTheMiddleHoldsUpNobody) {
                 tConnection connection(socket());
                 if (connection.awaitGreeting() != kRequestAccepted) return 1;
                 if (!connection.send(kTunnelName, request.get())) return 2;
-                usleep(static_cast<useconds_t>(round) * 100);
+                usleep(static_cast<useconds_t>(round) * 100);  // another moment of its work
                 return raise(SIGKILL);
               }),
               -1);
@@ -171,7 +172,7 @@ TEST_F(SlotbusServe, ACallerThatUnmapsItsBufferIsAnsweredAllTheSame) {
                 tConnection connection(socket());
                 if (connection.awaitGreeting() != kRequestAccepted) return 1;
                 if (!connection.send(kTunnelName, request)) return 2;
-                usleep(static_cast<useconds_t>(round) * 100);
+                usleep(static_cast<useconds_t>(round) * 100);  // another moment of its work
                 munmap(memory, sizeof(tLongRequest));
                 return connection.awaitReply() == kRequestAccepted ? 0 : 3;
               }),
@@ -207,7 +208,7 @@ TEST_F(SlotbusServe, SurvivesTheEndOfItsTerminalWhenItWasStartedForThat) {
   hangup = SIG_IGN;
   start();
   sendSignal(SIGHUP);
-  usleep(100'000);
+  usleep(100'000);  // time to end, if the signal did that
   expectServing();
   EXPECT_EQ(end(SIGINT), 0);
 }
@@ -248,7 +249,7 @@ TEST_F(SlotbusServe, TheSerialPortIsATerminalThatIsNamedAtTheStart) {
 TEST_F(SlotbusServe, ASerialPortThatNobodyReadsHoldsUpNoEnd) {
   start({"--filter", "verbosity>=60"});
   EXPECT_EQ(control({"trace", "--destination", "serial", "--prefixwidth", "4000"}).exitCode, 0);
-  usleep(2'500'000);
+  usleep(2'500'000);  // a device is asked every two seconds
   EXPECT_EQ(endInTime(), 4);
   EXPECT_TRUE(contains(readFile("server.err"), "slotbus_demo: "));
 }
@@ -260,7 +261,7 @@ TEST_F(SlotbusServe, OutputThatNobodyTakesHoldsUpNoEnd) {
   launch({kFaultyRack, "--trace", "--prefixwidth 1000"}, ends[1]);
   int waiting = 0;
   for (int turn = 0; turn < kPatience && waiting < 4096; ++turn) {
-    usleep(kPause);
+    usleep(kPause);  // between two looks
     ioctl(ends[0], FIONREAD, &waiting);
   }
   EXPECT_EQ(waiting, 4096);

@@ -286,7 +286,7 @@ TEST(Soak, EverythingAtOnce) {
   for (u64 index = 0; index < kThreads; ++index) workers.emplace_back(shared, seed + index);
   std::vector<std::thread> threads;
   for (tWorker& worker : workers) threads.emplace_back([&worker] { worker.run(); });
-  std::this_thread::sleep_for(std::chrono::seconds(seconds));
+  std::this_thread::sleep_for(std::chrono::seconds(seconds));  // of the soak
   shared.isOver = true;
   for (std::thread& thread : threads) thread.join();
   for (std::atomic<u32> const& handle : shared.handles) releaseInstance(handle);

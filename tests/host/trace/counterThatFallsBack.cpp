@@ -41,10 +41,11 @@ TEST(CounterThatFallsBack, EndsNoWait) {
     tOwnTrace trace(slow);
     std::thread writer([&] { trace.put("slow").endl(); });
     while (!slow.isWithin) std::this_thread::yield();
+    // The counter falls back while the switch waits, and the switch looks at it then.
     std::thread clock([&] {
       std::this_thread::sleep_for(std::chrono::milliseconds(20));
       ntoshost::moveTime(-kHour);
-      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));  // for some looks
       slow.mayGo = true;
     });
     EXPECT_EQ(trace.setDestination(next), &slow);

@@ -99,6 +99,7 @@ TEST(TraceThreads, SwitchingTheMutexWaitsForTheLineOfAnotherThread) {
   std::thread writer([&] {
     trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
     lineIsOpen = true;
+    // Time for the other thread to come too early, if it can.
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
     lineIsEnded = true;
     trace.endl();

@@ -99,7 +99,7 @@ TEST(SerialOnHost, TransmitterOfAFullTerminalIsPolledUntilSomebodyReads) {
   std::string got;
   std::thread reader([&] {
     FILE* const terminal = fopen(name, "rb");
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));  // until the line is full
     for (int byte = 0; got.size() < text.size() && (byte = fgetc(terminal)) != EOF;) {
       got += static_cast<char>(byte);
     }

@@ -57,6 +57,7 @@ class tStickyDestination : public iTraceDestination {
 
   void stick() {
     thread = tThreadUtility::getCurrentThreadId();
+    // Looks now and then.
     while (!mayGo) std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
 };
@@ -273,11 +274,11 @@ TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
   trace.enableMutex();
   tOpenLine first(trace);
   first.await();
-  tOpenLine second(trace);  // waits for the first one
+  tOpenLine second(trace);  // waits for the first one, a while later
   std::this_thread::sleep_for(kAWhile);
   std::future<void> const change =
       std::async(std::launch::async, [&] { trace.setDestination(next); });
-  std::this_thread::sleep_for(kAWhile);
+  std::this_thread::sleep_for(kAWhile);  // until it waits, too
   first.end();
   second.await();
   EXPECT_EQ(change.wait_for(kLongEnough), std::future_status::ready);
@@ -309,6 +310,7 @@ class tSlowOpening final : public tKeptLines {
  public:
   u32 open() override {
     isWithin = true;
+    // Looks now and then.
     while (!mayGo) std::this_thread::sleep_for(std::chrono::milliseconds(1));
     return 1;
   }

@@ -162,7 +162,7 @@ TEST_F(FunctionDevice, TheRemovalWaitsForTheControlsThatRun) {
   std::thread second([&] { EXPECT_EQ(control(), STATUS_SUCCESS); });
   component.waitUntilRunning(2);
   std::thread removal([&] { EXPECT_EQ(ntoshost::removeRootDevice(device), STATUS_SUCCESS); });
-  std::this_thread::sleep_for(kMoment);
+  std::this_thread::sleep_for(kMoment);  // time to go on, if it can
   EXPECT_FALSE(component.isReleased);
   component.isOpen = true;
   first.join();
@@ -219,7 +219,7 @@ TEST(FunctionDeviceStart, WaitsForADeviceBelowThatTakesItsTime) {
     isStarted = true;
   });
   while (!stack.hasKept()) std::this_thread::yield();
-  std::this_thread::sleep_for(kMoment);
+  std::this_thread::sleep_for(kMoment);  // time to go on, if it can
   EXPECT_FALSE(isStarted);
   stack.completeKept();
   starter.join();

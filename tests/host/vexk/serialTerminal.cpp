@@ -168,7 +168,7 @@ TEST(SerialTerminal, SlowReaderLosesNothing) {
   std::thread reader([&] {
     for (int piece = 0; piece < 50; ++piece) {
       got += terminal.readBytes(kCount / 50);
-      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));  // a slow reader
     }
   });
   for (char const byte : sent) {
@@ -215,6 +215,7 @@ TEST(SerialTerminal, PatienceBeginsAnewWhenSomebodyHasRead) {
   size_t const count = fill(ports, 'x');
   terminal.readBytes(count);
   waitForTheTransmitter(ports);
+  // That of before would be over.
   std::this_thread::sleep_for(std::chrono::milliseconds(300));
   auto const start = std::chrono::steady_clock::now();
   fill(ports, 'y');
@@ -228,7 +229,7 @@ TEST(SerialTerminal, DrainingWaitsForTheReader) {
   for (int index = 0; index < 100; ++index) ports.write(kComData, 'a');
   EXPECT_FALSE(vexkhost::drainSerialPort(30));
   std::thread reader([&] {
-    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));  // until somebody waits
     terminal.readBytes(100);
   });
   EXPECT_TRUE(vexkhost::drainSerialPort(60'000));

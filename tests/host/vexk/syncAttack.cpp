@@ -57,6 +57,7 @@ class tAttacker {
     u32 const again = random() % 4;
     for (u32 depth = 0; depth < again; ++depth) EXPECT_EQ(0, lock.acquire(0));
     visit(guarded);
+    // Sometimes for longer than others wait.
     if (random() % 16 == 0) std::this_thread::sleep_for(std::chrono::microseconds(random() % 1500));
     for (u32 depth = 0; depth <= again; ++depth) EXPECT_EQ(0, lock.release());
     EXPECT_EQ(kStatusSyncNotOwner, lock.release());
@@ -139,6 +140,7 @@ TEST(VexkHostSyncAttack, AWaiterWhoseTimePassesTakesNobodysTurn) {
     tWaiter hurried(*lock.sync, 1);
     tWaiter patient(*lock.sync);
     tWaiter other(*lock.sync, 1);
+    // About as long as the hurried ones wait.
     std::this_thread::sleep_for(std::chrono::microseconds(800 + random() % 600));
     ASSERT_EQ(0, lock->release());
     EXPECT_EQ(0, patient.finish());

@@ -119,7 +119,7 @@ TEST(VexkHostSyncThreads, AWaitWithoutLimitGetsTheLockInTheEnd) {
     if (result == 0) lock->release();
     status = result;
   });
-  std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // time to get it, if it can
   EXPECT_EQ(1, status);
   owner.letGo();
   waiter.join();

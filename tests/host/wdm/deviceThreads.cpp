@@ -120,6 +120,7 @@ void makeAndTake(tPnpBus& bus, iDeviceHandler& handler, u32 maker) {
   for (u32 number = 0; number < kChildrenPerMaker; ++number) {
     u32 const slot = maker * kChildrenPerMaker + number;
     EXPECT_EQ(bus.create(slot, slot, handler), 0);
+    // Some are gone before anybody has heard of them.
     if (number % 3 != 0) std::this_thread::sleep_for(std::chrono::microseconds(200));
     if (number % 4 == 0) continue;
     EXPECT_EQ(bus.take(slot), 0);
@@ -170,6 +171,7 @@ TEST(DeviceThreads, ABusThatGoesStopsItsMakers) {
     });
     bus.context = &maker;
     bus.beforeStop = [](void* context) { static_cast<std::thread*>(context)->join(); };
+    // The bus goes at another moment.
     std::this_thread::sleep_for(std::chrono::milliseconds(round % 3));
     bus.removeBus();
     EXPECT_EQ(last, kBusRemoved);
