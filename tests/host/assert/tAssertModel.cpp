@@ -33,6 +33,7 @@ bool tAssertModel::configure(std::string const& options) {
 }
 
 void tAssertModel::configure(tWords const& words) {
+  hasLost = false;
   for (size_t next = 0; next < words.size();) {
     if (readSwitch(words, next)) continue;
     bool const isCategory = words[next++] == "--category" && next < words.size();
@@ -46,18 +47,20 @@ bool tAssertModel::readSwitch(tWords const& words, size_t& next) {
   if (option == std::end(kOptions)) return false;
   ++next;
   std::string const value = next < words.size() ? words[next] : "";
-  set(current, static_cast<size_t>(option - std::begin(kOptions)), value != "off");
+  if (!hasLost) set(current, static_cast<size_t>(option - std::begin(kOptions)), value != "off");
   if (value == "on" || value == "off") ++next;
   return true;
 }
 
 void tAssertModel::readCategory(std::string const& word) {
+  hasLost = false;
   if (word.starts_with("--")) {
     current = "default";
     return;
   }
   if (categories.count(word) == 0) {
-    if (!memory.allocate() || !memory.allocate()) return;  // the name, the node
+    hasLost = !memory.allocate() || !memory.allocate();  // the name, the node
+    if (hasLost) return;
     categories[word] = kAtFirst;
   }
   current = word;

@@ -43,6 +43,7 @@ class tAssertModel {
 
   std::map<std::string, tSwitches> categories;
   std::string current = "default";
+  bool hasLost = false;  // the category that the words are about could not be made
   std::vector<tSaved> saved;
   size_t capacity = 0;  // of the library's stack
 };
