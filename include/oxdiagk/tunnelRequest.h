@@ -17,7 +17,8 @@
 // The records run in order on the calling thread. No record reports whether it succeeded: only the
 // results that its operation writes show that. A result is written up to the first byte that cannot
 // be written. A record with an unknown operation is skipped. In both cases the records behind it
-// still run. A record that cannot be read ends the request, and so does the library's unload.
+// still run. A header or a record that cannot be read ends the request, and so does the library's
+// unload.
 //
 // The handle is read once, before the first record: a handle that a request acquires serves the
 // next request. Each record is read once, when its turn comes, so a result may change a later

@@ -378,6 +378,20 @@ TEST(ReportablesThatFail, KeepWhatWasThere) {
   });
 }
 
+// A full heap, or none, is nothing to them.
+TEST(StatusesThatShare, NothingOfThemCanFail) {
+  tStatuses on;
+  char text[tStatus2::kMaxTextSize];
+  ntoshost::watchCalls(~ntoshost::kFaultUserCopy);
+  {
+    tStatus2 const copy(on.former);
+    on.status = copy;
+    on.status.toString(text, sizeof(text));
+    EXPECT_NE(contentOf(on.status), "");
+  }
+  EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
+}
+
 namespace {
 
 // Two texts, two that are read over, and what to read and to add.
