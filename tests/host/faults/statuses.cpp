@@ -297,6 +297,55 @@ std::vector<tScenarioRow> rowsOfDescriptions() {
   };
 }
 
+// An item, and another one with more values.
+struct tItems {
+  tItems() {
+    tStatus2 status;
+    item = tReportItem(5, tNumber(5, status), status);
+    other = tReportItem(6, tNumber(listOf<i32>(6, 7), status), status);
+    stream = contentOf(other);
+  }
+
+  tReportItem item;
+  tReportItem other;
+  std::string stream;
+};
+
+std::string stateOf(tItems& on) {
+  return contentOf(on.item);
+}
+
+std::string assignItem(tItems& on) {
+  on.item = on.other;
+  bool const isDone = contentOf(on.item) == on.stream;
+  EXPECT_TRUE(isDone || on.item.hasFailed());
+  return isDone ? kDone : "hasFailed";
+}
+
+std::string makeItem(tItems& on) {
+  tStatus2 status;
+  tReportItem const made(6, *on.other.getReportable(), status);
+  EXPECT_EQ(made.getReportable() == nullptr, status.isError());
+  return nameOf(status);
+}
+
+std::string readWholeItem(tItems& on) {
+  return readFrom(on.stream, [&](tBinaryObjectReader& reader, i32& code) {
+    on.item.readExternal(reader, code);
+  });
+}
+
+std::vector<tScenarioRow> rowsOfItems() {
+  char const* const header = "oxdiagk/tReportItem.h";
+  std::vector<std::string> const either = {"kStatusClassMismatch", "kStatusOutOfMemory"};
+  return {
+      row<tItems>("AssignItem", header, {"hasFailed"}, assignItem),
+      row<tItems>("MakeItem", header, {"kStatusOutOfMemory"}, makeItem),
+      row<tItems>("CloneItem", header, either, [](tItems& on) { return cloneOf(on.other); }),
+      row<tItems>("ReadItem", "qelmk/tBinaryObjectReader.h", {"kStatusOutOfMemory"}, readWholeItem),
+  };
+}
+
 // A reportable with values, and others of its class.
 template <class T>
 struct tValues {
@@ -360,6 +409,8 @@ INSTANTIATE_TEST_SUITE_P(Stream, StatusesThatFail, testing::ValuesIn(rowsOfStrea
 INSTANTIATE_TEST_SUITE_P(Description, StatusesThatFail, testing::ValuesIn(rowsOfDescriptions()),
                          nameOfRow);
 
+INSTANTIATE_TEST_SUITE_P(Item, StatusesThatFail, testing::ValuesIn(rowsOfItems()), nameOfRow);
+
 TEST(ReportablesThatFail, KeepWhatWasThere) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;
@@ -394,11 +445,14 @@ TEST(StatusesThatShare, NothingOfThemCanFail) {
 
 namespace {
 
-// Two texts, two that are read over, and what to read and to add.
+// Four texts, of which the next one makes the list grow; two that are read over; what to read and
+// to add.
 struct tTexts {
   tTexts() {
     list.push_back(_STL::wstring(L"one"));
     list.push_back(_STL::wstring(L"two"));
+    list.push_back(_STL::wstring(L"three"));
+    list.push_back(_STL::wstring(L"four"));
     tStatus2 status;
     tNumber const number(listOf<i32>(1, 2), status);
     object = streamOf(
@@ -414,15 +468,18 @@ struct tTexts {
   tWideTextList list;
   _STL::string text{"former"};
   _STL::wstring wide{L"former"};
-  _STL::wstring const third{L"a text for which the list has no room, as those before are short"};
+  _STL::wstring const next{L"a text for which the list has no room, as those before are short"};
   std::string object;
   std::string narrowText;
   std::string wideText;
 };
 
+// With a text behind the others, which is found where they end.
 std::string stateOf(tTexts& on) {
   std::string all = on.text.c_str();
-  for (_STL::wstring const& each : on.list) {
+  tWideTextList longer(on.list);
+  longer.push_back(_STL::wstring(L"!"));
+  for (_STL::wstring const& each : longer) {
     for (size_t index = 0; index < each.size(); ++index) all += static_cast<char>(each[index]);
   }
   for (size_t index = 0; index < on.wide.size(); ++index) all += static_cast<char>(on.wide[index]);
@@ -468,7 +525,7 @@ std::vector<tScenarioRow> rowsOfTexts() {
       row<tTexts>("ReadObject", "qelmk/tBinaryObjectReader.h", {"kStatusOutOfMemory"}, readObject),
       row<tTexts>("TakeBlock", "oxdiagk/tStatus2Heap.h", {"kStatusHeapFull"}, takeBlock),
       row<tTexts>("AddWideText", "oxdiagk/tWideTextList.h", {"false"},
-                  [](tTexts& on) { return answer(on.list.push_back(on.third)); }),
+                  [](tTexts& on) { return answer(on.list.push_back(on.next)); }),
   };
 }
 
