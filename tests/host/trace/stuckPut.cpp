@@ -267,6 +267,49 @@ TEST_F(StuckPut, TheThreadIsThatOfTheLineInTheWay) {
       << events.read();
 }
 
+TEST_F(StuckPut, ALockedLineIsNamedWithThePutThatItIsStuckIn) {
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  tStuckThread stuck(sticky, [&trace] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine).put("stuck").endl();
+  });
+  EXPECT_EQ(trace.setDestination(next), &sticky);
+  EXPECT_NE(events.read().find(nameOf(sticky.thread) + "is still within its put"),
+            std::string::npos)
+      << events.read();
+}
+
+// New words for a destination that other streams use: their lines are waited for, too.
+TEST_F(StuckPut, ALineOfAnotherStreamIsNamedToo) {
+  tOwnTrace trace(sticky);
+  tOwnTrace other(tVEXTraceDestination::getInstance());
+  other.configure("--destination recorder 16 --mutex on");
+  {
+    tOpenLine line(other);
+    line.await();
+    trace.configure("--destination recorder 32");
+    EXPECT_EQ(trace.getDestination(), &sticky);
+    EXPECT_NE(events.read().find(line.name() + "is still within a line"), std::string::npos)
+        << events.read();
+  }
+  other.setDestination(tVEXTraceDestination::getInstance());
+}
+
+TEST_F(StuckPut, ACounterThatLeapsAheadEndsTheWait) {
+  constexpr i64 kHour = 3'600 * i64{10'000'000};
+  ntoshost::setTimeRate(1);
+  tKeptLines next;
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  std::future<iTraceDestination*> change =
+      std::async(std::launch::async, [&] { return trace.setDestination(next); });
+  std::this_thread::sleep_for(kAWhile);  // so that the switch waits
+  ntoshost::moveTime(kHour);
+  EXPECT_EQ(change.wait_for(std::chrono::seconds(5)), std::future_status::ready);
+  EXPECT_EQ(change.get(), &sticky);
+}
+
 // Then none of them was in the way for so long.
 TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
   tKeptLines next;
@@ -274,11 +317,12 @@ TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
   trace.enableMutex();
   tOpenLine first(trace);
   first.await();
-  tOpenLine second(trace);  // waits for the first one, a while later
+  tOpenLine second(trace);
+  // So that it waits for the first one, in front of the switch.
   std::this_thread::sleep_for(kAWhile);
   std::future<void> const change =
       std::async(std::launch::async, [&] { trace.setDestination(next); });
-  std::this_thread::sleep_for(kAWhile);  // until it waits, too
+  std::this_thread::sleep_for(kAWhile);  // so that the switch waits, too
   first.end();
   second.await();
   EXPECT_EQ(change.wait_for(kLongEnough), std::future_status::ready);
