@@ -84,6 +84,21 @@ TEST(CategoryTable, NamesOfEveryLengthAreToldApartByEachOfTheirBytes) {
   expectModelled(names);
 }
 
+TEST(CategoryTable, ANameIsFoundWhateverLiesAroundIt) {
+  for (size_t length = 0; length < 40; ++length) {
+    std::string const name(length, 'x');
+    tNumbers table(1);
+    ASSERT_NE(table.addCopy(name.c_str(), 7), nullptr);
+    for (char const other : {'\x01', 'x', '\xFF'}) {
+      std::string around(length + 20, other);
+      around.replace(10, length + 1, name.c_str(), length + 1);
+      auto const* const found = table.find(around.data() + 10);
+      ASSERT_NE(found, nullptr) << length;
+      EXPECT_EQ(found->value, 7u);
+    }
+  }
+}
+
 TEST(CategoryTable, BytesAreOrderedWithoutSign) {
   std::set<std::string> names = {""};
   for (u32 byte = 1; byte <= 0xFF; ++byte) {
