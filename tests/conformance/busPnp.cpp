@@ -303,6 +303,31 @@ TEST(BusPnp, OtherRequestsGoDown) {
   EXPECT_EQ(stack.floorRequests, 9);
 }
 
+// What the dispatch routine returns is the status that the request is completed with.
+TEST(BusPnp, WhatTheDevicesBelowSayIsReturned) {
+  constexpr u8 kRead = 3;
+  for (u32 isStarted = 0; isStarted < 2; ++isStarted) {
+    tBusStack stack;
+    ASSERT_NE(stack.bus(), nullptr);
+    if (isStarted != 0) stack.startBus();
+    stack.floorStatus = stack.otherStatus = STATUS_UNSUCCESSFUL;
+    u8 const majors[] = {IRP_MJ_POWER, IRP_MJ_SYSTEM_CONTROL, kRead};
+    for (u8 const major : majors) {
+      tDeviceRequest request(stack.bus(), major, IRP_MN_QUERY_POWER);
+      EXPECT_EQ(request.send(), STATUS_UNSUCCESSFUL);
+      EXPECT_EQ(request.status(), STATUS_UNSUCCESSFUL);
+    }
+    tRelations others(stack.bus(), RemovalRelations);
+    EXPECT_EQ(others.send(), STATUS_UNSUCCESSFUL);
+    tDeviceRequest surprise(stack.bus(), IRP_MJ_PNP, IRP_MN_SURPRISE_REMOVAL);
+    EXPECT_EQ(surprise.send(), STATUS_UNSUCCESSFUL);
+    tDeviceRequest open(stack.bus(), IRP_MJ_CREATE);
+    EXPECT_EQ(open.send(), STATUS_DELETE_PENDING);
+    EXPECT_EQ(stack.removeBus(), STATUS_UNSUCCESSFUL);
+    EXPECT_EQ(stack.releases, 1);
+  }
+}
+
 TEST(BusPnp, ABusIsAsNewWhenItComesBack) {
   for (int round = 0; round < 3; ++round) {
     tBusStack stack;

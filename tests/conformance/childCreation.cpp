@@ -52,6 +52,7 @@ TEST(ChildCreation, MakesADeviceOfItsBus) {
   EXPECT_EQ(stack.child->DeviceType, 42u);
   EXPECT_EQ(stack.child->Flags & DO_POWER_PAGABLE, DO_POWER_PAGABLE);
   EXPECT_EQ(stack.child->Flags & DO_DEVICE_INITIALIZING, 0u);
+  EXPECT_EQ(stack.child->Flags & 1, 0u);  // not about to be unloaded
   EXPECT_EQ(&vexHandlerOf(*stack.child), &stack.handler);
   EXPECT_EQ(stack.record().device, stack.child);
   EXPECT_EQ(stack.record().slot, 7u);

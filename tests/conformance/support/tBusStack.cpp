@@ -139,7 +139,7 @@ NTSTATUS tBusStack::dispatch(DEVICE_OBJECT* device, IRP* irp) {
 NTSTATUS tBusStack::serveFloor(IRP& irp) {
   IO_STACK_LOCATION const& location = *IoGetCurrentIrpStackLocation(&irp);
   note(irp, location);
-  if (location.MajorFunction != IRP_MJ_PNP) return complete(irp, STATUS_SUCCESS);
+  if (location.MajorFunction != IRP_MJ_PNP) return complete(irp, otherStatus);
   if (location.MinorFunction == IRP_MN_QUERY_DEVICE_RELATIONS && keepsRelations) return keep(irp);
   if (location.MinorFunction != IRP_MN_QUERY_CAPABILITIES) return complete(irp, floorStatus);
   seenCapabilities = *location.Parameters.DeviceCapabilities.Capabilities;

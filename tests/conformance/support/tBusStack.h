@@ -83,9 +83,10 @@ class tBusStack : public iDeviceComponent {
   int releases = 0;
   tChildHandler handler;  // of the children that add() makes
 
-  // What the floor does, and has seen last. It completes plug and play with this status, all else
-  // with success.
+  // What the floor does, and has seen last. It completes plug and play with the one status, all
+  // else with the other.
   NTSTATUS floorStatus = STATUS_SUCCESS;
+  NTSTATUS otherStatus = STATUS_SUCCESS;
   DEVICE_CAPABILITIES floorCapabilities = {};
   DEVICE_CAPABILITIES seenCapabilities = {};  // as the query came
   NTSTATUS seenStatus = STATUS_SUCCESS;       // that a request came with

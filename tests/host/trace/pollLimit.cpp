@@ -109,3 +109,12 @@ TEST(PollLimit, LeapOfTheCountIsTimeToo) {
   tPollLimit coarse({1, kTimeHour}, 1);
   EXPECT_TRUE(coarse.isReached(kLargest));
 }
+
+// Its step and the millisecond are more than a count can say.
+TEST(PollLimit, TimebaseThatOverflowsIsNotReachedAtOnce) {
+  constexpr u64 kMillisecond = 1'000'000;
+  for (u64 const value : {kLargest - kMillisecond + 1, kLargest - kMillisecond + 2, kLargest}) {
+    EXPECT_FALSE(tPollLimit({value, kTimeNanosecond}, 0).isReached(0));
+    EXPECT_TRUE(tPollLimit({value, kTimeNanosecond}, 0).isReached(1));
+  }
+}

@@ -293,6 +293,43 @@ TEST(ChildEnd, AHandlerMayBeDeletedWhenTheRemovalHasReturned) {
   }
 }
 
+TEST(ChildEnd, PowerThatStaysOrComesUpEndsNoHandler) {
+  tPnpBus bus(ntoshost::PnpMode::OnRequest);
+  tMortalFate fate;
+  ASSERT_EQ(bus.create(1, 5, *new tMortalHandler(fate)), 0);
+  ntoshost::enumerateDevice(bus.physical);
+  DEVICE_OBJECT* const child = ntoshost::childOf(bus.physical, 0);
+  setPower(child, PowerDeviceD3);
+  std::future<i32> removal = std::async(std::launch::async, [&bus] { return bus.take(5); });
+  EXPECT_TRUE(isWaiting(removal));
+  for (DEVICE_POWER_STATE const state : {PowerDeviceD3, PowerDeviceD0, PowerDeviceD0}) {
+    setPower(child, state);
+    EXPECT_TRUE(isWaiting(removal));
+    EXPECT_TRUE(fate.isAlive());
+  }
+  setPower(child, PowerDeviceD1);
+  EXPECT_EQ(removal.get(), 0);
+  EXPECT_EQ(ntoshost::runPnpWork(), 1u);
+  EXPECT_EQ(fate.stops, 1);
+}
+
+// The system takes the child by surprise while its bus waits for the end of its handler.
+TEST(ChildEnd, SurpriseEndsTheHandlerThatSomebodyWaitsFor) {
+  tPnpBus bus(ntoshost::PnpMode::OnRequest);
+  tMortalFate fate;
+  ASSERT_EQ(bus.create(1, 5, *new tMortalHandler(fate)), 0);
+  ntoshost::enumerateDevice(bus.physical);
+  DEVICE_OBJECT* const child = ntoshost::childOf(bus.physical, 0);
+  std::future<i32> removal = std::async(std::launch::async, [&bus] { return bus.take(5); });
+  EXPECT_TRUE(isWaiting(removal));
+  EXPECT_EQ(sendPnp(child, IRP_MN_SURPRISE_REMOVAL), STATUS_SUCCESS);
+  EXPECT_EQ(removal.get(), 0);
+  EXPECT_EQ(fate.stops, 1);
+  EXPECT_TRUE(fate.isSurprise);
+  EXPECT_EQ(ntoshost::runPnpWork(), 1u);
+  EXPECT_EQ(ntoshost::childrenOf(bus.physical), 0u);
+}
+
 TEST(ChildEnd, PowerDownEndsTheHandlerThatSomebodyWaitsFor) {
   tPnpBus bus(ntoshost::PnpMode::OnRequest);
   tMortalFate fate;
