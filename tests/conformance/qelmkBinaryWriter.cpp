@@ -145,6 +145,8 @@ TEST(QelmkBinaryWriter, WritesNothingAfterAnError) {
   writer.writeWideString(_STL::wstring(L"a"), status);
   writer.writeObject(&parcel, status);
   writer.writeObject(nullptr, status);
+  tStone const refused;
+  writer.writeObject(&refused, status);
   writer.finish(status);
   EXPECT_EQ(kSomeError, status);
   EXPECT_EQ(kHeaderSize, writer.getSize());
