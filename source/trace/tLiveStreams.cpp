@@ -1,7 +1,6 @@
 #include "trace/tLiveStreams.h"
 
 #include "oxdiagk/tTraceParts.h"
-#include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
 namespace {
@@ -47,10 +46,9 @@ tTraceParts* tLiveStreams::findKeeper(iTraceDestination const& destination,
 }
 
 u32 tLiveStreams::findLineOwner(tTraceParts const& stream) {
-  u32 const own = tThreadUtility::getCurrentThreadId();
   for (tTraceParts* each = first; each != nullptr; each = each->nextStream) {
     u32 const owner = each->lock.isSharedWith(stream.lock) ? each->lock.getOwner() : 0;
-    if (owner != 0 && owner != own) return owner;
+    if (owner != 0) return owner;
   }
   return 0;
 }

@@ -26,8 +26,8 @@ class tLiveStreams {
   static tTraceParts* findKeeper(iTraceDestination const& destination,
                                  tTraceParts const* besides = nullptr);
 
-  // The other thread that has locked a line of this stream, or of one that shares its lock; 0 when
-  // none of the streams knows one.
+  // The thread that has locked a line of this stream, or of one that shares its lock; 0 when none
+  // of the streams knows one.
   static u32 findLineOwner(tTraceParts const& stream);
 };
 

@@ -39,11 +39,9 @@ bool tStreamHold::holdLines(tTraceParts& stream, tPatience const& patience) {
   if ((stream.lock.holders & bit) != 0) return true;
   if (!stream.getShape().isOn(tLineShape::kMutex)) return true;
   u32 const owner = tLiveStreams::findLineOwner(stream);
-  u32 const rest = patience.getRest();
-  tLineLock::tStart const start = stream.lock.begin(rest);
+  tLineLock::tStart const start = stream.lock.begin(patience.getRest());
   if (start == tLineLock::kLocked) stream.lock.holders |= bit;
   if (start != tLineLock::kTimedOut) return true;
-  patience.addWait(rest);
   lineOwner = owner == tLiveStreams::findLineOwner(stream) ? owner : 0;
   return false;
 }
