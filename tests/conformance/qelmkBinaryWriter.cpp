@@ -175,6 +175,14 @@ TEST(QelmkBinaryWriter, ABufferOfTheSizeIsNotFull) {
   EXPECT_TRUE(buffer.holds(kWanted));
 }
 
+TEST(QelmkBinaryWriter, AnItemMayFillTheBuffer) {
+  tBuffer buffer;
+  tBinaryObjectWriter const writer(buffer.bytes, sizeof(nQELM100::kBinaryStreamMagic));
+  EXPECT_EQ(0, __builtin_memcmp(buffer.bytes, nQELM100::kBinaryStreamMagic,
+                                sizeof(nQELM100::kBinaryStreamMagic)));
+  EXPECT_TRUE(buffer.isUntouchedFrom(sizeof(nQELM100::kBinaryStreamMagic)));
+}
+
 TEST(QelmkBinaryWriter, ABufferThatIsTooSmallIsNeverWrittenBeyond) {
   tRegistration<tParcel> const registration;
   tParcel parcel;

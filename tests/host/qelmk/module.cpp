@@ -22,6 +22,21 @@ QELM_DEFINE_CLASS(qelmkHostTests::tThing, "qelmkHostTests::tThing")
 
 using qelmkHostTests::tThing;
 
+namespace {
+
+// How many of the framework's own classes are found.
+int countOwnClasses() {
+  int count = 0;
+  for (char const* const name : {"nQELM100::iCloneable", "nQELM100::iExternalizable",
+                                 "nQELM100::iCloneableExternalizable"}) {
+    i32 status = 0;
+    count += nQELM100::tClass::forName(name, status).isValid() ? 1 : 0;
+  }
+  return count;
+}
+
+}  // namespace
+
 TEST(QelmkHostModule, DoesNotStartWithoutThePlatformLayer) {
   EXPECT_EQ(static_cast<NTSTATUS>(0xC000026C), qelmkInitialize());
   EXPECT_EQ(0u, pkgIsQelmkInitialized());
@@ -33,8 +48,10 @@ TEST(QelmkHostModule, StartsAreCounted) {
   EXPECT_EQ(STATUS_SUCCESS, qelmkInitialize());
   EXPECT_EQ(STATUS_SUCCESS, qelmkUnload());
   EXPECT_EQ(1u, pkgIsQelmkInitialized());
+  EXPECT_EQ(3, countOwnClasses());
   EXPECT_EQ(STATUS_SUCCESS, qelmkUnload());
   EXPECT_EQ(0u, pkgIsQelmkInitialized());
+  EXPECT_EQ(0, countOwnClasses());
   vexkUnload();
 }
 
