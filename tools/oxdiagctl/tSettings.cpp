@@ -1,6 +1,7 @@
 #include "oxdiagctl/tSettings.h"
 
 #include <algorithm>
+#include <set>
 
 #include "options/optionText.h"
 #include "options/utf8Text.h"
@@ -66,25 +67,25 @@ tSettings::tSettings(std::string_view text) {
       value += (value.empty() ? "" : " ") + word;
     }
   }
+  for (tSetting const& each : settings)
+    values.try_emplace({each.category, each.option}, &each.value);
 }
 
-std::string const* tSettings::find(tSetting const& wanted) const {
-  auto const found = std::find_if(settings.begin(), settings.end(),
-                                  [&](tSetting const& each) { return each.isOf(wanted); });
-  return found == settings.end() ? nullptr : &found->value;
+std::string const* tSettings::find(std::string_view category, std::string_view option) const {
+  auto const found = values.find({category, option});
+  return found == values.end() ? nullptr : found->second;
 }
 
 std::string_view tSettings::getValue(std::string_view option) const {
-  std::string const* const value = find({{}, std::string(option), {}});
+  std::string const* const value = find({}, option);
   return value == nullptr ? std::string_view() : *value;
 }
 
 std::vector<std::string> tSettings::getCategories() const {
   std::vector<std::string> categories;
+  std::set<std::string_view> known;
   for (tSetting const& each : settings) {
-    bool const isKnown =
-        std::find(categories.begin(), categories.end(), each.category) != categories.end();
-    if (!isKnown) categories.push_back(each.category);
+    if (known.insert(each.category).second) categories.push_back(each.category);
   }
   return categories;
 }
@@ -106,13 +107,12 @@ std::string tSettings::describeList(tOptionLanguage const& language) const {
 std::string tSettings::describeCategories(std::vector<std::string> const& categories) const {
   std::vector<tRow> rows = {{""}};
   rows[0].insert(rows[0].end(), categories.begin(), categories.end());
+  std::set<std::string_view> known;
   for (tSetting const& each : settings) {
-    bool const isKnown = std::any_of(rows.begin(), rows.end(),
-                                     [&](tRow const& row) { return row[0] == each.option; });
-    if (isKnown) continue;
+    if (!known.insert(each.option).second) continue;
     tRow& row = rows.emplace_back(1, each.option);
     for (std::string const& category : categories) {
-      std::string const* const value = find({category, each.option, {}});
+      std::string const* const value = find(category, each.option);
       row.push_back(value == nullptr ? "" : *value);
     }
   }
@@ -127,9 +127,11 @@ std::string tSettings::describeChangesSince(tSettings const& before) const {
     if (former != now && which.option != kMeasured)
       rows.push_back({which.category, which.option, former + " -> " + now});
   };
-  for (tSetting const& each : before.settings) add(each, &each.value, find(each));
+  for (tSetting const& each : before.settings)
+    add(each, &each.value, find(each.category, each.option));
   for (tSetting const& each : settings) {
-    if (before.find(each) == nullptr) add(each, nullptr, &each.value);
+    bool const isNew = before.find(each.category, each.option) == nullptr;
+    if (isNew) add(each, nullptr, &each.value);
   }
   bool const hasCategories =
       std::any_of(rows.begin(), rows.end(), [](tRow const& row) { return !row[0].empty(); });

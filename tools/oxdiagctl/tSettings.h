@@ -1,7 +1,9 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "options/optionTable.h"
@@ -14,13 +16,11 @@ class tSettings {
     std::string category;
     std::string option;
     std::string value;
-
-    bool isOf(tSetting const& other) const {
-      return category == other.category && option == other.option;
-    }
   };
 
   explicit tSettings(std::string_view text);
+  tSettings(tSettings const&) = delete;
+  tSettings& operator=(tSettings const&) = delete;
 
   // The value of an option that has no category; empty when it is not told.
   std::string_view getValue(std::string_view option) const;
@@ -34,10 +34,13 @@ class tSettings {
   std::string describeChangesSince(tSettings const& before) const;
 
  private:
-  std::string const* find(tSetting const& wanted) const;
+  std::string const* find(std::string_view category, std::string_view option) const;
   std::vector<std::string> getCategories() const;
   std::string describeList(tOptionLanguage const& language) const;
   std::string describeCategories(std::vector<std::string> const& categories) const;
 
-  std::vector<tSetting> settings;  // in the order in which they are told
+  using tName = std::pair<std::string_view, std::string_view>;  // category and option
+
+  std::vector<tSetting> settings;              // in the order in which they are told
+  std::map<tName, std::string const*> values;  // of the first with each name
 };
