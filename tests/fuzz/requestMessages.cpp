@@ -23,6 +23,7 @@
 #include <memory>
 
 #include "oxdiagk/stateRequest.h"
+#include "oxdiagk/tunnelRequest.h"
 #include "support/fuzzing.h"
 #include "support/tScript.h"
 #include "vexkhost/requestServer.h"
@@ -32,6 +33,7 @@ namespace {
 
 using namespace vexkhost;
 using nOXDIAG100::kStateName;
+using nOXDIAG100::kTunnelName;
 using nOXDIAG100::tStateAnswer;
 using nOXDIAG100::tStateRequest;
 
@@ -140,7 +142,9 @@ class tCall {
     message.nameLength = length;
     message.request = reinterpret_cast<u64>(page()) + place;
     name.copy(message.name, sizeof(message.name));
-    isState = length <= sizeof(message.name) && std::string(message.name, length) == kStateName;
+    std::string const read(message.name, std::min<size_t>(length, sizeof(message.name)));
+    isState = read == kStateName && length <= sizeof(message.name);
+    if (read == kTunnelName) message.name[0] = 'x';  // that has a target of its own
     std::string bytes(reinterpret_cast<char const*>(&message), sizeof(message));
     bytes.resize(size);
     return bytes;
