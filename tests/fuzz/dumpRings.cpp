@@ -87,10 +87,12 @@ class tDump {
     end = bytes.size();
   }
 
-  // The page with the table lies behind the others, whose order is turned round or rotated.
+  // The page with the table lies behind the others, whose order is turned round or rotated. The
+  // kernel gives no block across the end of a page that does not begin with one: the head is in
+  // one.
   void scatter(tScript& script) {
     size_t const entry = script.number() % kEntries;
-    size_t const within = script.number() % kPage;
+    size_t const within = script.number() % (kPage - sizeof(tRecorderRing) + 1);
     unsigned const order = script.number();
     if (end != bytes.size() || end - begin < sizeof(tRecorderRing)) return;
     std::string memory = bytes.substr(begin);
