@@ -48,7 +48,7 @@ LIMITS = {
     # The longest text that the tunnel copies has 1 MiB.
     "tunnelRequests": USUAL._replace(allocation=4),
 }
-GREEDY_LIMITS = Limits(100, 4, 16, 300)  # of the target that shows that they are kept
+GREEDY_LIMITS = Limits(20, 10, 16, 300)  # of the target that shows that they are kept
 SLOWER = {REPLAY_PRESET: 4, THREAD_PRESET: 4}  # for want of optimisation, or by its sanitizer
 LARGER = {THREAD_PRESET: 4}
 
