@@ -25,31 +25,27 @@ int unused() {
 """
 
 
-def segment(line, column, count, has_count=True, is_entry=True, is_gap=False):
-    return [line, column, count, has_count, is_entry, is_gap]
+CODE, SKIPPED, GAP = 0, 2, 3
 
 
-SEGMENTS = [segment(1, 23, 3), segment(2, 7, 3), segment(2, 17, 3, is_entry=False), segment(2, 21, 3),
-            segment(2, 31, 3, is_entry=False), segment(2, 33, 0, is_gap=True), segment(2, 33, 0),
-            segment(4, 4, 3, is_entry=False), segment(8, 2, 0, has_count=False, is_entry=False),
-            segment(9, 14, 0), segment(12, 2, 0, has_count=False, is_entry=False)]
+def region(first, column, last, end, count, kind=CODE):
+    return [first, column, last, end, count, 0, 0, kind]
 
 
-def function(name, first, last, *branches):
-    return {"name": name, "filenames": [FILE], "regions": [[first, 1, last, 2, 1, 0, 0, 0]],
+def function(name, regions, *branches, file=FILE):
+    return {"name": name, "filenames": [file], "regions": regions,
             "branches": [[*branch, 0, 0, 4] for branch in branches]}
 
 
-def export(*functions):
-    return {"files": [{"filename": FILE, "segments": SEGMENTS}], "functions": list(functions)}
-
-
-SLOTS = function("_Z5slotsi", 1, 8, (2, 7, 2, 17, 0, 3), (2, 21, 2, 31, 0, 3))
-UNUSED = function(f"/top/{FILE}:_ZN4rack6unusedEv", 9, 12, (10, 10, 11, 9, 0, 0))
+SLOTS_REGIONS = [region(1, 23, 8, 2, 3), region(2, 7, 2, 17, 3), region(2, 21, 2, 31, 3),
+                 region(2, 32, 2, 33, 0, GAP), region(2, 33, 4, 4, 0)]
+UNUSED_REGIONS = [region(9, 14, 12, 2, 0)]
+SLOTS = function("_Z5slotsi", SLOTS_REGIONS, (2, 7, 2, 17, 0, 3), (2, 21, 2, 31, 0, 3))
+UNUSED = function(f"/top/{FILE}:_ZN4rack6unusedEv", UNUSED_REGIONS, (10, 10, 11, 9, 0, 0))
 
 
 def read(*functions):
-    return coverage.places(export(*functions), lambda name: TEXT)
+    return coverage.places(functions, lambda name: TEXT)
 
 
 def missing(reached):
@@ -58,15 +54,33 @@ def missing(reached):
 
 class Lines(unittest.TestCase):
     def test_a_line_has_the_most_of_what_begins_in_it_and_goes_on_in_it(self):
-        counts = coverage.counts_of_lines(SEGMENTS)
-        self.assertEqual([counts.get(line) for line in range(1, 13)],
-                         [3, 3, 0, 0, 3, 3, 3, 3, 0, 0, 0, 0])
+        counts = coverage.counts_of_lines(SLOTS_REGIONS)
+        self.assertEqual([counts[line] for line in range(1, 9)], [3, 3, 0, 0, 3, 3, 3, 3])
 
     def test_what_is_left_out_by_the_preprocessor_is_no_line(self):
-        counts = coverage.counts_of_lines([segment(1, 1, 2), segment(2, 1, 0, has_count=False),
-                                           segment(3, 1, 2, is_entry=False),
-                                           segment(4, 1, 0, has_count=False, is_entry=False)])
-        self.assertEqual(counts, {1: 2, 4: 2})
+        counts = coverage.counts_of_lines([region(1, 1, 4, 1, 2), region(2, 1, 3, 9, 0, SKIPPED)])
+        self.assertEqual(counts, {1: 2, 2: 2})
+
+    def test_any_instance_of_a_template_reaches_it(self):
+        lines, _ = read(UNUSED, function("_ZN4rack6unusedIiEEv", [region(9, 14, 12, 2, 1)]))
+        self.assertEqual(missing(lines), set())
+
+    def test_lone_brackets_are_no_line(self):
+        lines, _ = read(SLOTS)
+        self.assertNotIn(4, {place.line for place in lines})
+
+    def test_a_function_is_of_the_file_that_no_macro_leads_to(self):
+        use = [3, 5, 3, 9, 3, 1, 0, 1]  # in the test's file, of the macro in the product's
+        test = dict(function("_Z4testv", [region(2, 1, 2, 9, 3), use, [1, 1, 9, 2, 3, 1, 0, CODE]]),
+                    filenames=[FILE, "tests/rack.cpp"])
+        self.assertEqual(coverage.counted([test]), [])
+
+    def test_functions_of_other_files_and_mapped_paths(self):
+        own = function("_Z5slotsi", SLOTS_REGIONS, file=f"{coverage.workshop.TOP}/{FILE}")
+        mapped = function("_Z5slotsi", SLOTS_REGIONS, file=f"out/{coverage.PRESET}/{FILE}")
+        test = function("_Z4testv", SLOTS_REGIONS, file=f"{coverage.workshop.TOP}/tests/rack.cpp")
+        self.assertEqual([each["filenames"] for each in coverage.counted([own, mapped, test])],
+                         [[FILE], [FILE]])
 
     def test_a_line_that_is_not_reached_is_known_by_its_function_and_text(self):
         lines, _ = read(SLOTS, UNUSED)
@@ -82,12 +96,12 @@ class Outcomes(unittest.TestCase):
                                              (FILE, "slots", "wanted > 8", "true")})
 
     def test_any_instance_of_a_template_reaches_it(self):
-        other = function("_Z5slotsIiEi", 1, 8, (2, 7, 2, 17, 2, 0))
+        other = function("_Z5slotsIiEi", SLOTS_REGIONS, (2, 7, 2, 17, 2, 0))
         _, outcomes = read(SLOTS, other)
         self.assertEqual(missing(outcomes), {(FILE, "slots", "wanted > 8", "true")})
 
     def test_a_condition_is_one_whatever_macros_are_in_it(self):
-        cut = function("_Z5slotsi", 1, 8, (2, 7, 2, 13, 2, 0))
+        cut = function("_Z5slotsi", SLOTS_REGIONS, (2, 7, 2, 13, 2, 0))
         _, outcomes = read(SLOTS, cut)
         self.assertEqual(missing(outcomes), {(FILE, "slots", "wanted > 8", "true")})
 

@@ -87,6 +87,10 @@ LONG = {
         "out/host-clang/tests/host/bin/trace.putfAgainstPrintf --gtest_filter='*'",
     "cmake --build --preset host-plain": "cmake --build --preset host-plain --target host_tests",
     "ctest --preset host-plain -R trace -j 4": None,
+    "cmake --build out/host-coverage --target trace.putfAgainstPrintf":
+        "cmake --preset host-coverage && "
+        "cmake --build out/host-coverage --target trace.putfAgainstPrintf",
+    "ctest --preset host-coverage -R trace.putfAgainstPrintf": None,
     "out/host-plain/tests/host/bin/schedules.lineLock":
         "cmake --build out/host-plain --target schedules.lineLock && "
         "out/host-plain/tests/host/bin/schedules.lineLock",

@@ -23,7 +23,10 @@ import workshop
 PRESET = "host-coverage"
 COUNTED = ("source", "include/oxdiagk")
 LISTED = workshop.TOP / "tests/coverage/unreached.json"
-CODE_REGION = 0  # the kind of a region that is code, in the export
+# Kinds of regions in the export: the use of a macro, what the preprocessor leaves out, and what is
+# between statements.
+EXPANSION_REGION, SKIPPED_REGION, GAP_REGION = 1, 2, 3
+NO_CODE = (SKIPPED_REGION, GAP_REGION)
 LINE, TRUE, FALSE, FUNCTION, FILE = "line", "true", "false", "function", "file"
 
 
@@ -53,7 +56,7 @@ class Source:
 
     def __init__(self, name, text):
         self.name, self.lines = name, text.splitlines()
-        self.functions = []  # (lines, first, last, name)
+        self.functions = set()  # (lines, first, last, name)
 
     def text(self, first_line, first, last_line, last):
         """From one column to another, which count from 1; blanks and ends of lines become one blank."""
@@ -85,56 +88,68 @@ def demangled(names):
     return dict(zip(names, map(short_name, output.splitlines())))
 
 
-def counts_of_lines(segments):
+def counts_of_lines(regions):
     """Line -> how often it was entered, of lines that have code: the most of what begins in it and of
-    what it is the continuation of. As llvm-cov does."""
-    starts = collections.defaultdict(list)
-    for segment in segments:
-        starts[segment[0]].append(segment)
-    counts, around = {}, None
-    for line in range(min(starts, default=1), max(starts, default=0) + 1):
-        here = starts[line]
-        entered = [count for _, _, count, has_count, is_entry, is_gap in here
-                   if has_count and is_entry and not is_gap]
-        is_skipped = bool(here) and not here[0][3] and here[0][4]
-        if not is_skipped and (entered or (around and around[3])):
-            counts[line] = max(entered + ([around[2]] if around else []))
-        around = here[-1] if here else around
+    what it is the continuation of."""
+    counts = {}
+    for line in range(min(region[0] for region in regions), max(region[2] for region in regions) + 1):
+        entered = [region[4] for region in regions if region[0] == line and region[7] not in NO_CODE]
+        around = [region for region in regions if region[0] < line and (line, 1) < (region[2], region[3])]
+        innermost = max(around, default=None)
+        if innermost and innermost[7] != SKIPPED_REGION:
+            entered.append(innermost[4])
+        if entered:
+            counts[line] = max(entered)
     return counts
 
 
-def read_sources(export, read):
-    """Name -> Source of the files that have code."""
-    sources = {each["filename"]: Source(each["filename"], read(each["filename"]))
-               for each in export["files"]}
-    names = demangled(sorted({function["name"] for function in export["functions"]}))
-    for function in export["functions"]:
-        region = function["regions"][0]
-        source = sources.get(function["filenames"][region[5]])
-        if source:
-            entry = (region[2] - region[0], region[0], region[2], names[function["name"]])
-            if entry not in source.functions:
-                source.functions.append(entry)
-    return sources
+def body_of(function):
+    """The region of all of a function, which no macro leads to."""
+    led_to = {region[6] for region in function["regions"] if region[7] == EXPANSION_REGION}
+    return next(region for region in function["regions"] if region[5] not in led_to)
 
 
-def line_places(export, sources):
-    """Place -> is reached."""
-    found = {}
-    for each in export["files"]:
-        source = sources[each["filename"]]
-        for line, count in counts_of_lines(each["segments"]).items():
-            text = source.lines[line - 1].strip()
-            if any(map(str.isalnum, text)):  # no lone brackets
-                found[Place(source.name, line, 0, source.function_at(line), text, LINE)] = count > 0
+def regions_of(function):
+    """Name of a file -> its regions of the function, whose macros may be of other files."""
+    found = collections.defaultdict(list)
+    for region in function["regions"]:
+        found[function["filenames"][region[5]]].append(region)
     return found
 
 
-def branch_places(export, sources):
+def read_sources(functions, read):
+    """Name -> Source of the files that count."""
+    names = demangled(sorted({function["name"] for function in functions}))
+    sources = {name: Source(name, read(name))
+               for name in {name for function in functions for name in regions_of(function)}
+               if is_counted(name)}
+    for function in functions:
+        body = body_of(function)
+        entry = (body[2] - body[0], body[0], body[2], names[function["name"]])
+        sources[function["filenames"][body[5]]].functions.add(entry)
+    return sources
+
+
+def line_places(functions, sources):
+    """Place -> is reached by any of the functions that the line is in."""
+    counts = collections.Counter()
+    for function in functions:
+        for name, regions in regions_of(function).items():
+            for line, count in counts_of_lines(regions).items():
+                counts[name, line] += count
+    found = {}
+    for (name, line), count in counts.items():
+        text = sources[name].lines[line - 1].strip() if name in sources else ""
+        if any(map(str.isalnum, text)):  # no lone brackets
+            found[Place(name, line, 0, sources[name].function_at(line), text, LINE)] = count > 0
+    return found
+
+
+def branch_places(functions, sources):
     """Place -> is reached by any of the functions that the condition is in. A condition is known by its
     begin: with the macros of scheduledAtomics.h it seems to end at the first of them."""
     ends, counts = {}, collections.Counter()
-    for function in export["functions"]:
+    for function in functions:
         for line, column, *end, when_true, when_false, file, _, _ in function["branches"]:
             begin = (function["filenames"][file], line, column)
             ends[begin] = max(ends.get(begin, end), end)
@@ -150,12 +165,12 @@ def branch_places(export, sources):
     return found
 
 
-def places(export, read):
+def places(functions, read):
     """(lines, outcomes): Place -> is reached. Outcomes on a line that is not reached are left to it."""
-    sources = read_sources(export, read)
-    lines = line_places(export, sources)
+    sources = read_sources(functions, read)
+    lines = line_places(functions, sources)
     missing = {(place.file, place.line) for place, is_reached in lines.items() if not is_reached}
-    outcomes = {place: is_reached for place, is_reached in branch_places(export, sources).items()
+    outcomes = {place: is_reached for place, is_reached in branch_places(functions, sources).items()
                 if (place.file, place.line) not in missing}
     return lines, outcomes
 
@@ -223,7 +238,7 @@ def counted_programs():
 
 
 def export():
-    """What llvm-cov says of all runs."""
+    """The functions of the product, with what llvm-cov says of all runs."""
     if not profiles():
         raise workshop.Failure(f"no profiles in {workshop.tree(PRESET)}/runs")
     merged = workshop.tree(PRESET) / "runs/all.profdata"
@@ -232,21 +247,26 @@ def export():
     workshop.demand(["llvm-profdata", "merge", "-sparse", f"-input-files={names}", "-o", merged])
     first, *others = counted_programs()
     objects = [word for path in others for word in ("-object", path)]
-    done = subprocess.run(["llvm-cov", "export", first, *objects, f"-instr-profile={merged}",
-                           *[workshop.TOP / folder for folder in COUNTED]], capture_output=True)
+    done = subprocess.run(["llvm-cov", "export", first, *objects, f"-instr-profile={merged}"],
+                          capture_output=True)
     if done.returncode != 0:
         raise workshop.Failure(done.stderr.decode(errors="replace"))
-    return relative(json.loads(done.stdout)["data"][0])
+    return counted(json.loads(done.stdout)["data"][0]["functions"])
 
 
-def relative(data):
-    """The export with names of files below the top."""
-    prefix = f"{workshop.TOP}/"
-    for each in data["files"]:
-        each["filename"] = each["filename"].removeprefix(prefix)
-    for function in data["functions"]:
-        function["filenames"] = [name.removeprefix(prefix) for name in function["filenames"]]
-    return data
+def relative(name):
+    """To the top; of objects whose paths are mapped (-ffile-prefix-map) it is relative to their tree."""
+    return name.removeprefix(f"{workshop.TOP}/").removeprefix(f"out/{PRESET}/")
+
+
+def is_counted(name):
+    return name.startswith(tuple(f"{folder}/" for folder in COUNTED))
+
+
+def counted(functions):
+    """Those of the product, with names of files that are relative to the top."""
+    named = [dict(each, filenames=list(map(relative, each["filenames"]))) for each in functions]
+    return [each for each in named if is_counted(each["filenames"][body_of(each)[5]])]
 
 
 def compiled_sources():
