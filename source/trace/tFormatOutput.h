@@ -28,9 +28,10 @@ class tFormatOutput {
     next += taken;
   }
 
-  // For few characters out of an array of at least kShortSize: one move of fixed length.
+  // For at most kShortSize characters out of an array of at least that size: one move of fixed
+  // length.
   void putShort(char const* text, u64 length) {
-    if (length > kShortSize || !hasRoomForShort()) return put(text, length);
+    if (!hasRoomForShort()) return put(text, length);
     __builtin_memcpy(next, text, kShortSize);
     next += length;
   }

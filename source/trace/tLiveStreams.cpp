@@ -16,8 +16,8 @@ void tLiveStreams::add(tTraceParts& stream) {
 
 void tLiveStreams::remove(tTraceParts& stream) {
   tTraceParts** place = &first;
-  while (*place != nullptr && *place != &stream) place = &(*place)->nextStream;
-  if (*place != nullptr) *place = stream.nextStream;
+  while (*place != &stream) place = &(*place)->nextStream;
+  *place = stream.nextStream;
 }
 
 tTraceParts* tLiveStreams::getFirst() {

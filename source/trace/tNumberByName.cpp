@@ -47,9 +47,8 @@ constexpr tNumberForm kForms[] = {{&nStatus::kTable, 8},      {&nIrpMajor::kTabl
                                   {&nIrpMinor::kTable, 2},    {&nIrql::kTable, 0},
                                   {&nDevicePower::kTable, 0}, {&nSystemPower::kTable, 0}};
 
-constexpr u32 kMostDigits = 20;  // of what vexWriteDecimal may write
-constexpr u32 kFirstDeviceLevel = 3;
-constexpr u32 kLastDeviceLevel = 11;
+constexpr u32 kMostDigits = 20;       // of what vexWriteDecimal may write
+constexpr u32 kLastDeviceLevel = 11;  // the first one is above those that have names
 
 // The parts of a status, from the highest bits on.
 constexpr char const* kSeverities[] = {"success", "information", "warning", "error"};
@@ -87,7 +86,7 @@ void tNumberByName::put(tTrace& trace) const {
 void tNumberByName::putUnnamed(tTrace& trace) const {
   char text[kMostDigits];
   char const* const end = writeNumber(text);
-  bool const isDevice = kind == kIrql && number >= kFirstDeviceLevel && number <= kLastDeviceLevel;
+  bool const isDevice = kind == kIrql && number <= kLastDeviceLevel;
   if (isDevice) trace.put("device level (");
   trace.put(text, static_cast<unsigned int>(end - text));
   if (isDevice) trace.put(")");

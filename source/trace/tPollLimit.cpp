@@ -5,13 +5,13 @@ namespace {
 
 constexpr u32 kLimitUnit = kTimeMillisecond;
 
-// The limit in the timebase's own unit.
+// The limit in the timebase's own unit. In a coarser one the interval is 0, and the limit two
+// steps.
 u64 limitOf(tTimebaseResolution const& resolution) {
   tTimeRatio const& ratio = tTimerUtility::conversionTable[kLimitUnit][resolution.unit];
   u64 const interval = ratio.numerator / ratio.denominator;
   u64 limit = interval + resolution.value;
-  bool const isCoarser = resolution.unit > kLimitUnit;
-  if (isCoarser && interval % resolution.value == 0) limit += resolution.value;
+  if (resolution.unit > kLimitUnit) limit += resolution.value;
   return limit < interval ? interval : limit;
 }
 

@@ -88,7 +88,7 @@ bool tSerialTraceDestination::openPort() {
 
 void tSerialTraceDestination::close() {
   if (bus == nullptr) return;
-  if (handle != 0) bus->releaseHandle(&handle);
+  bus->releaseHandle(&handle);
   busDeleteBusObject(bus);
 }
 

@@ -5,7 +5,7 @@
 namespace nOXDIAG100 {
 
 char const* tTraceFilterLine::getVersion() const {
-  if (versionText == nullptr) versionText = version == nullptr ? "" : version->toString(text);
+  if (versionText == nullptr) versionText = version->toString(text);
   return versionText;
 }
 

@@ -13,7 +13,7 @@ NTSTATUS formatInto(wchar_t* buffer, size_t characters, wchar_t const* format, v
   if (!isUsableSize(characters)) return STATUS_INVALID_PARAMETER;
   size_t const room = characters - 1;
   i32 const length = _vsnwprintf(buffer, room, format, arguments);
-  bool const isCut = length < 0 || static_cast<size_t>(length) > room;
+  bool const isCut = length < 0;
   if (isCut || static_cast<size_t>(length) == room) buffer[room] = L'\0';
   return isCut ? STATUS_BUFFER_OVERFLOW : STATUS_SUCCESS;
 }
