@@ -2,9 +2,12 @@
 // is left behind, and what was configured before stands.
 
 #include "fileCalls.h"
+#include "oxdiagk/tVEXTraceDestination.h"
 #include "trace/capturedPrint.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
+
+using nOXDIAG100::tVEXTraceDestination;
 
 namespace {
 
@@ -17,6 +20,18 @@ class FileStreamFaults : public tFileTest {
   ~FileStreamFaults() override { instance().close(); }
 
   static tFileTraceDestination& instance() { return *tFileTraceDestination::getInstance(); }
+};
+
+// Sends another stream elsewhere when it is closed.
+class tReleasingDestination final : public tKeptLines {
+ public:
+  void close() override {
+    tKeptLines::close();
+    other->setDestination(elsewhere);
+  }
+
+  tOwnTrace* other = nullptr;
+  tKeptLines elsewhere;
 };
 
 // True when text that is put into the stream now arrives.
@@ -178,5 +193,33 @@ TEST_F(FileStreamFaults, LinesUnderTheMutexAreWritten) {
   trace.put("locked").endl();
   EXPECT_EQ(drive.read("one.out"), "locked\r\n");
   trace.disableMutex();
+  trace.setDestination(kept);
+}
+
+TEST_F(FileStreamFaults, AFileThatTwoStreamsHaveAndNobodyCanOpenIsLeftByBoth) {
+  tKeptLines kept;
+  tOwnTrace other(kept);
+  tOwnTrace trace(kept);
+  other.configure("--destination file C:/one.out");
+  ASSERT_EQ(other.getDestination(), &instance());
+  ntoshost::failFileCalls(FileCallKind::Create, 1, 100, STATUS_ACCESS_DENIED);
+  trace.configure("--destination file C:/two.out");
+  stopFailing(FileCallKind::Create);
+  EXPECT_EQ(trace.getDestination(), &kept);
+  EXPECT_EQ(other.getDestination(), &tVEXTraceDestination::getInstance());
+}
+
+TEST_F(FileStreamFaults, AFileThatItsStreamLeavesAsTheFormerDestinationClosesIsOpenedForTheOther) {
+  tKeptLines kept;
+  tReleasingDestination releasing;
+  tOwnTrace other(kept);
+  tOwnTrace trace(releasing);
+  releasing.other = &other;
+  other.configure("--destination file C:/one.out");
+  ASSERT_EQ(other.getDestination(), &instance());
+  trace.configure("--destination file C:/two.out");
+  EXPECT_EQ(other.getDestination(), &releasing.elsewhere);
+  EXPECT_EQ(trace.getDestination(), &instance());
+  EXPECT_TRUE(writesToFile(trace, drive, "two.out"));
   trace.setDestination(kept);
 }

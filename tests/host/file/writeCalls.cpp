@@ -189,3 +189,12 @@ TEST_F(FileWriteCalls, EveryWriteThatFailsInTurnLosesItsBlockOnly) {
   });
   EXPECT_EQ(failures, 3u);
 }
+
+TEST_F(FileWriteCalls, AWriteThatIsGoodButNotWholeLosesItsText) {
+  u64 const before = tFileTraceDestination::countLostTexts();
+  ntoshost::failFileCalls(FileCallKind::Write, 1, 1, STATUS_PENDING);  // moves no byte
+  EXPECT_EQ(put("abc"), tLengths{3});
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 1);
+  EXPECT_EQ(put("abc"), tLengths{3});
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 1);
+}

@@ -7,6 +7,7 @@
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
+#include "ntoshost/faults.h"
 #include "oxdiagk/tunnelRequest.h"
 #include "package/loadOutcome.h"
 #include "patterns.h"
@@ -223,4 +224,23 @@ TEST_F(ModuleLife, AWrapperTellsEveryReason) {
   EXPECT_TRUE(isLifeEvent(events[3].text, "reason 4"));
   EXPECT_TRUE(isLifeEvent(events[4].text, "reason 4294967295"));
   image.unload();
+}
+
+TEST_F(ModuleLife, ItIsNoDriver) {
+  EXPECT_EQ(image.startAsDriver(), kUnableToLoad);
+}
+
+TEST_F(ModuleLife, AStopBeforeAnyStartDoesNothing) {
+  EXPECT_EQ(image.callSSMain(1), 0);
+  ASSERT_EQ(image.initialise(), STATUS_SUCCESS);
+  EXPECT_EQ(image.getOutcome(), kWhole);
+  EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  EXPECT_TRUE(image.isGone());
+}
+
+TEST_F(ModuleLife, AStartWithoutMemoryIsRefusedAndLeavesNothing) {
+  ntoshost::failFrom(ntoshost::kFaultMemory, 1);
+  EXPECT_EQ(image.callSSMain(0), kStatusOutOfMemory);
+  ntoshost::clearFaults();
+  EXPECT_TRUE(image.isGone());
 }

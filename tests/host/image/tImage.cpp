@@ -56,3 +56,7 @@ int tImage::getOutcome() const {
 bool tImage::isGone() const {
   return find<bool()>("probeIsGone")();
 }
+
+NTSTATUS tImage::startAsDriver() const {
+  return find<NTSTATUS()>("oxdiagkImageEntry")();
+}

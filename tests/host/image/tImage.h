@@ -21,6 +21,7 @@ class tImage {
   tModulePackage* setLegacyWrapperLoadState(u32 state) const;
   tModuleGUID const* setWDMWrapperLoadState(u32 state) const;
   i32 callSSMain(u32 reason) const;
+  NTSTATUS startAsDriver() const;
 
   // See "probe.h".
   int getOutcome() const;

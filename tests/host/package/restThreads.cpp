@@ -5,12 +5,14 @@
 #include <thread>
 #include <vector>
 
+#include "config/tConfigTunnel.h"
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
 #include "oxdiagk/instanceRegistry.h"
 #include "oxdiagk/module.h"
 #include "oxdiagk/tAssertConfiguration.h"
 #include "oxdiagk/tTrace.h"
+#include "oxdiagk/tTraceSite.h"
 #include "package/everyOperation.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
@@ -63,4 +65,14 @@ TEST(RestThreads, ThoseThatUseTheLibraryBeforeAndBetweenAndAfterItsLivesDoNothin
     vexkUnload();
     useTheRestingLibrary();
   }
+}
+
+TEST(LibraryAtRest, OpensNoLineAndServesNoRequest) {
+  tTraceSite const site(tLineOrigin{"test", "file", kVersion, 1});
+  tTrace& trace = tTrace::getInstance();
+  tLineLimit limit;
+  EXPECT_EQ(trace.openLine(site, 200, tTrace::kTraceLine), nullptr);
+  EXPECT_EQ(trace.openLine(tLineOrigin(site), 200, limit, tLineLimit::kOnce, 1), nullptr);
+  tConfigTunnel::getInstance().dispatch(0);
+  EXPECT_TRUE(isLibraryAtRest());
 }

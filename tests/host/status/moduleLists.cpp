@@ -171,3 +171,14 @@ TEST(ModuleLists, AFullStatusHeapLeavesNoFramesAndNoList) {
   EXPECT_EQ(kept.back().getCode(), kError);
   EXPECT_EQ(tStatus2ModuleList(kept.back()).getCount(), 0U);
 }
+
+TEST(ModuleLists, AreWrittenBesideAStatusWithoutDetailToo) {
+  tStartedHeap const heap;
+  tStatus2ModuleList const list(statusAt({addressOf(&kLibraries)}));
+  tStatus2 const status;
+  std::string const plain =
+      streamBy([&](auto& writer, i32& code) { status.writeExternal(writer, code); });
+  std::string const listed =
+      streamBy([&](auto& writer, i32& code) { status.writeExternal(writer, list, code); });
+  EXPECT_EQ(listed.size(), plain.size() + list.getWrittenSize());
+}

@@ -289,3 +289,12 @@ TEST(ReportableFaults, AFailedOutputOfTheCallerIsNoFailureOfTheReport) {
   EXPECT_EQ(status.getCode(), 0);
   EXPECT_STREQ(tNarrowText(output).get(), "<[>u32 12");
 }
+
+TEST(ReportableFaults, ASingleValueIsNotTakenWithAnEarlierError) {
+  tStatus2 ignored;
+  tStatus2 status(-12345);
+  tEnumPropertyReportable const property(7, 1, status);
+  EXPECT_EQ(status.getCode(), -12345);
+  EXPECT_EQ(property.getPropertyID(ignored), 0);
+  EXPECT_TRUE(property.getPropertyValues(ignored).empty());
+}

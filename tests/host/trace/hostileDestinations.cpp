@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
+#include <thread>
 
 #include "keptLines.h"
 #include "newEvents.h"
 #include "ntoshost/debugPrint.h"
+#include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "racingThreads.h"
 #include "startedModules.h"
@@ -34,6 +37,54 @@ class tMortalDestination final : public tKeptLines {
 
  private:
   std::string& fate;
+};
+
+// Wants another stream to write to it too, from within its put.
+class tGreedyDestination final : public tKeptLines {
+ public:
+  iTraceDestination& put(char const* text, unsigned int length) override {
+    tKeptLines::put(text, length);
+    wanted->setDestination(*this);
+    return *this;
+  }
+
+  tTrace* wanted = nullptr;
+};
+
+// Its settings are long, but when it is asked for their length first.
+class tGrowingSettings final : public tKeptLines {
+ public:
+  char* inquire(char* buffer, unsigned int size, unsigned int* required) override {
+    std::string const text = " --destination kept " + std::string(growth, 'x');
+    growth = 5000;
+    return inquireText(text.c_str(), buffer, size, required);
+  }
+
+ private:
+  size_t growth = 0;
+};
+
+// Ends when it is given its settings back.
+class tUnsettledDestination final : public tKeptLines {
+ public:
+  ~tUnsettledDestination() override { leaveStream(); }
+  void configure(int, char** const) override { delete this; }
+};
+
+// Opens the next one within its own opening, and the last one configures the file.
+class tNestedDestination final : public tKeptLines {
+ public:
+  u32 open() override {
+    if (next != nullptr) {
+      stream->setDestination(*next);
+    } else {
+      stream->configure("--destination file C:/deep.out");
+    }
+    return tKeptLines::open();
+  }
+
+  tTrace* stream = nullptr;
+  tNestedDestination* next = nullptr;
 };
 
 class EndWithinPut : public testing::Test {
@@ -101,4 +152,79 @@ TEST_F(EndWithinPut, SendsTheRestOfALongTextElsewhere) {
   tOwnTrace trace(*new tMortalDestination(fate));
   trace.put(("the end" + std::string(600, 'x')).c_str()).endl();
   EXPECT_NE(printed.find("xxx\n"), std::string::npos);
+}
+
+TEST(LiveStreams, GoInAnyOrder) {
+  tKeptLines kept;
+  tKeptLines other;
+  auto first = std::make_unique<tOwnTrace>(kept);
+  auto second = std::make_unique<tOwnTrace>(kept);
+  tOwnTrace third(kept);
+  first.reset();
+  second.reset();
+  EXPECT_EQ(third.setDestination(other), &kept);
+  third.put("line").endl();
+  EXPECT_EQ(other.text(), "line\n");
+}
+
+TEST(UnlockedLines, HiddenOnesOfAnotherThreadHideNothing) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.configure("--filter verbosity>=50");
+  std::thread([&] {
+    for (int depth = 0; depth < 3; ++depth) {
+      trace.putPrefix("test", tSSVersion(), 1, "file", 1, tTrace::kTraceLine).put("hidden");
+    }
+  }).join();
+  trace.endl();
+  trace.put("shown").endl();
+  EXPECT_NE(kept.text().find("shown\n"), std::string::npos) << kept.text();
+  EXPECT_EQ(kept.text().find("hidden"), std::string::npos);
+}
+
+TEST(SwitchesFromPut, OfAnotherStreamToTheSameDestinationChangeNothing) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  tGreedyDestination greedy;
+  greedy.wanted = &trace;
+  tOwnTrace other(greedy);
+  other.put("line").endl();
+  EXPECT_EQ(trace.getDestination(), &kept);
+  EXPECT_EQ(greedy.text(), "line\n");
+  EXPECT_EQ(kept.events, "");
+}
+
+// It could not be opened again as it was.
+TEST(GrowingSettings, KeepTheirDestination) {
+  tGrowingSettings growing;
+  tKeptLines kept;
+  tOwnTrace trace(growing);
+  trace.setDestination(kept);
+  EXPECT_EQ(trace.getDestination(), &growing);
+  EXPECT_EQ(kept.events, "");
+  EXPECT_EQ(growing.events, "");
+}
+
+TEST_F(EndWithinPut, WhoEndsAsItIsConfiguredLeavesItsStreamToTheDebugger) {
+  auto* const unsettled = new tUnsettledDestination;
+  tOwnTrace trace(*unsettled);
+  tKeptLines next;
+  next.failingOpens = 1;
+  trace.setDestination(next);
+  EXPECT_TRUE(isAtDebugger(trace));
+  EXPECT_EQ(next.events, "open-fails ");
+}
+
+TEST(SwitchesWithinOpen, OfTheFifthDepthConfigureNoDestination) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  tNestedDestination nested[4];
+  for (int depth = 0; depth < 4; ++depth) {
+    nested[depth].stream = &trace;
+    nested[depth].next = depth < 3 ? &nested[depth + 1] : nullptr;
+  }
+  trace.setDestination(nested[0]);
+  EXPECT_STREQ(tFileTraceDestination::getInstance()->getDescription(), "File = C:/DebugTrace.out");
+  trace.setDestination(kept);
+  EXPECT_EQ(trace.getDestination(), &kept);
 }

@@ -33,6 +33,19 @@ void complain(tTrace& trace, u32 number) {
   OXDIAG_TRACE_AT_MOST(2, 100, put("no reply ").put(number, 10));
 }
 
+// Turns its stream off within the put of a text that has the word in it.
+class tMutingLines final : public tKeptLines {
+ public:
+  iTraceDestination& put(char const* text, unsigned int length) override {
+    tKeptLines::put(text, length);
+    if (pieces.back().find(word) != std::string::npos) stream->disable();
+    return *this;
+  }
+
+  char const* word = "";
+  tTrace* stream = nullptr;
+};
+
 template <class tWork>
 void runThreads(u32 count, tWork work) {
   std::vector<std::thread> threads;
@@ -171,4 +184,42 @@ TEST(LineLimit, ASiteIsInStaticStorageFromTheStart) {
   static_assert(sizeof(limit) == 16 && std::is_trivially_destructible_v<tLineLimit>);
   u32 leftOut = 0;
   EXPECT_TRUE(limit.admit(tLineLimit::kAtMostASecond, 1, leftOut));
+}
+
+TEST(LineLimit, AStreamThatIsOffOpensNoLine) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  trace.disable();
+  tLineLimit limit;
+  nOXDIAG100::tLineOrigin const origin{"rack", "file", tSSVersion(), 1};
+  EXPECT_EQ(trace.openLine(origin, 100, limit, tLineLimit::kOnce, 1), nullptr);
+  trace.enable();
+  EXPECT_EQ(trace.openLine(origin, 100, limit, tLineLimit::kOnce, 1), &trace);
+  trace.endl();
+}
+
+TEST(LineLimit, AStreamThatIsTurnedOffByTheLineAboutOthersShowsNoMore) {
+  tMutingLines muting;
+  tOwnTrace trace(muting);
+  muting.stream = &trace;
+  muting.word = "left out";
+  trace.setMinPrefixWidth(0);
+  ntoshost::setTimeRate(0);
+  for (u32 number = 0; number < 4; ++number) complain(trace, number);
+  passHours();
+  for (u32 number = 4; number < 6; ++number) complain(trace, number);
+  ASSERT_FALSE(muting.pieces.empty());
+  EXPECT_NE(muting.text().find("2 lines left out\n"), std::string::npos) << muting.text();
+  EXPECT_EQ(muting.text().find("no reply 4"), std::string::npos) << muting.text();
+  EXPECT_EQ(trace.isEnabled(), 0u);
+}
+
+TEST(LineLimit, AHexadecimalDumpEndsWhereItsStreamIsTurnedOff) {
+  tMutingLines muting;
+  tOwnTrace trace(muting);
+  muting.stream = &trace;
+  u8 const bytes[256] = {};
+  trace.put(bytes, sizeof(bytes), 1).endl();
+  EXPECT_EQ(trace.isEnabled(), 0u);
+  EXPECT_EQ(muting.pieces.size(), 1u);
 }

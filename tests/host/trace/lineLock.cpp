@@ -99,3 +99,13 @@ TEST(LineLock, ClosingGivesBackWhatTheThreadHas) {
   EXPECT_EQ(own.lock.get(), nullptr);
   EXPECT_EQ(beginElsewhere(other.lock), tLineLock::kLocked);
 }
+
+TEST(LineLock, EitherHalfOfATokenMakesALockOfThePlatform) {
+  for (u32 half : {0u, 1u}) {
+    tOwnLock own;
+    own.token[half] = 7;
+    own.lock.open();
+    EXPECT_EQ(own.lock.begin(kSyncWaitForever), tLineLock::kLocked);
+    own.lock.end();
+  }
+}

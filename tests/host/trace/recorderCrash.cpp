@@ -157,3 +157,50 @@ TEST_F(RecorderCrash, TextStaysWhenThereIsNoMemoryForAnotherSize) {
   EXPECT_EQ(recorder.getRing()->capacity, 1024u);
   EXPECT_EQ(recorder.getRing()->written, 4u);
 }
+
+TEST_F(RecorderCrash, SmallDumpOfAnEmptyRingIsEmpty) {
+  crash([&] {
+    ntoshost::limitDump(1000);
+    ASSERT_EQ(recorder.open(), 1u);
+    stop();
+  });
+  EXPECT_EQ(content, "");
+}
+
+// The records are linked, the newest first: the test stands in for the system.
+TEST_F(RecorderCrash, WhateverTheSystemAsksForIsAnswered) {
+  ASSERT_EQ(recorder.open(), 1u);
+  recorder.put("text");
+  KBUGCHECK_REASON_CALLBACK_RECORD own = {};
+  u8 name[] = "test";
+  ASSERT_TRUE(KeRegisterBugCheckReasonCallback(
+      &own, [](KBUGCHECK_CALLBACK_REASON, KBUGCHECK_REASON_CALLBACK_RECORD*, void*, u32) {},
+      KbCallbackSecondaryDumpData, name));
+  auto* const record = reinterpret_cast<KBUGCHECK_REASON_CALLBACK_RECORD*>(own.Entry.Flink);
+  ASSERT_TRUE(KeDeregisterBugCheckReasonCallback(&own));
+  ASSERT_NE(record, nullptr);
+  KBUGCHECK_SECONDARY_DUMP_DATA data = {};
+  data.MaximumAllowed = 1 << 20;
+  record->CallbackRoutine(KbCallbackInvalid, record, &data, sizeof(data));
+  record->CallbackRoutine(KbCallbackSecondaryDumpData, record, &data, sizeof(data) - 1);
+  EXPECT_EQ(data.OutBuffer, nullptr);
+  for (int time = 0; time < 2; ++time) {
+    record->CallbackRoutine(KbCallbackSecondaryDumpData, record, &data, sizeof(data));
+    EXPECT_EQ(data.OutBuffer, recorder.getRing());
+    EXPECT_EQ(data.OutBufferLength, sizeof(tRecorderRing) + 1024);
+    EXPECT_EQ(recorder.getRing()->written, 4u);
+  }
+  data.MaximumAllowed = 1000;
+  record->CallbackRoutine(KbCallbackSecondaryDumpData, record, &data, sizeof(data));
+  EXPECT_EQ(data.OutBuffer, nullptr);
+}
+
+TEST_F(RecorderCrash, WithoutMemoryForTheRingTheDumpIsEmpty) {
+  crash([&] {
+    ntoshost::failNth(ntoshost::kFaultMemory, 2);
+    ASSERT_EQ(recorder.open(), 0u);
+    ASSERT_EQ(recorder.getRing(), nullptr);
+    stop();
+  });
+  EXPECT_EQ(content, "");
+}

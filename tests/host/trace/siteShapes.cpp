@@ -130,3 +130,10 @@ TEST(SiteShapes, FieldsAreCutAtTheEndOfTheText) {
     EXPECT_EQ(wanted, std::string(site.getText(), tTraceSite::kTextSize));
   }
 }
+
+TEST(SiteShapes, AnUnknownPlaceIsNowhere) {
+  tTraceSite const nowhere;
+  EXPECT_EQ(nowhere.component, nullptr);
+  EXPECT_EQ(nowhere.file, nullptr);
+  EXPECT_EQ(nowhere.line, 0u);
+}

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <future>
+#include <memory>
 #include <mutex>
 #include <thread>
 
@@ -13,6 +14,8 @@
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "startedModules.h"
+#include "trace/findOrMake.h"
+#include "trace/mayEnd.h"
 #include "trace/tTextsOnTheWay.h"
 #include "vexk/threadUtility.h"
 
@@ -82,6 +85,34 @@ class tStuckThread {
 
  private:
   tStickyDestination& destination;
+  std::thread thread;
+};
+
+// A thread with an open line of a stream, until the object goes.
+class tOpenLine {
+ public:
+  explicit tOpenLine(tTrace& trace)
+      : thread([this, &trace] {
+          id = tThreadUtility::getCurrentThreadId();
+          trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
+          isOpen.set_value();
+          mayEnd.get_future().wait();
+          trace.endl();
+        }) {}
+  ~tOpenLine() { end(); }
+
+  void await() { isOpen.get_future().wait(); }
+  void end() {
+    if (!thread.joinable()) return;
+    mayEnd.set_value();
+    thread.join();
+  }
+  u32 getThread() const { return id; }
+
+ private:
+  std::promise<void> isOpen;
+  std::promise<void> mayEnd;
+  std::atomic<u32> id = 0;
   std::thread thread;
 };
 
@@ -193,6 +224,10 @@ TEST_F(StuckPut, ASwitchThatIsStuckItselfMutesNobody) {
   trace.configure("--timestamp on");
   EXPECT_EQ(trace.timeStampIsEnabled(), 0u);
   EXPECT_EQ(inquiredText(trace), "");
+  trace.pushConfiguration();
+  trace.popConfiguration();
+  EXPECT_EQ(trace.countSavedConfigurations(), 0u);
+  EXPECT_FALSE(mayEnd(next));
   EXPECT_NE(events.read().find("the trace is not configured: " + nameOf(sticky.thread)),
             std::string::npos)
       << events.read();
@@ -200,57 +235,54 @@ TEST_F(StuckPut, ASwitchThatIsStuckItselfMutesNobody) {
   EXPECT_EQ(trace.getDestination(), &next);
 }
 
+TEST_F(StuckPut, StreamsAndDestinationsComeAndGoWhenASwitchThatIsStuckItselfIsOver) {
+  tKeptLines next;
+  sticky.sticksToSwitches = true;
+  tOwnTrace trace(sticky);
+  auto old = std::make_unique<tOwnTrace>(next);
+  auto leaving = std::make_unique<tStickyDestination>();
+  tStuckThread stuck(sticky, [&] { trace.setDestination(next); });
+  auto const fresh = std::async(std::launch::async, [&] { tOwnTrace const made(next); });
+  auto const gone = std::async(std::launch::async, [&] { old.reset(); });
+  auto const left = std::async(std::launch::async, [&] { leaving.reset(); });
+  for (int time = 0; time < 2; ++time) trace.configure("--timestamp on");  // gives up each time
+  EXPECT_NE(fresh.wait_for(kAWhile), std::future_status::ready);
+  EXPECT_NE(gone.wait_for(kAWhile), std::future_status::ready);
+  EXPECT_NE(left.wait_for(kAWhile), std::future_status::ready);
+  stuck.letGo();
+  EXPECT_EQ(fresh.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(gone.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(left.wait_for(kLongEnough), std::future_status::ready);
+}
+
+TEST_F(StuckPut, TheMutexIsSwitchedWhenALineEndsHoweverLongItTakes) {
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  auto line = std::make_unique<tOpenLine>(trace);
+  line->await();
+  auto const turned = std::async(std::launch::async, [&] { trace.disableMutex(); });
+  EXPECT_NE(turned.wait_for(std::chrono::milliseconds(400)), std::future_status::ready);  // 20 s
+  ntoshost::setTimeRate(1);  // who is looked at within the put of the line's end would be stuck
+  line.reset();
+  EXPECT_EQ(turned.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.mutexIsEnabled(), 0u);
+}
+
 TEST_F(StuckPut, ALineThatDoesNotEndHoldsUpNoSwitchForEver) {
   tKeptLines next;
   tOwnTrace trace(sticky);
   trace.enableMutex();
-  std::promise<void> isOpen;
-  std::promise<void> mayEnd;
-  std::atomic<u32> thread = 0;
-  std::thread writer([&] {
-    thread = tThreadUtility::getCurrentThreadId();
-    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
-    isOpen.set_value();
-    mayEnd.get_future().wait();
-    trace.endl();
-  });
-  isOpen.get_future().wait();
-  EXPECT_EQ(trace.setDestination(next), &sticky);
-  EXPECT_NE(events.read().find(nameOf(thread) + "is still within a line"), std::string::npos)
-      << events.read();
-  mayEnd.set_value();
-  writer.join();
+  {
+    tOpenLine line(trace);
+    line.await();
+    EXPECT_EQ(trace.setDestination(next), &sticky);
+    EXPECT_NE(events.read().find(nameOf(line.getThread()) + "is still within a line"),
+              std::string::npos)
+        << events.read();
+  }
   trace.setDestination(next);
   EXPECT_EQ(trace.getDestination(), &next);
 }
-
-// A thread with an open line of a stream, until the object goes.
-class tOpenLine {
- public:
-  explicit tOpenLine(tTrace& trace)
-      : thread([this, &trace] {
-          id = tThreadUtility::getCurrentThreadId();
-          trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
-          isOpen.set_value();
-          mayEnd.get_future().wait();
-          trace.endl();
-        }) {}
-  ~tOpenLine() { end(); }
-
-  void await() { isOpen.get_future().wait(); }
-  void end() {
-    if (!thread.joinable()) return;
-    mayEnd.set_value();
-    thread.join();
-  }
-  std::string name() const { return nameOf(id); }
-
- private:
-  std::promise<void> isOpen;
-  std::promise<void> mayEnd;
-  std::atomic<u32> id = 0;
-  std::thread thread;
-};
 
 TEST_F(StuckPut, TheThreadIsThatOfTheLineInTheWay) {
   tKeptLines kept;
@@ -263,7 +295,8 @@ TEST_F(StuckPut, TheThreadIsThatOfTheLineInTheWay) {
   inTheWay.await();
   elsewhere.await();
   EXPECT_EQ(trace.setDestination(kept), &sticky);
-  EXPECT_NE(events.read().find(inTheWay.name() + "is still within a line"), std::string::npos)
+  EXPECT_NE(events.read().find(nameOf(inTheWay.getThread()) + "is still within a line"),
+            std::string::npos)
       << events.read();
 }
 
@@ -290,7 +323,8 @@ TEST_F(StuckPut, ALineOfAnotherStreamIsNamedToo) {
     line.await();
     trace.configure("--destination recorder 32");
     EXPECT_EQ(trace.getDestination(), &sticky);
-    EXPECT_NE(events.read().find(line.name() + "is still within a line"), std::string::npos)
+    EXPECT_NE(events.read().find(nameOf(line.getThread()) + "is still within a line"),
+              std::string::npos)
         << events.read();
   }
   other.setDestination(tVEXTraceDestination::getInstance());
@@ -330,6 +364,34 @@ TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
   EXPECT_NE(events.read().find(": another thread is still within a line after 10 s"),
             std::string::npos)
       << events.read();
+}
+
+// As a switch to it, which closes and opens it for both.
+TEST_F(StuckPut, ASharedDestinationIsNotOpenedAnewBesideALineOfAnother) {
+  tKeptLines kept;
+  tOwnTrace trace(kept);
+  tOwnTrace other(kept);
+  other.enableMutex();
+  tOpenLine line(other);
+  line.await();
+  EXPECT_EQ(trace.setDestination(kept), &kept);
+  EXPECT_EQ(kept.events, "");
+  EXPECT_NE(events.read().find(nameOf(line.getThread()) + "is still within a line"),
+            std::string::npos)
+      << events.read();
+}
+
+TEST_F(StuckPut, ADestinationIsNotGivenItsWordsBesideALineOfAnother) {
+  tFileTraceDestination& file = *tFileTraceDestination::getInstance();
+  tOwnTrace trace(sticky);
+  tOwnTrace other(file);
+  other.enableMutex();
+  tOpenLine line(other);
+  line.await();
+  trace.configure("--destination file C:/other.out --timestamp on");
+  EXPECT_STREQ(file.getDescription(), "File = C:/DebugTrace.out");
+  EXPECT_EQ(trace.getDestination(), &sticky);
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
 }
 
 TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
@@ -486,3 +548,15 @@ TEST_P(StuckPutWithoutCounter, ASwitchOfTheMutexIsGivenUp) {
 
 INSTANTIATE_TEST_SUITE_P(Any, StuckPutWithoutCounter,
                          testing::Values(kStandsStill, kRunsBackwards));
+
+TEST_F(StuckPut, TheModuleLeavesADestinationAlone) {
+  tOwnTrace trace(sticky);
+  tStickyDestination* place = &sticky;
+  {
+    tStuckThread stuck(trace, sticky);
+    EXPECT_FALSE(mayEnd(sticky));
+    destroyAtEnd(place);
+    EXPECT_EQ(place, &sticky);
+  }
+  EXPECT_TRUE(mayEnd(sticky));
+}

@@ -254,6 +254,30 @@ TEST(ChildEnd, ABusThatGoesBySurpriseDuringAReportThatSucceedsLeavesItToTheSyste
   EXPECT_EQ(bus.fate.stops, 1);
 }
 
+TEST(ChildEnd, AStartedChildWhoseBusGoesDuringAReportThatFailsWaitsForItsRemoval) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_NO_SUCH_DEVICE, [&bus] {
+    EXPECT_EQ(sendPnp(bus.device, IRP_MN_START_DEVICE), STATUS_SUCCESS);
+    sendPnp(bus.bus(), IRP_MN_SURPRISE_REMOVAL);
+  });
+  EXPECT_FALSE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 0);
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
+}
+
+TEST(ChildEnd, AChildThatWasTakenMayStartWhenItsBusHasGone) {
+  tUnreportedChild bus;
+  duringFirstReport(bus, STATUS_SUCCESS, [&bus] { EXPECT_EQ(bus.take(), 0); });
+  sendPnp(bus.bus(), IRP_MN_SURPRISE_REMOVAL);
+  EXPECT_FALSE(bus.isDeleted());
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_REMOVE_DEVICE), STATUS_SUCCESS);
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(bus.fate.stops, 1);
+}
+
 TEST(ChildEnd, RelationsMayRaceWithTheRemovalOfTheBus) {
   for (int round = 0; round < kRaces; ++round) {
     tReportedChild bus;
