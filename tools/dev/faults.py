@@ -25,7 +25,7 @@ ROUNDS = 300  # of the short form
 DEPTH = 3  # lines that tell one place from another
 SECONDS = 120  # of failures at random
 LIBRARY = re.compile(r"(?:^|/)((?:source|platform/(?:vexk|qelmk))/.*)$")
-HELPERS = re.compile(r"memory\.(?:cpp|h)$|statusMemory|placementNew")
+HELPERS = re.compile(r"memory\.(?:cpp|h)$|statusMemory|placementNew|tClassImplementation")
 # Templates that a test uses, with its own mistakes in their arguments.
 TEMPLATES = re.compile(r"platform/stl/include|/gtest/")
 FRAME = re.compile(r"^ *#\d+ .* (\S+?):\d+", re.MULTILINE)
@@ -66,8 +66,8 @@ def lines_of(addresses):
 
 
 def path_of(stack, lines):
-    """The innermost lines of the library, but those of its allocation functions: who asked, for
-    whom. None when a test asked."""
+    """The innermost lines of the library, but those of its allocation functions and of the template
+    by which a class makes its objects: who asked, for whom. None when a test asked."""
     path = []
     for address in stack:
         for line in lines[int(address, 16)]:
