@@ -18,8 +18,9 @@ namespace {
 
 constexpr char kName[] = "nTEST://nBusy";
 constexpr char kOtherName[] = "nTEST://nOther";
+constexpr u64 kProbe = ~u64{0};  // a request that only asks whether it is served
 
-i32 deliver(u64 request = 1, char const* name = kName) {
+i32 deliver(u64 request, char const* name = kName) {
   i32 status = 0;
   iLib::deliver(name, __builtin_strlen(name), request, status);
   return status;
@@ -32,6 +33,11 @@ void waitFor(std::atomic<u32> const& value, u32 wanted) {
 // Long enough for a thread that does not wait to be caught going on.
 void waitALittle() {
   std::this_thread::sleep_for(std::chrono::milliseconds(20));
+}
+
+// Until somebody has withdrawn the dispatcher, or is about to.
+void awaitWithdrawal(char const* name = kName) {
+  while (deliver(kProbe, name) != kStatusNoDispatcher) std::this_thread::yield();
 }
 
 // Keeps its requests until they are let go.
@@ -51,6 +57,7 @@ class tBusy : public iLib::iDispatcher {
   }
 
   void dispatch(u64 request) override {
+    if (request == kProbe) return;
     ++entered;
     waitFor(letGo, static_cast<u32>(request));
     ++left;
@@ -112,8 +119,7 @@ TEST_F(DispatcherThreads, WithdrawingWaitsForEveryRunningRequest) {
     busy.withdraw();
     isWithdrawn = true;
   });
-  waitALittle();
-  EXPECT_EQ(deliver(), kStatusNoDispatcher);
+  awaitWithdrawal();
   busy.letGo = 1;
   waitFor(busy.left, 1);
   waitALittle();
@@ -139,9 +145,8 @@ TEST_F(DispatcherThreads, UnregisteringWaitsForTheRequestsOfAllItsDispatchers) {
     close();
     isUnregistered = true;
   });
-  waitALittle();
-  EXPECT_EQ(deliver(), kStatusNoDispatcher);
-  EXPECT_EQ(deliver(1, kOtherName), kStatusNoDispatcher);
+  awaitWithdrawal();
+  awaitWithdrawal(kOtherName);
   busy.letGo = 1;
   waitALittle();
   EXPECT_FALSE(isUnregistered);
@@ -162,12 +167,12 @@ TEST_F(DispatcherThreads, EachWithdrawalWaitsForItsOwnRequests) {
   waitFor(other.entered, 1);
   std::atomic<bool> isOtherWithdrawn = false;
   std::thread withdrawer([&] { busy.withdraw(); });
-  waitALittle();
+  awaitWithdrawal();
   std::thread otherWithdrawer([&] {
     other.withdraw();
     isOtherWithdrawn = true;
   });
-  waitALittle();
+  awaitWithdrawal(kOtherName);
   busy.letGo = 1;
   withdrawer.join();
   waitALittle();
@@ -183,7 +188,7 @@ TEST_F(DispatcherThreads, TheNameOfOneThatIsWaitedForIsTaken) {
   std::thread request([] { EXPECT_EQ(deliver(1), 0); });
   waitFor(busy.entered, 1);
   std::thread unregisterer([&] { close(); });
-  waitALittle();
+  awaitWithdrawal();
   tIdle next;
   EXPECT_EQ(next.exportNow(), kStatusBadArgument);
   busy.letGo = 1;
@@ -198,7 +203,7 @@ TEST_F(DispatcherThreads, ADispatcherMayBeWithdrawnWhileItsModuleWaitsForIt) {
   std::thread request([] { EXPECT_EQ(deliver(1), 0); });
   waitFor(busy->entered, 1);
   std::thread unregisterer([&] { close(); });
-  waitALittle();
+  awaitWithdrawal();
   std::thread withdrawer([&] { busy->withdraw(); });
   waitALittle();
   busy->letGo = 1;
@@ -215,7 +220,7 @@ TEST_F(DispatcherThreads, OneThatWaitsHoldsNobodyElseUp) {
   std::thread request([] { EXPECT_EQ(deliver(1), 0); });
   waitFor(busy.entered, 1);
   std::thread withdrawer([&] { busy.withdraw(); });
-  waitALittle();
+  awaitWithdrawal();
   EXPECT_EQ(deliver(1, kOtherName), 0);
   other.withdraw();
   EXPECT_EQ(deliver(1, kOtherName), kStatusNoDispatcher);
