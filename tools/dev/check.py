@@ -54,7 +54,8 @@ def windows_build():
                             "\n".join([*wrong, guide.output]))
 
 
-# In the order in which they begin: the longest first, with all the others beside it.
+# In the order in which they begin: the longest first, with all the others beside it, and at the end
+# those that wait for its build.
 STEPS = {
     "host-clang": ("host tests, clang, address and undefined-behaviour sanitizers",
                    lambda: programs.check("host-clang", "host_tests")),
@@ -69,7 +70,6 @@ STEPS = {
     "sleeps": ("every sleep of a test says why", sleeps.check),
     "scripts": ("the readers of benchmarks and profiles", scripts.check),
     "documents": ("what pages and headers name is there", pages.check),
-    "compile": ("what must compile and what must not", compileChecks.check_sources),
     "natvis": ("every expression of the views for WinDbg and Visual Studio", natvisView.check),
     "windows": ("Windows modules, warnings as errors", windows_build),
     "modules": ("the modules as files: imports, exports, guards, sections, PDB, version", images.check),
@@ -85,6 +85,7 @@ STEPS = {
     "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
                   lambda: programs.check("host-plain", "bare_tests", "bare")),
     "budget": ("the instructions of the library's paths", budget.check),
+    "compile": ("what must compile and what must not", compileChecks.check_sources),
     "faults": ("conformance tests with calls that fail, and at raised levels", faults.check),
     "fuzz": ("fuzz targets over their corpora", fuzz.check_corpora),
     "host-plain": ("host tests, g++", lambda: programs.check("host-plain", "host_tests")),
