@@ -61,7 +61,7 @@ TEST(TracingSamples, ValuesOfTheKernelLookAsInTheDocument) {
 
 TEST(TracingSamples, LinesThatWereLeftOutAreToldAsInTheDocument) {
   tCapturedPrint print;
-  ntoshost::setTimeRate(0);
+  ntoshost::setCounterRate(0);
   for (u32 slot = 1; slot <= 14; ++slot) reportSilence(slot);
   ntoshost::moveTime(kHourOfCounter);
   ntoshost::setTimeRate(1);

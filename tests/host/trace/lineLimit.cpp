@@ -22,11 +22,12 @@ namespace {
 using nOXDIAG100::tLineLimit;
 using nOXDIAG100::tTrace;
 
-// The clock makes a long jump.
+// The clock makes a long jump, and goes on.
 void passHours() {
   LARGE_INTEGER countsPerSecond;
   KeQueryPerformanceCounter(&countsPerSecond);
   ntoshost::moveTime(11 * 3600 * countsPerSecond.QuadPart);
+  ntoshost::setTimeRate(1);
 }
 
 void complain(tTrace& trace, u32 number) {
@@ -59,7 +60,7 @@ void runThreads(u32 count, tWork work) {
 // test: the rate of the counter is asked for once.
 TEST(LineLimit, ASecondIsAThousandMilliseconds) {
   LARGE_INTEGER countsPerSecond;
-  ntoshost::setTimeRate(0);
+  ntoshost::setCounterRate(0);
   i64 const now = KeQueryPerformanceCounter(&countsPerSecond).QuadPart;
   i64 const countsPerMillisecond = countsPerSecond.QuadPart / 1000;
   ntoshost::moveTime(countsPerMillisecond - now % countsPerMillisecond);
@@ -78,10 +79,10 @@ TEST(LineLimit, TheNextSecondTellsWhatWasLeftOut) {
   tKeptLines kept;
   tOwnTrace trace(kept);
   trace.setMinPrefixWidth(0);
-  ntoshost::setTimeRate(0);  // the counter stands still, so that no second ends by itself
+  ntoshost::setCounterRate(0);  // the counter stands still, so that no second ends by itself
   for (u32 number = 0; number < 14; ++number) complain(trace, number);
   passHours();
-  ntoshost::setTimeRate(0);
+  ntoshost::setCounterRate(0);
   for (u32 number = 20; number < 23; ++number) complain(trace, number);
   passHours();
   complain(trace, 30);
@@ -94,7 +95,7 @@ TEST(LineLimit, TheNextSecondTellsWhatWasLeftOut) {
 TEST(LineLimit, TheLineAboutOthersHasThePrefixOfItsPlace) {
   tKeptLines kept;
   tOwnTrace trace(kept);
-  ntoshost::setTimeRate(0);
+  ntoshost::setCounterRate(0);
   for (u32 round = 0; round < 3; ++round) {
     if (round == 2) passHours();
     OXDIAG_TRACE_AT_MOST(1, 100, put("x"));
@@ -204,7 +205,7 @@ TEST(LineLimit, AStreamThatIsTurnedOffByTheLineAboutOthersShowsNoMore) {
   muting.stream = &trace;
   muting.word = "left out";
   trace.setMinPrefixWidth(0);
-  ntoshost::setTimeRate(0);
+  ntoshost::setCounterRate(0);
   for (u32 number = 0; number < 4; ++number) complain(trace, number);
   passHours();
   for (u32 number = 4; number < 6; ++number) complain(trace, number);
