@@ -58,8 +58,13 @@ function(oxdiag_program_parts name)
   cmake_parse_arguments(ARG "" "" "SOURCES;TYPED" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES} ${ARG_TYPED})
   target_compile_options(${name} PRIVATE -fno-rtti)
+  # What the library of command lines makes takes twice as long to compile with that sanitizer.
+  set(typed -frtti)
+  if(OXDIAG_SANITIZE MATCHES "undefined" AND NOT OXDIAG_TESTS_UNDEFINED)
+    list(APPEND typed -fno-sanitize=undefined)
+  endif()
   set_source_files_properties(${ARG_TYPED} PROPERTIES
-    COMPILE_OPTIONS -frtti
+    COMPILE_OPTIONS "${typed}"
     SKIP_PRECOMPILE_HEADERS ON)
   if(CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_precompile_headers(${name} PRIVATE
