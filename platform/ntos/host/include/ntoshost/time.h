@@ -7,9 +7,9 @@
 namespace ntoshost {
 
 // From now on the performance counter runs `rate` times as fast as time does, and a wait for a span
-// ends as much earlier; `rate` is 1, as at the start, for true time, or more. The counter never goes
-// back. Points of time since 1601, and waits for them, stay what they are. To be called while no
-// thread waits.
+// ends as much earlier; `rate` is 1, as at the start, for true time, or more. The counter never
+// goes back. Points of time since 1601, and waits for them, stay what they are. To be called while
+// no thread waits.
 void setTimeRate(u32 rate);
 u32 getTimeRate();
 
