@@ -7,8 +7,9 @@ The preset host-coverage counts in source/ and include/, by clang's source-based
 count in mapped files, a folder for each test program, so what a child did that died is there too. A
 line, or an outcome of a condition, that nothing reached stands with its reason in
 tests/coverage/unreached.json, by file, function and text; a function of which nothing is reached may
-stand there as a whole, and a source that this build does not compile does. The report fails for what is not reached and does not stand there, and for
-what stands there and is reached, or is nowhere in the source."""
+stand there as a whole, and a source that this build does not compile does. The report fails for what
+is not reached and does not stand there, and for what stands there and is reached, or is nowhere in
+the source."""
 
 import collections
 import dataclasses

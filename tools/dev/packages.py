@@ -236,11 +236,12 @@ def check_long():
     return run_checks(LONG_PRESET, LONG_CHECKS | CHECKS)  # the last of which moves it away
 
 
-BARE = ["env", "-i", "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "HOME=/root", "DEBIAN_FRONTEND=noninteractive"]
+BARE = ["env", "-i", "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "HOME=/", "DEBIAN_FRONTEND=noninteractive"]
 
 
 def in_system(root, command, **options):
-    return workshop.run([*BARE, "chroot", root, "sh", "-ec", f"cd /root/hello; {command}"], **options)
+    """A command in the folder of the client, below the top of the other system."""
+    return workshop.run([*BARE, "chroot", root, "sh", "-ec", f"cd hello; {command}"], **options)
 
 
 def check_clean_debian():
@@ -249,8 +250,8 @@ def check_clean_debian():
     with tempfile.TemporaryDirectory() as folder:
         root = pathlib.Path(folder) / "system"
         workshop.demand(["debootstrap", "--variant=minbase", "--include=sudo", "bookworm", root])
-        shutil.copytree(HELLO, root / "root/hello")
-        debianPackages.make(root / "root/hello")
+        shutil.copytree(HELLO, root / "hello")
+        debianPackages.make(root / "hello")
         for name, block in TYPED.findall(PAGE.read_text()):
             code, output = in_system(root, block.replace("apt-get", "apt-get -y"))
             good = code == 0 and (name or output.endswith(greeting()))
