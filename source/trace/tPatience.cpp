@@ -8,8 +8,7 @@ namespace nOXDIAG100 {
 namespace {
 
 constexpr u64 kMillisecondsPerSecond = 1000;
-constexpr u32 kPause = 1;                     // milliseconds
-constexpr i64 kTicksOfMillisecond = -10'000;  // units of 100 ns, from now
+constexpr u32 kPause = 1;  // milliseconds
 
 constinit u32 exhausted = 0;
 

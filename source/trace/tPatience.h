@@ -8,6 +8,8 @@ namespace nOXDIAG100 {
 // their line.
 constexpr u32 kMostPatience = 10'000;  // milliseconds
 
+constexpr i64 kTicksOfMillisecond = -10'000;  // of the kernel's timer, from now: units of 100 ns
+
 // The time that is left of kMostPatience, for one thread. It passes by the performance counter, and
 // by the waits of the kernel's timer that the thread adds, should the counter stand still or run
 // backwards. Any IRQL but for the pauses.

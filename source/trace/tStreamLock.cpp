@@ -15,8 +15,7 @@ namespace {
 
 enum tState : u32 { kRaw, kInTheMaking, kReady };
 
-constexpr u32 kBetweenLooks = 100;            // milliseconds
-constexpr i64 kTicksOfMillisecond = -10'000;  // units of 100 ns, from now
+constexpr u32 kBetweenLooks = 100;  // milliseconds
 
 // Made by the first who asks: a destination may leave before the first stream is built.
 constinit KMUTEX mutex = {};
