@@ -41,9 +41,10 @@ class OXDIAG_API tLineLock {
   // The thread that has the lock for its line; 0 when there is none.
   u32 getOwner() const;
 
-  // Whether both mean the same lock of the platform, as their tokens are now.
+  // Whether both, once opened, are the same lock of the platform: tokens that came later count at
+  // the next open.
   bool isSharedWith(tLineLock const& other) const {
-    return token[0] == other.token[0] && token[1] == other.token[1];
+    return openedBy[0] == other.openedBy[0] && openedBy[1] == other.openedBy[1];
   }
 
   u32 holders = 0;  // a bit for each tStreamHold that has the lock
@@ -53,7 +54,8 @@ class OXDIAG_API tLineLock {
 
   iSync*& sync;
   u32 const (&token)[2];
-  u32 owner = 0;  // thread whose lines have the lock, while depth is not 0
+  u32 openedBy[2] = {0, 0};  // the token of the lock that is open
+  u32 owner = 0;             // thread whose lines have the lock, while depth is not 0
   u32 depth = 0;
 };
 

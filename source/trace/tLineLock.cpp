@@ -15,6 +15,8 @@ void tLineLock::open() {
     descriptor.token[0] = token[0];
     descriptor.token[1] = token[1];
   }
+  openedBy[0] = token[0];
+  openedBy[1] = token[1];
   i32 status = 0;
   iSync* const opened = syncOpen("nOXDIAG100::tTrace::_mutex", descriptor, status);
   storeRelease(sync, opened);

@@ -300,6 +300,24 @@ TEST_F(StuckPut, TheThreadIsThatOfTheLineInTheWay) {
       << events.read();
 }
 
+TEST_F(StuckPut, ATokenThatCameAfterTheLockNamesNobodyElse) {
+  tKeptLines kept;
+  tOwnTrace trace(sticky);
+  tOwnTrace other(kept);
+  other.configure("--mutex-kernel-token 1:2");
+  other.enableMutex();
+  trace.enableMutex();
+  trace.configure("--mutex-kernel-token 1:2");
+  tOpenLine inTheWay(trace);
+  tOpenLine elsewhere(other);
+  inTheWay.await();
+  elsewhere.await();
+  EXPECT_EQ(trace.setDestination(kept), &sticky);
+  EXPECT_NE(events.read().find(nameOf(inTheWay.getThread()) + "is still within a line"),
+            std::string::npos)
+      << events.read();
+}
+
 TEST_F(StuckPut, ALockedLineIsNamedWithThePutThatItIsStuckIn) {
   tKeptLines next;
   tOwnTrace trace(sticky);
