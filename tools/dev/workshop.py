@@ -13,7 +13,7 @@ import time
 
 TOP = pathlib.Path(__file__).resolve().parents[2]
 OUT = TOP / "out"
-CORES = os.cpu_count() or 1
+CORES = len(os.sched_getaffinity(0))
 
 # What a step found: how many checks held, the names of those that did not, what to show then, and
 # which could not be made, each with its reason.
