@@ -16,7 +16,12 @@ import fuzz  # noqa: E402
 import fuzzLedger  # noqa: E402
 
 GOOD = """#!/bin/sh
+i=0; while [ $i -lt 60000 ]; do i=$((i + 1)); done
 echo '#4 NEW    cov: 12 ft: 30 corp: 1/1b'
+echo 'Done 7 runs in 1 second(s)'
+"""
+WAITING = """#!/bin/sh
+sleep 0.4
 echo 'Done 7 runs in 1 second(s)'
 """
 BAD = """#!/bin/sh
@@ -76,10 +81,14 @@ class Campaigns(Folder):
         self.enterContext(unittest.mock.patch.object(
             fuzz, "program_of", lambda preset, name: self.folder / f"fuzz.{name}"))
 
-    def campaign(self, text, seconds):
+    def written(self, text):
         program = self.folder / "fuzz.words"
         program.write_text(text)
         program.chmod(0o755)
+        return program
+
+    def campaign(self, text, seconds):
+        self.written(text)
         campaign = fuzz.Campaign(fuzz.PRESET, ["words"], seconds)
         printed = io.StringIO()
         with contextlib.redirect_stdout(printed):
@@ -94,6 +103,14 @@ class Campaigns(Folder):
         self.assertEqual(entry.runs % 7, 0)
         self.assertEqual(self.campaign(GOOD, 1.3)[1].runs, entry.runs)
         self.assertGreater(self.campaign(GOOD, 1.6)[1].runs, entry.runs)
+
+    def test_what_counts_is_the_time_of_a_processor(self):
+        run = fuzz.Run(fuzz.PRESET, "words", 1, self.written(WAITING))
+        with contextlib.redirect_stdout(io.StringIO()):
+            run.work()
+        self.assertGreaterEqual(run.passed, 0.4)
+        self.assertGreater(run.busy, 0)
+        self.assertLess(run.busy, 0.2)
 
     def test_it_ends_at_a_finding(self):
         is_good, entry, printed = self.campaign(BAD, 100)

@@ -5,6 +5,7 @@ import argparse
 import collections
 import concurrent.futures
 import functools
+import os
 import re
 import shutil
 import subprocess
@@ -126,7 +127,7 @@ class Run:
         self.program = program
         self.inputs, self.findings = FOUND / target / "inputs", FOUND / target / "findings"
         self.runs = self.coverage = 0
-        self.passed, self.finding = 0.1, ""
+        self.passed, self.busy, self.finding = 0.1, 0.0, ""
         self.output = collections.deque(maxlen=MOST_LINES_KEPT)
 
     def say(self, text):
@@ -158,6 +159,12 @@ class Run:
                 spoken = time.monotonic()
                 self.say(self.state())
 
+    def await_end(self, process):
+        """Notes for how long a processor was its, but no longer than the clock says."""
+        _, state, usage = os.wait4(process.pid, 0)
+        process.returncode = os.waitstatus_to_exitcode(state)
+        self.busy = min(self.passed, usage.ru_utime + usage.ru_stime)
+
     def work(self):
         """True when nothing was found."""
         self.say(f"{self.seconds} s from now")
@@ -165,6 +172,7 @@ class Run:
                               text=True, errors="replace",
                               env=environment(self.preset, self.target)) as process:
             self.listen(process.stdout)
+            self.await_end(process)
         if process.returncode == INTERRUPTED:
             raise KeyboardInterrupt
         if process.returncode == 0:
@@ -197,7 +205,8 @@ def fuzz(preset, names, seconds):
 
 
 class Campaign:
-    """All targets for so many seconds each, as often as it takes: what is done is in the ledger.
+    """All targets for so many seconds of a processor each, as often as it takes: what is done is in
+    the ledger. A machine that has other work makes it longer, not less.
     The programs are copies, so that meanwhile others can be built."""
 
     def __init__(self, preset, names, seconds):
@@ -219,7 +228,7 @@ class Campaign:
             try:
                 run.work()
             finally:
-                self.ledger.add(name, self.programs[name], run.passed, run.runs, run.coverage,
+                self.ledger.add(name, self.programs[name], run.busy, run.runs, run.coverage,
                                 run.finding)
 
     def report(self):

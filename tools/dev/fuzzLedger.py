@@ -8,8 +8,8 @@ import hashlib
 import json
 
 Entry = collections.namedtuple("Entry", "program seconds runs coverage finding")
-# Its program, the seconds and inputs that this had, the edges that were reached at last, and the
-# file of the input that was a finding, if there was one.
+# Its program, the seconds of a processor and the inputs that this had, the edges that were reached at
+# last, and the file of the input that was a finding, if there was one.
 
 
 def state_of(program):
