@@ -5,6 +5,7 @@
 #include "conformance/harness.h"
 #include "qelmk/dynamicCast.h"
 #include "qelmk/tClass.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/tTestDescription.h"
 
@@ -17,8 +18,6 @@ using nQELM100::tObject;
 
 namespace {
 
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 constexpr tMemAllocationFlags kFlags = kMemLongLived;
 constexpr size_t kTooMuch = 16384;
 
@@ -120,12 +119,12 @@ TEST(StatusDescriptionMemory, TakesAnyFlags) {
 
 TEST(StatusDescriptionMemory, LeavesTheStatusOfASuccessAlone) {
   EXPECT_EQ(statusAfterNew(100, 0), 0);
-  EXPECT_EQ(statusAfterNew(100, kWarning), kWarning);
+  EXPECT_EQ(statusAfterNew(100, kEarlierWarning), kEarlierWarning);
 }
 
 TEST(StatusDescriptionMemory, ReportsOutOfMemory) {
   EXPECT_EQ(statusAfterNew(kTooMuch, 0), kStatusOutOfMemory);
-  EXPECT_EQ(statusAfterNew(kTooMuch, kWarning), kStatusOutOfMemory);
+  EXPECT_EQ(statusAfterNew(kTooMuch, kEarlierWarning), kStatusOutOfMemory);
 }
 
 TEST(StatusDescriptionMemory, GivesNothingWithAnErrorOnEntry) {

@@ -1,6 +1,7 @@
 #include "qelmk/qelmk.h"
 #include "conformance/harness.h"
 #include "ntos/status.h"
+#include "support/callerCodes.h"
 #include "vexk/memory.h"
 
 namespace qelmkTests {
@@ -13,9 +14,6 @@ using nQELM100::iObjectReader;
 using nQELM100::iObjectWriter;
 using nQELM100::tClass;
 using nQELM100::tObject;
-
-constexpr i32 kSomeError = -12345;
-constexpr i32 kSomeWarning = 12345;
 
 // An interface beside the framework's, with a table of operations in front of theirs.
 class iMeasured : public virtual tObject {
@@ -89,7 +87,7 @@ class tNumberStream final : public iObjectWriter, public iObjectReader {
   void writeI32(i32 value, i32& status) override {
     if (status < 0) return;
     if (written == kCapacity) {
-      status = kSomeError;
+      status = kEarlierError;
       return;
     }
     items[written++] = value;
@@ -97,26 +95,26 @@ class tNumberStream final : public iObjectWriter, public iObjectReader {
   void readI32(i32& value, i32& status) override {
     if (status < 0) return;
     if (read == written) {
-      status = kSomeError;
+      status = kEarlierError;
       return;
     }
     value = items[read++];
   }
-  void writeCharacter(char, i32& status) override { status = kSomeError; }
-  void writeU32(u32, i32& status) override { status = kSomeError; }
-  void writeI64(i64, i32& status) override { status = kSomeError; }
-  void writeU64(u64, i32& status) override { status = kSomeError; }
-  void writeString(_STL::string const&, i32& status) override { status = kSomeError; }
-  void writeWideString(_STL::wstring const&, i32& status) override { status = kSomeError; }
-  void writeObject(tObject const*, i32& status) override { status = kSomeError; }
-  void readCharacter(char&, i32& status) override { status = kSomeError; }
-  void readU32(u32&, i32& status) override { status = kSomeError; }
-  void readI64(i64&, i32& status) override { status = kSomeError; }
-  void readU64(u64&, i32& status) override { status = kSomeError; }
-  void readString(_STL::string&, i32& status) override { status = kSomeError; }
-  void readWideString(_STL::wstring&, i32& status) override { status = kSomeError; }
+  void writeCharacter(char, i32& status) override { status = kEarlierError; }
+  void writeU32(u32, i32& status) override { status = kEarlierError; }
+  void writeI64(i64, i32& status) override { status = kEarlierError; }
+  void writeU64(u64, i32& status) override { status = kEarlierError; }
+  void writeString(_STL::string const&, i32& status) override { status = kEarlierError; }
+  void writeWideString(_STL::wstring const&, i32& status) override { status = kEarlierError; }
+  void writeObject(tObject const*, i32& status) override { status = kEarlierError; }
+  void readCharacter(char&, i32& status) override { status = kEarlierError; }
+  void readU32(u32&, i32& status) override { status = kEarlierError; }
+  void readI64(i64&, i32& status) override { status = kEarlierError; }
+  void readU64(u64&, i32& status) override { status = kEarlierError; }
+  void readString(_STL::string&, i32& status) override { status = kEarlierError; }
+  void readWideString(_STL::wstring&, i32& status) override { status = kEarlierError; }
   tObject* readObject(i32& status) override {
-    status = kSomeError;
+    status = kEarlierError;
     return nullptr;
   }
   u64 getMostItems() const override { return written - read; }
@@ -228,7 +226,7 @@ TEST(QelmkObject, AssigningTheTObjectPartKeepsTheContent) {
 TEST(QelmkClass, TellsItsRegisteredName) {
   tPoint const point;
   tNamedPoint const named;
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   EXPECT_STREQ("qelmkTests::tPoint", point.getClass(status).getName());
   EXPECT_STREQ("qelmkTests::tNamedPoint", named.getClass(status).getName());
   EXPECT_STREQ("qelmkTests::iMeasured", iMeasured::staticGetClass(status).getName());
@@ -236,7 +234,7 @@ TEST(QelmkClass, TellsItsRegisteredName) {
   EXPECT_STREQ("nQELM100::iExternalizable", iExternalizable::staticGetClass(status).getName());
   EXPECT_STREQ("nQELM100::iCloneableExternalizable",
                iCloneableExternalizable::staticGetClass(status).getName());
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
 }
 
 TEST(QelmkClass, IsEqualWhenItIsTheSameClass) {
@@ -267,22 +265,22 @@ TEST(QelmkClass, MakesAndDestroysInstances) {
 }
 
 TEST(QelmkClass, MakesAnInstanceOfADerivedClass) {
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   tClass const namedClass = tNamedPoint::staticGetClass(status);
   tObject* object = namedClass.newInstance(status);
   ASSERT_TRUE(dynamicCast<tNamedPoint>(object) != nullptr);
   EXPECT_EQ('n', dynamicCast<tNamedPoint>(object)->name);
   namedClass.deleteInstance(object, status);
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
 }
 
 TEST(QelmkClass, MakesNothingAfterAnError) {
   i32 const before = tPoint::living;
   i32 status = 0;
   tClass const pointClass = tPoint::staticGetClass(status);
-  status = kSomeError;
+  status = kEarlierError;
   EXPECT_TRUE(pointClass.newInstance(status) == nullptr);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_EQ(before, tPoint::living);
 }
 
@@ -306,9 +304,9 @@ TEST(QelmkClass, DestroysAlsoAfterAnErrorAndKeepsIt) {
   i32 status = 0;
   tClass const pointClass = tPoint::staticGetClass(status);
   tObject* object = pointClass.newInstance(status);
-  status = kSomeError;
+  status = kEarlierError;
   pointClass.deleteInstance(object, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_EQ(before, tPoint::living);
 }
 
@@ -331,9 +329,9 @@ TEST(QelmkClass, DoesNotDestroyAnObjectOfAnotherClass) {
   status = 0;
   tClass().deleteInstance(&point, status);
   EXPECT_EQ(nQELM100::kStatusClassInvalid, status);
-  status = kSomeError;
+  status = kEarlierError;
   tClass().deleteInstance(&point, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_EQ(before, tPoint::living);
 }
 
@@ -375,7 +373,7 @@ TEST(QelmkInterfaces, AFailingStreamLeavesItsCode) {
   tNumberStream stream;
   i32 status = 0;
   point.readExternal(stream, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_EQ(i32{1}, point.x);
 }
 

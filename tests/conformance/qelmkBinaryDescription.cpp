@@ -18,7 +18,7 @@ using nQELM100::tBinaryObjectWriter;
 
 constexpr u32 kBufferSize = 4096;
 constexpr u8 kChanges[] = {0x01, 0xFF};
-constinit u8 bytes[kBufferSize] = {};
+constinit u8 stored[kBufferSize] = {};
 
 u32 freeUnits() {
   i32 status = 0;
@@ -29,13 +29,13 @@ tStatus2Description const* descriptionOf(tStatus2 const& status2) {
   return nQELM100::dynamicCast<tStatus2Description>(status2.getDescription());
 }
 
-// A status with everything; its stream is in `bytes`. Returns its size, 0 on failure.
+// A status with everything; its stream is in `stored`. Returns its size, 0 on failure.
 size_t writeEverything(tStatus2& status2) {
   tStatus2Description description;
   if (!sample::describeEverything(description)) return 0;
   tOrigin const origin("component", "file.cpp");
   OXDIAG_SET_STATUS_WITH_DESCRIPTION_WITHOUT_STACK_TRACE(status2, -100, description);
-  tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  tBinaryObjectWriter writer(stored, sizeof(stored));
   i32 status = 0;
   status2.writeExternal(writer, status);
   writer.finish(status);
@@ -44,7 +44,7 @@ size_t writeEverything(tStatus2& status2) {
 
 i32 readFrom(size_t size, tStatus2& read) {
   i32 status = 0;
-  tBinaryObjectReader reader(bytes, size, status);
+  tBinaryObjectReader reader(stored, size, status);
   read.readExternal(reader, status);
   return status;
 }
@@ -71,7 +71,7 @@ TEST(QelmkBinaryDescription, WhatIsReadIsWrittenAsTheSameBytes) {
   i32 status = 0;
   read.writeExternal(writer, status);
   EXPECT_EQ(size, writer.getSize());
-  EXPECT_TRUE(__builtin_memcmp(bytes, again, size) == 0);
+  EXPECT_TRUE(__builtin_memcmp(stored, again, size) == 0);
 }
 
 TEST(QelmkBinaryDescription, EveryCutStreamIsAnErrorAndLeavesNothing) {
@@ -102,7 +102,7 @@ TEST(QelmkBinaryDescription, AReaderThatFailsAnywhereLeavesNothing) {
   for (size_t cut = 0; cut <= size; ++cut) {
     {
       i32 status = 0;
-      tBlindReader reader(bytes, cut, status);
+      tBlindReader reader(stored, cut, status);
       tStatus2 read;
       read.readExternal(reader, status);
       EXPECT_EQ(status, cut < size ? nQELM100::kStatusStreamEnded : 0);
@@ -115,7 +115,7 @@ TEST(QelmkBinaryDescription, AReaderThatCannotTellItsLengthReadsTheSame) {
   tStatus2 written;
   size_t const size = writeEverything(written);
   i32 status = 0;
-  tBlindReader reader(bytes, size, status);
+  tBlindReader reader(stored, size, status);
   tStatus2 read;
   read.readExternal(reader, status);
   EXPECT_EQ(status, 0);
@@ -133,12 +133,12 @@ TEST(QelmkBinaryDescription, AChangedByteLeavesNothing) {
   ASSERT_NE(size_t{0}, size);
   for (size_t place = 0; place < size; ++place) {
     for (u8 const change : kChanges) {
-      bytes[place] ^= change;
+      stored[place] ^= change;
       {
         tStatus2 read;
         readFrom(size, read);
       }
-      bytes[place] ^= change;
+      stored[place] ^= change;
       EXPECT_EQ(before, freeUnits());
     }
   }

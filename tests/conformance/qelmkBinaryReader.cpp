@@ -1,5 +1,6 @@
 #include "conformance/harness.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 #include "support/goldenParcel.h"
 #include "support/tParcel.h"
 #include "support/tRegistration.h"
@@ -29,18 +30,16 @@ QELM_DEFINE_CLASS(tCrate2, "tCrate2")
 namespace {
 
 using nQELM100::dynamicCast;
+using nQELM100::kBinaryStreamHeaderSize;
 using nQELM100::kStatusStreamBadHeader;
 using nQELM100::kStatusStreamEnded;
 using nQELM100::kStatusStreamNewer;
 using nQELM100::tBinaryObjectReader;
 using nQELM100::tObject;
 
-constexpr i32 kSomeError = -12345;
-constexpr i32 kSomeWarning = 12345;
-constexpr size_t kHeaderSize = nQELM100::kBinaryStreamHeaderSize;
-
 // The status of reading the first `size` bytes of the header.
-i32 statusOfHeader(u8 const (&header)[kHeaderSize], size_t size = kHeaderSize) {
+i32 statusOfHeader(u8 const (&header)[kBinaryStreamHeaderSize],
+                   size_t size = kBinaryStreamHeaderSize) {
   i32 status = 0;
   tBinaryObjectReader const reader(header, size, status);
   EXPECT_TRUE(reader.isAtEnd());
@@ -53,11 +52,11 @@ i32 statusOfHeader(u8 const (&header)[kHeaderSize], size_t size = kHeaderSize) {
 
 TEST(QelmkBinaryReader, TakesAStreamWithoutItems) {
   constexpr u8 kBytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0};
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   tBinaryObjectReader const reader(kBytes, sizeof(kBytes), status);
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
   EXPECT_TRUE(reader.isAtEnd());
-  EXPECT_EQ(kHeaderSize, reader.getPosition());
+  EXPECT_EQ(kBinaryStreamHeaderSize, reader.getPosition());
   EXPECT_EQ(u64{0}, reader.getMostItems());
 }
 
@@ -77,7 +76,7 @@ TEST(QelmkBinaryReader, RefusesALaterVersion) {
 }
 
 TEST(QelmkBinaryReader, RefusesACutHeader) {
-  for (size_t size = 0; size < kHeaderSize; ++size) {
+  for (size_t size = 0; size < kBinaryStreamHeaderSize; ++size) {
     EXPECT_EQ(kStatusStreamEnded, statusOfHeader({'Q', 'E', 'L', 'M', 1, 0, 0, 0}, size));
   }
 }
@@ -101,9 +100,9 @@ TEST(QelmkBinaryReader, NothingIsReadAfterABadHeader) {
 }
 
 TEST(QelmkBinaryReader, KeepsAnEarlierErrorAndReadsNothing) {
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   tBinaryObjectReader const reader(kGoldenParcel, kGoldenParcelSize, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_TRUE(reader.isAtEnd());
 }
 
@@ -161,10 +160,10 @@ TEST(QelmkBinaryReader, ReadsNumbersOfEveryKind) {
 
 TEST(QelmkBinaryReader, AWarningStays) {
   tRegistration<tParcel> const registration;
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
   destroy(reader.readObject(status));
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
 }
 
 TEST(QelmkBinaryReader, ReadsNothingAfterAnError) {
@@ -172,14 +171,14 @@ TEST(QelmkBinaryReader, ReadsNothingAfterAnError) {
   i32 status = 0;
   tBinaryObjectReader reader(kGoldenParcel, kGoldenParcelSize, status);
   tParcel parcel;
-  status = kSomeError;
+  status = kEarlierError;
   char character = 'c';
   parcel.readExternal(reader, status);
   reader.readCharacters(&character, 1, status);
   EXPECT_EQ('c', character);
   EXPECT_TRUE(reader.readObject(status) == nullptr);
-  EXPECT_EQ(kSomeError, status);
-  EXPECT_EQ(kHeaderSize, reader.getPosition());
+  EXPECT_EQ(kEarlierError, status);
+  EXPECT_EQ(kBinaryStreamHeaderSize, reader.getPosition());
   EXPECT_TRUE(parcel.isLike(tParcel()));
 }
 
@@ -280,13 +279,13 @@ TEST(QelmkBinaryReader, TheFirstFailureStaysTheOneThatIsTold) {
   reader.readCharacter(character, status);
   reader.readU64(number, status);
   EXPECT_EQ(kStatusStreamEnded, status);
-  EXPECT_EQ(kHeaderSize + 1, reader.getFailurePosition());
+  EXPECT_EQ(kBinaryStreamHeaderSize + 1, reader.getFailurePosition());
   status = 0;
   reader.readU32(shorter, status);
   EXPECT_EQ(0, status);
   reader.readU32(shorter, status);
   EXPECT_EQ(kStatusStreamEnded, status);
-  EXPECT_EQ(kHeaderSize + 1, reader.getFailurePosition());
+  EXPECT_EQ(kBinaryStreamHeaderSize + 1, reader.getFailurePosition());
 }
 
 TEST(QelmkBinaryReader, AClassIsLookedUpAgainWhenItHasGone) {

@@ -9,6 +9,7 @@
 namespace {
 
 using nQELM100::dynamicCast;
+using nQELM100::kBinaryStreamHeaderSize;
 using nQELM100::kMostObjectDepth;
 using nQELM100::kStatusClassAbstract;
 using nQELM100::kStatusClassMismatch;
@@ -19,8 +20,6 @@ using nQELM100::kStatusStreamTooDeep;
 using nQELM100::tBinaryObjectReader;
 using nQELM100::tBinaryObjectWriter;
 using nQELM100::tObject;
-
-constexpr size_t kHeaderSize = nQELM100::kBinaryStreamHeaderSize;
 
 // A stream that is put together by hand, and what reading an object of it came to.
 class tHandmadeStream {
@@ -74,8 +73,8 @@ i32 statusOfText(void (tBinaryObjectReader::*read)(tText&, i32&), u32 count, u32
   (reader.*read)(text, status);
   if (status >= 0) return status;
   EXPECT_TRUE(text.size() == 1 && text[0] == 't');
-  EXPECT_EQ(kHeaderSize, reader.getPosition());
-  EXPECT_EQ(kHeaderSize, reader.getFailurePosition());
+  EXPECT_EQ(kBinaryStreamHeaderSize, reader.getPosition());
+  EXPECT_EQ(kBinaryStreamHeaderSize, reader.getFailurePosition());
   return status;
 }
 
@@ -92,12 +91,12 @@ i32 statusOfWideString(u32 count, u32 size) {
 TEST(QelmkHostileBytes, EveryCutStreamEnds) {
   tRegistration<tParcel> const registration;
   i32 const living = tParcel::living;
-  for (u32 size = kHeaderSize; size < kGoldenParcelSize; ++size) {
+  for (u32 size = kBinaryStreamHeaderSize; size < kGoldenParcelSize; ++size) {
     i32 status = 0;
     tBinaryObjectReader reader(kGoldenParcel, size, status);
     EXPECT_TRUE(reader.readObject(status) == nullptr);
     EXPECT_EQ(kStatusStreamEnded, status);
-    EXPECT_EQ(kHeaderSize, reader.getPosition());
+    EXPECT_EQ(kBinaryStreamHeaderSize, reader.getPosition());
     EXPECT_EQ(living, tParcel::living);
   }
 }
@@ -106,12 +105,12 @@ TEST(QelmkHostileBytes, EveryCutNumberEndsAndKeepsItsValue) {
   u8 const bytes[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0, 1, 1, 1, 1, 1, 1, 1};
   for (u32 left = 0; left < 8; ++left) {
     i32 status = 0;
-    tBinaryObjectReader reader(bytes, kHeaderSize + left, status);
+    tBinaryObjectReader reader(bytes, kBinaryStreamHeaderSize + left, status);
     u64 value = 42;
     reader.readU64(value, status);
     EXPECT_EQ(kStatusStreamEnded, status);
     EXPECT_EQ(u64{42}, value);
-    EXPECT_EQ(kHeaderSize, reader.getPosition());
+    EXPECT_EQ(kBinaryStreamHeaderSize, reader.getPosition());
   }
 }
 
@@ -153,7 +152,7 @@ TEST(QelmkHostileBytes, AClassWithoutInstancesMakesNoObject) {
   tHandmadeStream stream;
   stream.putObject("nQELM100::iExternalizable", 0);
   EXPECT_EQ(kStatusClassAbstract, stream.readObject());
-  EXPECT_EQ(kHeaderSize, stream.failurePosition);
+  EXPECT_EQ(kBinaryStreamHeaderSize, stream.failurePosition);
 }
 
 TEST(QelmkHostileBytes, AClassThatIsNotExternalizableMakesNoObject) {
@@ -174,7 +173,7 @@ TEST(QelmkHostileBytes, NothingIsReadBeyondTheContentOfAnObject) {
     stream.putObject("tParcel", length).put({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13});
     stream.put({14, 15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 25, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0});
     EXPECT_EQ(kStatusStreamEnded, stream.readObject());
-    EXPECT_EQ(kHeaderSize + 13 + length, stream.position);
+    EXPECT_EQ(kBinaryStreamHeaderSize + 13 + length, stream.position);
   }
 }
 
@@ -251,14 +250,14 @@ TEST(QelmkHostileBytes, TellsWhereTheFirstFailureWas) {
   tHandmadeStream stream;
   stream.putObject("tParcel", 1 + 4 + 3).put({'c', 1, 0, 0, 0, 2, 0, 0});
   EXPECT_EQ(kStatusStreamEnded, stream.readObject());
-  EXPECT_EQ(kHeaderSize + 13 + 1 + 4, stream.failurePosition);
+  EXPECT_EQ(kBinaryStreamHeaderSize + 13 + 1 + 4, stream.failurePosition);
 }
 
 TEST(QelmkHostileBytes, TellsWhereTheObjectIsThatCannotBeMade) {
   tHandmadeStream stream;
   stream.putObject("tNobody", 0);
   EXPECT_EQ(kStatusClassUnknown, stream.readObject());
-  EXPECT_EQ(kHeaderSize, stream.failurePosition);
+  EXPECT_EQ(kBinaryStreamHeaderSize, stream.failurePosition);
 }
 
 TEST(QelmkHostileBytes, TellsHowFarAnObjectCameThatFailsByItself) {
@@ -266,5 +265,5 @@ TEST(QelmkHostileBytes, TellsHowFarAnObjectCameThatFailsByItself) {
   tHandmadeStream stream;
   stream.putObject("tBrokenParcel", 1).put({'b'});
   stream.readObject();
-  EXPECT_EQ(kHeaderSize + 2 + 13 + 4 + 1, stream.failurePosition);
+  EXPECT_EQ(kBinaryStreamHeaderSize + 2 + 13 + 4 + 1, stream.failurePosition);
 }

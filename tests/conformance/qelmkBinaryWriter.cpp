@@ -1,11 +1,13 @@
 #include "conformance/harness.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 #include "support/goldenParcel.h"
 #include "support/tParcel.h"
 #include "support/tRegistration.h"
 
 namespace {
 
+using nQELM100::kBinaryStreamHeaderSize;
 using nQELM100::kMostObjectDepth;
 using nQELM100::kStatusClassAbstract;
 using nQELM100::kStatusClassMismatch;
@@ -14,9 +16,7 @@ using nQELM100::kStatusStreamFull;
 using nQELM100::kStatusStreamTooDeep;
 using nQELM100::tBinaryObjectWriter;
 
-constexpr i32 kSomeError = -12345;
 constexpr u8 kFiller = 0xA5;
-constexpr size_t kHeaderSize = nQELM100::kBinaryStreamHeaderSize;
 
 // A buffer that knows what was written into it.
 struct tBuffer {
@@ -26,8 +26,8 @@ struct tBuffer {
 
   template <u32 Size>
   bool holds(u8 const (&wanted)[Size]) const {
-    return __builtin_memcmp(bytes + kHeaderSize, wanted, Size) == 0 &&
-           isUntouchedFrom(kHeaderSize + Size);
+    return __builtin_memcmp(bytes + kBinaryStreamHeaderSize, wanted, Size) == 0 &&
+           isUntouchedFrom(kBinaryStreamHeaderSize + Size);
   }
   bool isUntouchedFrom(size_t place) const {
     for (; place < sizeof(bytes); ++place) {
@@ -47,7 +47,7 @@ i32 statusOf(nQELM100::tObject const& object) {
   tBinaryObjectWriter writer(nullptr, 0);
   i32 status = 0;
   writer.writeObject(&object, status);
-  EXPECT_EQ(status < 0, writer.getSize() == kHeaderSize);
+  EXPECT_EQ(status < 0, writer.getSize() == kBinaryStreamHeaderSize);
   return status;
 }
 
@@ -64,9 +64,9 @@ TEST(QelmkBinaryWriter, BeginsWithMagicAndVersion) {
   tBuffer buffer;
   tBinaryObjectWriter const writer(buffer.bytes, sizeof(buffer.bytes));
   constexpr u8 kHeader[] = {'Q', 'E', 'L', 'M', 1, 0, 0, 0};
-  EXPECT_EQ(kHeaderSize, writer.getSize());
+  EXPECT_EQ(kBinaryStreamHeaderSize, writer.getSize());
   EXPECT_TRUE(__builtin_memcmp(buffer.bytes, kHeader, sizeof(kHeader)) == 0);
-  EXPECT_TRUE(buffer.isUntouchedFrom(kHeaderSize));
+  EXPECT_TRUE(buffer.isUntouchedFrom(kBinaryStreamHeaderSize));
 }
 
 TEST(QelmkBinaryWriter, WritesNumbersWithTheLowestByteFirst) {
@@ -135,7 +135,7 @@ TEST(QelmkBinaryWriter, WritesNothingAfterAnError) {
   tRegistration<tParcel> const registration;
   tParcel const parcel;
   tBinaryObjectWriter writer(nullptr, 0);
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   writer.writeCharacter('c', status);
   writer.writeI32(1, status);
   writer.writeU32(1, status);
@@ -148,8 +148,8 @@ TEST(QelmkBinaryWriter, WritesNothingAfterAnError) {
   tStone const refused;
   writer.writeObject(&refused, status);
   writer.finish(status);
-  EXPECT_EQ(kSomeError, status);
-  EXPECT_EQ(kHeaderSize, writer.getSize());
+  EXPECT_EQ(kEarlierError, status);
+  EXPECT_EQ(kBinaryStreamHeaderSize, writer.getSize());
 }
 
 TEST(QelmkBinaryWriter, WithoutABufferItOnlyCounts) {
@@ -166,7 +166,7 @@ TEST(QelmkBinaryWriter, WithoutABufferItOnlyCounts) {
 
 TEST(QelmkBinaryWriter, ABufferOfTheSizeIsNotFull) {
   tBuffer buffer;
-  tBinaryObjectWriter writer(buffer.bytes, kHeaderSize + 4);
+  tBinaryObjectWriter writer(buffer.bytes, kBinaryStreamHeaderSize + 4);
   i32 status = 0;
   writer.writeU32(0x01020304, status);
   writer.finish(status);
@@ -202,16 +202,17 @@ TEST(QelmkBinaryWriter, ABufferThatIsTooSmallIsNeverWrittenBeyond) {
 
 TEST(QelmkBinaryWriter, AnItemThatDoesNotFitIsLeftOutWhole) {
   tBuffer buffer;
-  tBinaryObjectWriter writer(buffer.bytes, kHeaderSize + 3);
+  tBinaryObjectWriter writer(buffer.bytes, kBinaryStreamHeaderSize + 3);
   i32 status = 0;
   writer.writeU32(1, status);
   writer.writeCharacter('c', status);
-  EXPECT_TRUE(buffer.isUntouchedFrom(kHeaderSize));
-  EXPECT_EQ(kHeaderSize + 5, writer.getSize());
+  EXPECT_TRUE(buffer.isUntouchedFrom(kBinaryStreamHeaderSize));
+  EXPECT_EQ(kBinaryStreamHeaderSize + 5, writer.getSize());
 }
 
 TEST(QelmkBinaryWriter, CharactersAtOnceAreItemsOfTheirOwn) {
-  for (size_t capacity = kHeaderSize - 1; capacity < kHeaderSize + 7; ++capacity) {
+  for (size_t capacity = kBinaryStreamHeaderSize - 1; capacity < kBinaryStreamHeaderSize + 7;
+       ++capacity) {
     tBuffer once;
     tBuffer each;
     tBinaryObjectWriter atOnce(once.bytes, capacity);
@@ -223,7 +224,7 @@ TEST(QelmkBinaryWriter, CharactersAtOnceAreItemsOfTheirOwn) {
     EXPECT_EQ(0, status);
     EXPECT_EQ(oneByOne.getSize(), atOnce.getSize());
     EXPECT_EQ(0, __builtin_memcmp(each.bytes, once.bytes, sizeof(once.bytes)));
-    status = kSomeError;
+    status = kEarlierError;
     atOnce.writeCharacters("x", 1, status);
     EXPECT_EQ(oneByOne.getSize(), atOnce.getSize());
   }
@@ -232,9 +233,9 @@ TEST(QelmkBinaryWriter, CharactersAtOnceAreItemsOfTheirOwn) {
 TEST(QelmkBinaryWriter, AFullBufferKeepsAnEarlierError) {
   tBuffer buffer;
   tBinaryObjectWriter const writer(buffer.bytes, 0);
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   writer.finish(status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
 }
 
 TEST(QelmkBinaryWriter, RefusesAClassThatNoReaderWouldFind) {
@@ -303,9 +304,9 @@ TEST(QelmkBinaryWriter, AnObjectThatFailsLeavesTheStreamAsItWas) {
   writer.writeObject(&broken, status);
   tBrokenParcel::isWritingBroken = false;
   EXPECT_EQ(tBrokenParcel::kStatusBroken, status);
-  EXPECT_EQ(kHeaderSize, writer.getSize());
+  EXPECT_EQ(kBinaryStreamHeaderSize, writer.getSize());
   status = 0;
   writer.writeU32(1, status);
-  EXPECT_EQ(kHeaderSize + 4, writer.getSize());
-  EXPECT_EQ(u8{1}, buffer.bytes[kHeaderSize]);
+  EXPECT_EQ(kBinaryStreamHeaderSize + 4, writer.getSize());
+  EXPECT_EQ(u8{1}, buffer.bytes[kBinaryStreamHeaderSize]);
 }

@@ -1,5 +1,6 @@
 #include "conformance/harness.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 
 namespace {
 
@@ -9,7 +10,6 @@ using nQELM100::tBinaryObjectReader;
 using nQELM100::tBinaryObjectWriter;
 using nQELM100::tGUID;
 
-constexpr i32 kSomeError = -12345;
 constexpr tGUID kGUID(0x7A0C5A9E, 0x31B4, 0x4D0F, {0x9B, 0x1C, 2, 0x77, 0xC1, 0, 8, 0x2E});
 constexpr u8 kStream[] = {'Q',  'E',  'L',  'M',  1,    0,    0,    0,    0x9E, 0x5A, 0x0C, 0x7A,
                           0xB4, 0x31, 0x0F, 0x4D, 0x9B, 0x1C, 0x02, 0x77, 0xC1, 0x00, 0x08, 0x2E};
@@ -63,13 +63,13 @@ TEST(QelmkGUID, KeepsItsValueWhenTheStreamIsCut) {
 
 TEST(QelmkGUID, DoesNothingAfterAnError) {
   tBinaryObjectWriter writer(nullptr, 0);
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   kGUID.writeExternal(writer, status);
   EXPECT_EQ(kBinaryStreamHeaderSize, writer.getSize());
   i32 readerStatus = 0;
   tBinaryObjectReader reader(kStream, sizeof(kStream), readerStatus);
   tGUID read;
   read.readExternal(reader, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_TRUE(read == tGUID());
 }

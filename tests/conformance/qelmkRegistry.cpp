@@ -1,5 +1,6 @@
 #include "conformance/harness.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 #include "support/tParcel.h"
 #include "support/tRegistration.h"
 #include "support/tTexts.h"
@@ -12,9 +13,6 @@ using nQELM100::registerClass;
 using nQELM100::tClass;
 using nQELM100::tClassImplementation;
 using nQELM100::unregisterClass;
-
-constexpr i32 kSomeError = -12345;
-constexpr i32 kSomeWarning = 12345;
 
 bool isFound(char const* name) {
   i32 status = 0;
@@ -100,15 +98,15 @@ TEST(QelmkRegistry, NoNameStandsForNoClass) {
 }
 
 TEST(QelmkRegistry, LooksForNothingAfterAnError) {
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   EXPECT_FALSE(tClass::forName("nQELM100::iCloneable", status).isValid());
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
 }
 
 TEST(QelmkRegistry, AWarningStaysWhenAClassIsFound) {
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   EXPECT_TRUE(tClass::forName("nQELM100::iCloneable", status).isValid());
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
 }
 
 TEST(QelmkRegistry, ForgetsAnUnregisteredClass) {
@@ -162,16 +160,16 @@ TEST(QelmkRegistry, NamesAreComparedByTheirTextAndNotByTheirPlace) {
 }
 
 TEST(QelmkRegistry, RegistersNothingAfterAnError) {
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   tParcel::___registerClass(status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_FALSE(isFound("tParcel"));
 }
 
 TEST(QelmkRegistry, AWarningStaysWhenAClassIsRegistered) {
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   tParcel::___registerClass(status);
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
   EXPECT_TRUE(isFound("tParcel"));
   tParcel::___unregisterClass();
 }

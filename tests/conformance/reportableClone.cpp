@@ -4,6 +4,7 @@
 #include "qelmk/dynamicCast.h"
 #include "qelmk/statusCodes.h"
 #include "qelmk/tClass.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 
 namespace {
@@ -14,10 +15,7 @@ using nQELM100::iCloneable;
 using nQELM100::tClass;
 using nQELM100::tObject;
 
-constexpr i32 kSomeError = -61007;
-constexpr i32 kSomeWarning = 61001;
-
-void destroy(tObject* object) {
+void destroyCopy(tObject* object) {
   i32 status = 0;
   object->getClass(status).deleteInstance(object, status);
   EXPECT_EQ(status, 0);
@@ -71,7 +69,7 @@ TEST(ReportableClass, MakesAnObjectWithoutValues) {
     tObject* const object = tReportable::staticGetClass(status).newInstance(status);
     ASSERT_TRUE(dynamicCast<tReportable>(object) != nullptr);
     EXPECT_TRUE(isEquivalent(*dynamicCast<tReportable>(object), tReportable()));
-    destroy(object);
+    destroyCopy(object);
   });
 }
 
@@ -95,15 +93,15 @@ TEST(ReportableClone, IsAnotherObjectOfTheSameClassAndValues) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;
     auto const original = tag.one();
-    i32 status = kSomeWarning;
+    i32 status = kWarning;
     iCloneable* const clone = original.clone(status);
     auto* const copy = dynamicCast<tReportable>(clone);
     ASSERT_TRUE(copy != nullptr);
     EXPECT_TRUE(copy != &original);
     EXPECT_TRUE(clone->getClass(status) == original.getClass(status));
     EXPECT_TRUE(isEquivalent(original, *copy));
-    EXPECT_EQ(status, kSomeWarning);
-    destroy(clone);
+    EXPECT_EQ(status, kWarning);
+    destroyCopy(clone);
   });
 }
 
@@ -119,15 +117,15 @@ TEST(ReportableClone, OutlivesAndIgnoresItsOriginal) {
     }
     ASSERT_TRUE(clone != nullptr);
     EXPECT_TRUE(isEquivalent(*dynamicCast<tReportable>(clone), tag.one()));
-    destroy(clone);
+    destroyCopy(clone);
   });
 }
 
 TEST(ReportableClone, IsNotMadeAfterAnError) {
   visitReportables([](auto tag) {
-    i32 status = kSomeError;
+    i32 status = kError;
     EXPECT_TRUE(tag.one().clone(status) == nullptr);
-    EXPECT_EQ(status, kSomeError);
+    EXPECT_EQ(status, kError);
   });
 }
 

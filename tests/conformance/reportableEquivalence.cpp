@@ -3,15 +3,13 @@
 #include "conformance/harness.h"
 #include "oxdiagk/reportableClass.h"
 #include "qelmk/tClass.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 
 namespace {
 
 using namespace nOXDIAG100;
 using nQELM100::tClass;
-
-constexpr i32 kSomeError = -61007;
-constexpr i32 kSomeWarning = 61001;
 
 u32 answer(iVariantReportable const& one, iVariantReportable const& other, i32& code) {
   tStatus2 status(code);
@@ -127,19 +125,19 @@ TEST(ReportableEquivalence, TheLookupClassCountsByLengthAndByte) {
 TEST(ReportableEquivalence, AfterAnErrorOnlyMarkersAnswer) {
   visitReportables([](auto tag) {
     auto const one = tag.one();
-    i32 code = kSomeError;
+    i32 code = kError;
     bool const hasValues = tSample<typename decltype(tag)::tReportable>::kHasValues;
     EXPECT_EQ(answer(one, one, code), hasValues ? u32{0} : u32{1});
-    EXPECT_EQ(code, kSomeError);
+    EXPECT_EQ(code, kError);
   });
 }
 
 TEST(ReportableEquivalence, AWarningIsKept) {
   visitReportables([](auto tag) {
     auto const one = tag.one();
-    i32 code = kSomeWarning;
+    i32 code = kWarning;
     EXPECT_EQ(answer(one, one, code), u32{1});
-    EXPECT_EQ(code, kSomeWarning);
+    EXPECT_EQ(code, kWarning);
   });
 }
 
@@ -157,9 +155,9 @@ TEST(ReportableEquivalence, AnObjectThatOnlyClaimsTheClassIsAMismatch) {
 TEST(ReportableEquivalence, AMismatchDoesNotReplaceAnError) {
   tStatus2 status;
   tPropertyIDReportable const properties(1, status);
-  status.setCode(kSomeError);
+  status.setCode(kError);
   EXPECT_EQ(properties.isEquivalent(tImpostor(), status), u32{0});
-  EXPECT_EQ(status.getCode(), kSomeError);
+  EXPECT_EQ(status.getCode(), kError);
 }
 
 TEST(ReportableEquivalence, AMarkerNeedsNoCast) {

@@ -2,6 +2,7 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tReportItemContent.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 #include "support/tItemStream.h"
 
@@ -9,9 +10,6 @@ namespace {
 
 using namespace nOXDIAG100;
 using tItem = tItemStream::tItem;
-
-constexpr i32 kSomeError = -61007;
-constexpr i32 kSomeWarning = 61001;
 
 constexpr tItem i32Item(i32 value) {
   return {tItemStream::kI32, static_cast<u32>(value)};
@@ -153,9 +151,9 @@ TEST(ReportableStream, WhatIsReadReplacesTheValues) {
   visitReportables([](auto tag) {
     tItemStream& stream = writtenStream(tag.one());
     auto target = tag.other();
-    i32 status = kSomeWarning;
+    i32 status = kWarning;
     target.readExternal(stream, status);
-    EXPECT_EQ(status, kSomeWarning);
+    EXPECT_EQ(status, kWarning);
     EXPECT_EQ(stream.getPosition(), stream.getCount());
     EXPECT_TRUE(isEquivalent(target, tag.one()));
   });
@@ -222,14 +220,14 @@ TEST(ReportableStream, AfterAnErrorNothingIsWrittenOrRead) {
   visitReportables([](auto tag) {
     tItemStream& stream = writtenStream(tag.one());
     u32 const count = stream.getCount();
-    i32 status = kSomeError;
+    i32 status = kError;
     tag.one().writeExternal(stream, status);
     EXPECT_EQ(stream.getCount(), count);
     auto target = tag.other();
     target.readExternal(stream, status);
     EXPECT_EQ(stream.getPosition(), u32{0});
     EXPECT_TRUE(isEquivalent(target, tag.other()));
-    EXPECT_EQ(status, kSomeError);
+    EXPECT_EQ(status, kError);
   });
 }
 

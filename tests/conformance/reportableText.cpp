@@ -2,6 +2,7 @@
 // support/tTestTranslator.h.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 #include "support/tTestTranslator.h"
 
@@ -9,7 +10,6 @@ namespace {
 
 using namespace nOXDIAG100;
 
-constexpr i32 kSomeWarning = 61001;
 constexpr i64 kWide = 0x100000002;
 
 template <class T>
@@ -62,9 +62,9 @@ TEST(ReportableText, OfNumbersIsPrefixTitleAndTheValues) {
 
 TEST(ReportableText, TheTitleSeesTheWholeOutputWithThePrefix) {
   tTestTranslator const translator;
-  tReport const report(valuesOf<i32>(1, 2), translator, L"slot ", kSomeWarning);
+  tReport const report(valuesOf<i32>(1, 2), translator, L"slot ", kWarning);
   EXPECT_STREQ(report.getText(), "<slot [>i32 1, i32 2");
-  EXPECT_EQ(report.getCode(), kSomeWarning);
+  EXPECT_EQ(report.getCode(), kWarning);
 }
 
 TEST(ReportableText, OfWideTexts) {

@@ -1,23 +1,21 @@
 // What reportables are made of, and what they tell of it.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 
 namespace {
 
 using namespace nOXDIAG100;
 
-constexpr i32 kSomeError = -61007;
-constexpr i32 kSomeWarning = 61001;
-
 }  // namespace
 
 TEST(ReportableValues, OfTheStatusFormAreNone) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;
-    tStatus2 status(kSomeError);
+    tStatus2 status(kError);
     tReportable const reportable(status);
-    EXPECT_EQ(status.getCode(), kSomeError);
+    EXPECT_EQ(status.getCode(), kError);
     status.setCode(0);
     EXPECT_EQ(reportable.isEquivalent(tReportable(), status), u32{1});
   });
@@ -26,9 +24,9 @@ TEST(ReportableValues, OfTheStatusFormAreNone) {
 TEST(ReportableValues, AreNotTakenAfterAnError) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;
-    tStatus2 status(kSomeError);
+    tStatus2 status(kError);
     auto const reportable = tSample<tReportable>::one(status);
-    EXPECT_EQ(status.getCode(), kSomeError);
+    EXPECT_EQ(status.getCode(), kError);
     EXPECT_FALSE(reportable.hasFailed());
     status.setCode(0);
     EXPECT_EQ(reportable.isEquivalent(tReportable(), status), u32{1});
@@ -38,9 +36,9 @@ TEST(ReportableValues, AreNotTakenAfterAnError) {
 TEST(ReportableValues, AreTakenWithAWarning) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;
-    tStatus2 status(kSomeWarning);
+    tStatus2 status(kWarning);
     auto const reportable = tSample<tReportable>::one(status);
-    EXPECT_EQ(status.getCode(), kSomeWarning);
+    EXPECT_EQ(status.getCode(), kWarning);
     EXPECT_EQ(reportable.isEquivalent(tag.one(), status), u32{1});
   });
 }
@@ -114,7 +112,7 @@ TEST(ReportableValues, MayBeAnEmptyList) {
 TEST(ReportableValues, AreToldWhateverTheStatusHolds) {
   tStatus2 clean;
   tPropertyIDReportable const properties(5, clean);
-  tStatus2 status(kSomeError);
+  tStatus2 status(kError);
   EXPECT_EQ(properties.getData(status)[0], 5);
-  EXPECT_EQ(status.getCode(), kSomeError);
+  EXPECT_EQ(status.getCode(), kError);
 }

@@ -7,8 +7,6 @@ using nOXDIAG100::kStatusHeapBadBlock;
 
 namespace {
 
-constexpr i32 kSize = 240;
-
 // The status of giving back what must not be taken, or 1 when anything changed.
 i32 givingBadBlock(void* block) {
   tHeapRecord const before = heapRecord();
@@ -52,14 +50,14 @@ TEST(StatusHeapBadBlocks, AddressesBelowTheFirstBlockAreRefused) {
 }
 
 TEST(StatusHeapBadBlocks, TheEndOfTheArenaIsRefusedWhenNoBlockBeginsThere) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   EXPECT_EQ(givingBadBlock(atOffset(kArenaSize)), kStatusHeapBadBlock);
   giveBack(block);
   EXPECT_EQ(givingBadBlock(atOffset(kArenaSize)), kStatusHeapBadBlock);
 }
 
 TEST(StatusHeapBadBlocks, AddressesBetweenUnitsAreRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   for (i64 bytes = 1; bytes != 16; ++bytes) {
     EXPECT_EQ(givingBadBlock(moved(block, bytes)), kStatusHeapBadBlock);
     EXPECT_EQ(givingBadBlock(moved(block, -bytes)), kStatusHeapBadBlock);
@@ -68,12 +66,12 @@ TEST(StatusHeapBadBlocks, AddressesBetweenUnitsAreRefused) {
 }
 
 TEST(StatusHeapBadBlocks, AddressesInsideABlockAreRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   ASSERT_NE(block, nullptr);
   constexpr u8 kContents[] = {0, 1, 0xFF};
   for (u8 content : kContents) {
-    for (i64 i = 0; i != kSize; ++i) static_cast<u8*>(block)[i] = content;
-    for (i64 bytes = 16; bytes <= kSize; bytes += 16) {
+    for (i64 i = 0; i != kRecordSize; ++i) static_cast<u8*>(block)[i] = content;
+    for (i64 bytes = 16; bytes <= kRecordSize; bytes += 16) {
       EXPECT_EQ(givingBadBlock(moved(block, bytes)), kStatusHeapBadBlock);
     }
   }
@@ -81,16 +79,16 @@ TEST(StatusHeapBadBlocks, AddressesInsideABlockAreRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockGivenBackBeforeIsRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   giveBack(block);
   EXPECT_EQ(givingBadBlock(block), kStatusHeapBadBlock);
   EXPECT_TRUE(isHeapUnused());
 }
 
 TEST(StatusHeapBadBlocks, AFragmentIsRefused) {
-  void* const first = takeBlock(kSize);
-  void* const second = takeBlock(kSize);
-  void* const third = takeBlock(kSize);
+  void* const first = takeBlock(kRecordSize);
+  void* const second = takeBlock(kRecordSize);
+  void* const third = takeBlock(kRecordSize);
   giveBack(second);
   EXPECT_EQ(givingBadBlock(second), kStatusHeapBadBlock);
   EXPECT_EQ(givingBadBlock(atOffset(32)), kStatusHeapBadBlock);
@@ -99,9 +97,9 @@ TEST(StatusHeapBadBlocks, AFragmentIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockThatWasMergedIsRefused) {
-  void* const high = takeBlock(kSize);
-  void* const middle = takeBlock(kSize);
-  void* const low = takeBlock(kSize);
+  void* const high = takeBlock(kRecordSize);
+  void* const middle = takeBlock(kRecordSize);
+  void* const low = takeBlock(kRecordSize);
   void* const guard = takeBlock(0);
   giveBack(low);
   giveBack(middle);
@@ -113,8 +111,8 @@ TEST(StatusHeapBadBlocks, ABlockThatWasMergedIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockThatBecameTheInsideOfAnotherIsRefused) {
-  void* const high = takeBlock(kSize);
-  void* const low = takeBlock(kSize);
+  void* const high = takeBlock(kRecordSize);
+  void* const low = takeBlock(kRecordSize);
   giveBack(high);
   giveBack(low);
   void* const both = takeBlock(2 * 256 - 16);
@@ -129,9 +127,9 @@ TEST(StatusHeapBadBlocks, ABlockThatBecameTheInsideOfAnotherIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockThatReachesIntoAFreeOneIsRefused) {
-  void* const high = takeBlock(kSize);
-  void* const middle = takeBlock(kSize);
-  void* const low = takeBlock(kSize);
+  void* const high = takeBlock(kRecordSize);
+  void* const middle = takeBlock(kRecordSize);
+  void* const low = takeBlock(kRecordSize);
   giveBack(middle);
   if (low == nullptr || middle == nullptr) {
     giveBack(low);
@@ -147,8 +145,8 @@ TEST(StatusHeapBadBlocks, ABlockThatReachesIntoAFreeOneIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockInAFreeOneIsRefused) {
-  void* const high = takeBlock(kSize);
-  void* const low = takeBlock(kSize);
+  void* const high = takeBlock(kRecordSize);
+  void* const low = takeBlock(kRecordSize);
   giveBack(low);
   for (i64 bytes = 16; bytes < 256; bytes += 16) {
     EXPECT_EQ(givingBadBlock(moved(low, bytes)), kStatusHeapBadBlock);
@@ -157,9 +155,9 @@ TEST(StatusHeapBadBlocks, ABlockInAFreeOneIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, AForgedHeaderInAFreeBlockIsRefused) {
-  void* const high = takeBlock(kSize);
-  void* const low = takeBlock(kSize);
-  void* const guard = takeBlock(kSize);
+  void* const high = takeBlock(kRecordSize);
+  void* const low = takeBlock(kRecordSize);
+  void* const guard = takeBlock(kRecordSize);
   giveBack(low);
   if (low == nullptr) {
     giveBack(guard);
@@ -175,7 +173,7 @@ TEST(StatusHeapBadBlocks, AForgedHeaderInAFreeBlockIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockThatReachesBehindTheArenaIsRefused) {
-  void* const top = takeBlock(kSize);
+  void* const top = takeBlock(kRecordSize);
   ASSERT_NE(top, nullptr);
   constexpr u32 kUnits[] = {17, 1024, 0x10000000, 0xFFFFFFFF};
   for (u32 units : kUnits) {
@@ -188,7 +186,7 @@ TEST(StatusHeapBadBlocks, ABlockThatReachesBehindTheArenaIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, ABlockWithoutUnitsIsRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   ASSERT_NE(block, nullptr);
   headerOf(block)->units = 0;
   EXPECT_EQ(givingBadBlock(block), kStatusHeapBadBlock);
@@ -197,7 +195,7 @@ TEST(StatusHeapBadBlocks, ABlockWithoutUnitsIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, TheHeapWorksOnAfterEachOfThem) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   giveBack(nullptr);
   giveBack(moved(block, 16));
   giveBack(block);

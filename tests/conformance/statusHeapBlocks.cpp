@@ -1,6 +1,7 @@
 // Taking blocks from the status heap.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 
 using nOXDIAG100::kStatusHeapFull;
@@ -8,12 +9,9 @@ using nOXDIAG100::tStatus2Heap;
 
 namespace {
 
-constexpr i32 kRecordSize = 240;  // of a status' detail
 constexpr u32 kRecordUnits = 16;
 constexpr u32 kMostRecords = 64;
 constexpr i32 kLargest = 16384 - 16;  // the whole pool in one block
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 constexpr i32 kMostNegative = -2147483647 - 1;
 constexpr i32 kMostPositive = 2147483647;
 
@@ -69,9 +67,9 @@ TEST(StatusHeap, IsFoundWithoutTouchingTheStatus) {
   i32 status = kEarlierError;
   EXPECT_TRUE(tStatus2Heap::getHeap(status) != nullptr);
   EXPECT_EQ(status, kEarlierError);
-  status = kWarning;
+  status = kEarlierWarning;
   EXPECT_TRUE(tStatus2Heap::getHeap(status) == &theHeap());
-  EXPECT_EQ(status, kWarning);
+  EXPECT_EQ(status, kEarlierWarning);
 }
 
 TEST(StatusHeap, GivesTheFirstBlockFromTheUpperEnd) {
@@ -156,7 +154,7 @@ TEST(StatusHeap, FullLeavesAnEarlierErrorUntouched) {
 
 TEST(StatusHeap, FullReplacesAWarning) {
   tFullHeap const full;
-  i32 status = kWarning;
+  i32 status = kEarlierWarning;
   EXPECT_TRUE(theHeap().allocateMemoryBlock(0, status) == nullptr);
   EXPECT_EQ(status, kStatusHeapFull);
 }
@@ -170,10 +168,10 @@ TEST(StatusHeap, GivesNothingWithAnErrorOnEntry) {
 }
 
 TEST(StatusHeap, GivesABlockWithAWarningOnEntryAndKeepsTheWarning) {
-  i32 status = kWarning;
+  i32 status = kEarlierWarning;
   void* const block = theHeap().allocateMemoryBlock(kRecordSize, status);
   EXPECT_TRUE(block != nullptr);
-  EXPECT_EQ(status, kWarning);
+  EXPECT_EQ(status, kEarlierWarning);
   giveBack(block);
 }
 

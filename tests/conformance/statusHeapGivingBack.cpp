@@ -1,16 +1,14 @@
 // Giving blocks back to the status heap, in every order.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 
 using nOXDIAG100::kStatusHeapBadBlock;
 
 namespace {
 
-constexpr i32 kSize = 240;
 constexpr u32 kUnits = 16;
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 
 // The heap filled with 64 blocks; block 0 lies lowest.
 class tFilledHeap {
@@ -18,7 +16,7 @@ class tFilledHeap {
   static constexpr u32 kCount = 64;
 
   tFilledHeap() {
-    for (u32 i = kCount; i != 0; --i) blocks[i - 1] = takeBlock(kSize);
+    for (u32 i = kCount; i != 0; --i) blocks[i - 1] = takeBlock(kRecordSize);
   }
   ~tFilledHeap() {
     for (u32 i = 0; i != kCount; ++i) give(i);
@@ -106,7 +104,7 @@ TEST(StatusHeapGivingBack, TheLowestBlockDoesNotMergeWithTheAnchor) {
   EXPECT_EQ(theHeap().getFreeBlocks(), u32{1});
   EXPECT_EQ(headerOf(lowest)->units, kUnits);
   EXPECT_EQ(headerOf(atOffset(16))->units, u32{0});
-  heap.blocks[0] = takeBlock(kSize);
+  heap.blocks[0] = takeBlock(kRecordSize);
   EXPECT_TRUE(heap.blocks[0] == lowest);
 }
 
@@ -163,7 +161,7 @@ TEST(StatusHeapGivingBack, Takes1024BlocksWithoutContent) {
 }
 
 TEST(StatusHeapGivingBack, WorksWithAnErrorOnEntryAndKeepsIt) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   i32 status = kEarlierError;
   theHeap().releaseMemoryBlock(block, status);
   EXPECT_EQ(status, kEarlierError);
@@ -171,15 +169,15 @@ TEST(StatusHeapGivingBack, WorksWithAnErrorOnEntryAndKeepsIt) {
 }
 
 TEST(StatusHeapGivingBack, KeepsAWarning) {
-  void* const block = takeBlock(kSize);
-  i32 status = kWarning;
+  void* const block = takeBlock(kRecordSize);
+  i32 status = kEarlierWarning;
   theHeap().releaseMemoryBlock(block, status);
-  EXPECT_EQ(status, kWarning);
+  EXPECT_EQ(status, kEarlierWarning);
   EXPECT_TRUE(isHeapUnused());
 }
 
 TEST(StatusHeapGivingBack, ABadBlockReplacesAWarning) {
-  i32 status = kWarning;
+  i32 status = kEarlierWarning;
   theHeap().releaseMemoryBlock(nullptr, status);
   EXPECT_EQ(status, kStatusHeapBadBlock);
 }

@@ -8,8 +8,6 @@ using nOXDIAG100::kStatusHeapFull;
 
 namespace {
 
-constexpr i32 kSize = 240;
-
 // The heap filled with 64 blocks of 16 units, some of which become fragments. Block 0 lies lowest.
 class tFragments {
  public:
@@ -33,7 +31,7 @@ class tFragments {
 
   // The index of the block that an allocation yields.
   u32 take() {
-    u32 const index = static_cast<u32>((offsetInArena(takeBlock(kSize)) - 32) / 256);
+    u32 const index = static_cast<u32>((offsetInArena(takeBlock(kRecordSize)) - 32) / 256);
     if (index < kCount) isTaken[index] = true;
     return index;
   }
@@ -200,7 +198,7 @@ TEST(StatusHeapSearch, FailingLeavesTheRoverWhereItIs) {
   tFragments heap;
   heap.free(10);
   heap.free(50);
-  EXPECT_EQ(takingFails(kSize + 1), kStatusHeapFull);
+  EXPECT_EQ(takingFails(kRecordSize + 1), kStatusHeapFull);
   EXPECT_TRUE(heap.roverIsAt(10));
   EXPECT_EQ(heap.take(), u32{50});
   EXPECT_EQ(heap.take(), u32{10});
@@ -210,7 +208,7 @@ TEST(StatusHeapSearch, FailsWhenNoFragmentIsLargeEnoughThoughAllTogetherWouldBe)
   tFragments heap;
   for (u32 index = 0; index != 64; index += 2) heap.free(index);
   EXPECT_EQ(theHeap().getFreeUnits(), u32{512});
-  EXPECT_EQ(takingFails(kSize + 1), kStatusHeapFull);
+  EXPECT_EQ(takingFails(kRecordSize + 1), kStatusHeapFull);
   for (u32 i = 0; i != 32; ++i) EXPECT_LT(heap.take(), u32{64});
 }
 

@@ -5,6 +5,7 @@
 #include "oxdiagk/statusMacros.h"
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/tTestDescription.h"
 
@@ -13,9 +14,7 @@ using nOXDIAG100::tStatus2;
 
 namespace {
 
-constexpr i32 kError = -61007;
 constexpr i32 kOtherError = -61008;
-constexpr i32 kWarning = 61001;
 constexpr i32 kOtherWarning = 61002;
 
 enum tCodes : i32 { kEnumerated = -61009 };

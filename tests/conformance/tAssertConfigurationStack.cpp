@@ -4,11 +4,7 @@
 #include "support/assertSwitches.h"
 #include "support/tTexts.h"
 
-namespace {
-
-constexpr u32 kNew = kSwitchesOfANewCategory;
-
-}  // namespace
+namespace {}  // namespace
 
 TEST(AssertStack, PopOfAnEmptyStackChangesNothing) {
   tPrivateContracts contracts;
@@ -80,8 +76,8 @@ TEST(AssertStack, PopRestoresACurrentCategoryThatOptionsMade) {
   configureWords(contracts, "--category", "default");
   contracts.popConfiguration();
   configureWords(contracts, "--checks", "off");
-  EXPECT_EQ(switchesOf(contracts, "rack"), kNew & ~kSwitchChecks);
-  EXPECT_EQ(switchesOf(contracts, "default"), kNew);
+  EXPECT_EQ(switchesOf(contracts, "rack"), kSwitchesOfANewCategory & ~kSwitchChecks);
+  EXPECT_EQ(switchesOf(contracts, "default"), kSwitchesOfANewCategory);
 }
 
 TEST(AssertStack, CategoriesMadeAfterThePushStayAsTheyAre) {
@@ -89,7 +85,7 @@ TEST(AssertStack, CategoriesMadeAfterThePushStayAsTheyAre) {
   contracts.pushConfiguration();
   configureWords(contracts, "--category", "rack", "--checks", "off");
   contracts.popConfiguration();
-  EXPECT_EQ(switchesOf(contracts, "rack"), kNew & ~kSwitchChecks);
+  EXPECT_EQ(switchesOf(contracts, "rack"), kSwitchesOfANewCategory & ~kSwitchChecks);
 }
 
 TEST(AssertStack, LastPushedIsPoppedFirst) {
@@ -102,7 +98,7 @@ TEST(AssertStack, LastPushedIsPoppedFirst) {
   for (u32 count = kTestSwitchCount; count != 0; --count) {
     contracts.popConfiguration();
     u32 const restored = ~((1u << (count - 1)) - 1);
-    EXPECT_EQ(switchesOf(contracts, "default"), kNew & restored);
+    EXPECT_EQ(switchesOf(contracts, "default"), kSwitchesOfANewCategory & restored);
   }
 }
 
@@ -135,7 +131,7 @@ TEST(AssertStack, ACategoryWhoseNameHasABlankIsNotRestored) {
   contracts.pushConfiguration();
   contracts.enableChecks("my rack");
   contracts.popConfiguration();
-  EXPECT_EQ(switchesOf(contracts, "my rack"), kNew);
-  EXPECT_EQ(switchesOf(contracts, "my"), kNew & ~kSwitchChecks);
-  EXPECT_EQ(switchesOf(contracts, "default"), kNew);
+  EXPECT_EQ(switchesOf(contracts, "my rack"), kSwitchesOfANewCategory);
+  EXPECT_EQ(switchesOf(contracts, "my"), kSwitchesOfANewCategory & ~kSwitchChecks);
+  EXPECT_EQ(switchesOf(contracts, "default"), kSwitchesOfANewCategory);
 }

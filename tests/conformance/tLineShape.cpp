@@ -6,7 +6,7 @@ namespace {
 
 using nOXDIAG100::tLineShape;
 
-constexpr u32 kGreatest = 0xFFFFFFFF;
+constexpr u32 kGreatestWidth = 0xFFFFFFFF;
 
 tLineShape::tSwitch switchAt(u32 place) {
   return static_cast<tLineShape::tSwitch>(place);
@@ -48,10 +48,10 @@ TEST(LineShape, EachSwitchTurnsAlone) {
 
 TEST(LineShape, TheWidthTakesAnyValueAndLeavesTheSwitches) {
   tLineShape const shape = tLineShape::atStart();
-  EXPECT_EQ(kGreatest, shape.withWidth(kGreatest).getWidth());
-  EXPECT_EQ(u32{0}, shape.withWidth(kGreatest).withWidth(0).getWidth());
-  EXPECT_EQ(shape.getWord(), shape.withWidth(kGreatest).withWidth(0).withWidth(50).getWord());
-  EXPECT_TRUE(shape.withWidth(0).isStandard() && shape.withWidth(kGreatest).isStandard());
+  EXPECT_EQ(kGreatestWidth, shape.withWidth(kGreatestWidth).getWidth());
+  EXPECT_EQ(u32{0}, shape.withWidth(kGreatestWidth).withWidth(0).getWidth());
+  EXPECT_EQ(shape.getWord(), shape.withWidth(kGreatestWidth).withWidth(0).withWidth(50).getWord());
+  EXPECT_TRUE(shape.withWidth(0).isStandard() && shape.withWidth(kGreatestWidth).isStandard());
 }
 
 TEST(LineShape, AnythingElseInThePrefixIsNotStandard) {

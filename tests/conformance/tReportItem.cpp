@@ -7,6 +7,7 @@
 #include "qelmk/dynamicCast.h"
 #include "qelmk/statusCodes.h"
 #include "stl/utility.h"
+#include "support/callerCodes.h"
 #include "support/statusForms.h"
 #include "support/tItemStream.h"
 #include "support/tTestDescription.h"
@@ -19,8 +20,6 @@ using nQELM100::tObject;
 
 namespace {
 
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 constexpr i32 kUsage = 77;
 
 tReportItem makeItem(i32 number) {
@@ -93,10 +92,10 @@ TEST(ReportItem, ClonesNothingWithAnErrorOnEntry) {
 }
 
 TEST(ReportItem, KeepsAWarningOnEntry) {
-  tStatus2 status(kWarning);
+  tStatus2 status(kEarlierWarning);
   tReportItem const item(kUsage, tTestReportable(42), status);
   EXPECT_EQ(numberIn(item), 42);
-  EXPECT_EQ(status.getCode(), kWarning);
+  EXPECT_EQ(status.getCode(), kEarlierWarning);
 }
 
 TEST(ReportItem, TakesNoWarningFromTheClone) {
@@ -277,9 +276,9 @@ TEST(ReportItem, NeitherWritesNorReadsWithAnErrorOnEntry) {
 TEST(ReportItem, ComesBackFromAStream) {
   tItemStream& stream = writtenItem();
   tReportItem item = makeItem(43);
-  i32 status = kWarning;
+  i32 status = kEarlierWarning;
   item.readExternal(stream, status);
-  EXPECT_EQ(status, kWarning);
+  EXPECT_EQ(status, kEarlierWarning);
   EXPECT_EQ(item.getUsageType(), kUsage);
   EXPECT_EQ(numberIn(item), 42);
   EXPECT_EQ(stream.getPosition(), u32{4});

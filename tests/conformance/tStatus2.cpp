@@ -3,6 +3,7 @@
 #include "oxdiagk/tStatus2.h"
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusOrigin.h"
 
@@ -10,21 +11,11 @@ using nOXDIAG100::tStatus2;
 
 namespace {
 
-constexpr i32 kError = -61007;
 constexpr i32 kOtherError = -61008;
-constexpr i32 kWarning = 61001;
 constexpr u32 kRecordUnits = 16;
 
 bool hasSameDetail(tStatus2 const& left, tStatus2 const& right) {
   return left.hasDetail() && left.getComponentName() == right.getComponentName();
-}
-
-u32 countAddresses(tStatus2 const& status) {
-  u64 addresses[tStatus2::kStackTraceLength];
-  status.getStackTrace(addresses);
-  u32 count = 0;
-  for (u64 address : addresses) count += address != 0 ? 1 : 0;
-  return count;
 }
 
 bool keepsComponent(char const* component, char const* kept) {

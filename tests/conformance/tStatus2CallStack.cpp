@@ -4,13 +4,13 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/statusMacros.h"
+#include "support/callerCodes.h"
 #include "support/tTestDescription.h"
 
 using nOXDIAG100::tStatus2;
 
 namespace {
 
-constexpr i32 kError = -61007;
 constexpr u32 kNowhere = 0xFFFFFFFF;
 
 // Where the caller of the function under test goes on.

@@ -1,6 +1,7 @@
 // The description of a status.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusOrigin.h"
 #include "support/tTestDescription.h"
@@ -9,19 +10,9 @@ using nOXDIAG100::tStatus2;
 
 namespace {
 
-constexpr i32 kError = -61007;
-constexpr i32 kWarning = 61001;
 constexpr char kPlainCodeText[] =
     "Status set in code using legacy interface, stack trace reflects where the code exited the "
     "interface";
-
-u32 countAddresses(tStatus2 const& status) {
-  u64 addresses[tStatus2::kStackTraceLength];
-  status.getStackTrace(addresses);
-  u32 count = 0;
-  for (u64 address : addresses) count += address != 0 ? 1 : 0;
-  return count;
-}
 
 }  // namespace
 

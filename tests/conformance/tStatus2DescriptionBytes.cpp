@@ -8,6 +8,7 @@
 #include "qelmk/statusCodes.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "qelmk/tBinaryObjectWriter.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -19,8 +20,6 @@ using nQELM100::tBinaryObjectReader;
 using nQELM100::tBinaryObjectWriter;
 
 namespace {
-
-constexpr i32 kError = -61007;
 
 // The description of three items that the bytes below hold.
 class tGolden {

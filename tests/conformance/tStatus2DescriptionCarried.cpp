@@ -3,6 +3,7 @@
 #include "conformance/harness.h"
 #include "oxdiagk/tStatus2Description.h"
 #include "qelmk/dynamicCast.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -13,8 +14,6 @@ using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
 
 namespace {
-
-constexpr i32 kError = -61007;
 
 // The items that a description of three items has in a stream, its class included.
 constexpr u32 kDescriptionLength = 1 + 1 + 3 * 4;

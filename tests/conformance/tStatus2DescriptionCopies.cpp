@@ -5,6 +5,7 @@
 #include "qelmk/dynamicCast.h"
 #include "qelmk/statusCodes.h"
 #include "status/tStatus2DescriptionImplementation.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/tItemStream.h"
 #include "support/tTestReportable.h"
@@ -17,9 +18,6 @@ using nQELM100::iCloneable;
 using nQELM100::tObject;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 
 // The clone of a description for the length of a test.
 class tClone {
@@ -118,9 +116,9 @@ TEST(DescriptionClone, LeavesNothingBehind) {
 }
 
 TEST(DescriptionClone, KeepsAWarningOnEntry) {
-  tClone const clone(tStatus2Description(), kWarning);
+  tClone const clone(tStatus2Description(), kEarlierWarning);
   EXPECT_TRUE(clone.get() != nullptr);
-  EXPECT_EQ(clone.code, kWarning);
+  EXPECT_EQ(clone.code, kEarlierWarning);
 }
 
 TEST(DescriptionClone, IsNotMadeWithAnErrorOnEntry) {

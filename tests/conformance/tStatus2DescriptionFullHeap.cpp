@@ -7,6 +7,7 @@
 #include "qelmk/dynamicCast.h"
 #include "qelmk/statusCodes.h"
 #include "status/tStatus2DescriptionImplementation.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusOrigin.h"
 #include "support/tItemStream.h"
@@ -22,8 +23,6 @@ using nQELM100::kStatusClassMismatch;
 
 namespace {
 
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 constexpr u32 kUntouched = 4711;
 
 constexpr u32 unitsOf(size_t size) {
@@ -94,7 +93,7 @@ TEST(DescriptionInFullHeap, SaysWhereInThePlaceOfAWarning) {
   tStatus2 status;
   {
     tOrigin const origin("slotbus", "rack.cpp");
-    OXDIAG_SET_STATUS(status, kWarning);
+    OXDIAG_SET_STATUS(status, kEarlierWarning);
   }
   tFullHeap const full;
   tStatus2Description const description(status);

@@ -8,6 +8,7 @@
 #include "oxdiagk/tWhiteSpaceReportable.h"
 #include "qelmk/dynamicCast.h"
 #include "qelmk/statusCodes.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/tTestDescription.h"
 #include "support/tTestReportable.h"
@@ -24,8 +25,6 @@ using nQELM100::tObject;
 
 namespace {
 
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 // Indexes that a list of three items does not have.
 constexpr u32 kPastTheThird[] = {3, 4, 0xFFFFFFFF};
 
@@ -81,10 +80,10 @@ TEST(DescriptionItems, StartEmpty) {
 }
 
 TEST(DescriptionItems, KeepAWarningOnConstruction) {
-  tStatus2 status(kWarning);
+  tStatus2 status(kEarlierWarning);
   tStatus2Description const description(status);
   EXPECT_EQ(description.getNumberOfReportItems(status), u32{0});
-  EXPECT_EQ(status.getCode(), kWarning);
+  EXPECT_EQ(status.getCode(), kEarlierWarning);
 }
 
 TEST(DescriptionItems, TakeTwoBlocksOfTheStatusHeapHoweverManyThereAre) {
@@ -293,15 +292,15 @@ TEST(DescriptionItems, OfAnEmptyListAreAllOutOfRange) {
 
 TEST(DescriptionItems, KeepAWarningOnEntry) {
   tStatus2Description description;
-  tStatus2 status(kWarning);
+  tStatus2 status(kEarlierWarning);
   description.addReportItem(10, tTestReportable(1), status);
   EXPECT_EQ(description.getUsageTypeAtIndex(0, status), 10);
-  EXPECT_EQ(status.getCode(), kWarning);
+  EXPECT_EQ(status.getCode(), kEarlierWarning);
 }
 
 TEST(DescriptionItems, AreOutOfRangeInsteadOfAWarning) {
   tStatus2Description const description;
-  tStatus2 status(kWarning);
+  tStatus2 status(kEarlierWarning);
   EXPECT_EQ(description.getUsageTypeAtIndex(0, status), -1);
   expectOutOfRange(status);
 }

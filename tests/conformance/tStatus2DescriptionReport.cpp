@@ -2,6 +2,7 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tStatus2.h"
+#include "support/callerCodes.h"
 #include "support/tItemStream.h"
 #include "support/tItemTranslator.h"
 #include "support/tTestReportable.h"
@@ -10,9 +11,6 @@ using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 
 // The report of `description`, behind the text that the output holds already.
 class tReport {
@@ -110,9 +108,9 @@ TEST(DescriptionReport, SkipsAnItemWithoutReportableButNotItsSeparator) {
 TEST(DescriptionReport, KeepsAWarningOnEntry) {
   tStatus2Description description;
   addItems(description, 1);
-  tReport const report(description, tItemTranslator(), kWarning);
+  tReport const report(description, tItemTranslator(), kEarlierWarning);
   EXPECT_STREQ(report.text().get(), "at: <10>1");
-  EXPECT_EQ(report.status.getCode(), kWarning);
+  EXPECT_EQ(report.status.getCode(), kEarlierWarning);
 }
 
 TEST(DescriptionReport, IsNotMadeWithAnErrorOnEntry) {

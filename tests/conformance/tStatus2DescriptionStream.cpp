@@ -4,6 +4,7 @@
 #include "oxdiagk/tStatus2.h"
 #include "qelmk/statusCodes.h"
 #include "status/tStatus2DescriptionImplementation.h"
+#include "support/callerCodes.h"
 #include "support/statusForms.h"
 #include "support/tBlindReader.h"
 #include "support/tItemStream.h"
@@ -16,9 +17,6 @@ using nOXDIAG100::tStatus2DescriptionImplementation;
 using nQELM100::kStatusNoListFollows;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 12345;
 
 // Items of the stream: the count, and four for each item of the list.
 constexpr u32 kCount = 0;
@@ -166,7 +164,7 @@ TEST(DescriptionStream, OfAnEmptyListEmptiesTheList) {
 
 TEST(DescriptionStream, KeepsAWarningOnEntry) {
   tReader reader;
-  EXPECT_EQ(reader.read(writtenList(), kWarning), kWarning);
+  EXPECT_EQ(reader.read(writtenList(), kEarlierWarning), kEarlierWarning);
   EXPECT_EQ(reader.numbers(), 123);
 }
 
@@ -247,10 +245,10 @@ TEST(DescriptionStream, KeepsPlacesForSoManyUnreadItemsAndNoMore) {
     tReader reader;
     reader.description.readExternal(blind, status);
     EXPECT_EQ(status, nQELM100::kStatusStreamEnded);
-    constexpr u32 kLargest = kWhole + 1 + kMost;
+    constexpr u32 kLargestCount = kWhole + 1 + kMost;
     tStatus2 asking;
     EXPECT_EQ(reader.description.getNumberOfReportItems(asking),
-              count < kLargest ? count : kLargest);
+              count < kLargestCount ? count : kLargestCount);
     EXPECT_EQ(reader.description.getUsageTypeAtIndex(kWhole, asking), 0);
     EXPECT_TRUE(reader.description.getReportablePtrAtIndex(kWhole, asking) == nullptr);
     EXPECT_EQ(asking.getCode(), 0);
@@ -299,10 +297,10 @@ TEST(DescriptionStream, TakesACountThatTheStreamCanJustHold) {
 
 TEST(DescriptionStream, MergesTheStatusOfTheImplementationFirst) {
   tItemStream& stream = writtenList();
-  tStatus2DescriptionImplementation warned(kWarning);
+  tStatus2DescriptionImplementation warned(kEarlierWarning);
   i32 status = 0;
   warned.readExternal(stream, status);
-  EXPECT_EQ(status, kWarning);
+  EXPECT_EQ(status, kEarlierWarning);
   EXPECT_EQ(warned.getCount(), u32{3});
   stream.rewind();
   tStatus2DescriptionImplementation failed(kEarlierError);

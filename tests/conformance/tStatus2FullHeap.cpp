@@ -1,18 +1,12 @@
 // Statuses when the heap is full.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusOrigin.h"
 #include "support/tTestDescription.h"
 
 using nOXDIAG100::tStatus2;
-
-namespace {
-
-constexpr i32 kError = -61007;
-constexpr i32 kWarning = 61001;
-
-}  // namespace
 
 TEST(StatusInFullHeap, KeepsAnErrorCode) {
   tFullHeap const full;

@@ -3,6 +3,7 @@
 #include "oxdiagk/tStatus2ModuleList.h"
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -11,8 +12,6 @@ using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2ModuleList;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
 
 // A status with these addresses on its stack, and zeros behind them.
 tStatus2 statusAt(u64 const* addresses, u32 count) {

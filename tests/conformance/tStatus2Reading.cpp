@@ -2,6 +2,7 @@
 
 #include "conformance/harness.h"
 #include "qelmk/statusCodes.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -10,8 +11,6 @@
 using nOXDIAG100::tStatus2;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
 
 // Reads the stream from its first item into `target` and returns what became of a clean status.
 i32 readFrom(tItemStream& stream, tStatus2& target) {

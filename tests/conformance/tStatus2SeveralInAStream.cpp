@@ -4,6 +4,7 @@
 #include "conformance/harness.h"
 #include "oxdiagk/tStatus2Description.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -20,7 +21,6 @@ using nQELM100::tBinaryObjectWriter;
 namespace {
 
 constexpr i32 kFirstCode = -61007;
-constexpr i32 kWarning = 61001;
 constexpr i32 kLastCode = -61008;
 constexpr u32 kCapacity = 2048;
 

@@ -1,6 +1,7 @@
 // A status as text.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusOrigin.h"
 #include "support/tTestDescription.h"
@@ -9,7 +10,6 @@ using nOXDIAG100::tStatus2;
 
 namespace {
 
-constexpr i32 kError = -61007;
 constexpr u32 kRoom = 700;
 constexpr char kFill = '#';
 

@@ -1,6 +1,7 @@
 // The externalized form of a status, item by item.
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/statusForms.h"
 #include "support/statusOrigin.h"
@@ -9,8 +10,6 @@
 using nOXDIAG100::tStatus2;
 
 namespace {
-
-constexpr i32 kEarlierError = -12345;
 
 bool isField(tItemStream const& stream, u32 index, u32 size, char const* text) {
   u32 const length = static_cast<u32>(__builtin_strlen(text));
@@ -22,9 +21,9 @@ bool isField(tItemStream const& stream, u32 index, u32 size, char const* text) {
 }
 
 // A failure with the known addresses in its record.
-class tKnownFailure {
+class tFormFailure {
  public:
-  tKnownFailure() {
+  tFormFailure() {
     OXDIAG_SET_STATUS(status, kFormError);
     u8* record = nullptr;
     __builtin_memcpy(&record, &status, sizeof record);
@@ -62,7 +61,7 @@ TEST(StatusWriting, APlainCodeIsThreeNumbers) {
 }
 
 TEST(StatusWriting, ADetailFollowsItsFlag) {
-  tKnownFailure const failure;
+  tFormFailure const failure;
   tItemStream& stream = cleanStream();
   i32 status = 0;
   failure.status.writeExternal(stream, status);
@@ -75,7 +74,7 @@ TEST(StatusWriting, ADetailFollowsItsFlag) {
 }
 
 TEST(StatusWriting, NamesAreFieldsOfCharactersFilledWithZeros) {
-  tKnownFailure const failure;
+  tFormFailure const failure;
   tItemStream& stream = cleanStream();
   i32 status = 0;
   failure.status.writeExternal(stream, status);
@@ -97,7 +96,7 @@ TEST(StatusWriting, FullNamesAreWrittenWithTheirTerminator) {
 }
 
 TEST(StatusWriting, LineAndCodesAreNumbers) {
-  tKnownFailure const failure;
+  tFormFailure const failure;
   tItemStream& stream = cleanStream();
   i32 status = 0;
   failure.status.writeExternal(stream, status);
@@ -108,7 +107,7 @@ TEST(StatusWriting, LineAndCodesAreNumbers) {
 }
 
 TEST(StatusWriting, AddressesAreWrittenInHalves) {
-  tKnownFailure const failure;
+  tFormFailure const failure;
   tItemStream& stream = cleanStream();
   i32 status = 0;
   failure.status.writeExternal(stream, status);
@@ -130,7 +129,7 @@ TEST(StatusWriting, TheCodeOfTheDetailIsTheOneItWasMadeWith) {
 }
 
 TEST(StatusWriting, ADescriptionStandsInFrontOfTheHighHalves) {
-  tKnownFailure failure;
+  tFormFailure failure;
   tTestDescription const description(42);
   failure.status.setDescription(description);
   tItemStream& stream = cleanStream();
@@ -145,7 +144,7 @@ TEST(StatusWriting, ADescriptionStandsInFrontOfTheHighHalves) {
 }
 
 TEST(StatusWriting, NothingIsWrittenWithAnErrorOnEntry) {
-  tKnownFailure const failure;
+  tFormFailure const failure;
   tItemStream& stream = cleanStream();
   i32 status = kEarlierError;
   failure.status.writeExternal(stream, status);
@@ -162,7 +161,7 @@ TEST(StatusWriting, AWarningOnEntryIsKept) {
 }
 
 TEST(StatusWriting, TheStreamsEndIsReportedAtEveryPosition) {
-  tKnownFailure failure;
+  tFormFailure failure;
   tTestDescription const description(42);
   failure.status.setDescription(description);
   for (u32 end = 0; end != kFormCount + 2; ++end) {

@@ -8,20 +8,20 @@ using nOXDIAG100::tTraceFilter;
 
 namespace {
 
-constexpr unsigned int kTextSize = 256;
-constexpr char kUntouched = '\x55';
+constexpr unsigned int kWrittenSize = 256;
+constexpr char kUnwritten = '\x55';
 
 struct tEmptyFilter : tTraceFilter {
   tEmptyFilter() { removeAll(); }
 
   char const* text() {
-    write(buffer, kTextSize, nullptr);
+    write(buffer, kWrittenSize, nullptr);
     return buffer;
   }
 
   bool showsVerbosity(u32 verbosity) const { return evaluate("", "", 0, "", 0, verbosity); }
 
-  char buffer[kTextSize];
+  char buffer[kWrittenSize];
 };
 
 unsigned int lengthOf(char const* text) {
@@ -37,8 +37,8 @@ bool holdsCut(char const* buffer, unsigned int size, char const* text) {
     if (buffer[index] != text[index]) return false;
   }
   if (size != 0 && buffer[size - 1] != '\0') return false;
-  for (unsigned int index = size; index < kTextSize; ++index) {
-    if (buffer[index] != kUntouched) return false;
+  for (unsigned int index = size; index < kWrittenSize; ++index) {
+    if (buffer[index] != kUnwritten) return false;
   }
   return true;
 }
@@ -213,8 +213,8 @@ TEST(TraceFilterWrittenForm, EveryBufferSizeCutsAndTerminates) {
   char const wanted[] = " --filter \"compname==abc || linenumber<12 && threadid>=0x1A\"";
   unsigned int const fullSize = sizeof(wanted);
   for (unsigned int size = 0; size <= fullSize + 2; ++size) {
-    char buffer[kTextSize];
-    for (char& character : buffer) character = kUntouched;
+    char buffer[kWrittenSize];
+    for (char& character : buffer) character = kUnwritten;
     unsigned int needed = 0;
     char const* const end = filter.write(buffer, size, &needed);
     EXPECT_EQ(fullSize, needed);
@@ -224,7 +224,7 @@ TEST(TraceFilterWrittenForm, EveryBufferSizeCutsAndTerminates) {
     } else {
       EXPECT_STREQ(wanted, buffer);
       EXPECT_EQ('\0', buffer[size - 1]);
-      EXPECT_EQ(kUntouched, buffer[size]);
+      EXPECT_EQ(kUnwritten, buffer[size]);
     }
   }
 }
@@ -241,8 +241,8 @@ TEST(TraceFilterWrittenForm, WithoutBufferOnlyTheSizeIsTold) {
 
 TEST(TraceFilterWrittenForm, TheSizeNeedNotBeAskedFor) {
   tTraceFilter const filter;
-  char buffer[kTextSize];
-  char const* const end = filter.write(buffer, kTextSize, nullptr);
+  char buffer[kWrittenSize];
+  char const* const end = filter.write(buffer, kWrittenSize, nullptr);
   EXPECT_STREQ(" --filter \"verbosity>=100\"", buffer);
   EXPECT_TRUE(end == buffer + lengthOf(buffer));
 }

@@ -12,8 +12,8 @@ using nOXDIAG100::tTrace;
 namespace {
 
 // A stream whose prefixes are the indentation alone.
-struct tNestedStream : tPrefixedStream {
-  tNestedStream() { trace.setMinPrefixWidth(0); }
+struct tIndentedStream : tPrefixedStream {
+  tIndentedStream() { trace.setMinPrefixWidth(0); }
 
   char const* write(tTrace::tTraceType type, unsigned int verbosity = 100) {
     record.clear();
@@ -35,13 +35,13 @@ struct tNestedStream : tPrefixedStream {
 }  // namespace
 
 TEST(TracePrefixNesting, ANewStreamIsNotNested) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_EQ(i32{0}, stream.trace.getNestingLevel());
   EXPECT_STREQ("x\n", stream.write(tTrace::kTraceLine));
 }
 
 TEST(TracePrefixNesting, AnEntryRaisesTheLevelBehindItself) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_STREQ("x\n", stream.write(tTrace::kBlockEntry));
   EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
   EXPECT_STREQ("  x\n", stream.write(tTrace::kTraceLine));
@@ -50,7 +50,7 @@ TEST(TracePrefixNesting, AnEntryRaisesTheLevelBehindItself) {
 }
 
 TEST(TracePrefixNesting, AnExitLowersTheLevelBeforeItself) {
-  tNestedStream stream;
+  tIndentedStream stream;
   stream.write(tTrace::kBlockEntry);
   stream.write(tTrace::kBlockEntry);
   EXPECT_STREQ("  x\n", stream.write(tTrace::kBlockExit));
@@ -60,7 +60,7 @@ TEST(TracePrefixNesting, AnExitLowersTheLevelBeforeItself) {
 }
 
 TEST(TracePrefixNesting, AnExitAtLevel0StaysThere) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_STREQ("x\n", stream.write(tTrace::kBlockExit));
   EXPECT_EQ(i32{0}, stream.trace.getNestingLevel());
   stream.write(tTrace::kBlockEntry);
@@ -68,21 +68,21 @@ TEST(TracePrefixNesting, AnExitAtLevel0StaysThere) {
 }
 
 TEST(TracePrefixNesting, APlainLineMovesNothing) {
-  tNestedStream stream;
+  tIndentedStream stream;
   stream.write(tTrace::kBlockEntry);
   stream.write(tTrace::kTraceLine);
   EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
 }
 
 TEST(TracePrefixNesting, AnUnknownTypeIsAPlainLine) {
-  tNestedStream stream;
+  tIndentedStream stream;
   stream.write(tTrace::kBlockEntry);
   EXPECT_STREQ("  x\n", stream.write(static_cast<tTrace::tTraceType>(3)));
   EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
 }
 
 TEST(TracePrefixNesting, WithoutIndentingTheLevelMovesAndNothingIsIndented) {
-  tNestedStream stream;
+  tIndentedStream stream;
   stream.trace.disableIndenting();
   EXPECT_STREQ("x\n", stream.write(tTrace::kBlockEntry));
   EXPECT_STREQ("x\n", stream.write(tTrace::kTraceLine));
@@ -100,7 +100,7 @@ TEST(TracePrefixNesting, TheIndentationFollowsTheEndOfThePrefix) {
 }
 
 TEST(TracePrefixNesting, DeepNestingIsIndentedInFull) {
-  tNestedStream stream;
+  tIndentedStream stream;
   for (u32 count = 0; count < 70; ++count) stream.write(tTrace::kBlockEntry, 99);
   char const* const text = stream.write(tTrace::kTraceLine);
   EXPECT_EQ(u32{142}, stream.record.length());
@@ -109,7 +109,7 @@ TEST(TracePrefixNesting, DeepNestingIsIndentedInFull) {
 }
 
 TEST(TracePrefixNesting, HiddenLinesMoveTheLevelToo) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_STREQ("", stream.write(tTrace::kBlockEntry, 99));
   EXPECT_EQ(i32{1}, stream.trace.getNestingLevel());
   EXPECT_STREQ("", stream.write(tTrace::kBlockExit, 99));
@@ -119,7 +119,7 @@ TEST(TracePrefixNesting, HiddenLinesMoveTheLevelToo) {
 }
 
 TEST(TracePrefixNesting, LinesOfADisabledStreamMoveTheLevelToo) {
-  tNestedStream stream;
+  tIndentedStream stream;
   stream.trace.disable();
   stream.write(tTrace::kBlockEntry);
   stream.write(tTrace::kBlockEntry);
@@ -131,31 +131,31 @@ TEST(TracePrefixNesting, LinesOfADisabledStreamMoveTheLevelToo) {
 // The filter.
 
 TEST(TracePrefixFilter, TheComponentIsAsked) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_TRUE(stream.shows("compname==rack"));
   EXPECT_FALSE(stream.shows("compname==slot"));
 }
 
 TEST(TracePrefixFilter, TheVersionIsAskedAsText) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_TRUE(stream.shows("compver==1.2.3f45"));
   EXPECT_FALSE(stream.shows("compver==1.2.3f46"));
 }
 
 TEST(TracePrefixFilter, TheLineNumberIsAsked) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_TRUE(stream.shows("linenumber<=42"));
   EXPECT_FALSE(stream.shows("linenumber<42"));
 }
 
 TEST(TracePrefixFilter, TheFileIsAskedWithItsPath) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_TRUE(stream.shows("filename==source/io\\port.cpp"));
   EXPECT_FALSE(stream.shows("filename==port.cpp"));
 }
 
 TEST(TracePrefixFilter, TheCurrentThreadIsAsked) {
-  tNestedStream stream;
+  tIndentedStream stream;
   char expression[kNumberTextSize + 16] = "threadid==";
   vexNumberToText(tThreadUtility::getCurrentThreadId(), 10, expression + 10);
   EXPECT_TRUE(stream.shows(expression));
@@ -163,13 +163,13 @@ TEST(TracePrefixFilter, TheCurrentThreadIsAsked) {
 }
 
 TEST(TracePrefixFilter, TheVerbosityIsAsked) {
-  tNestedStream stream;
+  tIndentedStream stream;
   EXPECT_TRUE(stream.shows("verbosity==100"));
   EXPECT_FALSE(stream.shows("verbosity==101"));
 }
 
 TEST(TracePrefixFilter, MissingTextsAreAskedAsEmpty) {
-  tNestedStream stream;
+  tIndentedStream stream;
   tTestLine line;
   line.component = nullptr;
   line.file = nullptr;
@@ -178,7 +178,7 @@ TEST(TracePrefixFilter, MissingTextsAreAskedAsEmpty) {
 }
 
 TEST(TracePrefixFilter, AnEmptyFilterShowsEveryLine) {
-  tNestedStream stream;
+  tIndentedStream stream;
   ASSERT_NE(stream.trace.getFilter(), nullptr);
   stream.trace.getFilter()->removeAll();
   EXPECT_STREQ("x\n", stream.write(tTrace::kTraceLine, 0));

@@ -2,19 +2,12 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tTrace.h"
-#include "oxdiagk/tVEXTraceDestination.h"
 #include "support/recordingDestination.h"
 #include "support/traceState.h"
 
 namespace {
 
-using nOXDIAG100::iTraceDestination;
 using nOXDIAG100::tTrace;
-using nOXDIAG100::tVEXTraceDestination;
-
-iTraceDestination* debuggerPrint() {
-  return &tVEXTraceDestination::getInstance();
-}
 
 // A stream on the first of two recorders.
 struct tTwoDestinations {

@@ -3,7 +3,6 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tTrace.h"
-#include "oxdiagk/tVEXTraceDestination.h"
 #include "support/fileDestination.h"
 #include "support/recordingBus.h"
 #include "support/recordingDestination.h"
@@ -12,11 +11,6 @@ namespace {
 
 using nOXDIAG100::iTraceDestination;
 using nOXDIAG100::tTrace;
-using nOXDIAG100::tVEXTraceDestination;
-
-iTraceDestination* debuggerPrint() {
-  return &tVEXTraceDestination::getInstance();
-}
 
 // Two streams without a word about their switches, and a destination that both may take.
 struct tTwoStreams {

@@ -2,7 +2,6 @@
 
 #include "conformance/harness.h"
 #include "oxdiagk/tTrace.h"
-#include "oxdiagk/tVEXTraceDestination.h"
 #include "support/prefixedStream.h"
 #include "support/recordingDestination.h"
 
@@ -10,11 +9,6 @@ namespace {
 
 using nOXDIAG100::iTraceDestination;
 using nOXDIAG100::tTrace;
-using nOXDIAG100::tVEXTraceDestination;
-
-iTraceDestination* debuggerPrint() {
-  return &tVEXTraceDestination::getInstance();
-}
 
 // Switches its stream while it is opened or closed, as often as `switches` says.
 class tSwitchingDestination : public tRecordingDestination {

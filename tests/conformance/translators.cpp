@@ -25,9 +25,9 @@ constexpr i32 kLeast32 = -2147483647 - 1;
 constexpr i32 kNewline = 223;
 
 constexpr tWord kUsageTypes[] = {{1, L"line"}, {-7, L"negative"}};
-constexpr tWord kProperties[] = {{1, L"slot"}};
-constexpr tEnumWord kEnumValues[] = {{1, 7, L"seven of one"}, {2, 7, L"seven of two"}};
-constexpr tVocabulary kWords(kUsageTypes, kProperties, kEnumValues);
+constexpr tWord kSlotProperties[] = {{1, L"slot"}};
+constexpr tEnumWord kSlotValues[] = {{1, 7, L"seven of one"}, {2, 7, L"seven of two"}};
+constexpr tVocabulary kWords(kUsageTypes, kSlotProperties, kSlotValues);
 
 constexpr tGUID kGUID(0x7A0C5A9E, 0x31B4, 0x4D0F, {0x9B, 0x1C, 2, 0x77, 0xC1, 0, 8, 0x2E});
 

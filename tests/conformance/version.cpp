@@ -1,6 +1,7 @@
 #include "oxdiagk/version.h"
 
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "vexk/statusCodes.h"
 
 using nOXDIAG100::compareVersion;
@@ -13,8 +14,6 @@ constexpr tSSVersion kFirst(0);
 constexpr tSSVersion kLast(255, 15, 15, tSSVersion::kPhaseReleased, 4095, 0);
 constexpr tSSVersion kOldestCompatible(1, 0, 0, tSSVersion::kPhaseReleased, 7, 0);
 constexpr tSSVersion kBuildBeforeIt(1, 0, 0, tSSVersion::kPhaseReleased, 6, 0);
-constexpr i32 kWarning = 88800;
-constexpr i32 kEarlierError = -50005;
 
 tSSVersion current() {
   i32 status = 0;

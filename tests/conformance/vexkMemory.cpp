@@ -1,11 +1,9 @@
 #include "conformance/harness.h"
+#include "support/callerCodes.h"
 #include "vexk/memory.h"
 #include "vexk/tMemBlockReferenceTemplate.h"
 
 namespace {
-
-constexpr i32 kSomeError = -12345;
-constexpr i32 kSomeWarning = 12345;
 
 class tCounted {
  public:
@@ -66,16 +64,16 @@ TEST(VexkMemory, EveryByteOfABlockKeepsWhatIsWritten) {
 }
 
 TEST(VexkMemory, AnErrorOnEntryIsKeptAndNothingIsAllocated) {
-  i32 status = kSomeError;
+  i32 status = kEarlierError;
   EXPECT_TRUE(_memNewUsingCRT(16, kMemLongLived, status) == nullptr);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
 }
 
 TEST(VexkMemory, AWarningOnEntrySurvivesASuccess) {
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   void* block = _memNewUsingCRT(16, kMemLongLived, status);
   EXPECT_TRUE(block != nullptr);
-  EXPECT_EQ(kSomeWarning, status);
+  EXPECT_EQ(kEarlierWarning, status);
   _memDelete(block);
 }
 
@@ -89,7 +87,7 @@ TEST(VexkMemory, AnImpossibleSizeIsOutOfMemory) {
 }
 
 TEST(VexkMemory, AWarningOnEntryBecomesOutOfMemory) {
-  i32 status = kSomeWarning;
+  i32 status = kEarlierWarning;
   EXPECT_TRUE(_memNewUsingCRT(SIZE_MAX, kMemScratch, status) == nullptr);
   EXPECT_EQ(kStatusOutOfMemory, status);
 }
@@ -172,9 +170,9 @@ TEST(VexkMemoryReference, AnErrorOnEntryKeepsTheOldBlock) {
   tMemBlockReferenceBase reference;
   i32 status = 0;
   reference.allocate(10, kMemScratch, status);
-  status = kSomeError;
+  status = kEarlierError;
   reference.allocate(20, kMemScratch, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
   EXPECT_EQ(size_t{10}, reference.getSize());
 }
 

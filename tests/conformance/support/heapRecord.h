@@ -4,6 +4,8 @@
 
 #include "oxdiagk/tStatus2Heap.h"
 
+constexpr i32 kRecordSize = 240;  // of a status' detail
+
 // The control record, byte by byte as the module keeps it. Read without the lock.
 struct tHeapRecord {
   u32 poolSize;

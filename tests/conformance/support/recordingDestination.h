@@ -6,9 +6,15 @@
 #include "conformance/harness.h"
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTrace.h"
+#include "oxdiagk/tVEXTraceDestination.h"
+
+// The destination that a stream has from the beginning.
+inline nOXDIAG100::iTraceDestination* debuggerPrint() {
+  return &nOXDIAG100::tVEXTraceDestination::getInstance();
+}
 
 // What a recording destination keeps. What finds no room is dropped.
-struct tRecord {
+struct tRecordedText {
   static constexpr u32 kTextCapacity = 8192;
   static constexpr u32 kPieceCapacity = 64;
   static constexpr u32 kEventCapacity = 512;
@@ -21,7 +27,7 @@ struct tRecord {
   u32 eventLength;
 };
 
-inline constinit tRecord recordStorage[4] = {};
+inline constinit tRecordedText recordStorage[4] = {};
 
 class tRecordingDestination : public nOXDIAG100::iTraceDestination {
  public:
@@ -98,8 +104,8 @@ class tRecordingDestination : public nOXDIAG100::iTraceDestination {
 
  private:
   iTraceDestination& keep(char const* text, u32 length) {
-    if (record.pieceCount == tRecord::kPieceCapacity ||
-        record.length + length > tRecord::kTextCapacity) {
+    if (record.pieceCount == tRecordedText::kPieceCapacity ||
+        record.length + length > tRecordedText::kTextCapacity) {
       return *this;
     }
     __builtin_memcpy(record.text + record.length, text, length);
@@ -113,12 +119,12 @@ class tRecordingDestination : public nOXDIAG100::iTraceDestination {
 
   void addEvent(char const* event) {
     u32 const length = static_cast<u32>(__builtin_strlen(event));
-    if (record.eventLength + length > tRecord::kEventCapacity) return;
+    if (record.eventLength + length > tRecordedText::kEventCapacity) return;
     __builtin_memcpy(record.events + record.eventLength, event, length + 1);
     record.eventLength += length;
   }
 
-  tRecord& record;
+  tRecordedText& record;
 };
 
 // A stream of the test's own.

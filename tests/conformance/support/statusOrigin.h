@@ -25,6 +25,15 @@ class tOrigin {
   tOrigin& operator=(tOrigin const&) = delete;
 };
 
+// How many return addresses the status has kept.
+inline u32 countAddresses(nOXDIAG100::tStatus2 const& status) {
+  u64 addresses[nOXDIAG100::tStatus2::kStackTraceLength];
+  status.getStackTrace(addresses);
+  u32 count = 0;
+  for (u64 address : addresses) count += address != 0 ? 1 : 0;
+  return count;
+}
+
 // A text of `size` - 1 different characters for every place, so that a cut shows where it was made.
 template <u32 size>
 class tLongText {

@@ -228,16 +228,16 @@ TEST(TunnelMemory, ANameThatIsTooLongMeansTheTraceStream) {
 }
 
 TEST(TunnelMemory, EveryRecordRunsHoweverManyThereAre) {
-  constexpr u32 kMany = 0x10001;
+  constexpr u32 kRecords = 0x10001;
   struct tRequest {
     tTunnelHeader header;
-    tTunnelRecord records[kMany];
+    tTunnelRecord records[kRecords];
   };
   tRegisteredRecorder recorder;
   auto const request = std::make_unique<tRequest>();
-  request->header = {recorder.handle, kMany};
+  request->header = {recorder.handle, kRecords};
   request->records[0] = makeRecord(6);
-  request->records[kMany - 1] = makeRecord(7);
+  request->records[kRecords - 1] = makeRecord(7);
   tConfigTunnel::getInstance().dispatch(addressOf(request.get()));
   EXPECT_STREQ(recorder.calls(), "push pop ");
 }

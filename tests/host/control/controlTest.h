@@ -5,8 +5,6 @@
 #include "control/tServingProgram.h"
 #include "slotbus/demoTest.h"
 
-constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
-
 class tControlTest : public tDemoTest {
  protected:
   // Runs oxdiagctl with these arguments, at the program's socket.

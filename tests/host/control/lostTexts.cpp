@@ -12,8 +12,6 @@ namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
-
 // This program serves itself.
 class LostTexts : public tDemoTest {
  protected:

@@ -13,8 +13,6 @@ using namespace vexkhost;
 
 namespace {
 
-constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
-
 // Listens, and does with the first caller what it is told to do.
 class tStrangeServer {
  public:

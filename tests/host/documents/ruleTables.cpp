@@ -28,7 +28,7 @@ struct tTable {
 tTable const kRules = {"docs/executive.md", "rule", 4};
 tTable const kPromises = {"docs/reliability.md", "promise", 3};
 
-std::filesystem::path const kTop(OXDIAG_SOURCE_DIR);
+std::filesystem::path const kProject(OXDIAG_SOURCE_DIR);
 
 std::string readFile(std::filesystem::path const& path) {
   std::ifstream file(path);
@@ -38,7 +38,7 @@ std::string readFile(std::filesystem::path const& path) {
 // All sources below a folder, one behind the other.
 std::string sourcesBelow(char const* folder) {
   std::string text;
-  for (auto const& entry : std::filesystem::recursive_directory_iterator(kTop / folder)) {
+  for (auto const& entry : std::filesystem::recursive_directory_iterator(kProject / folder)) {
     if (entry.path().extension() == ".cpp") text += readFile(entry.path());
   }
   return text;
@@ -100,7 +100,7 @@ bool isWatched(std::string const& verdict) {
 bool isFile(std::string const& name) {
   for (char const* folder : {"", "include", "platform/vexk/include", "platform/qelmk/include",
                              "platform/vexk/host/include"}) {
-    if (std::filesystem::is_regular_file(kTop / folder / name)) return true;
+    if (std::filesystem::is_regular_file(kProject / folder / name)) return true;
   }
   return false;
 }

@@ -13,6 +13,7 @@
 #include "qelmk/dynamicCast.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "qelmk/tBinaryObjectWriter.h"
+#include "support/callerCodes.h"
 #include "support/reportableSamples.h"
 #include "support/tTestTranslator.h"
 #include "trace/startedModules.h"
@@ -23,9 +24,6 @@ using namespace nOXDIAG100;
 using nQELM100::tBinaryObjectReader;
 using nQELM100::tBinaryObjectWriter;
 using nQELM100::tObject;
-
-constexpr i32 kError = -61007;
-constexpr i32 kWarning = 61007;
 
 using tNumber = tIntrinsicTypeReportable<i32>;
 

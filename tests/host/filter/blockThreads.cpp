@@ -18,13 +18,13 @@ constexpr int kPrefixes = 200'000;
 
 char component[] = "rack";
 char file[] = "port.cpp";
-char name[] = "work";
+char blockName[] = "work";
 
 void traceBlocks(tTrace& trace, int count) {
   for (int block = 0; block < count; ++block) {
-    tBlockTracer const outer(component, tSSVersion(), 1, file, 100, name, nullptr,
+    tBlockTracer const outer(component, tSSVersion(), 1, file, 100, blockName, nullptr,
                              static_cast<i32*>(nullptr), trace);
-    tBlockTracer const inner(component, tSSVersion(), 2, file, 100, name, nullptr,
+    tBlockTracer const inner(component, tSSVersion(), 2, file, 100, blockName, nullptr,
                              static_cast<i32*>(nullptr), trace);
   }
 }

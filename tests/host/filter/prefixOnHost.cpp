@@ -14,7 +14,7 @@ namespace {
 using nOXDIAG100::tLineClock;
 using nOXDIAG100::tTrace;
 
-constexpr u32 kRounds = roundsOf(100'000);
+constexpr u32 kPrefixesCompared = roundsOf(100'000);
 constexpr u64 kNeverMeasured = ~0ull / 2;
 constexpr tSSVersion kVersion(1, 2, 3, tSSVersion::kPhaseBeta, 45, 0);
 
@@ -189,7 +189,7 @@ TEST(PrefixOnHost, CalibrationLeavesNothingBehind) {
 TEST(PrefixOnHost, RandomPrefixesAgreeWithTheModel) {
   tSeemingThread const thread(26);
   std::mt19937 random(7);
-  for (u32 round = 0; round < kRounds; ++round) {
+  for (u32 round = 0; round < kPrefixesCompared; ++round) {
     tRandomPrefix const wanted(random);
     tHostStream stream;
     stream.trace.getFilter()->removeAll();

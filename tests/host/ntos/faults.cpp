@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "ntoshost/pool.h"
+#include "scribble.h"
 
 namespace {
 
-constexpr u32 kTag = ntosPoolTag("test");
 constexpr u32 kOwnKind = ntoshost::kFaultOther;
 
 class Faults : public testing::Test {

@@ -8,8 +8,6 @@ namespace {
 
 using ntoshost::FileCallKind;
 
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
-
 class FileControls : public testing::Test {
  protected:
   FileControls() { ntoshost::forgetFileCalls(); }
@@ -33,7 +31,7 @@ NTSTATUS sizeStatus(tOpenedFile& file) {
 
 TEST_F(FileControls, CallsAreKeptWithTheirArguments) {
   {
-    tOpenedFile file({.name = kName, .access = GENERIC_WRITE | SYNCHRONIZE, .share = 1});
+    tOpenedFile file({.name = kFileName, .access = GENERIC_WRITE | SYNCHRONIZE, .share = 1});
     i64 const place = 3;
     file.write("abc", &place);
     sizeStatus(file);
@@ -43,7 +41,7 @@ TEST_F(FileControls, CallsAreKeptWithTheirArguments) {
   ntoshost::FileCall const create = ntoshost::fileCall(0);
   EXPECT_EQ(create.kind, FileCallKind::Create);
   EXPECT_EQ(create.status, STATUS_SUCCESS);
-  EXPECT_EQ(narrow(create.name), narrow(kName));
+  EXPECT_EQ(narrow(create.name), narrow(kFileName));
   EXPECT_EQ(create.root, nullptr);
   EXPECT_EQ(create.attributes, OBJ_CASE_INSENSITIVE | OBJ_KERNEL_HANDLE);
   EXPECT_EQ(create.access, GENERIC_WRITE | SYNCHRONIZE);
@@ -67,7 +65,7 @@ TEST_F(FileControls, CallsAreKeptWithTheirArguments) {
 }
 
 TEST_F(FileControls, LongTextsAreKeptUpToTheLimit) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   file.write(std::string(ntoshost::FileCall::kBytesCapacity + 1, 'x'));
   ntoshost::FileCall const write = ntoshost::fileCall(1);
   EXPECT_EQ(write.length, ntoshost::FileCall::kBytesCapacity + 1);
@@ -75,7 +73,7 @@ TEST_F(FileControls, LongTextsAreKeptUpToTheLimit) {
 }
 
 TEST_F(FileControls, LastSixtyFourCallsAreKept) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   for (int count = 0; count < 64; ++count) file.write("x");
   EXPECT_EQ(ntoshost::fileCallsSeen(), 65u);
   EXPECT_EQ(ntoshost::fileCall(1).kind, FileCallKind::Write);
@@ -84,10 +82,10 @@ TEST_F(FileControls, LastSixtyFourCallsAreKept) {
 }
 
 TEST_F(FileControls, EachKindOfCallFailsByCount) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   ntoshost::failNth(ntoshost::kFaultFileOpen, 2);
-  EXPECT_EQ(openingStatus({.name = kName}), STATUS_SUCCESS);
-  EXPECT_EQ(openingStatus({.name = kName}), STATUS_INSUFFICIENT_RESOURCES);
+  EXPECT_EQ(openingStatus({.name = kFileName}), STATUS_SUCCESS);
+  EXPECT_EQ(openingStatus({.name = kFileName}), STATUS_INSUFFICIENT_RESOURCES);
   ntoshost::failNth(ntoshost::kFaultFileWrite, 1);
   EXPECT_EQ(file.write("x"), STATUS_INSUFFICIENT_RESOURCES);
   EXPECT_EQ(file.write("y"), STATUS_SUCCESS);
@@ -97,13 +95,13 @@ TEST_F(FileControls, EachKindOfCallFailsByCount) {
   EXPECT_EQ(sizeStatus(file), STATUS_INSUFFICIENT_RESOURCES);
   ntoshost::failFrom(ntoshost::kFaultFile, 1);
   EXPECT_EQ(file.write("x"), STATUS_INSUFFICIENT_RESOURCES);
-  EXPECT_EQ(openingStatus({.name = kName}), STATUS_INSUFFICIENT_RESOURCES);
+  EXPECT_EQ(openingStatus({.name = kFileName}), STATUS_INSUFFICIENT_RESOURCES);
   ntoshost::clearFaults();
   EXPECT_EQ(drive.read("one"), "y");
 }
 
 TEST_F(FileControls, CallsFailWithAChosenStatus) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   ntoshost::failFileCalls(FileCallKind::Write, 2, 2, STATUS_DISK_FULL);
   EXPECT_EQ(file.write("1"), STATUS_SUCCESS);
   EXPECT_EQ(file.write("2"), STATUS_DISK_FULL);
@@ -114,12 +112,12 @@ TEST_F(FileControls, CallsFailWithAChosenStatus) {
 
 TEST_F(FileControls, CallMadeToFailDoesNothing) {
   ntoshost::failFileCalls(FileCallKind::Create, 1, 1, STATUS_SHARING_VIOLATION);
-  EXPECT_EQ(openingStatus({.name = kName}), STATUS_SHARING_VIOLATION);
+  EXPECT_EQ(openingStatus({.name = kFileName}), STATUS_SHARING_VIOLATION);
   EXPECT_TRUE(drive.isEmpty());
 }
 
 TEST_F(FileControls, InvalidatedHandleIsOfTheWrongTypeUntilItIsClosed) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   ntoshost::invalidateHandle(file.handle);
   EXPECT_EQ(file.write("x"), STATUS_OBJECT_TYPE_MISMATCH);
   file.read(1);
@@ -137,7 +135,7 @@ TEST_F(FileControls, InvalidatedFolderIsNoRoot) {
 
 TEST_F(FileControls, OpenHandlesAreCountedAndReported) {
   EXPECT_EQ(ntoshost::outstandingHandles(), 0u);
-  tOpenedFile file({.name = kName, .access = FILE_APPEND_DATA | SYNCHRONIZE});
+  tOpenedFile file({.name = kFileName, .access = FILE_APPEND_DATA | SYNCHRONIZE});
   tOpenedFile folder({.name = L"\\??\\C:\\",
                       .access = FILE_LIST_DIRECTORY | SYNCHRONIZE,
                       .options = FILE_DIRECTORY_FILE});
@@ -158,10 +156,10 @@ TEST_F(FileControls, OpenHandlesAreCountedAndReported) {
 }
 
 TEST_F(FileControls, HandlesOfTheKernelAreNegativeAndNotUsedAgain) {
-  tOpenedFile first(kName);
+  tOpenedFile first(kFileName);
   HANDLE const former = first.handle;
   EXPECT_LT(reinterpret_cast<i64>(former), 0);
   first.close();
-  tOpenedFile const second(kName);
+  tOpenedFile const second(kFileName);
   EXPECT_NE(second.handle, former);
 }

@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
 constexpr ACCESS_MASK kList = FILE_LIST_DIRECTORY | SYNCHRONIZE;
 
 constexpr u64 kSuperseded = 0;
@@ -19,7 +18,7 @@ class FileDispositions : public testing::Test {
 
 // What was done, for a disposition that succeeds.
 u64 doneBy(u32 disposition) {
-  tOpenedFile const file({.name = kName, .disposition = disposition});
+  tOpenedFile const file({.name = kFileName, .disposition = disposition});
   EXPECT_EQ(file.status, STATUS_SUCCESS) << "disposition " << disposition;
   return file.result.Information;
 }
@@ -36,7 +35,7 @@ TEST_F(FileDispositions, ThatCreateMakeAFileWhereNoneIs) {
 
 TEST_F(FileDispositions, ThatDoNotCreateFindNoName) {
   for (u32 disposition : {FILE_OPEN, FILE_OVERWRITE}) {
-    EXPECT_EQ(openingStatus({.name = kName, .disposition = disposition}),
+    EXPECT_EQ(openingStatus({.name = kFileName, .disposition = disposition}),
               STATUS_OBJECT_NAME_NOT_FOUND);
   }
   EXPECT_TRUE(drive.isEmpty());
@@ -62,15 +61,16 @@ TEST_F(FileDispositions, ThatOverwriteEmptyTheFile) {
 
 TEST_F(FileDispositions, CreateCollidesWithWhatIsThere) {
   drive.write("one", "kept");
-  EXPECT_EQ(openingStatus({.name = kName, .disposition = FILE_CREATE}),
+  EXPECT_EQ(openingStatus({.name = kFileName, .disposition = FILE_CREATE}),
             STATUS_OBJECT_NAME_COLLISION);
   EXPECT_EQ(drive.read("one"), "kept");
 }
 
 TEST_F(FileDispositions, AppendingAccessMayEmptyTheFile) {
   drive.write("one", "dropped");
-  tOpenedFile file(
-      {.name = kName, .access = FILE_APPEND_DATA | SYNCHRONIZE, .disposition = FILE_OVERWRITE_IF});
+  tOpenedFile file({.name = kFileName,
+                    .access = FILE_APPEND_DATA | SYNCHRONIZE,
+                    .disposition = FILE_OVERWRITE_IF});
   EXPECT_EQ(file.write("new"), STATUS_SUCCESS);
   EXPECT_EQ(drive.read("one"), "new");
 }
@@ -94,30 +94,32 @@ TEST_F(FileDispositions, DriveItselfIsAFolder) {
 }
 
 TEST_F(FileDispositions, FolderIsCreatedWhenAskedFor) {
-  tOpenedFile const folder({.name = kName, .access = kList, .options = FILE_DIRECTORY_FILE});
+  tOpenedFile const folder({.name = kFileName, .access = kList, .options = FILE_DIRECTORY_FILE});
   EXPECT_EQ(folder.result.Information, kCreated);
   EXPECT_TRUE(std::filesystem::is_directory(drive.pathOf("one")));
 }
 
 TEST_F(FileDispositions, FolderIsNotEmptied) {
   drive.makeFolder("one");
-  EXPECT_EQ(openingStatus({.name = kName, .disposition = FILE_OVERWRITE_IF, .options = 0}),
+  EXPECT_EQ(openingStatus({.name = kFileName, .disposition = FILE_OVERWRITE_IF, .options = 0}),
             STATUS_OBJECT_NAME_COLLISION);
 }
 
 TEST_F(FileDispositions, RequestsThatContradictThemselvesAreInvalid) {
   for (tOpening const& opening :
-       {tOpening{.name = kName, .disposition = FILE_OVERWRITE_IF + 1},
-        tOpening{.name = kName, .share = 8}, tOpening{.name = kName, .access = GENERIC_READ},
-        tOpening{.name = kName, .options = FILE_DIRECTORY_FILE | FILE_NON_DIRECTORY_FILE},
-        tOpening{.name = kName, .disposition = FILE_SUPERSEDE, .options = FILE_DIRECTORY_FILE}}) {
+       {tOpening{.name = kFileName, .disposition = FILE_OVERWRITE_IF + 1},
+        tOpening{.name = kFileName, .share = 8},
+        tOpening{.name = kFileName, .access = GENERIC_READ},
+        tOpening{.name = kFileName, .options = FILE_DIRECTORY_FILE | FILE_NON_DIRECTORY_FILE},
+        tOpening{
+            .name = kFileName, .disposition = FILE_SUPERSEDE, .options = FILE_DIRECTORY_FILE}}) {
     EXPECT_EQ(openingStatus(opening), STATUS_INVALID_PARAMETER);
   }
   EXPECT_TRUE(drive.isEmpty());
 }
 
 TEST_F(FileDispositions, FailedOpenLeavesTheHandleOfTheCallerAlone) {
-  tOpenedFile const file({.name = kName, .disposition = FILE_OPEN});
+  tOpenedFile const file({.name = kFileName, .disposition = FILE_OPEN});
   EXPECT_EQ(file.handle, nullptr);
   EXPECT_EQ(ntoshost::outstandingHandles(), 0u);
 }

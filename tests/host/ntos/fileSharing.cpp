@@ -4,7 +4,6 @@
 
 namespace {
 
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
 constexpr ACCESS_MASK kRead = FILE_READ_DATA | SYNCHRONIZE;
 constexpr ACCESS_MASK kWrite = FILE_WRITE_DATA | SYNCHRONIZE;
 constexpr ACCESS_MASK kAppend = FILE_APPEND_DATA | SYNCHRONIZE;
@@ -17,7 +16,7 @@ class FileSharing : public testing::Test {
 };
 
 tOpening with(ACCESS_MASK access, u32 share, u32 disposition = FILE_OPEN_IF) {
-  return {.name = kName, .access = access, .disposition = disposition, .share = share};
+  return {.name = kFileName, .access = access, .disposition = disposition, .share = share};
 }
 
 }  // namespace

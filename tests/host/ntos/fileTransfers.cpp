@@ -5,7 +5,6 @@
 
 namespace {
 
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
 constexpr i64 kEnd = -1;
 constexpr i64 kPosition = -2;
 
@@ -15,7 +14,7 @@ class FileTransfers : public testing::Test {
 };
 
 tOpening with(ACCESS_MASK access) {
-  return {.name = kName, .access = access | SYNCHRONIZE};
+  return {.name = kFileName, .access = access | SYNCHRONIZE};
 }
 
 }  // namespace
@@ -138,7 +137,7 @@ TEST_F(FileTransfers, LimitIsForOneDriveAndEndsWithANewMount) {
   tOpenedFile elsewhere({.name = L"\\??\\D:\\one"});
   EXPECT_EQ(elsewhere.write("x"), STATUS_SUCCESS);
   tDriveFolder const next('C');
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   EXPECT_EQ(file.write("x"), STATUS_SUCCESS);
 }
 
@@ -158,7 +157,7 @@ TEST_F(FileTransfers, FileTellsItsSizeAndThatItIsNoFolder) {
 }
 
 TEST_F(FileTransfers, QuestionsThatAreNotAnsweredAreRefused) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   FILE_STANDARD_INFORMATION information;
   auto const ask = [&](u32 length, i32 kind) {
     return ZwQueryInformationFile(file.handle, &file.result, &information, length,
@@ -169,7 +168,7 @@ TEST_F(FileTransfers, QuestionsThatAreNotAnsweredAreRefused) {
 }
 
 TEST_F(FileTransfers, ClosedHandleIsInvalid) {
-  tOpenedFile file(kName);
+  tOpenedFile file(kFileName);
   HANDLE const closed = file.handle;
   file.close();
   FILE_STANDARD_INFORMATION information;

@@ -6,13 +6,11 @@
 
 namespace {
 
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
-
 class FileViolationsDeathTest : public testing::Test {
  protected:
   NTSTATUS create(u32 length, u32 options, void* extended, u32 extendedLength) {
     UNICODE_STRING name;
-    RtlInitUnicodeString(&name, kName);
+    RtlInitUnicodeString(&name, kFileName);
     OBJECT_ATTRIBUTES attributes;
     InitializeObjectAttributes(&attributes, &name, 0, nullptr, nullptr);
     attributes.Length = length;
@@ -26,7 +24,7 @@ class FileViolationsDeathTest : public testing::Test {
   }
 
   tDriveFolder drive;
-  tOpenedFile file{kName};
+  tOpenedFile file{kFileName};
 };
 
 constexpr u32 kLength = sizeof(OBJECT_ATTRIBUTES);

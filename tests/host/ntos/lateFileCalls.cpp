@@ -12,7 +12,6 @@ namespace {
 using namespace std::chrono;
 
 constexpr u32 kDelay = 40;  // milliseconds
-constexpr wchar_t kName[] = L"\\??\\C:\\one";
 
 class LateFileCalls : public testing::Test {
  protected:
@@ -25,7 +24,7 @@ class LateFileCalls : public testing::Test {
   }
 
   tDriveFolder drive;
-  tOpenedFile file{kName};
+  tOpenedFile file{kFileName};
 };
 
 template <class Work>

@@ -7,6 +7,7 @@
 #include "ntos/string.h"
 
 constexpr u32 kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE;
+constexpr wchar_t kFileName[] = L"\\??\\C:\\one";
 
 struct tOpening {
   wchar_t const* name;

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "ntoshost/faults.h"
+#include "scribble.h"
 
 namespace {
 
-constexpr u32 kTag = ntosPoolTag("test");
 constexpr size_t kMostBytes = size_t{1} << 30;
 
 std::vector<ntoshost::PoolBlock> outstanding() {

@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "ntos/pool.h"
+#include "scribble.h"
 
 extern "C" __attribute__((weak)) int __asan_address_is_poisoned(void const volatile* address);
 
 namespace {
-
-constexpr u32 kTag = ntosPoolTag("test");
 
 bool isSanitized() {
   return __asan_address_is_poisoned != nullptr;

@@ -9,8 +9,6 @@
 
 namespace {
 
-constexpr u32 kTag = ntosPoolTag("test");
-
 class PoolViolationsDeathTest : public testing::Test {
  protected:
   void SetUp() override { m_block = ExAllocatePoolWithTag(NonPagedPoolNx, 21, kTag); }

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "ntos/pool.h"
 #include "ntos/types.h"
+
+constexpr u32 kTag = ntosPoolTag("test");  // of the blocks
 
 // Writes one byte that may not be written. The address sanitizer would stop the program there; what
 // is tested is what the executive itself says later.

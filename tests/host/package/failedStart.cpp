@@ -32,11 +32,6 @@ enum tResult : int {
 
 constexpr int kCycles = 100;
 
-void startPlatform() {
-  vexkInitialize();
-  qelmkInitialize();
-}
-
 bool start() {
   return oxdiagkInitialize(nullptr) == STATUS_SUCCESS;
 }

@@ -5,6 +5,8 @@
 #include "oxdiagk/tStatus2Heap.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"
+#include "qelmk/module.h"
+#include "vexk/module.h"
 
 namespace {
 
@@ -29,6 +31,11 @@ bool isCategoryMissing() {
 }
 
 }  // namespace
+
+void startPlatform() {
+  vexkInitialize();
+  qelmkInitialize();
+}
 
 tLoadOutcome judgeLoadedLibrary() {
   tTrace& trace = tTrace::getInstance();

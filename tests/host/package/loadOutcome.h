@@ -14,6 +14,9 @@ enum tLoadOutcome : int {
   kOutcomeCount
 };
 
+// Loads what the library stands on.
+void startPlatform();
+
 // Of a library that is loaded: what it lacks.
 tLoadOutcome judgeLoadedLibrary();
 

@@ -26,11 +26,6 @@ tStatus2Heap* heap() {
   return tStatus2Heap::getHeap(status);
 }
 
-void startPlatform() {
-  vexkInitialize();
-  qelmkInitialize();
-}
-
 tLoadOutcome judgeLoaded() {
   tLoadOutcome const outcome = judgeLoadedLibrary();
   oxdiagkUnload();

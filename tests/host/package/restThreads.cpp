@@ -67,7 +67,7 @@ TEST(RestThreads, ThoseThatUseTheLibraryBeforeAndBetweenAndAfterItsLivesDoNothin
   }
 }
 
-TEST(LibraryAtRest, OpensNoLineAndServesNoRequest) {
+TEST(RestThreads, OpensNoLineAndServesNoRequest) {
   tTraceSite const site(tLineOrigin{"test", "file", kVersion, 1});
   tTrace& trace = tTrace::getInstance();
   tLineLimit limit;

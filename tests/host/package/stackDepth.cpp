@@ -13,6 +13,7 @@
 #include "oxdiagk/tTrace.h"
 #include "qelmk/module.h"
 #include "qelmk/qelmk.h"
+#include "support/callerCodes.h"
 #include "vexk/module.h"
 
 #define OXDIAG_COMPONENT "stackDepth"
@@ -26,8 +27,6 @@ using nOXDIAG100::tStatus2;
 using nOXDIAG100::tTrace;
 
 namespace {
-
-constexpr i32 kError = -61007;
 
 void swallow(void*, char const*, size_t) {
 }

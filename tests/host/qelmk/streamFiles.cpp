@@ -53,12 +53,12 @@ std::string streamBy(Write write) {
   return bytes;
 }
 
-std::string streamOf(tObject const& object) {
+std::string bytesOf(tObject const& object) {
   return streamBy(
       [&](tBinaryObjectWriter& writer, i32& status) { writer.writeObject(&object, status); });
 }
 
-std::string streamOf(tStatus2 const& value) {
+std::string bytesOf(tStatus2 const& value) {
   return streamBy(
       [&](tBinaryObjectWriter& writer, i32& status) { value.writeExternal(writer, status); });
 }
@@ -78,7 +78,7 @@ std::string committed(std::string const& name, std::string const& bytes) {
 TEST_F(QelmkStreamFiles, ADescriptionWithEveryKindOfValueIsWrittenAsEver) {
   tStatus2Description description;
   ASSERT_TRUE(sample::describeEverything(description));
-  std::string const bytes = streamOf(description);
+  std::string const bytes = bytesOf(description);
   EXPECT_EQ(committed("everything", bytes), bytes);
 }
 
@@ -87,7 +87,7 @@ TEST_F(QelmkStreamFiles, EachValueIsWrittenAsEver) {
   ASSERT_TRUE(sample::describeEverything(description));
   tStatus2 status;
   for (u32 index = 0; index < description.getNumberOfReportItems(status); ++index) {
-    std::string const bytes = streamOf(*description.getReportablePtrAtIndex(index, status));
+    std::string const bytes = bytesOf(*description.getReportablePtrAtIndex(index, status));
     EXPECT_EQ(committed("value" + std::to_string(index), bytes), bytes) << index;
   }
 }
@@ -100,13 +100,13 @@ TEST_F(QelmkStreamFiles, AStatusWithADescriptionIsWrittenAsEver) {
 // The status carries the line that it was set at.
 #line 1000
   OXDIAG_SET_STATUS_WITH_DESCRIPTION_WITHOUT_STACK_TRACE(status, -61007, description);
-  std::string const bytes = streamOf(status);
+  std::string const bytes = bytesOf(status);
   EXPECT_EQ(committed("status", bytes), bytes);
 }
 
 TEST_F(QelmkStreamFiles, APlainStatusIsWrittenAsEver) {
   tStatus2 status;
   status.setCode(-61007);
-  std::string const bytes = streamOf(status);
+  std::string const bytes = bytesOf(status);
   EXPECT_EQ(committed("plainStatus", bytes), bytes);
 }

@@ -338,7 +338,7 @@ class tTwoTakers {
 };
 
 // Two threads make a child with the same number.
-class tTwoMakers {
+class tTwoChildMakers {
  public:
   static constexpr unsigned kThreads = 2;
 
@@ -455,7 +455,7 @@ TEST(ChildSchedules, AChildIsTakenAwayOnce) {
 }
 
 TEST(ChildSchedules, ANumberIsForOneChild) {
-  explore<tTwoMakers>("childMakers", {2, 60});
+  explore<tTwoChildMakers>("childMakers", {2, 60});
 }
 
 TEST(ChildSchedules, ABusMayGoBesideItsMaker) {

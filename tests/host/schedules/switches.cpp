@@ -23,7 +23,7 @@ struct tStream {
   tPrivateTrace trace{destination};
 };
 
-class tTwoSwitches {
+class tSwitchesOfTwo {
  public:
   static constexpr unsigned kThreads = 2;
 
@@ -98,7 +98,7 @@ class tUnlockedWriters {
 }  // namespace
 
 TEST(SwitchSchedules, TwoSwitchesAreBothTurned) {
-  explore<tTwoSwitches>("switchesTwo", {2, 300});
+  explore<tSwitchesOfTwo>("switchesTwo", {2, 300});
 }
 
 TEST(SwitchSchedules, OneSwitchIsAsTheLastOneTurnedIt) {
@@ -113,6 +113,6 @@ TEST(LimitSchedules, ASecondHasItsLinesOnce) {
   explore<tOneASecond>("limitSecond", {tReach::kExhaustive, 0});
 }
 
-TEST(SlotSchedules, UnlockedWritersTakePlacesOfTheirOwn) {
+TEST(SwitchSchedules, UnlockedWritersTakePlacesOfTheirOwn) {
   explore<tUnlockedWriters>("slotUnlocked", {1, 300});
 }

@@ -1,6 +1,7 @@
 // Where the demo's trace goes when its options say so: a file, the serial port, a buffer.
 
 #include "demoTest.h"
+#include "patterns.h"
 
 namespace {
 
@@ -18,14 +19,6 @@ class SlotbusDemoDestinations : public tDemoTest {
     return arguments;
   }
 };
-
-std::string replaceAll(std::string text, std::string const& old, std::string const& replacement) {
-  for (size_t at = text.find(old); at != std::string::npos; at = text.find(old, at)) {
-    text.replace(at, old.size(), replacement);
-    at += replacement.size();
-  }
-  return text;
-}
 
 // Runs the command that is $1 in the folder that is $0, and reads the terminal that it names.
 constexpr char kWatch[] =

@@ -21,12 +21,9 @@ using vexkhost::kRequestAccepted;
 
 namespace {
 
-constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
 constexpr useconds_t kPause = 20'000;  // microseconds
 constexpr rlim_t kRoom = 16384;        // bytes of a file
 constexpr int kPatience = 1500;        // pauses: 30 seconds
-// A second, and what a sanitized program on a loaded machine needs beyond it.
-constexpr std::chrono::milliseconds kMostOfEnding{2500};
 
 // A request that takes the demo a while: it reads each record from the caller.
 struct tLongRequest {

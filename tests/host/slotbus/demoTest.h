@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -18,8 +19,13 @@
 #include <vector>
 
 constexpr char kDemo[] = OXDIAG_BINARY_DIR "/examples/slotbus/slotbus_demo";
+constexpr char kControl[] = OXDIAG_BINARY_DIR "/tools/oxdiagctl/oxdiagctl";
 constexpr char kDefaultRack[] = OXDIAG_SOURCE_DIR "/examples/slotbus/rack.txt";
 constexpr char kFaultyRack[] = OXDIAG_SOURCE_DIR "/examples/slotbus/faulty.txt";
+
+// How long the demo takes to end: a second, and what a sanitized program on a loaded machine needs
+// beyond it.
+constexpr std::chrono::milliseconds kMostOfEnding{2500};
 
 struct tRun {
   int exitCode = -1;

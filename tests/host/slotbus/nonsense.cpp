@@ -83,7 +83,7 @@ std::string makeDamaged(tRandom& random) {
   return text;
 }
 
-u32 countLines(std::string const& text) {
+u32 linesWithin(std::string const& text) {
   u32 count = 0;
   for (char character : text) count += character == '\n' ? 1 : 0;
   return count + (text.empty() || text.back() == '\n' ? 0 : 1);
@@ -109,7 +109,7 @@ void expectSense(std::string const& text) {
   u32 const good = read.rack.getCount();
   u32 const bad = read.reader.getFailureCount();
   EXPECT_EQ(read.result, bad == 0 ? 0U : 1U);
-  EXPECT_LE(read.reader.getLineCount(), countLines(text));
+  EXPECT_LE(read.reader.getLineCount(), linesWithin(text));
   EXPECT_LE(good, read.reader.getLineCount());
   expectConsistent(read);
 }
@@ -144,7 +144,7 @@ TEST(SlotbusNonsense, ABinaryFileIsReadSafelyWithEverythingShown) {
   text[0] = 'x';
   tReadRack const read(text, "verbosity>=0");
   EXPECT_EQ(read.result, 1U);
-  EXPECT_EQ(read.reader.getLineCount(), countLines(text));
+  EXPECT_EQ(read.reader.getLineCount(), linesWithin(text));
   for (char character : read.traced()) {
     ASSERT_TRUE((character >= ' ' && character <= '~') || character == '\n' || character == '\t');
   }

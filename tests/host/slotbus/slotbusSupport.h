@@ -8,34 +8,13 @@
 #include <memory>
 #include <string>
 
-#include "ntoshost/executive.h"
 #include "oxdiagk/iTraceDestination.h"
-#include "oxdiagk/module.h"
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tTraceFilter.h"
-#include "qelmk/module.h"
 #include "slotbus/component/tRackLine.h"
 #include "slotbus/component/tRackReader.h"
-#include "vexk/module.h"
-
-// The modules run while the tests do, and nothing is left when they stop.
-class tRunningModules : public testing::Environment {
- public:
-  void SetUp() override {
-    ASSERT_EQ(vexkInitialize(), 0);
-    ASSERT_EQ(qelmkInitialize(), 0);
-    ASSERT_EQ(oxdiagkInitialize(nullptr), 0);
-  }
-  void TearDown() override {
-    oxdiagkUnload();
-    qelmkUnload();
-    vexkUnload();
-    ntoshost::requireNoOutstanding("the slotbus tests");
-  }
-};
-inline testing::Environment* const runningModules =
-    testing::AddGlobalTestEnvironment(new tRunningModules);
+#include "trace/startedModules.h"
 
 class tKeepingDestination : public nOXDIAG100::iTraceDestination {
  public:

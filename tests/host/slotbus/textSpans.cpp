@@ -3,6 +3,7 @@
 #include <string>
 
 #include "slotbus/component/tTextSpan.h"
+#include "slotbusSupport.h"
 
 using nSLOTBUS100::tTextSpan;
 
@@ -10,10 +11,6 @@ namespace {
 
 tTextSpan spanOf(std::string const& text) {
   return tTextSpan(text.data(), text.size());
-}
-
-std::string textOf(tTextSpan span) {
-  return std::string(span.getText(), span.getLength());
 }
 
 }  // namespace

@@ -16,6 +16,7 @@
 #include "qelmk/statusCodes.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "qelmk/tBinaryObjectWriter.h"
+#include "support/callerCodes.h"
 #include "support/heapRecord.h"
 #include "support/tItemTranslator.h"
 #include "trace/startedModules.h"
@@ -30,7 +31,6 @@ using nQELM100::tObject;
 
 namespace {
 
-constexpr i32 kError = -61007;
 constexpr u32 kItems = 4;  // a list of four is full: the next one makes it grow
 
 using tNumber = tIntrinsicTypeReportable<i32>;

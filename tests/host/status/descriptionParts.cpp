@@ -7,6 +7,7 @@
 #include "oxdiagk/tPropertyIDReportable.h"
 #include "status/tStatus2DescriptionImplementation.h"
 #include "status/tStatus2Implementation.h"
+#include "support/callerCodes.h"
 #include "support/tItemStream.h"
 #include "support/tItemTranslator.h"
 #include "support/tTestTranslator.h"
@@ -16,8 +17,6 @@
 namespace {
 
 using namespace nOXDIAG100;
-
-constexpr i32 kEarlierError = -12345;
 
 // Gives every usage type a text of this length.
 class tLongWinded final : public tItemTranslator {

@@ -1,6 +1,7 @@
 // The status heap at an IRQL where its lock cannot be waited for.
 
 #include "startedHeap.h"
+#include "support/callerCodes.h"
 #include "vexk/statusCodes.h"
 
 #define OXDIAG_COMPONENT "heapIrql"
@@ -10,10 +11,6 @@ using nOXDIAG100::kStatusHeapBadBlock;
 using nOXDIAG100::tStatus2;
 
 namespace {
-
-constexpr i32 kError = -61007;
-constexpr i32 kEarlierError = -12345;
-constexpr i32 kWarning = 61001;
 
 // The status after giving a block back at DISPATCH_LEVEL.
 i32 giveBackRaised(void* block, i32 status) {

@@ -4,6 +4,7 @@
 
 #include "oxdiagk/iStatus2Description.h"
 #include "startedHeap.h"
+#include "support/callerCodes.h"
 #include "vexk/statusCodes.h"
 
 #define OXDIAG_COMPONENT "heapLife"
@@ -16,9 +17,6 @@ using nOXDIAG100::statusHeapMain;
 using nOXDIAG100::tStatus2;
 
 namespace {
-
-constexpr i32 kError = -61007;
-constexpr i32 kWarning = 61001;
 
 // Fallible calls of a start, in order.
 constexpr u64 kRecordCall = 1;

@@ -12,7 +12,7 @@ using nOXDIAG100::kStatusHeapFull;
 
 namespace {
 
-constexpr u32 kOperations = roundsOf(3'200'000);
+constexpr u32 kHeapOperations = roundsOf(3'200'000);
 
 struct tBlock {
   u8* address;
@@ -149,7 +149,7 @@ class tRun {
 TEST(StatusHeapModel, RandomOperationsDoWhatTheModelDoes) {
   tStartedHeap const started;
   tRun run(20240229);
-  for (u32 i = 0; i != kOperations; ++i) {
+  for (u32 i = 0; i != kHeapOperations; ++i) {
     run.operate();
     if (testing::Test::HasFatalFailure()) {
       FAIL() << "in operation " << i;

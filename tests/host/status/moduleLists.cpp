@@ -1,6 +1,7 @@
 // Lists of many modules, and of modules that are gone.
 
 #include <dlfcn.h>
+#include <errno.h>
 #include <gtest/gtest.h>
 #include <link.h>
 
@@ -60,20 +61,20 @@ std::string streamBy(Write write) {
   return bytes.substr(0, writer.getSize());
 }
 
-constexpr i32 kError = -5;
+constexpr i32 kKeptError = -5;
 
 // A status with these addresses on its stack.
 tStatus2 statusAt(std::vector<u64> addresses) {
   addresses.resize(tStatus2::kStackTraceLength);
   std::string const bytes = streamBy([&](auto& writer, i32& code) {
     writer.writeU32(8, code);
-    writer.writeI32(kError, code);
+    writer.writeI32(kKeptError, code);
     writer.writeU32(1, code);
     writer.writeU32(181, code);
     for (u32 i = 0; i != 24 + 101; ++i) writer.writeCharacter('\0', code);
     writer.writeU32(77, code);
     for (u64 address : addresses) writer.writeU32(static_cast<u32>(address), code);
-    writer.writeI32(kError, code);
+    writer.writeI32(kKeptError, code);
     writer.writeU32(0, code);
     writer.writeU32(1, code);
     for (u64 address : addresses) writer.writeU32(static_cast<u32>(address >> 32), code);
@@ -111,7 +112,7 @@ TEST(ModuleLists, TenFramesOfTenModulesAreWrittenAndPassedOver) {
   tStatus2 const status = statusAt(addresses);
   tStatus2ModuleList const list(status);
   EXPECT_EQ(namesIn(list),
-            (std::vector<std::string>{"status.moduleLists", kLibraries[0], kLibraries[1],
+            (std::vector<std::string>{program_invocation_short_name, kLibraries[0], kLibraries[1],
                                       kLibraries[2], kLibraries[3], kLibraries[4], "libc.so.6",
                                       "libm.so.6", "libstdc++.so.6", "ld-linux-x86-64.so.2"}));
   std::string const plain =
@@ -135,8 +136,9 @@ TEST(ModuleLists, AModuleThatWentAwayIsNotInIt) {
   tStatus2ModuleList const before(status);
   library.close();
   tStatus2ModuleList const after(status);
-  EXPECT_EQ(namesIn(before), (std::vector<std::string>{kLibraries[0], "status.moduleLists"}));
-  EXPECT_EQ(namesIn(after), std::vector<std::string>{"status.moduleLists"});
+  EXPECT_EQ(namesIn(before),
+            (std::vector<std::string>{kLibraries[0], program_invocation_short_name}));
+  EXPECT_EQ(namesIn(after), std::vector<std::string>{program_invocation_short_name});
 }
 
 TEST(ModuleLists, AReturnAddressBehindTheLastByteBelongsToTheModule) {
@@ -145,7 +147,7 @@ TEST(ModuleLists, AReturnAddressBehindTheLastByteBelongsToTheModule) {
   ASSERT_EQ(list.getCount(), 1U);
   u64 const base = list.getModule(0).base;
   EXPECT_EQ(namesIn(tStatus2ModuleList(statusAt({base + list.getModule(0).size}))),
-            std::vector<std::string>{"status.moduleLists"});
+            std::vector<std::string>{program_invocation_short_name});
   EXPECT_EQ(tStatus2ModuleList(statusAt({base})).getCount(), 0U);
   EXPECT_EQ(tStatus2ModuleList(statusAt({base + 1})).getCount(), 1U);
 }
@@ -166,9 +168,9 @@ TEST(ModuleLists, AFullStatusHeapLeavesNoFramesAndNoList) {
   std::vector<tStatus2> kept;
   while (kept.empty() || kept.back().hasDetail()) {
     kept.emplace_back();
-    OXDIAG_SET_STATUS(kept.back(), kError);
+    OXDIAG_SET_STATUS(kept.back(), kKeptError);
   }
-  EXPECT_EQ(kept.back().getCode(), kError);
+  EXPECT_EQ(kept.back().getCode(), kKeptError);
   EXPECT_EQ(tStatus2ModuleList(kept.back()).getCount(), 0U);
 }
 

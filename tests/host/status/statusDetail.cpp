@@ -7,6 +7,7 @@
 #include "oxdiagk/statusCodes.h"
 #include "status/startedHeap.h"
 #include "status/statusMemory.h"
+#include "support/callerCodes.h"
 #include "support/tTestDescription.h"
 
 namespace {
@@ -16,9 +17,6 @@ using nOXDIAG100::kStatusHeapFull;
 using nOXDIAG100::takeStatusMemory;
 using nOXDIAG100::tStatus2Heap;
 using nOXDIAG100::tStatus2Implementation;
-
-constexpr i32 kError = -61007;
-constexpr i32 kWarning = 61001;
 
 }  // namespace
 

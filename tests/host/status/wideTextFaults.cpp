@@ -18,7 +18,7 @@ tWideTextList listOf(u32 count) {
   return list;
 }
 
-u64 failEachAllocation(auto operation) {
+u64 failEachGrowth(auto operation) {
   return ntoshost::failEachCall(ntoshost::kFaultMemory, operation);
 }
 
@@ -65,7 +65,7 @@ TEST(WideTextFaults, AFailedAssignmentLeavesTheList) {
 
 TEST(WideTextFaults, AFailedCopyIsEmpty) {
   tWideTextList const original = listOf(5);
-  u64 const failures = failEachAllocation([&](u64) {
+  u64 const failures = failEachGrowth([&](u64) {
     tWideTextList const copy(original);
     expectOutcome(copy, !copy.hasFailed(), tWideTextList(), original);
   });

@@ -13,7 +13,7 @@ namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr int kRounds = 100;
+constexpr int kCalibrations = 100;
 
 // Calibrates over and over while it lives.
 class tCalibrating {
@@ -52,7 +52,7 @@ TEST(CalibratingThreads, WhatIsSwitchedMeanwhileHoldsAfterwards) {
   int lost = 0;
   {
     tCalibrating calibrating(trace);
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < kCalibrations; ++round) {
       trace.disable();
       calibrating.waitForMore();
       lost += trace.isEnabled() != 0;

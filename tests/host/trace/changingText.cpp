@@ -14,7 +14,7 @@
 namespace {
 
 constexpr u32 kTextSize = 200;
-constexpr u32 kRounds = roundsOf(800'000);
+constexpr u32 kPuts = roundsOf(800'000);
 constexpr size_t kLongestPiece = 255;
 
 // A text in a longer one, so that whoever reads on finds no newline soon.
@@ -54,10 +54,10 @@ TEST(ChangingText, ANewlineThatVanishesWhileItIsPutEndsNothingElse) {
   std::atomic<bool> isWriter = true;
   runAtOnce(2, [&] {
     if (!isWriter.exchange(false)) return changeNewline(isOver);
-    for (u32 round = 0; round < kRounds; ++round) trace.put(changing, kTextSize).endl();
+    for (u32 round = 0; round < kPuts; ++round) trace.put(changing, kTextSize).endl();
     isOver = true;
   });
-  EXPECT_EQ(u64{kRounds} * (kTextSize + 1), pieces.characters);
+  EXPECT_EQ(u64{kPuts} * (kTextSize + 1), pieces.characters);
   EXPECT_LE(pieces.longest, kLongestPiece);
   EXPECT_EQ(u64{0}, pieces.withoutEnd);
 }

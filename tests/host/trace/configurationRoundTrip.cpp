@@ -33,7 +33,7 @@ using tWords = std::vector<std::string>;
 
 // In every build: a round takes a millisecond under the sanitizers. The fuzz target traceOptions
 // goes on from here.
-constexpr int kRounds = roundsOf(100'000);
+constexpr int kConfigurations = roundsOf(100'000);
 
 class tGenerator {
  public:
@@ -188,7 +188,7 @@ class TraceRoundTrip : public testing::Test {
 TEST_F(TraceRoundTrip, EveryStateThatOptionsReachComesBack) {
   tGenerator generator(1);
   int withFilter = 0;
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < kConfigurations; ++round) {
     tWords const words = generator.options(false);
     tStream source;
     configure(source.trace, words);
@@ -200,13 +200,13 @@ TEST_F(TraceRoundTrip, EveryStateThatOptionsReachComesBack) {
     withFilter += source.trace.getFilter()->isEmpty() ? 0 : 1;
     ASSERT_EQ(settingsOf(target.trace), settingsOf(source.trace)) << testing::PrintToString(words);
   }
-  EXPECT_GT(withFilter, kRounds / 2) << "the generator reaches too few filters";
+  EXPECT_GT(withFilter, kConfigurations / 2) << "the generator reaches too few filters";
 }
 
 TEST_F(TraceRoundTrip, EveryDestinationComesBackWithItsSettings) {
   tDriveFolder const drive;
   tGenerator generator(5);
-  for (int round = 0; round < kRounds / 5; ++round) {
+  for (int round = 0; round < kConfigurations / 5; ++round) {
     tWords words = generator.options(false);
     generator.addSink(words);
     tStream source;
@@ -241,7 +241,7 @@ TEST_F(TraceRoundTrip, RateWithoutAWordIsTheOneChosenLast) {
 
 TEST_F(TraceRoundTrip, PushAndPopRestoreEveryStateThatOptionsReach) {
   tGenerator generator(2);
-  for (int round = 0; round < kRounds / 5; ++round) {
+  for (int round = 0; round < kConfigurations / 5; ++round) {
     tStream stream;
     configure(stream.trace, generator.options(false));
     std::string const before = settingsOf(stream.trace);
@@ -257,7 +257,7 @@ TEST_F(TraceRoundTrip, PushAndPopRestoreEveryStateThatOptionsReach) {
 
 TEST_F(TraceRoundTrip, OddFilterTermsDisturbNothingButTheFilter) {
   tGenerator generator(3);
-  for (int round = 0; round < kRounds / 5; ++round) {
+  for (int round = 0; round < kConfigurations / 5; ++round) {
     tWords const words = generator.options(true);
     tStream source;
     configure(source.trace, words);

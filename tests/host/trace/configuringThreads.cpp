@@ -77,7 +77,7 @@ void putLine(tTrace& trace) {
 }
 
 template <class Work>
-void runThreads(Work work) {
+void configureInThreads(Work work) {
   std::vector<std::thread> threads;
   for (int thread = 0; thread < kThreadCount; ++thread) threads.emplace_back(work, thread);
   for (std::thread& thread : threads) thread.join();
@@ -205,12 +205,12 @@ TEST(ConfiguringThreads, EveryPushOfEveryThreadIsKept) {
   tKeptLines kept;
   tOwnTrace trace(kept);
   u64 const before = ntoshost::outstandingBlocks();
-  runThreads([&](int) {
+  configureInThreads([&](int) {
     for (int round = 0; round < 50; ++round) trace.pushConfiguration();
   });
   // The array that grew is one more.
   EXPECT_EQ(ntoshost::outstandingBlocks(), before + kThreadCount * 50 + 1);
-  runThreads([&](int) {
+  configureInThreads([&](int) {
     for (int round = 0; round < 50; ++round) trace.popConfiguration();
   });
   EXPECT_EQ(ntoshost::outstandingBlocks(), before + 1);
@@ -218,7 +218,7 @@ TEST(ConfiguringThreads, EveryPushOfEveryThreadIsKept) {
 
 TEST(ConfiguringThreads, CategoriesThatThreadsMakeAtOnceAreAllThere) {
   tAssertConfiguration& contracts = tAssertConfiguration::getInstance();
-  runThreads([&](int thread) {
+  configureInThreads([&](int thread) {
     for (int round = 0; round < 100; ++round) {
       std::string const name = std::to_string(round) + "/" + std::to_string(thread);
       contracts.configure(("--category " + name + " --checks off").c_str());
@@ -237,7 +237,7 @@ TEST(ConfiguringThreads, CategoriesThatThreadsMakeAtOnceAreAllThere) {
 TEST(ConfiguringThreads, ThoseWhoAskFirstAtOnceGetTheSameDestination) {
   std::atomic<int> ready = 0;
   std::array<iTraceDestination*, kThreadCount> found = {};
-  runThreads([&](int thread) {
+  configureInThreads([&](int thread) {
     ++ready;
     while (ready < kThreadCount) std::this_thread::yield();
     found[static_cast<size_t>(thread)] = tFileTraceDestination::getInstance();

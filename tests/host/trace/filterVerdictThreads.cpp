@@ -13,11 +13,11 @@ using nOXDIAG100::tTraceFilter;
 
 namespace {
 
-constexpr u32 kRounds = roundsOf(16'000'000);
+constexpr u32 kLinesOpened = roundsOf(16'000'000);
 
 void openLines(tOwnTrace& trace) {
   nOXDIAG100::tLineOrigin const origin{"rack", "rack.cpp", tSSVersion(), 7};
-  for (u32 round = 0; round < kRounds; ++round) {
+  for (u32 round = 0; round < kLinesOpened; ++round) {
     trace.putPrefix("rack", tSSVersion(), 7, "rack.cpp", 50, tOwnTrace::kTraceLine).endl();
     nOXDIAG100::tTrace* const line = trace.openLine(origin, 50);
     if (line != nullptr) line->endl();

@@ -23,7 +23,7 @@ using nOXDIAG100::tTrace;
 
 constexpr size_t kMebibyte = 1 << 20;
 constexpr u32 kDeepest = 64;
-constexpr int kRounds = roundsOf(16'000);
+constexpr int kReads = roundsOf(16'000);
 
 std::string repeated(std::string const& text, size_t size = kMebibyte) {
   std::string all;
@@ -182,7 +182,7 @@ class tChangingText {
     std::atomic<bool> isReader = true;
     runAtOnce(2, [&] {
       if (!isReader.exchange(false)) return change(isOver);
-      for (int round = 0; round < kRounds; ++round) read();
+      for (int round = 0; round < kReads; ++round) read();
       isOver = true;
     });
   }

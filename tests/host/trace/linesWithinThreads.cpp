@@ -16,7 +16,7 @@ using nOXDIAG100::tTrace;
 constexpr int kThreads = 4;
 constexpr unsigned kShown = 100;
 constexpr unsigned kHidden = 99;
-constexpr unsigned kDeepest = 4;
+constexpr unsigned kMostNested = 4;
 
 // Takes texts of any number of threads and keeps none.
 class tNowhere : public tKeptLines {
@@ -43,7 +43,7 @@ class tWriter {
     trace.putPrefix("test", tSSVersion(), 1, "file", isShown ? kShown : kHidden,
                     tTrace::kTraceLine);
     put(isShown);
-    while (depth < kDeepest && random() % 3 == 0) {
+    while (depth < kMostNested && random() % 3 == 0) {
       writeLine(depth + 1);
       put(isShown);
     }
@@ -71,7 +71,7 @@ class tWriter {
 };
 
 template <class Work>
-void runThreads(Work work) {
+void writeInThreads(Work work) {
   std::vector<std::thread> threads;
   for (int thread = 0; thread < kThreads; ++thread) threads.emplace_back(work, thread);
   for (std::thread& thread : threads) thread.join();
@@ -85,7 +85,7 @@ TEST(LinesWithinThreads, WithTheMutexOnEveryThreadsLinesArriveAsIfItWereAlone) {
   trace.configure("--mutex on --prefixwidth 0");
   std::vector<tWriter> writers;
   for (int number = 0; number < kThreads; ++number) writers.emplace_back(trace, number);
-  runThreads([&](int number) { writers[static_cast<size_t>(number)].run(2'000); });
+  writeInThreads([&](int number) { writers[static_cast<size_t>(number)].run(2'000); });
   size_t count = 0;
   for (int number = 0; number < kThreads; ++number) {
     std::vector<std::string> const& expected = writers[static_cast<size_t>(number)].expected;
@@ -106,7 +106,7 @@ TEST(LinesWithinThreads, WithoutTheMutexNoHiddenLineStaysBehind) {
   tOwnTrace trace(nowhere);
   trace.configure("--prefixwidth 0");
   for (int round = 0; round < 200; ++round) {
-    runThreads([&](int number) { tWriter(trace, number).run(20); });
+    writeInThreads([&](int number) { tWriter(trace, number).run(20); });
     ASSERT_TRUE(trace.isLineShown()) << round;
   }
 }

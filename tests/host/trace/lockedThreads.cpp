@@ -34,7 +34,7 @@ std::string withoutPrefix(std::string const& line) {
 }
 
 template <class Work>
-void runThreads(Work work) {
+void putInThreads(Work work) {
   std::vector<std::thread> threads;
   for (int thread = 0; thread < kThreadCount; ++thread) threads.emplace_back(work, thread);
   for (std::thread& thread : threads) thread.join();
@@ -46,7 +46,7 @@ TEST(TraceThreads, LinesArriveWholeAndInTheOrderOfTheirThread) {
   tKeptLines kept;
   tOwnTrace trace(kept);
   trace.configure("--mutex on --timestamp on --timedelta on --threadid on");
-  runThreads([&](int thread) {
+  putInThreads([&](int thread) {
     for (int line = 0; line < kLineCount; ++line) putLine(trace, thread, line);
   });
   ASSERT_EQ(kept.pieces.size(), static_cast<size_t>(kThreadCount * kLineCount));
@@ -63,7 +63,7 @@ TEST(TraceThreads, LongLinesOfDifferentThreadsDoNotMix) {
   tKeptLines kept;
   tOwnTrace trace(kept);
   trace.configure("--mutex on");
-  runThreads([&](int thread) {
+  putInThreads([&](int thread) {
     for (int line = 0; line < 200; ++line) {
       trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
       trace.put(std::string(700, static_cast<char>('a' + thread)).c_str()).endl();

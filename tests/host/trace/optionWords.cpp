@@ -31,7 +31,7 @@ class tWordKeeper : public tConfigurable {
   tWords words;
 };
 
-std::string randomText(std::mt19937& random) {
+std::string randomWords(std::mt19937& random) {
   static std::string const alphabet = "\"\"\"    \t\n\v\f\rab-=\x08\x0E\x85\xA0\xFF\x7F\x1F";
   std::string text(random() % 40, ' ');
   for (char& character : text) character = alphabet[random() % alphabet.size()];
@@ -43,7 +43,7 @@ std::string randomText(std::mt19937& random) {
 TEST(OptionWords, RandomTextsAreCutAsTheModelSays) {
   std::mt19937 random(20240521);
   for (int round = 0; round < roundsOf(200'000); ++round) {
-    std::string const text = randomText(random);
+    std::string const text = randomWords(random);
     tWordKeeper keeper;
     keeper.configure(text.c_str());
     ASSERT_EQ(keeper.calls, 1);

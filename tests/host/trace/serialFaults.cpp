@@ -15,10 +15,6 @@ using nOXDIAG100::tSerialTraceDestination;
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tVEXTraceDestination;
 
-iTraceDestination* debuggerPrint() {
-  return &tVEXTraceDestination::getInstance();
-}
-
 void expectThatItWrites(tKeptLines& kept, tOwnTrace& trace) {
   kept.pieces.clear();
   trace.put("still writing").endl();
@@ -124,7 +120,7 @@ TEST(SerialFaults, FormerSerialDestinationComesBackOrTheDebuggerTakesOver) {
       kept.failingOpens = 1;
       iTraceDestination* const former = trace.setDestination(kept);
       EXPECT_EQ(former, trace.getDestination());
-      EXPECT_TRUE(former == &serial || former == debuggerPrint());
+      EXPECT_TRUE(former == &serial || former == &tVEXTraceDestination::getInstance());
       EXPECT_TRUE(former == &serial || (wasOpened && ntoshost::faultsInjected() != 0));
       captured.prints.clear();
       size_t const sizeBefore = file.content().size();
@@ -149,6 +145,6 @@ TEST(SerialFaults, DestinationThatGoesLeavesTheModulesStreamWithoutMemoryToo) {
     ntoshost::failFrom(ntoshost::kFaultMemory, 1);
   }
   ntoshost::clearFaults();
-  EXPECT_EQ(trace.getDestination(), debuggerPrint());
+  EXPECT_EQ(trace.getDestination(), &tVEXTraceDestination::getInstance());
   EXPECT_EQ(file.content(), "Switching trace destination to VEX print to debugger\n\r");
 }

@@ -14,7 +14,7 @@ using nOXDIAG100::tTraceSite;
 
 namespace {
 
-constexpr int kRounds = roundsOf(400'000);
+constexpr int kSites = roundsOf(400'000);
 constexpr tSSVersion kVersion(1, 0, 0, tSSVersion::kPhaseReleased, 7, 0);
 
 // Null, or text of any length about that of the text of a site, rarely with a character that means
@@ -91,7 +91,7 @@ TEST(SiteShapes, ALineOfASiteIsThatOfPutPrefix) {
   std::mt19937 random(11);
   tKeptLines kept;
   tOwnTrace trace(kept);
-  for (int round = 0; round < kRounds; ++round) {
+  for (int round = 0; round < kSites; ++round) {
     shape(random, trace);
     if (random() % 4 == 0) {
       trace.putPrefix("", kVersion, 1, "", 100,

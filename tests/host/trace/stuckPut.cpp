@@ -27,9 +27,9 @@ constexpr auto kLongEnough = std::chrono::seconds(30);
 constexpr auto kAWhile = std::chrono::milliseconds(50);
 
 // Holds the thread that puts "stuck" until it is let go; others come and go.
-class tStickyDestination : public iTraceDestination {
+class tStuckDestination : public iTraceDestination {
  public:
-  ~tStickyDestination() override { leaveStream(); }
+  ~tStuckDestination() override { leaveStream(); }
 
   iTraceDestination& put(char const* text) override {
     return put(text, static_cast<unsigned int>(strlen(text)));
@@ -68,12 +68,11 @@ class tStickyDestination : public iTraceDestination {
 // A thread that is within the put of a destination, until the object goes.
 class tStuckThread {
  public:
-  tStuckThread(tTrace& trace, tStickyDestination& destination)
+  tStuckThread(tTrace& trace, tStuckDestination& destination)
       : tStuckThread(destination, [&trace] { trace.put("stuck").endl(); }) {}
 
   template <class Work>
-  tStuckThread(tStickyDestination& destination, Work work)
-      : destination(destination), thread(work) {
+  tStuckThread(tStuckDestination& destination, Work work) : destination(destination), thread(work) {
     while (destination.thread == 0) std::this_thread::yield();
   }
   ~tStuckThread() { letGo(); }
@@ -84,7 +83,7 @@ class tStuckThread {
   }
 
  private:
-  tStickyDestination& destination;
+  tStuckDestination& destination;
   std::thread thread;
 };
 
@@ -151,7 +150,7 @@ class StuckPut : public testing::Test {
   tHurriedTime hurry;
   tPrinted print;
   tNewEvents events;
-  tStickyDestination sticky;
+  tStuckDestination sticky;
 };
 
 }  // namespace
@@ -240,7 +239,7 @@ TEST_F(StuckPut, StreamsAndDestinationsComeAndGoWhenASwitchThatIsStuckItselfIsOv
   sticky.sticksToSwitches = true;
   tOwnTrace trace(sticky);
   auto old = std::make_unique<tOwnTrace>(next);
-  auto leaving = std::make_unique<tStickyDestination>();
+  auto leaving = std::make_unique<tStuckDestination>();
   tStuckThread stuck(sticky, [&] { trace.setDestination(next); });
   auto const fresh = std::async(std::launch::async, [&] { tOwnTrace const made(next); });
   auto const gone = std::async(std::launch::async, [&] { old.reset(); });
@@ -467,10 +466,10 @@ TEST_F(StuckPut, AnOpenOfAnyLengthHoldsUpConfigurationsAndNoLine) {
 TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
   tOwnTrace trace(tVEXTraceDestination::getInstance());
   tOwnTrace other(tVEXTraceDestination::getInstance());
-  auto going = std::make_unique<tStickyDestination>();
+  auto going = std::make_unique<tStuckDestination>();
   trace.setDestination(*going);
   other.setDestination(*going);
-  tStickyDestination& within = *going;
+  tStuckDestination& within = *going;
   std::thread writer([&] { trace.put("stuck").endl(); });
   while (within.thread == 0) std::this_thread::yield();
   std::future<void> const end = std::async(std::launch::async, [&] { going.reset(); });
@@ -569,7 +568,7 @@ INSTANTIATE_TEST_SUITE_P(Any, StuckPutWithoutCounter,
 
 TEST_F(StuckPut, TheModuleLeavesADestinationAlone) {
   tOwnTrace trace(sticky);
-  tStickyDestination* place = &sticky;
+  tStuckDestination* place = &sticky;
   {
     tStuckThread stuck(trace, sticky);
     EXPECT_FALSE(mayEnd(sticky));

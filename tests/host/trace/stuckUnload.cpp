@@ -9,7 +9,7 @@ namespace {
 
 using nOXDIAG100::tTrace;
 
-constexpr int kPushes = 20;
+constexpr int kFewPushes = 20;
 
 }  // namespace
 
@@ -19,14 +19,14 @@ TEST(StuckUnload, EndsAfterTenSecondsAndSaysWhoIsWithin) {
   ASSERT_NO_FATAL_FAILURE(startModules());
   tStickyDestination sticky;
   tTrace& trace = tTrace::getInstance();
-  for (int push = 0; push < kPushes; ++push) trace.pushConfiguration();
+  for (int push = 0; push < kFewPushes; ++push) trace.pushConfiguration();
   trace.setDestination(sticky);
   sticky.isSticky = true;
   std::thread writer([&] { trace.put("stuck").endl(); });
   while (sticky.thread == 0) std::this_thread::yield();
   char name[32];
   snprintf(name, sizeof(name), "thread 0x%X ", sticky.thread.load());
-  unloadBeside(10u * kPushes);
+  unloadBeside(10u * kFewPushes);
   EXPECT_TRUE(isLogged(std::string("a trace destination is left open at the end: ") + name));
   endModules(sticky, writer);
 }

@@ -16,7 +16,7 @@ namespace {
 
 using nOXDIAG100::iTraceDestination;
 
-constexpr int kRounds = 40'000;
+constexpr int kSwitchings = 40'000;
 constexpr u32 kMostWithin = 4;
 
 class tSwitchingWorld;
@@ -97,7 +97,7 @@ void tWanderingDestination::close() {
 }  // namespace
 
 TEST(SwitchesWithin, LeaveOpenWhatAStreamUsesAndNothingElse) {
-  for (int round = 0; round < roundsOf(kRounds); ++round) {
+  for (int round = 0; round < roundsOf(kSwitchings); ++round) {
     tSwitchingWorld world(round);
     for (int step = 0; step < 4; ++step) {
       world.run();

@@ -35,16 +35,16 @@ class tLengthCheck : public nOXDIAG100::iTraceDestination {
   }
 };
 
-class tOwnTrace : public nOXDIAG100::tTrace {
+class tUnlockedTrace : public nOXDIAG100::tTrace {
  public:
-  explicit tOwnTrace(nOXDIAG100::iTraceDestination& destination) : tTrace(destination) {}
+  explicit tUnlockedTrace(nOXDIAG100::iTraceDestination& destination) : tTrace(destination) {}
 };
 
 }  // namespace
 
-TEST(TraceThreads, UnlockedLinesNeverLeaveTheBuffer) {
+TEST(UnlockedTraceThreads, NeverLeaveTheBuffer) {
   tLengthCheck check;
-  tOwnTrace trace(check);
+  tUnlockedTrace trace(check);
   runAtOnce(4, [&] {
     std::string const text(300, 'x');
     for (unsigned line = 0; line < 5'000; ++line) trace.put(text.c_str(), line % 300).endl();

@@ -11,19 +11,19 @@
 namespace {
 
 // What is printed while this lives.
-class tCapturedPrint {
+class tFormattedPrint {
  public:
-  tCapturedPrint() { ntoshost::setDebugPrintSink(&append, this); }
-  ~tCapturedPrint() { ntoshost::setDebugPrintSink(nullptr, nullptr); }
-  tCapturedPrint(tCapturedPrint const&) = delete;
-  tCapturedPrint& operator=(tCapturedPrint const&) = delete;
+  tFormattedPrint() { ntoshost::setDebugPrintSink(&append, this); }
+  ~tFormattedPrint() { ntoshost::setDebugPrintSink(nullptr, nullptr); }
+  tFormattedPrint(tFormattedPrint const&) = delete;
+  tFormattedPrint& operator=(tFormattedPrint const&) = delete;
 
   std::string text;
   u32 calls = 0;
 
  private:
   static void append(void* context, char const* text, size_t length) {
-    auto& print = *static_cast<tCapturedPrint*>(context);
+    auto& print = *static_cast<tFormattedPrint*>(context);
     print.text.append(text, length);
     ++print.calls;
   }
@@ -34,40 +34,40 @@ volatile std::sig_atomic_t trapsSeen = 0;
 }  // namespace
 
 TEST(VexkHostDebug, PrintsItsTextUnchanged) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   ssprintf("hello\n");
   EXPECT_EQ("hello\n", print.text);
   EXPECT_EQ(1u, print.calls);
 }
 
 TEST(VexkHostDebug, AddsNoNewline) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   ssprintf("one ");
   ssprintf("two");
   EXPECT_EQ("one two", print.text);
 }
 
 TEST(VexkHostDebug, FormatsItsArguments) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   ssprintf("%s %d %u 0x%X %c %%", "text", -5, 7u, 255u, 'x');
   EXPECT_EQ("text -5 7 0xFF x %", print.text);
 }
 
 TEST(VexkHostDebug, PassesManyArgumentsOn) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   ssprintf("%d %d %d %d %d %d %d %d", 1, 2, 3, 4, 5, 6, 7, 8);
   EXPECT_EQ("1 2 3 4 5 6 7 8", print.text);
 }
 
 TEST(VexkHostDebug, ANullFormatPrintsNothing) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   char const* volatile none = nullptr;
   ssprintf(none, 1);
   EXPECT_EQ(0u, print.calls);
 }
 
 TEST(VexkHostDebug, PrintsAtAnyIrql) {
-  tCapturedPrint const print;
+  tFormattedPrint const print;
   KIRQL previous;
   KeRaiseIrql(HIGH_LEVEL, &previous);
   ssprintf("high");

@@ -19,19 +19,19 @@
 
 namespace {
 
-constexpr char kName[] = "nTEST://nReturn";
+constexpr char kReturnName[] = "nTEST://nReturn";
 constexpr char kLockName[] = "nTEST::_mutex";
 
 i32 deliver() {
   i32 status = 0;
-  iLib::deliver(kName, sizeof(kName) - 1, 1, status);
+  iLib::deliver(kReturnName, sizeof(kReturnName) - 1, 1, status);
   return status;
 }
 
 // A dispatcher of a registered module, as long as it lives.
 class tServed : public iLib::iDispatcher {
  public:
-  explicit tServed(std::function<void()> work) : iDispatcher(kName), work(std::move(work)) {
+  explicit tServed(std::function<void()> work) : iDispatcher(kReturnName), work(std::move(work)) {
     iLib::exportDispatcher(*this, status);
     libRegisterModuleWithVEX(info, status);
     EXPECT_EQ(status, 0);

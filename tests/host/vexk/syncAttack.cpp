@@ -14,10 +14,10 @@
 
 namespace {
 
-constexpr char kName[] = "vexkHostSyncAttack::_lock";
+constexpr char kAttackedLock[] = "vexkHostSyncAttack::_lock";
 constexpr u32 kThreads = 6;
-constexpr u32 kRounds = roundsOf(16000);  // of each
-constexpr u32 kTurns = roundsOf(2400);    // of each
+constexpr u32 kAttacks = roundsOf(16000);  // of each
+constexpr u32 kTurns = roundsOf(2400);     // of each
 
 // What the lock guards. Not atomic: the thread sanitizer watches it.
 struct tGuarded {
@@ -37,7 +37,7 @@ class tAttacker {
   tAttacker(tGuarded& object, u32 seed) : guarded(object), random(seed) {}
 
   void run(u32 rounds) {
-    tOpenLock const lock(kName);
+    tOpenLock const lock(kAttackedLock);
     for (u32 round = 0; round < rounds; ++round) visits += attack(*lock.sync) ? 1 : 0;
   }
 
@@ -98,7 +98,7 @@ TEST(VexkHostSyncAttack, ThreadsWithAnyTimeAndDepthKeepOutOfEachOthersWay) {
   std::vector<tAttacker> attackers;
   for (u32 seed = 1; seed <= kThreads; ++seed) attackers.emplace_back(guarded, seed);
   std::vector<std::thread> threads;
-  for (tAttacker& attacker : attackers) threads.emplace_back([&] { attacker.run(kRounds); });
+  for (tAttacker& attacker : attackers) threads.emplace_back([&] { attacker.run(kAttacks); });
   for (std::thread& thread : threads) thread.join();
   u64 visits = 0;
   u64 timeouts = 0;
@@ -107,7 +107,7 @@ TEST(VexkHostSyncAttack, ThreadsWithAnyTimeAndDepthKeepOutOfEachOthersWay) {
     timeouts += attacker.timeouts;
   }
   EXPECT_EQ(visits, guarded.visits);
-  EXPECT_EQ(visits + timeouts, u64{kThreads} * kRounds);
+  EXPECT_EQ(visits + timeouts, u64{kThreads} * kAttacks);
   EXPECT_LT(0u, timeouts);
 }
 
@@ -115,7 +115,7 @@ TEST(VexkHostSyncAttack, ALockThatIsAlwaysWantedGoesFromThreadToThread) {
   tRunningPlatform const platform;
   u32 turn = 0;
   auto const takeTurns = [&turn](u32 own) {
-    tOpenLock const lock(kName);
+    tOpenLock const lock(kAttackedLock);
     for (u32 taken = 0; taken < kTurns;) {
       tSyncLock const held(lock.sync);
       if (turn % 3 != own) continue;

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr char kName[] = "vexkHostSync::_lock";
+constexpr char kFaultyLock[] = "vexkHostSync::_lock";
 
 // Opens with each allocation failing in turn; returns how many allocations an open makes.
 u64 openWithEachAllocationFailing(char const* name) {
@@ -42,13 +42,13 @@ class tRaisedIrql {
 TEST(VexkHostSync, OpeningFailsCleanlyAtEachAllocation) {
   tRunningPlatform const platform;
   EXPECT_LE(1u, openWithEachAllocationFailing(nullptr));
-  EXPECT_LE(1u, openWithEachAllocationFailing(kName));
+  EXPECT_LE(1u, openWithEachAllocationFailing(kFaultyLock));
 }
 
 TEST(VexkHostSync, OpeningAgainFailsCleanlyAtEachAllocation) {
   tRunningPlatform const platform;
-  tOpenLock const first(kName);
-  EXPECT_LE(1u, openWithEachAllocationFailing(kName));
+  tOpenLock const first(kFaultyLock);
+  EXPECT_LE(1u, openWithEachAllocationFailing(kFaultyLock));
   EXPECT_EQ(0, first->acquire(0));
   EXPECT_EQ(0, first->release());
 }
@@ -57,8 +57,8 @@ TEST(VexkHostSync, ClosingTheLastHandleGivesTheMemoryBack) {
   tRunningPlatform const platform;
   u64 const before = ntoshost::outstandingBlocks();
   {
-    tOpenLock const first(kName);
-    tOpenLock const second(kName);
+    tOpenLock const first(kFaultyLock);
+    tOpenLock const second(kFaultyLock);
     EXPECT_LT(before, ntoshost::outstandingBlocks());
   }
   EXPECT_EQ(before, ntoshost::outstandingBlocks());
@@ -66,7 +66,7 @@ TEST(VexkHostSync, ClosingTheLastHandleGivesTheMemoryBack) {
 
 TEST(VexkHostSync, UsingALockAllocatesNothing) {
   tRunningPlatform const platform;
-  tOpenLock const lock(kName);
+  tOpenLock const lock(kFaultyLock);
   ntoshost::watchCalls(ntoshost::kFaultAll);
   EXPECT_EQ(0, lock->acquire(kSyncWaitForever));
   EXPECT_EQ(0, lock->acquire(kSyncWaitForever));
@@ -103,7 +103,7 @@ TEST(VexkHostSync, AnOwnerAboveApcLevelCannotAcquireAgain) {
 TEST(VexkHostSync, WorksAtApcLevel) {
   tRunningPlatform const platform;
   tRaisedIrql const raised(APC_LEVEL);
-  tOpenLock const lock(kName);
+  tOpenLock const lock(kFaultyLock);
   EXPECT_EQ(0, lock.status);
   EXPECT_EQ(0, lock->acquire(kSyncWaitForever));
   EXPECT_EQ(0, lock->release());

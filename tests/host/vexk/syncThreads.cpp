@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char kName[] = "vexkHostSyncThreads::_lock";
+constexpr char kSharedLock[] = "vexkHostSyncThreads::_lock";
 
 // Runs an operation in another thread and waits for its result.
 template <class Operation>
@@ -62,14 +62,14 @@ i64 millisecondsOf(auto operation) {
 
 TEST(VexkHostSyncThreads, OnlyOneThreadIsInside) {
   tRunningPlatform const platform;
-  constexpr u32 kThreads = 4;
-  constexpr u32 kRounds = 2000;
+  constexpr u32 kVisitors = 4;
+  constexpr u32 kEntries = 2000;
   u32 counter = 0;  // not atomic: the thread sanitizer watches it
   std::vector<std::thread> threads;
-  for (u32 i = 0; i < kThreads; ++i) {
+  for (u32 i = 0; i < kVisitors; ++i) {
     threads.emplace_back([&counter] {
-      tOpenLock const lock(kName);
-      for (u32 round = 0; round < kRounds; ++round) {
+      tOpenLock const lock(kSharedLock);
+      for (u32 round = 0; round < kEntries; ++round) {
         tSyncLock const held(lock.sync);
         tSyncLock const heldAgain(lock.sync);
         ++counter;
@@ -77,7 +77,7 @@ TEST(VexkHostSyncThreads, OnlyOneThreadIsInside) {
     });
   }
   for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(kThreads * kRounds, counter);
+  EXPECT_EQ(kVisitors * kEntries, counter);
 }
 
 TEST(VexkHostSyncThreads, ATryFailsAtOnceWhileAnotherThreadOwnsTheLock) {
@@ -159,8 +159,8 @@ TEST(VexkHostSyncThreads, ARecursiveOwnerKeepsTheLockUntilTheLastRelease) {
 
 TEST(VexkHostSyncThreads, HandlesOfOneNameExcludeEachOther) {
   tRunningPlatform const platform;
-  tOpenLock const here(kName);
-  tOpenLock const there(kName);
+  tOpenLock const here(kSharedLock);
+  tOpenLock const there(kSharedLock);
   tOpenLock const elsewhere("vexkHostSyncThreads::_other");
   tOwner const owner(*here.sync);
   EXPECT_EQ(kStatusSyncTimeout, there->acquire(0));
@@ -170,7 +170,7 @@ TEST(VexkHostSyncThreads, HandlesOfOneNameExcludeEachOther) {
 
 TEST(VexkHostSyncThreads, TheLastHandleIsNotClosedWhileAnotherThreadOwnsTheLock) {
   tRunningPlatform const platform;
-  tOpenLock lock(kName);
+  tOpenLock lock(kSharedLock);
   iSync* const before = lock.sync;
   tOwner owner(*lock.sync);
   EXPECT_EQ(kStatusSyncInUse, syncClose(lock.sync));
@@ -181,8 +181,8 @@ TEST(VexkHostSyncThreads, TheLastHandleIsNotClosedWhileAnotherThreadOwnsTheLock)
 
 TEST(VexkHostSyncThreads, AnotherHandleIsClosedWhileAThreadOwnsTheLock) {
   tRunningPlatform const platform;
-  tOpenLock const owned(kName);
-  tOpenLock spare(kName);
+  tOpenLock const owned(kSharedLock);
+  tOpenLock spare(kSharedLock);
   tOwner const owner(*owned.sync);
   EXPECT_EQ(0, syncClose(spare.sync));
   EXPECT_EQ(nullptr, spare.sync);
@@ -195,7 +195,7 @@ TEST(VexkHostSyncThreads, ManyThreadsOpenAndCloseTheSameName) {
   for (u32 i = 0; i < 4; ++i) {
     threads.emplace_back([&failures] {
       for (u32 round = 0; round < 300; ++round) {
-        tOpenLock const lock(kName);
+        tOpenLock const lock(kSharedLock);
         if (lock.sync == nullptr || lock->acquire(kSyncWaitForever) != 0 || lock->release() != 0) {
           ++failures;
         }

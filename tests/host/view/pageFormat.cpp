@@ -77,7 +77,7 @@ size_t countOf(std::string_view text, std::string_view wanted) {
   return count;
 }
 
-std::string lineOf(tRecord const& record) {
+std::string pageLineOf(tRecord const& record) {
   std::string const data = dataOf(record);
   size_t const begin = data.find("\n[") + 1;
   return data.substr(begin, data.find("\n]") - begin);
@@ -117,7 +117,7 @@ TEST(PageFormat, LineHasEveryField) {
 }
 
 TEST(PageFormat, FieldThatIsNotThereIsMinusOneOrNull) {
-  EXPECT_EQ(lineOf(plainLine("x")), "[1,0,0,0,-1,-1,-1,-1,-1,null,null,0,\"x\"]");
+  EXPECT_EQ(pageLineOf(plainLine("x")), "[1,0,0,0,-1,-1,-1,-1,-1,null,null,0,\"x\"]");
 }
 
 TEST(PageFormat, TimesCountFromTheFirstLineAndDeltasFromTheSecond) {
@@ -157,25 +157,25 @@ TEST(PageFormat, AssertionsAndErrorsAreMarked) {
   tRecord record = plainLine("x");
   record.kind = tKind::kAssertion;
   record.category = "warning";
-  EXPECT_TRUE(lineOf(record).starts_with("[1,3,1,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,3,1,")) << pageLineOf(record);
   record.category = "default";
-  EXPECT_TRUE(lineOf(record).starts_with("[1,3,2,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,3,2,")) << pageLineOf(record);
   record.kind = tKind::kStatus;
-  EXPECT_TRUE(lineOf(record).starts_with("[1,4,0,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,4,0,")) << pageLineOf(record);
   record.code = -61007;
-  EXPECT_TRUE(lineOf(record).starts_with("[1,4,2,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,4,2,")) << pageLineOf(record);
   record.code = 61001;
-  EXPECT_TRUE(lineOf(record).starts_with("[1,4,1,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,4,1,")) << pageLineOf(record);
   record.kind = tKind::kBlockEnd;
-  EXPECT_TRUE(lineOf(record).starts_with("[1,2,0,")) << lineOf(record);
+  EXPECT_TRUE(pageLineOf(record).starts_with("[1,2,0,")) << pageLineOf(record);
 }
 
 TEST(PageFormat, LinesThatAreCutOrUnendedSaySo) {
   tRecord record = plainLine("x");
   record.isCut = true;
-  EXPECT_TRUE(lineOf(record).ends_with(",2,\"x\"]"));
+  EXPECT_TRUE(pageLineOf(record).ends_with(",2,\"x\"]"));
   record.isEnded = false;
-  EXPECT_TRUE(lineOf(record).ends_with(",6,\"x\"]"));
+  EXPECT_TRUE(pageLineOf(record).ends_with(",6,\"x\"]"));
 }
 
 TEST(PageFormat, EqualNamesHaveOneNumber) {

@@ -17,7 +17,7 @@ using oxdiagview::tKind;
 
 constexpr char const* kWords[kFieldCount] = {"compname", "compver",   "linenumber", "filename",
                                              "threadid", "timestamp", "timedelta",  "verbosity"};
-constexpr u32 kAllFields = (1u << kFieldCount) - 1;
+constexpr u32 kFieldMask = (1u << kFieldCount) - 1;
 constexpr u32 kDeltaBit = 1u << oxdiagview::kDelta;
 constexpr u32 kFileBit = 1u << oxdiagview::kFile;
 constexpr size_t kLegendLines = 1;
@@ -50,7 +50,7 @@ struct tWrittenLine {
   u32 depth;
 };
 
-constexpr tWrittenLine kLines[] = {
+constexpr tWrittenLine kWrittenLines[] = {
     {"rack", 17, 100, tTrace::kTraceLine, "the first text", tKind::kLine, 0},
     {"rackbus", 21, 60, tTrace::kBlockEntry, "open; {", tKind::kBlockBegin, 0},
     {"rackbus", 230, 120, tTrace::kTraceLine, "slot 3: ready", tKind::kLine, 1},
@@ -68,7 +68,7 @@ std::string write(tSettings const& settings, bool hasLegend) {
   trace.configure(settings.getWords().c_str());
   if (hasLegend) trace.putPrefixPrototype().endl();
   constexpr tSSVersion kVersion(1, 2, 3, tSSVersion::kPhaseReleased, 4, 0);
-  for (tWrittenLine const& line : kLines) {
+  for (tWrittenLine const& line : kWrittenLines) {
     trace.putPrefix(line.component, kVersion, line.line, "folder/rackLine.cpp", line.verbosity,
                     line.type);
     trace.put(line.text).endl();
@@ -140,19 +140,19 @@ void expectTrace(tSettings const& settings, bool hasLegend) {
   SCOPED_TRACE(settings.getWords() + (hasLegend ? ", with a legend" : ""));
   std::vector<tKeptRecord> const records = readTrace(write(settings, hasLegend));
   size_t const first = hasLegend ? kLegendLines : 0;
-  ASSERT_EQ(records.size(), first + std::size(kLines));
-  for (size_t index = 0; index < std::size(kLines); ++index) {
+  ASSERT_EQ(records.size(), first + std::size(kWrittenLines));
+  for (size_t index = 0; index < std::size(kWrittenLines); ++index) {
     tKeptRecord const& record = records[first + index];
     expectFields(record, settings);
-    EXPECT_EQ(record.text, kLines[index].text) << record.raw;
-    EXPECT_EQ(record.kind, kLines[index].kind) << record.raw;
-    EXPECT_EQ(record.depth, kLines[index].depth) << record.raw;
+    EXPECT_EQ(record.text, kWrittenLines[index].text) << record.raw;
+    EXPECT_EQ(record.kind, kWrittenLines[index].kind) << record.raw;
+    EXPECT_EQ(record.depth, kWrittenLines[index].depth) << record.raw;
     EXPECT_TRUE(record.hasPrefix) << record.raw;
   }
 }
 
-void expectAllCombinations(u32 width, bool isTruncated, bool hasLegend, u32 among = kAllFields) {
-  for (u32 fields = 0; fields <= kAllFields; ++fields) {
+void expectAllCombinations(u32 width, bool isTruncated, bool hasLegend, u32 among = kFieldMask) {
+  for (u32 fields = 0; fields <= kFieldMask; ++fields) {
     if ((fields & ~among) != 0) continue;
     bool const isIndented = std::popcount(fields) % 2 != 0;
     expectTrace({fields, false, isIndented, width, isTruncated}, hasLegend);
@@ -175,7 +175,7 @@ TEST(PrefixSwitches, EveryCombinationIsReadInPrefixesOfTheUsualWidthBehindALegen
 
 // The few deltas that have room could be verbosities as well.
 TEST(PrefixSwitches, EveryCombinationWithoutDeltasIsReadInPrefixesOfTheUsualWidth) {
-  expectAllCombinations(50, true, false, kAllFields & ~kDeltaBit);
+  expectAllCombinations(50, true, false, kFieldMask & ~kDeltaBit);
 }
 
 TEST(PrefixSwitches, EveryCombinationIsReadInPrefixesThatAreNotCut) {

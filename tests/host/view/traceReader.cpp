@@ -13,7 +13,7 @@ namespace {
 
 std::string const kPrefix = "[rack--17--rackLine.cpp--------------------------] ";
 
-std::vector<std::string> textsOf(std::vector<tKeptRecord> const& records) {
+std::vector<std::string> linesOf(std::vector<tKeptRecord> const& records) {
   std::vector<std::string> texts;
   for (tKeptRecord const& record : records) texts.push_back(record.text);
   return texts;
@@ -31,7 +31,7 @@ TEST(TraceReader, PortionsDoNotMatter) {
   std::string const trace = kPrefix + "one\r\n" + kPrefix + "  two {\nforeign\n" + kPrefix + "end";
   for (size_t portion = 1; portion <= trace.size(); ++portion) {
     std::vector<tKeptRecord> const records = readTrace(trace, portion);
-    EXPECT_EQ(textsOf(records), (tTexts{"one", "two {", "foreign", "end"}));
+    EXPECT_EQ(linesOf(records), (tTexts{"one", "two {", "foreign", "end"}));
     EXPECT_EQ(records[3].number, 4u);
     EXPECT_EQ(records[1].depth, 1u);
   }
@@ -41,13 +41,13 @@ TEST(TraceReader, LineEndsOfFilesAndOfTheSerialPortAreTaken) {
   for (char const* end : {"\n", "\r\n", "\n\r"}) {
     std::vector<tKeptRecord> const records =
         readTrace(kPrefix + "one" + end + kPrefix + "two" + end);
-    EXPECT_EQ(textsOf(records), (tTexts{"one", "two"}));
+    EXPECT_EQ(linesOf(records), (tTexts{"one", "two"}));
     EXPECT_EQ(records[0].raw, kPrefix + "one");
   }
 }
 
 TEST(TraceReader, AnEmptyLineIsARecord) {
-  EXPECT_EQ(textsOf(readTrace(kPrefix + "one\n\n")), (tTexts{"one", ""}));
+  EXPECT_EQ(linesOf(readTrace(kPrefix + "one\n\n")), (tTexts{"one", ""}));
 }
 
 TEST(TraceReader, ALineBeyondTheLimitIsCutAndMarked) {
@@ -74,7 +74,7 @@ TEST(TraceReader, ALineWithoutEndIsMarked) {
 TEST(TraceReader, ALineWithinALineIsARecord) {
   std::vector<tKeptRecord> const records =
       readTrace(kPrefix + "slot 3: " + kPrefix + "reading slot 3\n64 bytes\n");
-  EXPECT_EQ(textsOf(records), (tTexts{"slot 3: ", "reading slot 3", "64 bytes"}));
+  EXPECT_EQ(linesOf(records), (tTexts{"slot 3: ", "reading slot 3", "64 bytes"}));
   EXPECT_EQ(records[1].number, 1u);
   EXPECT_EQ(records[1].component, "rack");
   EXPECT_EQ(records[2].kind, tKind::kForeign);
@@ -83,7 +83,7 @@ TEST(TraceReader, ALineWithinALineIsARecord) {
 TEST(TraceReader, TextInFrontOfALineIsForeign) {
   std::vector<tKeptRecord> const records =
       readTrace(kPrefix + "one\nthe rest of" + kPrefix + "two\n" + kPrefix + "three\n");
-  EXPECT_EQ(textsOf(records), (tTexts{"one", "the rest of", "two", "three"}));
+  EXPECT_EQ(linesOf(records), (tTexts{"one", "the rest of", "two", "three"}));
   EXPECT_EQ(records[1].kind, tKind::kForeign);
   EXPECT_EQ(records[2].sourceLine, 17u);
 }
@@ -91,7 +91,7 @@ TEST(TraceReader, TextInFrontOfALineIsForeign) {
 TEST(TraceReader, WhatAnotherProgramPutsInFrontOfEachLineIsPassedOver) {
   std::vector<tKeptRecord> const records =
       readTrace("00000001\t0.00012\t" + kPrefix + "one\n00000002\t0.00034\t" + kPrefix + "two\n");
-  EXPECT_EQ(textsOf(records), (tTexts{"one", "two"}));
+  EXPECT_EQ(linesOf(records), (tTexts{"one", "two"}));
 }
 
 TEST(TraceReader, AStatusIsReadLineByLine) {
@@ -145,7 +145,7 @@ TEST(TraceReader, AssertionsHaveCategoryAndMessage) {
 
 TEST(TraceReader, TextOfSomethingElseIsOnlyLines) {
   std::vector<tKeptRecord> const records = readTrace("[1] a footnote\nplain\n[ 0.123] kernel\n");
-  EXPECT_EQ(textsOf(records), (tTexts{"[1] a footnote", "plain", "[ 0.123] kernel"}));
+  EXPECT_EQ(linesOf(records), (tTexts{"[1] a footnote", "plain", "[ 0.123] kernel"}));
   for (tKeptRecord const& record : records) EXPECT_FALSE(record.sourceLine || record.verbosity);
 }
 

@@ -70,11 +70,11 @@ TEST_F(ViewMemory, DoesNotGrowWithTheNamesOfBlocks) {
 }
 
 TEST_F(ViewMemory, DoesNotGrowWithTheTrace) {
-  constexpr u32 kLines = 11'000;  // more than names that are told apart
+  constexpr u32 kPartLines = 11'000;  // more than names that are told apart
   constexpr u32 kTimes = 3;
   constexpr u64 kMore = u64{4} << 20;
-  std::string const part = traceOf(0, kLines);
-  std::string const whole = traceOf(0, kTimes * kLines);
+  std::string const part = traceOf(0, kPartLines);
+  std::string const whole = traceOf(0, kTimes * kPartLines);
   for (char const* option : {"--summary", "--perfetto -"}) show(part, option);
   u64 const before = mostMemory();
   for (char const* option : {"--summary", "--perfetto -"}) show(whole, option);
