@@ -82,9 +82,9 @@ LONG = {
     "cmake --preset host-plain": None,
     "cmake --build out/host-plain --target trace.putfAgainstPrintf": None,
     "ctest --preset host-plain -R trace.putfAgainstPrintf": None,
-    "cmake --build out/host-clang --target NAME": "cmake --build out/host-clang --target trace.putfAgainstPrintf",
-    "out/host-clang/tests/host/bin/NAME --gtest_filter='Suite.Test'":
-        "out/host-clang/tests/host/bin/trace.putfAgainstPrintf --gtest_filter='*'",
+    "cmake --build out/host-plain --target NAME": "cmake --build out/host-plain --target trace.putfAgainstPrintf",
+    "out/host-plain/tests/host/bin/NAME --gtest_filter='Suite.Test'":
+        "out/host-plain/tests/host/bin/trace.putfAgainstPrintf --gtest_filter='*'",
     "cmake --build --preset host-plain": "cmake --build --preset host-plain --target host_tests",
     "ctest --preset host-plain -R trace -j 4": None,
     "cmake --build out/host-coverage --target trace.putfAgainstPrintf":

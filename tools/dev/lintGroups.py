@@ -15,7 +15,7 @@ import workshop
 
 FOLDER = workshop.OUT / "tidy/tests"
 # Only the tests: the analyser, which they go without, looks at functions of the main source alone.
-PRESET, TESTS = "host-clang", workshop.TOP / "tests"
+PRESET, TESTS = "host-tidy", workshop.TOP / "tests"
 LARGEST = 8
 
 # A name defined at the left margin, as clang-format leaves it: of a class, function or constant.
