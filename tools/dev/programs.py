@@ -93,6 +93,37 @@ def read_report(report, reasons):
     return {name: result_of(test, reasons.get(name)) for name, test in tests.items()}
 
 
+def listed_tests(text):
+    """The names in what a program says to --gtest_list_tests."""
+    suite, names = "", set()
+    for line in text.splitlines():
+        words = line.split("#")[0].rstrip()
+        if words.startswith("  "):
+            names.add(suite + words.strip())
+        elif words.endswith("."):
+            suite = words
+    return names
+
+
+def joined_programs(preset):
+    """Program -> the names in CTest of the sources that it is made of, each with its own filter."""
+    _, output = workshop.run(["ctest", "--preset", preset, "--show-only=json-v1"], cwd=workshop.TOP)
+    joined = {}
+    for test in json.loads(output)["tests"]:
+        if any(word.startswith("--gtest_filter=") for word in test["command"]):
+            joined.setdefault(test["command"][0], []).append(test["name"])
+    return joined
+
+
+def forgotten(preset, program, names):
+    """The tests of a joined program that are in none of the reports of its sources."""
+    runs = workshop.tree(preset) / "runs"
+    seen = set().union(*(read_report(runs / name / "report.json", {}) for name in names))
+    _, output = workshop.run([program, "--gtest_list_tests"], env=environment())
+    return [f"{preset} {os.path.basename(program)} {test}: no source's filter has it"
+            for test in sorted(listed_tests(output) - seen)]
+
+
 def check(preset, target, label=None):
     workshop.build(preset, target)
     labels = ["-L", f"^{label}$"] if label else []
@@ -101,6 +132,9 @@ def check(preset, target, label=None):
     skipped = [name for outcome in outcomes for name in outcome.skipped]
     if not outcomes:
         failed.append(f"{preset}: no test program")
+    if not label:
+        for program, names in joined_programs(preset).items():
+            failed += forgotten(preset, program, names)
     return workshop.Outcome(sum(outcome.passed for outcome in outcomes), failed,
                             "\n".join(outcome.output for outcome in outcomes if outcome.output),
                             skipped)
