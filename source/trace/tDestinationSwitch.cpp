@@ -22,18 +22,14 @@ tDestinationSwitch::tDestinationSwitch(tTraceParts& stream, iTraceDestination& n
     : stream(stream),
       former(stream.slot.get()),
       next(&next),
-      sharing(getSharing(isChanged)),
+      isShared((isChanged || this->next == former) &&
+               tLiveStreams::findKeeper(next, &stream) != nullptr),
       outer(innermost) {
   innermost = this;
 }
 
 tDestinationSwitch::~tDestinationSwitch() {
   innermost = outer;
-}
-
-tDestinationSwitch::tSharing tDestinationSwitch::getSharing(bool isChanged) const {
-  if (tLiveStreams::findKeeper(*next, &stream) == nullptr) return kNotShared;
-  return isChanged || next == former ? kSharedAndMoved : kSharedAsItIs;
 }
 
 // Lines first, so that nobody is within a line. Then nobody may be within a put before this thread
@@ -62,13 +58,13 @@ bool tDestinationSwitch::isRefused() const {
 
 bool tDestinationSwitch::holdLines(tPatience const& patience) {
   if (!hold.holdLines(stream, patience)) return false;
-  return sharing != kSharedAndMoved || hold.holdLinesOfUsers(*next, patience);
+  return !isShared || hold.holdLinesOfUsers(*next, patience);
 }
 
 bool tDestinationSwitch::isQuiet(tPatience const& patience) {
   hold.shut(stream);
   within = tStreamHold::awaitNobodyWithin(*former, &stream.slot, patience);
-  if (within != 0 || sharing != kSharedAndMoved) return within == 0;
+  if (within != 0 || !isShared) return within == 0;
   hold.shutUsers(*next);
   within = tStreamHold::awaitNobodyWithin(*next, nullptr, patience);
   return within == 0;
@@ -108,20 +104,20 @@ void tDestinationSwitch::closeFormer() {
 // looked who uses it.
 bool tDestinationSwitch::isNextOpen() {
   bool const isUsed = tLiveStreams::findKeeper(*next, &stream) != nullptr;
-  if (sharing != kSharedAndMoved) return isUsed || open(next);
-  return next == former || !isUsed ? open(next) : isNextOpenAnew();
+  if (isShared && next == former) return open(next);
+  if (isUsed) return !isShared || isNextOpenAnew();
+  return openOrLeave(next);
 }
 
 // What other streams use comes back to them with its settings of before, if it can be opened at
 // all.
 bool tDestinationSwitch::isNextOpenAnew() {
-  iTraceDestination const* const shared = next;
   tFormerSettings settings(*next);
   if (settings.hasFailed()) return false;
   next->close();
   if (next != nullptr && open(next)) return true;
   if (next != nullptr) settings.restore(*next);
-  if (next == nullptr || !open(next)) sendToDebugger(*shared);
+  if (next != nullptr) openOrLeave(next);
   return false;
 }
 
@@ -130,6 +126,13 @@ bool tDestinationSwitch::open(iTraceDestination* const& place) {
   bool const isOpen = place->open() != 0 && place != nullptr;
   if (isOpen && tLiveStreams::findKeeper(*place) == nullptr) place->close();
   return isOpen;
+}
+
+// Who uses a destination that does not open goes to the debugger; the stream itself goes elsewhere.
+bool tDestinationSwitch::openOrLeave(iTraceDestination* const& place) {
+  if (open(place)) return true;
+  if (place != nullptr) sendToDebugger(*place);
+  return false;
 }
 
 // The stream may be elsewhere than this switch has left it, through one within. What was opened
@@ -154,7 +157,6 @@ void tDestinationSwitch::closeOpened(tTraceParts& stream) {
 
 iTraceDestination* tDestinationSwitch::fallBack(tFormerSettings& settings) {
   if (former != nullptr && isFormerBack(settings)) return announceUnchanged();
-  if (former != nullptr && sharing == kSharedAndMoved) sendToDebugger(*former);
   moveTo(getDebugger());
   getDebugger().open();
   hold.open();
@@ -166,7 +168,7 @@ bool tDestinationSwitch::isFormerBack(tFormerSettings& settings) {
   moveTo(*former);
   if (next != former && tLiveStreams::findKeeper(*former, &stream) != nullptr) return true;
   settings.restore(*former);
-  bool const isBack = former != nullptr && open(former);
+  bool const isBack = former != nullptr && openOrLeave(former);
   stream.slot.isOpenedWithin |= isBack;
   return isBack;
 }

@@ -34,13 +34,6 @@ class tDestinationSwitch {
   static void forget(iTraceDestination const& leaving);
 
  private:
-  enum tSharing {
-    kNotShared,      // no other stream uses next
-    kSharedAsItIs,   // others do; it is open
-    kSharedAndMoved  // others do, and it is closed and opened for all of them
-  };
-
-  tSharing getSharing(bool isChanged) const;
   bool isRefused() const;
   bool holdLines(tPatience const& patience);
   bool isQuiet(tPatience const& patience);
@@ -51,6 +44,7 @@ class tDestinationSwitch {
   bool isNextOpen();
   bool isNextOpenAnew();
   bool open(iTraceDestination* const& place);
+  bool openOrLeave(iTraceDestination* const& place);
   void moveTo(iTraceDestination& place);
 
   iTraceDestination* fallBack(tFormerSettings& settings);
@@ -62,8 +56,8 @@ class tDestinationSwitch {
   tTraceParts& stream;
   iTraceDestination* former;  // null once it has been destroyed, as next
   iTraceDestination* next;
-  tSharing const sharing;
-  u32 within = 0;  // the thread that was not waited for any longer
+  bool const isShared;  // others use next as well, and it is closed and opened for all of them
+  u32 within = 0;       // the thread that was not waited for any longer
   tStreamHold hold;
   tDestinationSwitch* const outer;  // the one that this one lies within
 };

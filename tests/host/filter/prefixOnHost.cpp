@@ -7,6 +7,7 @@
 #include "rounds.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
+#include "trace/tSeemingThread.h"
 #include "vexk/sync.h"
 
 namespace {
@@ -28,13 +29,6 @@ struct tHostStream {
     std::string const text = kept.text();
     return text.substr(0, text.find('\n'));
   }
-};
-
-// What a thread that seems to have `id` sees.
-class tSeemingThread {
- public:
-  explicit tSeemingThread(u64 id) { ntoshost::overrideCurrentThreadId(id); }
-  ~tSeemingThread() { ntoshost::overrideCurrentThreadId(0); }
 };
 
 // The settings of a stream by chance, and the prefix that they must give.
