@@ -3,13 +3,13 @@
 #include "oxdiagk/iTraceDestination.h"
 #include "oxdiagk/tTraceParts.h"
 #include "oxdiagk/tVEXTraceDestination.h"
+#include "trace/destinationSwitches.h"
 #include "trace/mayEnd.h"
 #include "trace/switchEvents.h"
 #include "trace/tDestinationSwitch.h"
 #include "trace/tLiveStreams.h"
 #include "trace/tStreamLock.h"
 #include "trace/tTextsOnTheWay.h"
-#include "trace/tTraceOptionReader.h"
 #include "vexk/threadUtility.h"
 
 namespace nOXDIAG100 {
@@ -21,11 +21,7 @@ u32 findOther(iTraceDestination const& destination) {
 
 // False when a thread may still be within the destination, and it was not closed.
 bool isTakenOff(tTraceParts& stream, iTraceDestination& leaving) {
-  // As words, because splitting a text takes memory, and there may be none.
-  char option[] = "--destination";
-  char name[] = "vex";
-  char* words[] = {option, name};
-  tTraceOptionReader(stream, 2, words).read();
+  switchTo(stream, tVEXTraceDestination::getInstance(), false);
   if (stream.slot.get() != &leaving) return true;
   stream.slot.install(tVEXTraceDestination::getInstance());
   u32 const within = findOther(leaving);
