@@ -29,7 +29,8 @@ void tLineLock::close() {
 
 tLineLock::tStart tLineLock::begin(u32 timeout) {
   iSync* const lock = get();
-  i32 const status = lock == nullptr ? kStatusSyncFailed : lock->acquire(timeout);
+  if (lock == nullptr) return kNotLocked;
+  i32 const status = lock->acquire(timeout);
   if (status < 0) return status == kStatusSyncTimeout ? kTimedOut : kNotLocked;
   storeRelaxed(owner, tThreadUtility::getCurrentThreadId());
   storeRelease(depth, depth + 1);

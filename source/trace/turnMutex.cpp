@@ -17,7 +17,7 @@ constexpr u32 kBetweenLooks = 100;  // milliseconds
 // A line whose put does not come out does not end. The thread of such a line, or 0.
 u32 findStuck(tTraceParts const& stream) {
   u32 const owner = tLiveStreams::findLineOwner(stream);
-  return owner != 0 && tTextsOnTheWay::isWithin(owner, nullptr) ? owner : 0;
+  return tTextsOnTheWay::isWithin(owner, nullptr) ? owner : 0;
 }
 
 // Waits for the stream's lock. Who turns the switch does it under the streams' lock: others wait

@@ -100,12 +100,21 @@ TEST(LineLock, ClosingGivesBackWhatTheThreadHas) {
   EXPECT_EQ(beginElsewhere(other.lock), tLineLock::kLocked);
 }
 
-TEST(LineLock, EitherHalfOfATokenMakesALockOfThePlatform) {
-  for (u32 half : {0u, 1u}) {
-    tOwnLock own;
-    own.token[half] = 7;
-    own.lock.open();
-    EXPECT_EQ(own.lock.begin(kSyncWaitForever), tLineLock::kLocked);
+TEST(LineLock, EitherHalfOfATokenMakesALockOfItsOwn) {
+  constexpr u32 kTokens[][2] = {{0, 0}, {7, 0}, {8, 0}, {0, 7}, {0, 8}, {7, 7}};
+  tOwnLock all[6];
+  for (u32 index = 0; index < 6; ++index) {
+    all[index].token[0] = kTokens[index][0];
+    all[index].token[1] = kTokens[index][1];
+    all[index].lock.open();
+  }
+  for (tOwnLock& own : all) {
+    ASSERT_EQ(own.lock.begin(kSyncWaitForever), tLineLock::kLocked);
+    for (tOwnLock& other : all) {
+      EXPECT_EQ(other.lock.isSharedWith(own.lock), &other == &own);
+      EXPECT_EQ(beginElsewhere(other.lock),
+                &other == &own ? tLineLock::kTimedOut : tLineLock::kLocked);
+    }
     own.lock.end();
   }
 }
