@@ -8,6 +8,7 @@
 #include "trace/startedModules.h"
 
 using nOXDIAG100::tLineLimit;
+using nOXDIAG100::tTraceParts;
 using nOXDIAG100::tVEXTraceDestination;
 
 namespace {
@@ -28,11 +29,11 @@ class tSwitchesOfTwo {
   static constexpr unsigned kThreads = 2;
 
   void run(unsigned thread) {
-    thread == 0 ? stream.trace.enableTimeStamp() : stream.trace.setMinPrefixWidth(50);
+    thread == 0 ? stream.trace.enableTimeStamp() : stream.trace.setMinPrefixWidth(60);
   }
   void finish() {
     EXPECT_EQ(stream.trace.timeStampIsEnabled(), 1u);
-    EXPECT_EQ(stream.trace.getMinPrefixWidth(), 50u);
+    EXPECT_EQ(stream.trace.getMinPrefixWidth(), 60u);
   }
 
  private:
@@ -54,6 +55,22 @@ class tOneSwitch {
 
  private:
   tStream stream;
+};
+
+// What debuggers find is what lines go by.
+class tOneMember {
+ public:
+  static constexpr unsigned kThreads = 2;
+
+  ~tOneMember() { delete parts.filter; }
+
+  void run(unsigned thread) { parts.setWidth(thread == 0 ? 40 : 50); }
+  void finish() { EXPECT_EQ(parts.minPrefixWidth, parts.getShape().getWidth()); }
+
+ private:
+  tWatchedFate fate;
+  tWatchedDestination destination{fate};
+  tTraceParts parts{destination};
 };
 
 class tOnce {
@@ -103,6 +120,10 @@ TEST(SwitchSchedules, TwoSwitchesAreBothTurned) {
 
 TEST(SwitchSchedules, OneSwitchIsAsTheLastOneTurnedIt) {
   explore<tOneSwitch>("switchesOne", {2, 300});
+}
+
+TEST(SwitchSchedules, TheMemberIsAsTheLastOneTurnedTheSwitch) {
+  explore<tOneMember>("switchesMember", {2, 300});
 }
 
 TEST(LimitSchedules, ALineIsShownOnce) {

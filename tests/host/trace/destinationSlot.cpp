@@ -17,6 +17,7 @@ using nOXDIAG100::tTextsOnTheWay;
 
 namespace {
 
+constexpr u32 kFirstThread = 1;
 constexpr u32 kOneThread = 0x1001;
 constexpr u32 kAnotherThread = 0x1002;
 
@@ -173,6 +174,17 @@ TEST(TextsOnTheWay, ATextCountsEverywhereUntilItSaysWhereItGoes) {
   EXPECT_FALSE(isSeen(kept, nullptr) || tTextsOnTheWay::isWithin(kOneThread, nullptr));
 }
 
+TEST(TextsOnTheWay, ATextBehindAFreePlaceIsSeen) {
+  tKeptLines kept;
+  tOwnSlot own(&kept);
+  u32 const before = tTextsOnTheWay::enter(kOneThread, own.slot);
+  u32 const behind = tTextsOnTheWay::enter(kFirstThread, own.slot);
+  tTextsOnTheWay::leave(before);
+  EXPECT_EQ(tTextsOnTheWay::findOther(kAnotherThread, kept, nullptr), kFirstThread);
+  EXPECT_EQ(tTextsOnTheWay::findOther(kFirstThread, kept, nullptr), 0u);
+  tTextsOnTheWay::leave(behind);
+}
+
 TEST(TextsOnTheWay, APlaceThatIsTakenAgainSaysNothingOfBefore) {
   tKeptLines kept;
   tKeptLines other;
@@ -202,4 +214,21 @@ TEST(TextsOnTheWay, AThreadHasFourPlacesAndAllHaveTheTable) {
   for (u32 const place : places) tTextsOnTheWay::leave(place);
   own.send("kept");
   EXPECT_EQ(kept.pieces, std::vector<std::string>{"kept"});
+}
+
+// Behind a table that was full there is nobody.
+TEST(TextsOnTheWay, OneTextInATableThatWasFullIsTheOnlyOne) {
+  tKeptLines kept;
+  tOwnSlot own(&kept);
+  std::vector<u32> places;
+  for (u32 thread = 1; places.size() < tTextsOnTheWay::kCapacity; ++thread) {
+    places.push_back(tTextsOnTheWay::enter(thread, own.slot));
+  }
+  EXPECT_EQ(tTextsOnTheWay::enter(kOneThread, own.slot), tTextsOnTheWay::kNoPlace);
+  for (u32 const place : places) tTextsOnTheWay::leave(place);
+  u32 const place = tTextsOnTheWay::enter(kOneThread, own.slot);
+  tTextsOnTheWay::direct(place, kept);
+  EXPECT_EQ(tTextsOnTheWay::findOther(kOneThread, kept, nullptr), 0u);
+  EXPECT_EQ(tTextsOnTheWay::findOther(kOneThread, kept, &own.slot), 0u);
+  tTextsOnTheWay::leave(place);
 }
