@@ -10,7 +10,9 @@
 #include "hurriedTime.h"
 #include "keptLines.h"
 #include "newEvents.h"
+#include "ntos/thread.h"
 #include "ntoshost/debugPrint.h"
+#include "ownParts.h"
 #include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "startedModules.h"
@@ -486,6 +488,54 @@ TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
   within.mayGo = true;
   EXPECT_EQ(end.wait_for(kLongEnough), std::future_status::ready);
   writer.join();
+}
+
+TEST_F(StuckPut, ADestinationThatGoesWaitsOnceForAllItsStreams) {
+  constexpr auto kFewWaits = std::chrono::milliseconds(5 * 10'000 / tHurriedTime::kRate);
+  auto going = std::make_unique<tStickyDestination>();
+  tStickyDestination const& within = *going;
+  std::vector<std::unique_ptr<tOwnParts>> streams;
+  std::vector<std::unique_ptr<tTextOfAnother>> texts;
+  while (streams.size() < 40) {
+    streams.push_back(std::make_unique<tOwnParts>(*going));
+    u32 const writer = kAnotherThread - static_cast<u32>(streams.size());
+    texts.push_back(std::make_unique<tTextOfAnother>(streams.back()->slot, within, writer));
+  }
+  auto const start = std::chrono::steady_clock::now();
+  std::thread end([&] { going.reset(); });
+  for (std::unique_ptr<tOwnParts> const& stream : streams) {
+    while (stream->slot.get() == &within) std::this_thread::yield();
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, kFewWaits);
+  texts.clear();
+  end.join();
+}
+
+// Lest others keep it waiting.
+TEST_F(StuckPut, AStreamThatEndsKeepsTextsOut) {
+  constexpr auto kHalf = std::chrono::seconds(5);
+  ntoshost::setTimeRate(1);
+  auto trace = std::make_unique<tOwnTrace>(sticky);
+  tOwnTrace& ending = *trace;
+  tStuckThread stuck(ending, sticky);
+  std::thread end([&] { trace.reset(); });
+  auto const start = std::chrono::steady_clock::now();
+  bool hasArrived = true;
+  while (hasArrived && std::chrono::steady_clock::now() - start < kHalf) {
+    int const before = sticky.texts;
+    ending.put("x").endl();
+    hasArrived = sticky.texts != before;
+  }
+  EXPECT_FALSE(hasArrived);
+  stuck.letGo();
+  end.join();
+}
+
+TEST_F(StuckPut, NobodyKeepsTheLockOfTheStreams) {
+  std::thread([&] {
+    EXPECT_TRUE(mayEnd(sticky));
+    EXPECT_FALSE(KeAreApcsDisabled());
+  }).join();
 }
 
 TEST_F(StuckPut, ALockedLineThatIsStuckHoldsUpNoPop) {
