@@ -8,4 +8,7 @@ namespace ntoshost {
 // at, and that no later thread gets again.
 KTHREAD* currentThread();
 
+// Whether it gets no APCs at all, whatever KeAreAllApcsDisabled says.
+bool areAllApcsDisabled();
+
 }  // namespace ntoshost

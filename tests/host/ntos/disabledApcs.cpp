@@ -5,6 +5,7 @@
 #include <thread>
 
 #include "ntos/thread.h"
+#include "ntoshost/thread.h"
 #include "waiting.h"
 
 namespace {
@@ -44,6 +45,16 @@ TEST(DisabledApcs, AreAllInAGuardedRegion) {
   expectApcs(true, false);
   KeLeaveCriticalRegion();
   expectApcs(false, false);
+}
+
+TEST(DisabledApcs, AreAllInACriticalRegionWhereTheKernelSaysSo) {
+  ntoshost::sayAllApcsDisabledInRegions(true);
+  expectApcs(false, false);
+  KeEnterCriticalRegion();
+  expectApcs(true, true);
+  ntoshost::sayAllApcsDisabledInRegions(false);
+  expectApcs(true, false);
+  KeLeaveCriticalRegion();
 }
 
 TEST(DisabledApcs, AreTheNormalOnesWithAMutex) {

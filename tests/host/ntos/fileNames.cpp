@@ -32,6 +32,21 @@ TEST(FileNames, DriveIsTheFolderMountedForItsLetter) {
   EXPECT_TRUE(d.has("two"));
 }
 
+// The kernel promises nothing about it.
+TEST(FileNames, NoHandleIsLeftAsItWasByAFailure) {
+  UNICODE_STRING name;
+  RtlInitUnicodeString(&name, L"\\??\\C:\\one");
+  OBJECT_ATTRIBUTES attributes;
+  InitializeObjectAttributes(&attributes, &name, OBJ_KERNEL_HANDLE, nullptr, nullptr);
+  IO_STATUS_BLOCK result;
+  HANDLE handle = nullptr;
+  EXPECT_EQ(ZwCreateFile(&handle, GENERIC_READ | SYNCHRONIZE, &attributes, &result, nullptr, 0,
+                         kShareAll, FILE_OPEN, FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0),
+            STATUS_OBJECT_PATH_NOT_FOUND);
+  EXPECT_NE(handle, nullptr);
+  EXPECT_EQ(ntoshost::outstandingHandles(), 0u);
+}
+
 TEST(FileNames, LetterMayBeOfEitherCase) {
   tDriveFolder const drive('C');
   EXPECT_EQ(statusOf(L"\\??\\c:\\one"), STATUS_SUCCESS);

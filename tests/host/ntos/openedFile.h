@@ -30,6 +30,7 @@ class tOpenedFile {
     status = ZwCreateFile(&handle, opening.access, &attributes, &result, nullptr,
                           FILE_ATTRIBUTE_NORMAL, opening.share, opening.disposition,
                           opening.options | FILE_SYNCHRONOUS_IO_NONALERT, nullptr, 0);
+    if (!NT_SUCCESS(status)) handle = nullptr;
   }
   explicit tOpenedFile(wchar_t const* name) : tOpenedFile(tOpening{.name = name}) {}
   ~tOpenedFile() { close(); }

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -115,6 +116,22 @@ TEST(Pool, OutstandingBlocksAreListedOldestFirstWithAllTheyAre) {
   EXPECT_EQ(blocks[1].serial, blocks[0].serial + 2);
   ExFreePoolWithTag(first, ntosPoolTag("aaaa"));
   ExFreePoolWithTag(second, ntosPoolTag("bbbb"));
+}
+
+TEST(Pool, ABlockThatIsGivenBackIsShownAsItWasLeft) {
+  std::string seen;
+  u8* const block = static_cast<u8*>(ExAllocatePoolWithTag(NonPagedPoolNx, 4, kTag));
+  memcpy(block, "left", 4);
+  auto const visit = [](void* context, ntoshost::PoolBlock const& shown) {
+    EXPECT_EQ(shown.tag, kTag);
+    static_cast<std::string*>(context)->append(static_cast<char const*>(shown.address), shown.size);
+  };
+  ntoshost::visitGivenBack(visit, &seen);
+  ExFreePoolWithTag(block, kTag);
+  EXPECT_EQ(seen, "left");
+  ntoshost::visitGivenBack(nullptr, nullptr);
+  ExFreePoolWithTag(ExAllocatePoolWithTag(NonPagedPoolNx, 4, kTag), kTag);
+  EXPECT_EQ(seen, "left");
 }
 
 TEST(Pool, TheReportHasOneLineABlock) {

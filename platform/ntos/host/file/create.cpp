@@ -10,6 +10,9 @@
 namespace ntoshost {
 namespace {
 
+// What a call that fails leaves where the handle should be: the kernel promises nothing about it.
+constexpr u64 kNoHandle = 0xBAD;
+
 constexpr wchar_t kPrefix[] = L"\\??\\";
 constexpr size_t kPrefixLength = 4;
 constexpr size_t kDriveLength = 2;  // letter and colon
@@ -130,6 +133,7 @@ NTSTATUS ZwCreateFile(HANDLE* file, ACCESS_MASK access, OBJECT_ATTRIBUTES const*
   call->shareAccess = shareAccess;
   call->disposition = disposition;
   call->options = options;
+  *file = reinterpret_cast<HANDLE>(kNoHandle);
   NTSTATUS const failure = g_files.failures.take(FileCallKind::Create);
   if (failure != STATUS_SUCCESS) return call.finish(failure);
   OpenRequest const request = {withoutGenericRights(access), shareAccess, disposition, options};

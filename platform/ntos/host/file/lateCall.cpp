@@ -1,7 +1,7 @@
 #include "file/lateCall.h"
 
+#include "currentThread.h"
 #include "ntos/sync.h"
-#include "ntos/thread.h"
 #include "ntoshost/files.h"
 #include "ntoshost/violation.h"
 
@@ -23,7 +23,7 @@ void wait(u32 milliseconds) {
 }  // namespace
 
 LateCall::LateCall(char const* call) {
-  if (KeAreAllApcsDisabled() == 0) return;
+  if (!areAllApcsDisabled()) return;
   violation("%s was called in a guarded region, where nothing tells the thread that it has ended.",
             call);
 }

@@ -44,7 +44,14 @@ Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind) {
   return block;
 }
 
+PoolBlock describe(Block& block) {
+  return {block.data(), block.size, block.tag, block.type, block.serial};
+}
+
 void holdBack(Block& block, char const* call) {
+  if (g_pool.visitGivenBack != nullptr) {
+    g_pool.visitGivenBack(g_pool.visitContext, describe(block));
+  }
   retireBlock(block);
   g_pool.taken.remove(block);
   g_pool.footprint -= footprintOf(block);

@@ -2,6 +2,7 @@
 
 #include <pthread.h>
 
+#include "ntoshost/pool.h"
 #include "pool/blockList.h"
 #include "pool/pagedMemory.h"
 
@@ -17,6 +18,8 @@ struct Pool {
   u64 lastSerial = 0;
   u64 footprint = 0;
   u64 peakFootprint = 0;
+  void (*visitGivenBack)(void* context, PoolBlock const& block) = nullptr;
+  void* visitContext = nullptr;
 };
 
 extern constinit Pool g_pool;
@@ -37,6 +40,9 @@ Block* takeBlock(POOL_TYPE type, size_t size, u32 tag, BlockKind kind);
 
 // Takes a block back, whose bytes nobody may touch from here on. The caller has the lock.
 void holdBack(Block& block, char const* call);
+
+// What callers learn of a block.
+PoolBlock describe(Block& block);
 
 // The block at this address, which was taken and not freed. The caller has the lock.
 Block& findTaken(void const* data, char const* call);

@@ -54,8 +54,14 @@ u64 peakFootprint() {
 void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void* context) {
   PoolLock const lock;
   for (Block* block = g_pool.taken.oldest; block != nullptr; block = block->newer) {
-    visit(context, PoolBlock{block->data(), block->size, block->tag, block->type, block->serial});
+    visit(context, describe(*block));
   }
+}
+
+void visitGivenBack(void (*visit)(void* context, PoolBlock const& block), void* context) {
+  PoolLock const lock;
+  g_pool.visitGivenBack = visit;
+  g_pool.visitContext = context;
 }
 
 void reportOutstanding() {

@@ -42,7 +42,11 @@ u64 peakFootprint();
 // Calls visit(context, block) for each of them, oldest first. `visit` must not use the pool.
 void visitOutstanding(void (*visit)(void* context, PoolBlock const& block), void* context);
 
-// Prints them on standard error, one line a block, oldest first.
+// From here on calls visit(context, block) for each block that is given back, before its bytes are
+// wiped; null ends it. `visit` must not use the pool, and nobody else may meanwhile set another.
+void visitGivenBack(void (*visit)(void* context, PoolBlock const& block), void* context);
+
+// Prints the outstanding blocks on standard error, one line a block, oldest first.
 void reportOutstanding();
 
 // Whether PagedPool is out of reach at DISPATCH_LEVEL here. IRQL <= DISPATCH_LEVEL.

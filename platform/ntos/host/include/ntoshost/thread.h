@@ -8,6 +8,10 @@ namespace ntoshost {
 // still tell threads apart by what they are.
 void overrideCurrentThreadId(u64 id);
 
+// Makes KeAreAllApcsDisabled say yes in critical regions, too, as Wine's kernel does, which ends
+// calls of files there all the same; false makes it the kernel's again.
+void sayAllApcsDisabledInRegions(bool saysYes);
+
 // Threads are suspended as the kernel does it, by a normal kernel APC: not within a critical or
 // guarded region, not while they own a kernel mutex, not above PASSIVE_LEVEL, but as soon as that
 // is over. The strict executive alone does so.
