@@ -17,6 +17,7 @@
 #include "support/tRecordingConfigurable.h"
 #include "support/tunnelRecords.h"
 #include "trace/startedModules.h"
+#include "trace/tLastBytes.h"
 #include "vexk/iLib.h"
 
 namespace {
@@ -26,32 +27,6 @@ using namespace nOXDIAG100;
 constexpr size_t kPage = 4096;
 constexpr size_t kHeader = sizeof(tTunnelHeader);
 constexpr size_t kRecord = sizeof(tTunnelRecord);
-
-// Bytes that end where memory ends.
-class tLastBytes {
- public:
-  explicit tLastBytes(size_t size)
-      : pages(static_cast<char*>(
-            mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))),
-        bytes(pages + kPage - size) {
-    mprotect(pages + kPage, kPage, PROT_NONE);
-  }
-  tLastBytes(void const* content, size_t size) : tLastBytes(size) {
-    std::memcpy(bytes, content, size);
-  }
-  ~tLastBytes() { munmap(pages, 2 * kPage); }
-  tLastBytes(tLastBytes const&) = delete;
-  tLastBytes& operator=(tLastBytes const&) = delete;
-
-  u64 address() const { return addressOf(bytes); }
-  std::string text(size_t size) const { return std::string(bytes, size); }
-
- private:
-  char* const pages;
-
- public:
-  char* const bytes;
-};
 
 void sendBytes(tLastBytes const& request) {
   tConfigTunnel::getInstance().dispatch(request.address());

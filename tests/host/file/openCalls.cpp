@@ -1,6 +1,7 @@
 // What the file destination asks the kernel for when it opens and closes.
 
 #include "fileCalls.h"
+#include "trace/tLastBytes.h"
 
 namespace {
 
@@ -77,6 +78,34 @@ TEST_F(FileOpenCalls, DriveLetterKeepsItsCase) {
   ASSERT_EQ(calls.size(), 2u);
   expectDirectoryCall(calls[0], "\\??\\c:\\");
   expectFileCall(calls[1], calls[0].handle, "ONE.out", 3);
+}
+
+TEST_F(FileOpenCalls, NoDriveHasAnotherNameThanALetter) {
+  for (int byte = 1; byte < 256; ++byte) {
+    char const name[] = {static_cast<char>(byte), ':', '/', 'x', '\0'};
+    bool const isLetter = (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
+    ntoshost::forgetFileCalls();
+    EXPECT_EQ(open(std::string(name)).size(), isLetter ? 2u : 0u) << byte;
+    EXPECT_EQ(opened, byte == 'C' || byte == 'c' ? 1u : 0u) << byte;
+    file.close();
+  }
+}
+
+TEST_F(FileOpenCalls, ANameIsReadUpToItsTerminator) {
+  tLastBytes const name("C:/one.out", sizeof("C:/one.out"));
+  char* words[] = {name.bytes};
+  file.configure(1, words);
+  EXPECT_EQ(file.open(), 1u);
+  EXPECT_TRUE(drive.has("one.out"));
+}
+
+TEST_F(FileOpenCalls, ANameWithoutRoomChangesNothingElse) {
+  drive.write("DebugTrace.out", "before ");
+  open("C:/" + std::string(400, 'n'));
+  EXPECT_EQ(opened, 0u);
+  EXPECT_EQ(file.open(), 1u);
+  file.put("behind");
+  EXPECT_EQ(drive.read("DebugTrace.out"), "before behind");
 }
 
 TEST_F(FileOpenCalls, BytesFrom0x80OnAreWidenedWithTheirSign) {

@@ -196,6 +196,26 @@ TEST_F(FileStreamFaults, LinesUnderTheMutexAreWritten) {
   trace.setDestination(kept);
 }
 
+TEST_F(FileStreamFaults, AFileThatAnotherStreamHasIsOpenedAnewForItsOwnNewWordsAlone) {
+  tKeptLines kept;
+  tOwnTrace other(kept);
+  tOwnTrace trace(kept);
+  other.configure("--destination file C:/one.out");
+  ntoshost::forgetFileCalls();
+  trace.configure("--destination recorder 32 --destination file");
+  EXPECT_EQ(trace.getDestination(), &instance());
+  trace.setDestination(kept);
+  trace.configure("--destination file --destination file");
+  EXPECT_EQ(trace.getDestination(), &instance());
+  EXPECT_EQ(callsOf(FileCallKind::Create).size(), 0u);
+  trace.setDestination(kept);
+  trace.configure("--destination file C:/two.out --destination file");
+  EXPECT_EQ(callsOf(FileCallKind::Create).size(), 2u);
+  EXPECT_TRUE(writesToFile(other, drive, "two.out"));
+  trace.setDestination(kept);
+  other.setDestination(kept);
+}
+
 TEST_F(FileStreamFaults, AFileThatTwoStreamsHaveAndNobodyCanOpenIsLeftByBoth) {
   tKeptLines kept;
   tOwnTrace other(kept);

@@ -3,6 +3,7 @@
 #include "fileCalls.h"
 #include "ntos/fastMutex.h"
 #include "ntos/thread.h"
+#include "ntoshost/thread.h"
 
 namespace {
 
@@ -188,6 +189,40 @@ TEST_F(FileWriteCalls, EveryWriteThatFailsInTurnLosesItsBlockOnly) {
     EXPECT_EQ(ntoshost::outstandingHandles(), 2u);
   });
   EXPECT_EQ(failures, 3u);
+}
+
+TEST_F(FileWriteCalls, ATextWithoutOneOfItsBlocksIsLost) {
+  u64 const before = tFileTraceDestination::countLostTexts();
+  ntoshost::failFileCalls(FileCallKind::Write, 1, 1, STATUS_DISK_FULL);
+  EXPECT_EQ(put(letters(512) + "end"), (tLengths{512, 3}));
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 1);
+  EXPECT_EQ(drive.read("one.out"), "end");
+}
+
+TEST_F(FileWriteCalls, TextThatTheFileOpenedAnewDoesNotTakeEitherIsLost) {
+  u64 const before = tFileTraceDestination::countLostTexts();
+  ntoshost::invalidateHandle(handle);
+  ntoshost::failFileCalls(FileCallKind::Write, 2, 1, STATUS_DISK_FULL);
+  file.put("lost");
+  EXPECT_EQ(callText(), "write close close create create write ");
+  EXPECT_EQ(tFileTraceDestination::countLostTexts(), before + 1);
+}
+
+// As Wine's kernel does, whose writes come back there.
+TEST_F(FileWriteCalls, TextIsWrittenInACriticalRegionWhereTheKernelSaysThatNoApcsCome) {
+  ntoshost::sayAllApcsDisabledInRegions(true);
+  EXPECT_EQ(file.open(), 1u);  // and learns it
+  KeEnterCriticalRegion();
+  file.put("seen");
+  KeLeaveCriticalRegion();
+  ntoshost::sayAllApcsDisabledInRegions(false);
+  EXPECT_EQ(drive.read("one.out"), "seen");
+  configureWith(file, "append");
+  EXPECT_EQ(file.open(), 1u);
+  KeEnterGuardedRegion();
+  file.put("dropped");
+  KeLeaveGuardedRegion();
+  EXPECT_EQ(drive.read("one.out"), "seen");
 }
 
 TEST_F(FileWriteCalls, AWriteThatIsGoodButNotWholeLosesItsText) {
