@@ -29,7 +29,6 @@ tTraceFilter::tTraceFilter() : shortForm(tTraceFilterShortForm::kEmpty) {
 
 tTraceFilter::~tTraceFilter() {
   removeAll();
-  releaseRemoved();
 }
 
 tTraceFilter* tTraceFilter::create() {
@@ -134,7 +133,6 @@ void tTraceFilter::setUsedFields(u32 fields) {
 void tTraceFilter::publishShortForm() {
   static_assert(kNoRange == tTraceFilterShortForm::kNoRange);
   tTraceFilterShortForm const form(first, first == last);
-  __atomic_store_n(&shownRange, kNoRange, __ATOMIC_RELAXED);
   __atomic_store_n(&shortForm, form.getWord(), __ATOMIC_RELEASE);
   __atomic_store_n(&shownRange, form.getShownRange(), __ATOMIC_RELEASE);
 }

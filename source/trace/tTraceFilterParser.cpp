@@ -50,10 +50,8 @@ void tTraceFilterParser::parse() {
 bool tTraceFilterParser::parseTerm() {
   u32 const connector = takeConnector();
   skipBlanks();
-  if (isAtEnd()) return false;
   i32 const field = takeField();
   skipBlanks();
-  if (isAtEnd()) return false;
   char const* const operatorAndValue = position;
   while (isOperatorCharacter(*position)) ++position;
   skipBlanks();

@@ -7,7 +7,7 @@
 namespace nOXDIAG100 {
 namespace {
 
-constexpr u64 kGreatest = 0xFFFFFFFF;
+constexpr u32 kGreatest = 0xFFFFFFFF;
 
 }  // namespace
 
@@ -41,10 +41,9 @@ u64 tTraceFilterShortForm::getShownRange() const {
   u64 const greater = showsGreater ? kGreatest - number : 0;
   u64 const less = showsLess ? number : 0;
   u64 const count = greater + less + (showsEqual ? 1 : 0);
-  if (count == 0 || count > kGreatest) return kNoRange;
+  if (count == 0) return kNoRange;
   bool const beginsAtNumber = showsEqual && !showsLess;
-  bool const beginsBehind = showsGreater && !showsEqual;
-  u32 const first = beginsAtNumber ? number : beginsBehind ? number + 1 : 0;
+  u32 const first = beginsAtNumber ? number : showsGreater ? number + 1 : 0;
   return (count - 1) << kNumberShift | first;
 }
 

@@ -26,7 +26,7 @@ class tTraceFilterShortForm {
 
   // The range of verbosities that are shown, of a form that is one term on the verbosity: the first
   // in the lower half, and how many follow it in the upper one, beyond the greatest number from 0
-  // on. kNoRange when the form is not that, or shows nothing or everything.
+  // on. kNoRange when the form is not that, or shows nothing.
   static constexpr u64 kNoRange = ~0ull;
   u64 getShownRange() const;
 

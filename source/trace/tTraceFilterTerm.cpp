@@ -19,16 +19,14 @@ bool beginsWith(char const* text, size_t length, char const* word) {
   return wordLength <= length && __builtin_memcmp(text, word, wordLength) == 0;
 }
 
-// The longest operator counts, so that ">=" is not taken for ">".
+// The longest operator counts, so that ">=" is not taken for ">": it stands behind the shorter
+// ones.
 i32 findOperator(char const* text, size_t length) {
   i32 found = tTraceFilterTerm::kNoOperator;
-  size_t foundLength = 0;
-  for (i32 candidate = 0; candidate < kOperatorCount; ++candidate) {
-    char const* const word = kTraceFilterOperators[candidate];
-    if (__builtin_strlen(word) > foundLength && beginsWith(text, length, word)) {
-      found = candidate;
-      foundLength = __builtin_strlen(word);
-    }
+  i32 candidate = 0;
+  for (char const* const word : kTraceFilterOperators) {
+    if (beginsWith(text, length, word)) found = candidate;
+    ++candidate;
   }
   return found;
 }
@@ -97,7 +95,7 @@ tTraceFilterTerm::tTraceFilterTerm(tMemBlockReferenceBase&& itsBlock, u32 connec
 }
 
 void tTraceFilterTerm::setValue(char const* value, size_t length) {
-  if (field == tTraceFilter::kThreadId || isKeptAsNumber(field)) number = readNumber(value, length);
+  number = readNumber(value, length);
   if (isKeptAsNumber(field)) return;
   char* const copy = reinterpret_cast<char*>(this + 1);
   __builtin_memcpy(copy, value, length);

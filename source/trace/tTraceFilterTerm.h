@@ -44,7 +44,7 @@ class tTraceFilterTerm {
   // Whether a number satisfies the operation, which is not kNoOperator, with the constant `right`.
   static bool isSatisfied(i32 operation, u32 left, u32 right);
 
-  // The constant of line number, verbosity and thread id.
+  // The constant as a number: what line number, verbosity and thread id are compared with.
   u32 getNumber() const { return number; }
 
   // The constant as it was given; null for line number and verbosity, which keep the number alone.

@@ -10,7 +10,7 @@ namespace nOXDIAG100 {
 inline constexpr char const* kTraceFilterFields[] = {"compname", "compver",  "linenumber",
                                                      "filename", "threadid", "verbosity"};
 
-// The operators, in the order of their numbers.
+// The operators, in the order of their numbers. None begins with one that stands behind it.
 inline constexpr char const* kTraceFilterOperators[] = {"==", "!=", ">", "<", ">=", "<="};
 
 // What separates words: the blank, and tab to carriage return.

@@ -257,6 +257,22 @@ TEST(TraceFilter, TwoDifferentConnectorCharactersAreNoConnector) {
   EXPECT_TRUE(filter.isEmpty());
 }
 
+TEST(TraceFilter, TwoEqualLettersAreNoConnector) {
+  tWrittenFilter filter("line==1");
+  filter.parseExpression("ll==2");
+  EXPECT_STREQ("", filter.text());
+}
+
+TEST(TraceFilter, NothingBehindTheEndOfTheTextIsRead) {
+  tWrittenFilter filter("line==1");
+  filter.parseExpression("compname\0==slotbus");
+  EXPECT_STREQ("", filter.text());
+  filter.parseExpression("&&\0line==2");
+  EXPECT_STREQ("", filter.text());
+  filter.parseExpression("line \0==2");
+  EXPECT_STREQ("", filter.text());
+}
+
 TEST(TraceFilter, AThirdConnectorCharacterBelongsToTheFieldWord) {
   tWrittenFilter filter;
   filter.parseExpression("&&& line==5");

@@ -156,6 +156,26 @@ TEST(TraceFilterTerms, NothingBehindTheGivenLengthIsRead) {
   EXPECT_STREQ(" --filter \"verbosity>0 && verbosity>=2 && compname==ab\"", filter.text());
 }
 
+TEST(TraceFilterTerms, BlanksBehindTheGivenLengthAreNotSkipped) {
+  tEmptyFilter filter;
+  filter.addTerm(">=  500", 3, tTraceFilter::kFirst, tTraceFilter::kVerbosity);
+  EXPECT_STREQ(" --filter \"verbosity>=0\"", filter.text());
+  filter.addTerm("==  abc", 3, tTraceFilter::kAnd, tTraceFilter::kComponentName);
+  EXPECT_STREQ(" --filter \"verbosity>=0 && compname==\"", filter.text());
+}
+
+TEST(TraceFilterTerms, RemovingWhatIsNoFieldChangesNothing) {
+  tEmptyFilter filter;
+  for (i32 field = 0; field < tTraceFilter::kFieldCount; ++field) {
+    filter.addTerm("==1", tTraceFilter::kAnd, field);
+  }
+  constexpr i32 kNoFields[] = {-1, 6, 32, 33, INT32_MIN, INT32_MAX};
+  for (i32 const field : kNoFields) filter.removeField(field);
+  for (i32 field = 0; field < tTraceFilter::kFieldCount; ++field) {
+    EXPECT_TRUE(filter.usesField(field));
+  }
+}
+
 TEST(TraceFilterTerms, RemovingAFieldRemovesAllItsTermsAndNoOther) {
   tEmptyFilter filter;
   filter.parseExpression("line>1 && verb>2 && line<9 || comp==a || verb<5");

@@ -2,6 +2,8 @@
 // place, and nothing leaks.
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/mman.h>
 
 #include "ntoshost/executive.h"
 #include "oxdiagk/tTraceFilter.h"
@@ -40,7 +42,9 @@ TEST_F(FilterFaults, CreateGivesAnEmptyFilterWithoutMemoryForTheDefaultTerm) {
   ASSERT_NE(filter, nullptr);
   EXPECT_TRUE(filter->isEmpty());
   EXPECT_TRUE(filter->hasFailed());
-  EXPECT_TRUE(filter->evaluate("", "", 0, "", 0, 0));
+  for (u32 const verbosity : {0u, 5u, ~0u}) {
+    EXPECT_TRUE(filter->evaluate("", "", 0, "", 0, verbosity)) << verbosity;
+  }
   delete filter;
 }
 
@@ -136,6 +140,72 @@ TEST_F(FilterFaults, EvaluatingAndWritingAllocateNothing) {
   filter.write(buffer, sizeof(buffer), nullptr);
   filter.evaluate("a", "1.0.0f7", 3, "file", 26, 100);
   EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
+}
+
+TEST_F(FilterFaults, ARemovedTermIsReleasedAtOnce) {
+  tTraceFilter filter;
+  filter.removeAll();
+  u64 const empty = ntoshost::outstandingBlocks();
+  filter.parseExpression(kFourTerms);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), empty + 4);
+  filter.removeField(tTraceFilter::kThreadId);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), empty + 3);
+  filter.removeAll();
+  EXPECT_EQ(ntoshost::outstandingBlocks(), empty);
+}
+
+namespace {
+
+// A component's name that calls `work` when it is read first, within an evaluation.
+class tNameThatIsRead {
+ public:
+  explicit tNameThatIsRead(void (*work)()) {
+    atRead = work;
+    page = mmap(nullptr, kPage, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    struct sigaction action = {};
+    action.sa_handler = [](int) {
+      mprotect(page, kPage, PROT_READ);
+      atRead();
+    };
+    sigaction(SIGSEGV, &action, &former);
+  }
+  ~tNameThatIsRead() {
+    sigaction(SIGSEGV, &former, nullptr);
+    munmap(page, kPage);
+  }
+  tNameThatIsRead(tNameThatIsRead const&) = delete;
+  tNameThatIsRead& operator=(tNameThatIsRead const&) = delete;
+
+  char const* text() const { return static_cast<char const*>(page); }
+
+ private:
+  static constexpr size_t kPage = 4096;
+  static inline void* page = nullptr;
+  static inline void (*atRead)() = nullptr;
+  struct sigaction former = {};
+};
+
+tTraceFilter* evaluated = nullptr;
+u64 blocksWithin = 0;
+
+}  // namespace
+
+TEST_F(FilterFaults, ATermThatIsRemovedWithinAnEvaluationIsReleasedAtTheNextChange) {
+  tTraceFilter filter;
+  filter.parseExpression("comp!=a && comp!=b");
+  evaluated = &filter;
+  u64 const before = ntoshost::outstandingBlocks();
+  tNameThatIsRead const name([] {
+    evaluated->removeAll();
+    evaluated->addTerm(">=1", tTraceFilter::kFirst, tTraceFilter::kVerbosity);
+    blocksWithin = ntoshost::outstandingBlocks();
+  });
+  EXPECT_TRUE(filter.evaluate(name.text(), "", 0, "", 0, 0));
+  EXPECT_EQ(blocksWithin, before + 1);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), before + 1);
+  filter.addTerm("<500", tTraceFilter::kAnd, tTraceFilter::kVerbosity);
+  EXPECT_EQ(ntoshost::outstandingBlocks(), before);
+  EXPECT_EQ(writtenExpression(filter), "verbosity>=1 && verbosity<500");
 }
 
 TEST_F(FilterFaults, TermsLieInMemoryThatAnyIrqlMayRead) {

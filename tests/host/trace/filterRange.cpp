@@ -3,12 +3,19 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <string>
 
 #include "keptLines.h"
 #include "oxdiagk/tTraceFilter.h"
+#include "trace/tTraceFilterLine.h"
+#include "trace/tTraceFilterShortForm.h"
+#include "trace/tTraceFilterTerm.h"
 
 using nOXDIAG100::tTraceFilter;
+using nOXDIAG100::tTraceFilterLine;
+using nOXDIAG100::tTraceFilterShortForm;
+using nOXDIAG100::tTraceFilterTerm;
 
 namespace {
 
@@ -60,10 +67,11 @@ TEST(FilterRange, EachOperatorHoldsAtTheEndsOfTheNumbers) {
   }
 }
 
-// Nothing and everything are no ranges; whatever else one term says, is one.
-TEST(FilterRange, EveryTermThatDividesTheNumbersIsARange) {
-  for (std::string const term : {"==0", "!=0", ">0", "<=0", "==4294967295", "!=4294967295",
-                                 "<4294967295", ">=4294967295", ">=1", "<1", "!=4294967294"}) {
+// Nothing is no range; whatever else one term says, is one.
+TEST(FilterRange, EveryTermThatShowsANumberIsARange) {
+  for (std::string const term :
+       {"==0", "!=0", ">0", "<=0", "==4294967295", "!=4294967295", "<4294967295", ">=4294967295",
+        ">=1", "<1", "!=4294967294", ">=0", "<=4294967295"}) {
     tVerbosityFilter const filter(term);
     for (u32 const verbosity : neighboursOf(0)) {
       EXPECT_NE(filter.isSurelyHidden(verbosity), filter.isSurelyShown(verbosity)) << term;
@@ -88,4 +96,37 @@ TEST(FilterRange, ASecondTermEndsTheRangeAndItsRemovalBringsItBack) {
   EXPECT_FALSE(filter.isSurelyHidden(99) || filter.isSurelyShown(100));
   filter.removeField(tTraceFilter::kLineNumber);
   EXPECT_TRUE(filter.isSurelyHidden(99) && filter.isSurelyShown(100));
+}
+
+namespace {
+
+// The short form of one term, by itself: as it judges a line beside a change of the filter, while
+// there is no range.
+bool isShownByForm(char const* text, i32 field, u32 line, u32 verbosity) {
+  tTraceFilterTerm* const term =
+      tTraceFilterTerm::create(text, strlen(text), tTraceFilter::kFirst, field);
+  tTraceFilterShortForm const form(tTraceFilterShortForm(term, true).getWord());
+  EXPECT_TRUE(form.isWhole()) << text;
+  bool const isShown = form.evaluate(tTraceFilterLine("rack", "1.0.0", line, "", 1, verbosity));
+  tTraceFilterTerm::destroy(term);
+  return isShown;
+}
+
+}  // namespace
+
+TEST(FilterShortForm, ATermOfTheVerbosityLooksAtTheVerbosity) {
+  EXPECT_TRUE(isShownByForm(">=100", tTraceFilter::kVerbosity, 7, 100));
+  EXPECT_FALSE(isShownByForm(">=100", tTraceFilter::kVerbosity, 700, 99));
+}
+
+TEST(FilterShortForm, ATermOfTheLineNumberLooksAtTheLineNumber) {
+  EXPECT_TRUE(isShownByForm("<100", tTraceFilter::kLineNumber, 99, 700));
+  EXPECT_FALSE(isShownByForm("<100", tTraceFilter::kLineNumber, 100, 7));
+}
+
+TEST(FilterShortForm, TheEmptyFilterIsOneWordThatShowsEveryLine) {
+  tTraceFilterShortForm const form(nullptr, true);
+  EXPECT_EQ(form.getWord(), tTraceFilterShortForm::kEmpty);
+  EXPECT_TRUE(form.isWhole());
+  EXPECT_TRUE(form.evaluate(tTraceFilterLine("", "", 7, "", 1, 7)));
 }
