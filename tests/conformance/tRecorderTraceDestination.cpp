@@ -3,6 +3,7 @@
 #include "oxdiagk/tRecorderTraceDestination.h"
 #include "conformance/harness.h"
 #include "oxdiagk/tTrace.h"
+#include "oxdiagk/tVEXTraceDestination.h"
 #include "support/recordingDestination.h"
 #include "support/traceState.h"
 
@@ -10,6 +11,7 @@ namespace {
 
 using nOXDIAG100::tRecorderRing;
 using nOXDIAG100::tRecorderTraceDestination;
+using nOXDIAG100::tVEXTraceDestination;
 
 constexpr u32 kBytesPerKiB = 1024;
 
@@ -152,6 +154,17 @@ TEST_F(Recorder, SettingsAreThoseOfTheLastOpen) {
   configureWords(recorder, "unknown");
   ASSERT_EQ(recorder.open(), u32{1});
   EXPECT_STREQ(inquire(), " --destination recorder 12");
+}
+
+TEST(RecorderOption, WhatIsDestroyedLeavesItsStreamToTheDebuggerPrint) {
+  tRecordingDestination before;
+  tPrivateTrace trace(before);
+  {
+    tRecorderTraceDestination recorder;
+    trace.setDestination(recorder);
+    EXPECT_TRUE(trace.getDestination() == &recorder);
+  }
+  EXPECT_TRUE(trace.getDestination() == &tVEXTraceDestination::getInstance());
 }
 
 TEST(RecorderOption, ChoosesTheInstanceAndComesBackByPop) {

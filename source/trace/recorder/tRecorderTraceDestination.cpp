@@ -58,7 +58,7 @@ iTraceDestination& tRecorderTraceDestination::put(char const* text) {
 }
 
 iTraceDestination& tRecorderTraceDestination::put(char const* text, unsigned int length) {
-  if (text == nullptr || length == 0) return *this;
+  if (text == nullptr) return *this;
   tRecorderRing* const current = loadRing();
   if (current != nullptr) keep(*current, text, length);
   if (loadRelaxed(handsOn)) tVEXTraceDestination::getInstance().put(text, length);

@@ -195,6 +195,18 @@ TEST_F(RecorderCrash, WhateverTheSystemAsksForIsAnswered) {
   EXPECT_EQ(data.OutBuffer, nullptr);
 }
 
+// A stream may be built upon a recorder that could not be opened.
+TEST_F(RecorderCrash, WithoutARingALineThatWasNotEndedIsInNoDump) {
+  crash([&] {
+    tPrivateTrace trace(recorder);
+    ntoshost::failNth(ntoshost::kFaultMemory, 2);
+    ASSERT_EQ(recorder.open(), 0u);
+    trace.put("unfinished");
+    stop();
+  });
+  EXPECT_EQ(content, "");
+}
+
 TEST_F(RecorderCrash, WithoutMemoryForTheRingTheDumpIsEmpty) {
   crash([&] {
     ntoshost::failNth(ntoshost::kFaultMemory, 2);

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "capturedPrint.h"
+#include "ntoshost/pool.h"
 #include "oxdiagk/tRecorderTraceDestination.h"
 #include "startedModules.h"
 
@@ -30,6 +31,25 @@ class RecorderHandsOn : public testing::Test {
 
   tRecorderTraceDestination recorder;
   tCapturedPrint print;
+};
+
+// How many blocks are given back that begin as a ring, or as one whose signature was wiped.
+struct tRingsGivenBack {
+  tRingsGivenBack() { ntoshost::visitGivenBack(&count, this); }
+  ~tRingsGivenBack() { ntoshost::visitGivenBack(nullptr, nullptr); }
+
+  static void count(void* context, ntoshost::PoolBlock const& block) {
+    tRecorderRing ring;
+    if (block.size < sizeof(ring)) return;
+    memcpy(&ring, block.address, sizeof(ring));
+    if (ring.inverse != ~ring.capacity) return;
+    tRingsGivenBack& self = *static_cast<tRingsGivenBack*>(context);
+    if (ring.signature[0] == tRecorderRing::kSignature[0]) ++self.found;
+    if (ring.signature[0] == '\0') ++self.wiped;
+  }
+
+  int found = 0;
+  int wiped = 0;
 };
 
 }  // namespace
@@ -105,4 +125,25 @@ TEST_F(RecorderHandsOn, ATextOfJustTheRingFillsIt) {
   tRecorderRing& ring = const_cast<tRecorderRing&>(*recorder.getRing());
   EXPECT_EQ(std::string(ring.getText(), 1024), text + "b");
   EXPECT_EQ(ring.written, 1024u);
+}
+
+// A later dump would show it as a second recorder.
+TEST_F(RecorderHandsOn, ARingIsGivenBackWithoutItsSignature) {
+  tRingsGivenBack rings;
+  open("1");
+  recorder.put("text");
+  open("2");
+  EXPECT_EQ(rings.wiped, 1);
+  {
+    tRecorderTraceDestination other;
+    ASSERT_EQ(other.open(), 1u);
+  }
+  EXPECT_EQ(rings.wiped, 2);
+  EXPECT_EQ(rings.found, 0);
+}
+
+TEST_F(RecorderHandsOn, ARecorderThatWasNeverOpenedGivesNothingBack) {
+  tRingsGivenBack const rings;
+  { tRecorderTraceDestination const other; }
+  EXPECT_EQ(rings.wiped + rings.found, 0);
 }
