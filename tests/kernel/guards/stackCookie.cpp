@@ -6,12 +6,10 @@
 #include "conformance/harness.h"
 #include "guards/moduleGuards.h"
 #include "ntos/bugCheck.h"
-#include "ntos/status.h"
 #include "oxdiagk/module.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
 #include "wine/redirect.h"
-#include "wine/wineKernel.h"
 
 extern "C" char const __ImageBase;
 
@@ -26,7 +24,7 @@ constinit tBugCheck seen = {};
 
 [[noreturn]] void noteBugCheck(u32 code, u64 first, u64 second, u64 third, u64 fourth) {
   seen = {code, {first, second, third, fourth}};
-  ExRaiseStatus(STATUS_UNSUCCESSFUL);
+  __builtin_trap();
 }
 
 // Stands for the end of the machine while it lives.

@@ -39,9 +39,6 @@ NTOS_IMPORT NTSTATUS KeDelayExecutionThread(KPROCESSOR_MODE mode, BOOLEAN alerta
 NTOS_IMPORT NTSTATUS ZwProtectVirtualMemory(HANDLE process, void** address, size_t* size,
                                             u32 protection, u32* before);
 
-// Raises a structured exception with this code.
-[[noreturn]] NTOS_IMPORT void ExRaiseStatus(NTSTATUS status);
-
 // Copies parts of an object's security, as one relative descriptor.
 NTOS_IMPORT NTSTATUS ZwQuerySecurityObject(HANDLE object, u32 information, void* descriptor,
                                            u32 size, u32* needed);
