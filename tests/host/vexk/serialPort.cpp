@@ -1,8 +1,15 @@
 // The model of a 16550 behind the host's I/O ports, connected to a file or to nothing.
 
 #include <errno.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
 
+#include <atomic>
+#include <thread>
 #include <vector>
 
 #include "ntoshost/executive.h"
@@ -33,6 +40,7 @@ TEST(SerialPort, ReadsFFEverywhereWhenNothingIsConnected) {
     ports.write(port, 0x55);
     EXPECT_EQ(ports.read(port), 0xFF) << port;
   }
+  EXPECT_EQ(vexkhost::getLostSerialBytes(), 0u);
 }
 
 TEST(SerialPort, OtherPortsReadFFAndIgnoreWrites) {
@@ -86,6 +94,19 @@ TEST(SerialPort, ConnectingIsAFallibleCallThatLeavesNothingConnected) {
   EXPECT_EQ(errno, EMFILE);
   tOpenPorts const ports;
   EXPECT_EQ(ports.read(kComLineStatus), 0xFF);
+  ASSERT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  ntoshost::failNth(ntoshost::kFaultSerialLine, 1);
+  EXPECT_FALSE(vexkhost::connectSerialFile(file.path.c_str()));
+  ntoshost::clearFaults();
+  EXPECT_EQ(ports.read(kComLineStatus), 0xFF);
+}
+
+TEST(SerialPort, ConnectingTakesNoOtherFault) {
+  tSerialFile const file;
+  ntoshost::failFrom(ntoshost::kFaultAll & ~ntoshost::kFaultSerialLine, 1);
+  EXPECT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  ntoshost::clearFaults();
+  EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
 }
 
 TEST(SerialPort, StartsIdleAndReady) {
@@ -167,6 +188,64 @@ TEST(SerialPort, FileIsEmptiedByTheConnection) {
   EXPECT_EQ(file.content(), "");
 }
 
+TEST(SerialPort, FileIsCreatedForAllWhomTheMaskAllows) {
+  tSerialFile const file;
+  unlink(file.path.c_str());
+  mode_t const mask = umask(0);
+  EXPECT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  umask(mask);
+  struct stat made = {};
+  EXPECT_EQ(stat(file.path.c_str(), &made), 0);
+  EXPECT_EQ(made.st_mode, mode_t{S_IFREG | 0666});
+}
+
+TEST(SerialPort, AnEarlierErrorSendsNoByteTwice) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  errno = EINTR;
+  ports.write(kComData, 'a');
+  EXPECT_EQ(file.content(), "a");
+}
+
+// A pipe that is full has the program wait, and a signal interrupts that.
+TEST(SerialPort, ASignalLosesNoByte) {
+  static std::atomic<int> signals;
+  tSerialFile const file;
+  vexkhost::disconnectSerialPort();
+  unlink(file.path.c_str());
+  ASSERT_EQ(mkfifo(file.path.c_str(), 0600), 0);
+  int const reader = open(file.path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  ASSERT_TRUE(vexkhost::connectSerialFile(file.path.c_str()));
+  int const size = fcntl(reader, F_SETPIPE_SZ, 4096);
+  struct sigaction former;
+  struct sigaction interrupting = {};
+  interrupting.sa_handler = [](int) { ++signals; };
+  sigaction(SIGUSR1, &interrupting, &former);
+  std::atomic<bool> isSent = false;
+  std::thread sender([&] {
+    tOpenPorts const ports;
+    for (int count = 0; count <= size; ++count) ports.write(kComData, 'a');
+    isSent = true;
+  });
+  for (int waiting = 0; waiting != size;) ASSERT_EQ(ioctl(reader, FIONREAD, &waiting), 0);
+  for (int count = 1; count <= 50; ++count) {
+    pthread_kill(sender.native_handle(), SIGUSR1);
+    while (signals < count) std::this_thread::yield();
+  }
+  int received = 0;
+  char bytes[4096];
+  while (!isSent || received < size + 1) {
+    ssize_t const got = read(reader, bytes, sizeof(bytes));
+    if (got > 0) received += static_cast<int>(got);
+    if (isSent && got <= 0) break;
+  }
+  sender.join();
+  EXPECT_EQ(received, size + 1);
+  EXPECT_EQ(vexkhost::getLostSerialBytes(), 0u);
+  sigaction(SIGUSR1, &former, nullptr);
+  close(reader);
+}
+
 TEST(SerialPort, ConnectionResetsTheRegisters) {
   tSerialFile const file;
   tOpenPorts const ports;
@@ -241,6 +320,16 @@ TEST(SerialPort, ChangeOfAModemLineIsToldOnce) {
   EXPECT_EQ(ports.read(kComModemStatus), 0x01);
 }
 
+TEST(SerialPort, ChangesOfSeveralModemLinesAreToldTogether) {
+  tSerialFile const file;
+  tOpenPorts const ports;
+  vexkhost::setSerialModemLines(0x00);
+  ports.read(kComModemStatus);
+  vexkhost::setSerialModemLines(0x10);
+  vexkhost::setSerialModemLines(0x30);
+  EXPECT_EQ(ports.read(kComModemStatus), 0x33);
+}
+
 TEST(SerialPort, OnlyTheEndOfARingIsToldAsAChange) {
   tSerialFile const file;
   tOpenPorts const ports;
@@ -263,7 +352,31 @@ TEST(SerialPort, HookSeesEveryAccessInOrder) {
   EXPECT_TRUE(seen.list[0].isWrite);
   EXPECT_EQ(seen.list[1].port, kComModemStatus);
   EXPECT_FALSE(seen.list[1].isWrite);
+  EXPECT_EQ(seen.list[1].value, 0);
   EXPECT_EQ(seen.list[2].port, 0x2F8);
+}
+
+TEST(SerialPort, HookHasAllOtherThreadsWait) {
+  static std::atomic<int> inside;
+  static std::atomic<int> most;
+  tSerialFile const file;
+  vexkhost::setSerialAccessHook(
+      [](void*, vexkhost::SerialAccess const&) {
+        int const now = ++inside;
+        if (now > most) most = now;
+        std::this_thread::yield();
+        --inside;
+      },
+      nullptr);
+  auto const use = [] {
+    tOpenPorts const ports;
+    for (int count = 0; count < 100; ++count) ports.read(kComScratch);
+  };
+  std::thread other(use);
+  use();
+  other.join();
+  vexkhost::setSerialAccessHook(nullptr, nullptr);
+  EXPECT_EQ(most, 1);
 }
 
 TEST(SerialPort, HookActsBeforeTheAccessItSees) {

@@ -3,6 +3,8 @@
 #include <errno.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
 
 #include <chrono>
 #include <filesystem>
@@ -62,6 +64,16 @@ size_t fill(tOpenPorts const& ports, char value) {
 
 long countDescriptors() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+// Descriptors that a program would get which this one starts.
+int countInherited() {
+  int count = 0;
+  for (auto const& entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+    int const flags = fcntl(std::stoi(entry.path().filename()), F_GETFD);
+    if (flags >= 0 && (flags & FD_CLOEXEC) == 0) ++count;
+  }
+  return count;
 }
 
 u64 millisecondsSince(std::chrono::steady_clock::time_point start) {
@@ -135,6 +147,59 @@ TEST(SerialTerminal, NoDescriptorIsLeftOrMissing) {
   EXPECT_EQ(countDescriptors(), before + 1);
   vexkhost::disconnectSerialPort();
   EXPECT_EQ(countDescriptors(), before);
+}
+
+TEST(SerialTerminal, WithoutADescriptorThePortIsAbsentAndTheReasonIsTold) {
+  char name[64];
+  int const lowest = dup(0);
+  close(lowest);
+  rlimit former;
+  ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &former), 0);
+  long const before = countDescriptors();
+  for (rlim_t spare = 0; spare < 2; ++spare) {
+    rlimit const few = {static_cast<rlim_t>(lowest) + spare, former.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+    errno = 0;
+    EXPECT_FALSE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+    EXPECT_EQ(errno, EMFILE);
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &former), 0);
+    EXPECT_EQ(countDescriptors(), before);
+    EXPECT_EQ(tOpenPorts().read(kComScratch), 0xFF);
+  }
+}
+
+TEST(SerialTerminal, TheDescriptorOfTheStandardInputIsOneLikeOthers) {
+  char name[64];
+  int const kept = dup(0);
+  close(0);
+  long const before = countDescriptors();
+  ASSERT_TRUE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+  EXPECT_EQ(countDescriptors(), before + 2);
+  vexkhost::disconnectSerialPort();
+  EXPECT_EQ(countDescriptors(), before);
+  dup2(kept, 0);
+  close(kept);
+}
+
+TEST(SerialTerminal, IsNothingToProgramsThatThisOneStarts) {
+  char name[64];
+  int const before = countInherited();
+  ASSERT_TRUE(vexkhost::connectSerialTerminal(name, sizeof(name)));
+  EXPECT_EQ(countInherited(), before);
+  vexkhost::disconnectSerialPort();
+}
+
+TEST(SerialTerminal, DoesNotBecomeTheTerminalOfTheSession) {
+  pid_t const child = fork();
+  if (child == 0) {
+    char name[64];
+    setsid();
+    bool const isConnected = vexkhost::connectSerialTerminal(name, sizeof(name));
+    _exit(isConnected && open("/dev/tty", O_RDWR | O_CLOEXEC) < 0 ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
 }
 
 TEST(SerialTerminal, TransmitterIsBusyWhileTheTerminalIsFull) {

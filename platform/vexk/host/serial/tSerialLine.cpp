@@ -70,7 +70,6 @@ bool tSerialLine::prepareTerminal(char* name, size_t size) {
 void tSerialLine::disconnect() {
   closeKeepingError(output);
   closeKeepingError(terminal);
-  busySince = 0;
   lostBytes = 0;
 }
 
@@ -83,7 +82,7 @@ bool tSerialLine::take(u8 value) {
     busySince = 0;
     return true;
   }
-  if (written < 0 && errno == EAGAIN && hasPatience()) return false;
+  if (errno == EAGAIN && hasPatience()) return false;
   ++lostBytes;
   return true;
 }
