@@ -49,19 +49,20 @@ void readNotes(char const* notes, u64 left, tLoadedModule& module) {
 // The program itself has no name in the list.
 void setName(char const* path, tLoadedModule& module) {
   auto const* const program = reinterpret_cast<char const*>(getauxval(AT_EXECFN));
-  if (path[0] == '\0' && program != nullptr) path = program;
+  if (*path == '\0' && program != nullptr) path = program;
   setModuleName(module, path, std::strlen(path));
 }
 
-// The base is what the addresses in the file are counted from, so that it can be subtracted.
+// The base is what the addresses in the file are counted from, so that it can be subtracted. The
+// loader takes files alone whose parts ascend: the last one ends the module.
 bool hasAddress(dl_phdr_info const& info, u64 address, u64& size) {
   bool hasIt = false;
   for (unsigned i = 0; i != info.dlpi_phnum; ++i) {
     auto const& part = info.dlpi_phdr[i];
     if (part.p_type != PT_LOAD) continue;
     u64 const start = info.dlpi_addr + part.p_vaddr;
-    hasIt = hasIt || (address >= start && address - start < part.p_memsz);
-    if (size < part.p_vaddr + part.p_memsz) size = part.p_vaddr + part.p_memsz;
+    hasIt = hasIt || address - start < part.p_memsz;
+    size = part.p_vaddr + part.p_memsz;
   }
   return hasIt;
 }
