@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <thread>
 
@@ -234,6 +235,18 @@ TEST_F(FolderByDefault, IsNoLinkToAnotherOne) {
 TEST_F(ServerLife, ARuntimeFolderWithALongNameIsRefused) {
   setenv("XDG_RUNTIME_DIR", ("/" + std::string(200, 'x')).c_str(), 1);
   expectRefusedStart(nullptr, ENAMETOOLONG);
+  unsetenv("XDG_RUNTIME_DIR");
+}
+
+TEST_F(ServerLife, TheLongestPathFillsItsPlace) {
+  char found[vexkhost::kRequestPathSize];
+  std::string longest(vexkhost::kRequestPathSize - 1 - std::strlen("/oxdiag.socket"), 'x');
+  longest[0] = '/';
+  setenv("XDG_RUNTIME_DIR", longest.c_str(), 1);
+  EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
+  EXPECT_EQ(found, longest + "/oxdiag.socket");
+  setenv("XDG_RUNTIME_DIR", (longest + "x").c_str(), 1);
+  EXPECT_FALSE(vexkhost::getRequestSocketPath(found));
   unsetenv("XDG_RUNTIME_DIR");
 }
 

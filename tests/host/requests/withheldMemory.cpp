@@ -1,20 +1,16 @@
 // Callers whose memory never arrives, and those of several users who want the same places.
 
-#include <fcntl.h>
-#include <linux/userfaultfd.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
-#include <sys/syscall.h>
 
 #include <chrono>
-#include <cstring>
 #include <memory>
 #include <thread>
 #include <vector>
 
 #include "requests/requestTest.h"
+#include "requests/tWithheldPages.h"
 
 using namespace vexkhost;
 
@@ -22,56 +18,11 @@ namespace {
 
 using tClock = std::chrono::steady_clock;
 
-constexpr size_t kPage = 4096;
 constexpr uid_t kSomebody = 65534;
 constexpr std::chrono::milliseconds kOneSecond{1000};
 constexpr std::chrono::milliseconds kBetweenLooks{1};
 constexpr int kLooks = 20000;
 constexpr int kAttempts = 10;
-
-void* newPages(size_t size) {
-  return mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-}
-
-void* newPage() {
-  return newPages(kPage);
-}
-
-// Pages of this process that are there when this says so: until then, or the end of the process,
-// whoever touches one waits for it.
-class tWithheldPages {
- public:
-  tWithheldPages(void* begin, size_t size)
-      : faults(static_cast<int>(syscall(SYS_userfaultfd, O_CLOEXEC))) {
-    uffdio_api interface = {UFFD_API, 0, 0};
-    uffdio_register registration = {};
-    registration.range = {reinterpret_cast<u64>(begin), size};
-    registration.mode = UFFDIO_REGISTER_MODE_MISSING;
-    isWithheld = faults >= 0 && ioctl(faults, UFFDIO_API, &interface) == 0 &&
-                 ioctl(faults, UFFDIO_REGISTER, &registration) == 0;
-  }
-
-  bool deliver(void* page, tDoubling const& doubling) const {
-    alignas(kPage) static u8 content[kPage];
-    memcpy(content, &doubling, sizeof(doubling));
-    uffdio_copy filling = {reinterpret_cast<u64>(page), reinterpret_cast<u64>(content), kPage, 0,
-                           0};
-    return ioctl(faults, UFFDIO_COPY, &filling) == 0;
-  }
-
-  bool isWithheld;  // false when the system does not let this program do that
-
- private:
-  int faults;
-};
-
-bool withhold(void* page) {
-  return tWithheldPages(page, kPage).isWithheld;
-}
-
-bool canWithhold() {
-  return tChild([] { return withhold(newPage()) ? 0 : 1; }).await() == 0;
-}
 
 #define SKIP_UNLESS_MEMORY_CAN_BE_WITHHELD() \
   if (!canWithhold()) GTEST_SKIP() << "the system lets only root handle faults of its memory"
@@ -324,7 +275,7 @@ TEST_F(WithheldMemory, ThatArrivesAfterAllIsServed) {
     if (connection.awaitGreeting() != kRequestAccepted) return 102;
     if (!connection.send(kDoubler, page)) return 103;
     std::this_thread::sleep_for(kOneSecond / 2);  // the server reads meanwhile
-    if (!withheld.deliver(page, {21})) return 104;
+    if (!withheld.deliver(page, tDoubling{21})) return 104;
     if (connection.awaitReply() != kRequestAccepted) return 105;
     return static_cast<tDoubling*>(page)->result == 42 ? 0 : 106;
   });
@@ -365,7 +316,7 @@ TEST_F(WithheldMemory, AStopWaitsLessThanASecondForMemoryThatTricklesIn) {
     if (!connection.send("nTEST://nEcho", pages) || !isSent.give()) return 102;
     for (size_t at = 0; at < tEcho::kLength; at += kPage) {
       std::this_thread::sleep_for(kOneSecond / 8);  // each page comes a little later
-      if (!withheld.deliver(pages + at, {})) return 103;
+      if (!withheld.deliver(pages + at, u8{0})) return 103;
     }
     return connection.awaitReply();
   }));

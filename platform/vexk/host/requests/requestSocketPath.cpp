@@ -12,7 +12,7 @@ bool getRequestSocketPath(char (&path)[kRequestPathSize]) {
   int const length = hasFolder ? snprintf(path, sizeof(path), "%s/oxdiag.socket", folder)
                                : snprintf(path, sizeof(path), "/tmp/oxdiag-%u/oxdiag.socket",
                                           static_cast<unsigned>(geteuid()));
-  return length > 0 && static_cast<size_t>(length) < sizeof(path);
+  return static_cast<size_t>(length) < sizeof(path);
 }
 
 }  // namespace vexkhost

@@ -145,20 +145,10 @@ u32 tMemoryCourier::getWaitingTime() {
 }
 
 tMemoryCourier::tMemoryCourier(pid_t target, uid_t owner) : process(target), user(owner) {
-  pthread_condattr_t attributes;
-  pthread_condattr_init(&attributes);
-  pthread_condattr_setclock(&attributes, CLOCK_MONOTONIC);
-  pthread_cond_init(&changed, &attributes);
-  pthread_condattr_destroy(&attributes);
-}
-
-tMemoryCourier::~tMemoryCourier() {
-  pthread_cond_destroy(&changed);
 }
 
 void tMemoryCourier::release() {
   if (__atomic_sub_fetch(&references, 1, __ATOMIC_ACQ_REL) != 0) return;
-  this->~tMemoryCourier();
   free(this);
 }
 

@@ -53,7 +53,6 @@ class tMemoryCourier {
   static constexpr size_t kLoadSize = 16384;  // bytes carried at once
 
   tMemoryCourier(pid_t target, uid_t owner);
-  ~tMemoryCourier();
 
   static bool mayBeHired(pid_t process, uid_t user);
   void addToAway();
@@ -74,13 +73,13 @@ class tMemoryCourier {
   pthread_t thread = {};
   u32 references = 2;  // atomic: of the thread and of who has hired it
 
-  tThreadLock lock;        // of all below
-  pthread_cond_t changed;  // on the monotonic clock
+  tThreadLock lock;  // of all below
+  pthread_cond_t changed = PTHREAD_COND_INITIALIZER;
   bool isUnderWay = false;
   bool isDismissed = false;
   bool isLost = false;  // nobody waits for it any more
   bool isHurried = false;
-  u64 begun = 0;  // nanoseconds on that clock, as the next two
+  u64 begun = 0;  // nanoseconds on the monotonic clock, as the next two
   u64 hurriedSince = 0;
   u64 hurriedLeft = 0;
   tErrand errand = kReach;  // this and the rest is the thread's own while it is under way

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <pthread.h>
+#include <time.h>
 
 // A lock of the host's own threads; they are no part of the kernel that the executive plays.
 class tThreadLock {
@@ -11,10 +12,10 @@ class tThreadLock {
   void giveBack() { pthread_mutex_unlock(&mutex); }
 
   // Gives the lock, which the caller has taken, back until somebody signals `changed` or, by the
-  // clock of that, the moment is there.
+  // monotonic clock, the moment is there.
   void wait(pthread_cond_t& changed) { pthread_cond_wait(&changed, &mutex); }
   void wait(pthread_cond_t& changed, timespec const& moment) {
-    pthread_cond_timedwait(&changed, &mutex, &moment);
+    pthread_cond_clockwait(&changed, &mutex, CLOCK_MONOTONIC, &moment);
   }
 
   // Holds a lock for a scope.
