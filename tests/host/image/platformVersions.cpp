@@ -57,6 +57,14 @@ TEST(PlatformVersions, AnOlderOneIsRefusedInWords) {
   }
 }
 
+TEST(PlatformVersions, TheOwnOneIsBackAfterAnother) {
+  EXPECT_EQ(tLoadOn(tSSVersion(0)).status, kUnableToLoad);
+  tPlatform const platform;
+  tImage const image;
+  EXPECT_EQ(image.initialise(), STATUS_SUCCESS);
+  image.unload();
+}
+
 TEST(PlatformVersions, TheOldestGoodOneAndEveryLaterCompatibleOneAreAccepted) {
   for (tSSVersion const version : {tSSVersion(0x02000000), kVexVersion,
                                    tSSVersion(255, 15, 15, tSSVersion::kPhaseReleased, 4095, 0)}) {
