@@ -14,7 +14,10 @@ import places
 sys.path.insert(0, str(places.TOP / "tools/dev"))
 
 import mutantBuild  # noqa: E402
+import mutantHeaders  # noqa: E402
 import mutants  # noqa: E402
+import mutantWindows  # noqa: E402
+import workshop  # noqa: E402
 
 SOURCE = """#define BOTH(a, b) ((a) < (b))
 constexpr int kMost = 7;
@@ -109,6 +112,15 @@ class Weaving(unittest.TestCase):
         error = f"source.cpp:{line}:{column + 1}: error: no\nother.cpp:{line}:{column}: error: no\n"
         self.assertEqual(mutantBuild.objected(pathlib.Path("source.cpp"), error, spans), {order})
 
+    def test_an_error_beside_all_places_drops_those_of_its_line(self):
+        spans = {order: (tuple(start), tuple(end)) for order, (start, end) in self.weaving["spans"]}
+        line = SOURCE.splitlines().index("    calls = value - 1;") + 1
+        on_line = {order for order, (start, _) in spans.items() if start[0] == line}
+        for kind, dropped in [("error", on_line), ("warning", set())]:
+            said = f"source.cpp:{line}:1: {kind}: no\n"
+            self.assertEqual(mutantBuild.objected(pathlib.Path("source.cpp"), said, spans), dropped)
+        self.assertTrue(on_line)
+
     def test_the_chosen_mutant_alone_changes_the_program(self):
         with tempfile.TemporaryDirectory() as folder:
             program = pathlib.Path(folder) / "program"
@@ -122,6 +134,126 @@ class Weaving(unittest.TestCase):
                                    (("condition", "isOpen", "true"), 0)]:
                 number = self.found.index(expected) + 1
                 self.assertEqual(subprocess.run([program, str(number)]).returncode, seen, expected)
+
+
+HEADER = """#pragma once
+namespace _STL {
+template <class T>
+struct most {
+  T value = T();
+  bool take(T other) noexcept {
+    if (other > value) value = other;
+    return value == other;
+  }
+  static constexpr int size() { return 3 + 4; }
+};
+}
+"""
+USER = """#include <cstdlib>
+
+#include "stl/most.h"
+int oxdiagMutantChosen = 0;
+unsigned char reached[1 << 20];
+unsigned char* oxdiagMutantReached = reached;
+int main(int, char** words) {
+  oxdiagMutantChosen = std::atoi(words[1]);
+  _STL::most<int> most;
+  return most.take(5) && !most.take(4) && most.size() == 7 ? 0 : 1;
+}
+"""
+
+
+class Headers(unittest.TestCase):
+    """A template is woven, and whoever includes it has its mutants."""
+
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.file = self.folder / "include/stl/most.h"
+        self.file.parent.mkdir(parents=True)
+        self.file.write_text(HEADER)
+        for name, value in [("FOLDER", self.folder / "include"), ("HERE", self.folder / "woven")]:
+            patch = unittest.mock.patch.object(mutantHeaders, name, value)
+            patch.start()
+            self.addCleanup(patch.stop)
+
+    def test_of_a_template_each_use_has_the_chosen_mutant(self):
+        with unittest.mock.patch.object(workshop, "TOP", self.folder), \
+                unittest.mock.patch.object(mutantHeaders.Header, "weave", self.weave):
+            header = mutantHeaders.Header(self.file, 3, ["g++", "-std=c++20"])
+            header.write()
+        program = self.folder / "program"
+        source = program.with_suffix(".cpp")
+        source.write_text(USER)
+        subprocess.run(["g++", "-std=c++20", f"-I{self.folder}/woven", "-include", mutantBuild.KIT / "mutant.h",
+                        source, "-o", program], check=True)
+        base = 1 + 3 * mutantBuild.NUMBERS_OF_A_FILE
+        seen = {change: subprocess.run([program, str(base + number)]).returncode
+                for number, change in enumerate(found(header.weaving))}
+        self.assertEqual(subprocess.run([program, "0"]).returncode, 0)
+        self.assertEqual(seen["condition", "other > value", "false"], 1)
+        self.assertEqual(seen["store", "value = other", ""], 1)
+        self.assertEqual(seen["boundary", "other > value", "other >= value"], 0)
+        self.assertFalse([change for change in seen if "3" in change[1]])
+
+    @staticmethod
+    def weave(header, dropped):
+        done = subprocess.run([mutantBuild.PYTHON, places.TOP / "tools/dev/mutantPlaces.py", header.file, "",
+                               "-std=c++20", "-xc++"], capture_output=True, text=True, check=True)
+        return json.loads(done.stdout)
+
+
+def image_with(*sections):
+    """The head of a PE image with these sections, each with its place in the file."""
+    head, optional = 0x80, 0xF0
+    image = bytearray(0x400)
+    image[0x3C:0x40] = head.to_bytes(4, "little")
+    image[head + 6:head + 8] = len(sections).to_bytes(2, "little")
+    image[head + 20:head + 22] = optional.to_bytes(2, "little")
+    for number, (name, place) in enumerate(sections):
+        entry = head + 24 + optional + 40 * number
+        image[entry:entry + len(name)] = name
+        image[entry + 20:entry + 24] = place.to_bytes(4, "little")
+    return image
+
+
+class Windows(unittest.TestCase):
+    def test_the_number_is_where_its_section_says(self):
+        image = image_with((b".text", 0x200), (b".mutant", 0x320), (b".rsrc", 0x340))
+        self.assertEqual(mutantWindows.place_of_choice(image), 0x320)
+        self.assertIsNone(mutantWindows.place_of_choice(image_with((b".text", 0x200), (b".mutants", 0x320))))
+
+    def test_the_number_alone_is_written(self):
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name)
+            (folder / "woven").mkdir()
+            before = image_with((b".mutant", 0x320))
+            (folder / "woven/vexk.dll").write_bytes(before)
+            with unittest.mock.patch.multiple(mutantWindows, WOVEN=folder / "woven", CHANGED=folder / "changed",
+                                              MODULES=["vexk.dll"]):
+                mutantWindows.choose(0x1234)
+            after = (folder / "changed/vexk.dll").read_bytes()
+        self.assertEqual(after[0x320:0x324], b"\x34\x12\0\0")
+        self.assertEqual(after[:0x320] + after[0x324:], bytes(before[:0x320] + before[0x324:]))
+
+    def verdict(self, *outcomes):
+        """Of runs that fail in these tests, one after the other, and then in none."""
+        left = list(outcomes)
+
+        def check(*_):
+            return workshop.Outcome(1, left.pop(0) if left else [], "")
+
+        with unittest.mock.patch.multiple(mutantWindows, choose=lambda number: None, CHECKS=(check, check)):
+            return mutantWindows.judge(1)
+
+    def test_what_fails_twice_kills(self):
+        self.assertEqual(self.verdict(["A.a"], ["A.a"]), (mutants.KILLED, "A.a"))
+        self.assertEqual(self.verdict([], ["B.b"], ["B.b"]), (mutants.KILLED, "B.b"))
+
+    def test_what_fails_once_does_not(self):
+        self.assertEqual(self.verdict(["A.a"], [])[0], mutants.SURVIVED)
+        self.assertEqual(self.verdict()[0], mutants.SURVIVED)
 
 
 class Program:

@@ -40,6 +40,7 @@ OWNERS = [
     ("*", r"\./dev docs", "tools/dev/handbook.py"),
     ("*", r"\./dev dist", "tools/dev/distribution.py"),
     ("*", r"\./dev mutants .*", "tools/dev/mutants.py"),
+    ("*", r"\./dev kernel mutants( .*)?", "tools/dev/mutantWindows.py"),
     ("*", r"\./dev coverage( --report)?", "tools/dev/coverage.py"),
     ("*", r"\./dev kernel demo .* --save rack\.statuses --modules", "tools/dev/demos.py"),
     ("*", r"\./dev demo --crash", "tests/host/slotbus/demoCrash.cpp"),

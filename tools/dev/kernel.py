@@ -26,9 +26,9 @@ def build():
     return workshop.build("windows")
 
 
-def module_files(driver):
+def module_files(driver, modules=MODULES):
     names = [*LIBRARIES, f"{wine.BOOT}.sys", f"{wine.CONTROL_DRIVER}.sys", driver]
-    return {name: MODULES / name for name in names}
+    return {name: modules / name for name in names}
 
 
 def place_of_crash(texts):
@@ -88,19 +88,21 @@ def outcome_of(name, run):
     return workshop.Outcome(len(tests.held) + sum(held for _, held in checks), failed, output)
 
 
-def check_conformance():
-    """The conformance tests in a driver."""
-    return outcome_of("oxdiagtest", wine.run_driver("oxdiagtest", module_files("oxdiagtest.sys")))
+def check_conformance(modules=MODULES, limit=wine.RUN_LIMIT):
+    """The conformance tests in a driver, which may take so many seconds."""
+    files = module_files("oxdiagtest.sys", modules)
+    return outcome_of("oxdiagtest", wine.run_driver("oxdiagtest", files, limit=limit))
 
 
-def check_devices():
+def check_devices(modules=MODULES, limit=wine.RUN_LIMIT):
     """The slot bus and its devices, driven by Wine's PnP manager; once more as another driver, with
     a file and a service of its own."""
     files, services = demo_input(demo_options([str(FAULTY_RACK), "--filter", "verbosity>=200"]))
+    files.update(module_files("slotbus.sys", modules))
     files["slotbus2.sys"] = files["slotbus.sys"]
     services["slotbus2"] = services["slotbus"]
-    run = wine.run_driver("oxdiagpnp", dict(files, **module_files("oxdiagpnp.sys")), services)
-    return outcome_of("oxdiagpnp", run)
+    files.update(module_files("oxdiagpnp.sys", modules))
+    return outcome_of("oxdiagpnp", wine.run_driver("oxdiagpnp", files, services, limit=limit))
 
 
 def check():

@@ -22,6 +22,8 @@ FOLDERS = ["source", "platform/vexk/common", "platform/qelmk/common", "platform/
 IMAGE = "tests/host/image/liboxdiagk_image.so"
 IMAGE_PROGRAM, IMAGE_LOADER = "image_tests", "tests/host/image/tImage.cpp"
 SCHEDULED = "schedules."  # programs whose parts have a point of a schedule at each atomic operation
+# What is not in the library of the host, but in the one program that tests it there.
+ALONE = {"platform/vexk/windows/tImageHeaders.cpp": "vexk.imageHeaders"}
 ARCHIVES = {"source/": "source/liboxdiagk.a", "platform/vexk/": "platform/vexk/libvexk.a",
             "platform/qelmk/": "platform/qelmk/libqelmk.a"}
 NUMBERS_OF_A_FILE = 1024
@@ -29,21 +31,25 @@ MOST_FILES = 512
 # Stacks as deep as without the wrapping of every expression, or nearly.
 OPTIONS = ["-O1", "-g0", "-Wno-narrowing", "-Werror=vla", "-include", KIT / "mutant.h"]
 # What an error of the compiler names.
-PLACE_OF_ERROR = re.compile(r"^([^\s:]+\.cpp):(\d+):(?:(\d+):)?", re.MULTILINE)
+PLACE_OF_ERROR = re.compile(r"^([^\s:]+\.(?:cpp|h)):(\d+):(?:(\d+):)?( error:)?", re.MULTILINE)
 MOST_ROUNDS = 12
+OBJECTS = (".o", ".obj")
 
 
 class Source:
     """One file of the product, as the preset compiles it."""
+
+    tree, here, options = TREE, HERE, OPTIONS
+    parsed = ("-I", "-D", "-std", "-f")  # words that the weaving needs too
 
     def __init__(self, command, number):
         self.file = pathlib.Path(command["file"])
         self.name = str(self.file.relative_to(workshop.TOP))
         self.words, self.object = words_of(command)
         self.base = 1 + number * NUMBERS_OF_A_FILE
-        self.woven = HERE / "code" / self.name
-        self.made = HERE / "objects" / self.name
-        self.record = HERE / "places" / f"{self.name}.json"
+        self.woven = self.here / "code" / self.name
+        self.made = self.here / "objects" / self.name
+        self.record = self.here / "places" / f"{self.name}.json"
 
     def digest(self):
         digest = hashlib.sha256(self.file.read_bytes())
@@ -66,17 +72,22 @@ class Source:
         return self.made.parent / (pathlib.Path(self.object).name)
 
     def weave(self, dropped):
-        options = [word for word in self.words[1:] if word.startswith(("-I", "-D", "-std", "-f"))]
-        options.append("-Wno-unknown-warning-option")
+        options = [word for before, word in zip(self.words, self.words[1:])
+                   if word.startswith(self.parsed) and before != "-Xclang"]
+        options += ["-Wno-unknown-warning-option", *self.headers_of_compiler()]
         return json.loads(workshop.demand(
             [PYTHON, workshop.TOP / "tools/dev/mutantPlaces.py", self.file,
              ",".join(map(str, sorted(dropped))), *options]))
 
+    def headers_of_compiler(self):
+        """The options that name them, where the weaving does not find them itself."""
+        return []
+
     def compile(self):
-        return workshop.run(self.compilation(self.words, self.made_object()), cwd=TREE)
+        return workshop.run(self.compilation(self.words, self.made_object()), cwd=self.tree)
 
     def compilation(self, words, made):
-        return [*words, *OPTIONS, f"-DOXDIAG_MUTANT_BASE={self.base}",
+        return [*words, *self.options, f"-DOXDIAG_MUTANT_BASE={self.base}",
                 "-iquote", self.file.parent, "-o", made, "-c", self.woven]
 
     def make(self):
@@ -99,19 +110,22 @@ class Source:
             dropped |= wrong
         else:
             raise workshop.Failure(f"{self.name}: {MOST_ROUNDS} rounds did not make it compile")
-        mutants = []
-        for order, place in enumerate(weaving["places"]):
-            for mutant in place:
-                mutants.append(dict(mutant, place=place[0]["number"], compiled=order not in dropped))
+        self.record.write_text(json.dumps({
+            "digest": digest, "base": self.base, "mutants": self.mutants_of(weaving, dropped)}))
+
+    def mutants_of(self, weaving, dropped):
+        mutants = [dict(mutant, place=place[0]["number"], compiled=order not in dropped)
+                   for order, place in enumerate(weaving["places"]) for mutant in place]
         if len(mutants) >= NUMBERS_OF_A_FILE:
             raise workshop.Failure(f"{self.name} has {len(mutants)} mutants")
-        self.record.write_text(json.dumps({"digest": digest, "base": self.base, "mutants": mutants}))
+        return mutants
 
 
 def objected(file, output, spans):
-    """The places that the compiler's errors are within, the innermost of each error."""
+    """The places that the compiler's errors are within, the innermost of each error; those of the
+    line where an error has none around it."""
     found = set()
-    for name, line, column in PLACE_OF_ERROR.findall(output):
+    for name, line, column, is_error in PLACE_OF_ERROR.findall(output):
         if pathlib.Path(name).name != file.name:
             continue
         where = (int(line), int(column or 0))
@@ -119,7 +133,7 @@ def objected(file, output, spans):
                   if tuple(start) <= where <= tuple(end)]
         if around:
             found.add(max(around)[1])
-        elif not column:
+        elif is_error or not column:
             found |= {order for order, (start, end) in spans.items() if start[0] <= where[0] <= end[0]}
     return found
 
@@ -135,8 +149,8 @@ def words_of(command):
     """The words of a compilation but for warnings, and the object that it makes."""
     words = [word for word in shlex.split(command["command"])
              if not word.startswith(("-W", "-g")) and word not in ("-o", "-c")]
-    made = next(word for word in words if word.endswith(".o"))
-    return [word for word in words if not word.endswith((".o", ".cpp"))], made
+    made = next(word for word in words if word.endswith(OBJECTS))
+    return [word for word in words if not word.endswith((*OBJECTS, ".cpp"))], made
 
 
 def commands_of(targets):
@@ -147,10 +161,13 @@ def commands_of(targets):
 
 
 def sources():
-    """Every source of the folders that the preset builds into the library, in the order of names."""
+    """Every source of the folders that the preset builds into the library, in the order of names,
+    and those that one program has alone."""
     found = {name: command for name, command in commands_of("oxdiagk|vexk|qelmk").items()
              if name.startswith(tuple(folder + "/" for folder in FOLDERS))}
-    return [Source(found[name], number) for number, name in enumerate(sorted(found))]
+    alone = {name: commands_of(re.escape(program))[name] for name, program in ALONE.items()}
+    commands = [found[name] for name in sorted(found)] + [alone[name] for name in sorted(alone)]
+    return [Source(command, number) for number, command in enumerate(commands)]
 
 
 def archive(all_sources):
@@ -158,7 +175,8 @@ def archive(all_sources):
     for prefix, name in ARCHIVES.items():
         made = HERE / name
         made.parent.mkdir(parents=True, exist_ok=True)
-        objects = [source.made_object() for source in all_sources if source.name.startswith(prefix)]
+        objects = [source.made_object() for source in all_sources
+                   if source.name.startswith(prefix) and source.name not in ALONE]
         newest = max(path.stat().st_mtime for path in [TREE / name, *objects])
         if made.exists() and made.stat().st_mtime >= newest:
             continue
@@ -262,9 +280,13 @@ def program_names():
     return sorted({test["name"] for test in listed["tests"]})
 
 
-def make():
-    """All programs, woven; and their sources."""
+def build():
     workshop.build(PRESET, "host_tests")
+
+
+def make(users):
+    """All programs, woven; and their sources. `users`: of a program, what takes the place of its own
+    objects because it uses woven headers."""
     found = sources()
     workshop.in_parallel(Source.make, found)
     archive(found)
@@ -276,7 +298,9 @@ def make():
     scheduled = Anew("scheduled_parts", found).make()
     programs = [Program(name) for name in program_names()]
     workshop.in_parallel(
-        lambda program: program.link(chosen, anew_in(program.name, image, scheduled)), programs)
+        lambda program: program.link(chosen, {**anew_in(program.name, image, scheduled),
+                                              **alone_in(program.name, found), **users.get(program.name, {})}),
+        programs)
     return found, programs
 
 
@@ -285,3 +309,7 @@ def anew_in(name, image, scheduled):
     if name == IMAGE_PROGRAM:
         return image
     return scheduled if name.startswith(SCHEDULED) else {}
+
+
+def alone_in(name, all_sources):
+    return {source.object: source.made_object() for source in all_sources if ALONE.get(source.name) == name}

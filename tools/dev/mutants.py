@@ -6,10 +6,11 @@ usage: ./dev mutants [FOLDER | FILE ...]          runs what has no verdict yet, 
        ./dev mutants --sample COUNT [SEED]        so many at random, whatever their verdicts
        ./dev mutants --report [FOLDER | FILE ...] only reports
 
-Each source is compiled once with all its mutants woven in (mutantPlaces.py, mutantBuild.py). Each test
-program runs once without a mutant: that tells which test reaches which place. A mutant then meets the
-tests that reach it: those that saw its neighbours, the conformance tests, the other programs, those
-first that are quick and reach little else, until one fails, crashes or takes too long.
+Each source is compiled once with all its mutants woven in (mutantPlaces.py, mutantBuild.py), and the
+containers with the tests that use them (mutantHeaders.py). Each test program runs once without a
+mutant: that tells which test reaches which place. A mutant then meets the tests that reach it: those
+that saw its neighbours, the conformance tests, the other programs, those first that are quick and reach
+little else, until one fails, crashes or takes too long.
 
 Verdicts are kept in out/mutants/verdicts until the source changes. A survivor that nothing can observe
 stands with its reason in tests/mutants/unobservable.json, by file, function and text. The report fails
@@ -31,6 +32,7 @@ import threading
 import time
 
 import mutantBuild
+import mutantHeaders
 import workshop
 
 HERE = mutantBuild.HERE
@@ -337,12 +339,14 @@ def chosen(all_verdicts, names):
 
 
 def prepare():
-    sources, programs = mutantBuild.make()
+    mutantBuild.build()
+    headers, users = mutantHeaders.make()
+    sources, programs = mutantBuild.make(users)
     reached = workshop.in_parallel(reach, programs)
     empty = [each.program.name for each in reached if not each.tests]
     if empty:
         print("not used, as no test holds when nothing is mutated: " + " ".join(empty), flush=True)
-    return [Verdicts(source) for source in sources], [each for each in reached if each.tests]
+    return [Verdicts(source) for source in [*sources, *headers]], [each for each in reached if each.tests]
 
 
 def sample(count, seed):
@@ -367,14 +371,20 @@ def check():
     return sample(SAMPLE, random.SystemRandom().randrange(1 << 32))
 
 
-def run(names, again, is_quick):
-    all_verdicts, reached = prepare()
+def jobs_of(all_verdicts, again):
+    """(verdicts, mutant) of what has no verdict, and of what is alive if it is run again."""
     jobs = []
-    for verdicts in chosen(all_verdicts, names):
+    for verdicts in all_verdicts:
         for mutant in verdicts.mutants:
             known = verdicts.known.get(mutant["number"])
             if known is None or (again and known[0] in (SURVIVED, UNREACHED)):
                 jobs.append((verdicts, mutant))
+    return jobs
+
+
+def run(names, again, is_quick):
+    all_verdicts, reached = prepare()
+    jobs = jobs_of(chosen(all_verdicts, names), again)
     print(f"{len(jobs)} mutants to run", flush=True)
     Round(jobs, reached, is_quick).run()
     return show(report(chosen(all_verdicts, names)))
@@ -389,7 +399,8 @@ def main(arguments):
     if words == ["--sample"]:
         return show(sample(int(names[0]), int(names[1]) if names[1:] else random.randrange(1 << 32)))
     if words == ["--report"]:
-        return show(report(chosen([Verdicts(source) for source in mutantBuild.sources()], names)))
+        sources = [*mutantBuild.sources(), *mutantHeaders.headers(mutantHeaders.users())]
+        return show(report(chosen([Verdicts(source) for source in sources], names)))
     return run(names, words == ["--again"], words == ["--quick"])
 
 

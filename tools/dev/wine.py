@@ -154,11 +154,11 @@ class Run:
         self.texts = []
 
 
-def start_and_stop(run, log):
+def start_and_stop(run, log, limit):
     """The first call starts the prefix's server, whose error stream gets the debugger print."""
     script = FOLDER / "services.reg"
     demand_call("wine", "reg", "import", str(script), errors=log)
-    code = call("wine", "sc", "start", BOOT, limit=RUN_LIMIT)
+    code = call("wine", "sc", "start", BOOT, limit=limit)
     run.started, run.timed_out = code == 0, code is None
     run.processes_seen = len(processes())
     if run.started:
@@ -178,9 +178,10 @@ def alone():
         yield
 
 
-def run_driver(name, files, services=None, has_rack=False):
+def run_driver(name, files, services=None, has_rack=False, limit=RUN_LIMIT):
     """Copies files into the drivers folder and lets the boot driver load and unload `name`, with
-    these values in the keys of services, and a rack plugged into the machine if asked for."""
+    these values in the keys of services, and a rack plugged into the machine if asked for. `limit`:
+    the seconds that its start may take, with all that it does."""
     run = Run()
     (FOLDER / "services.reg").write_bytes(registry_text({
         BOOT: {"Driver": rf"\Registry\Machine\System\CurrentControlSet\Services\{name}",
@@ -191,7 +192,7 @@ def run_driver(name, files, services=None, has_rack=False):
     print_log = FOLDER / f"{name}.log"
     try:
         with open(print_log, "wb") as log:
-            start_and_stop(run, log)
+            start_and_stop(run, log, limit)
     finally:
         stop_server()
     run.texts = text_of_prints(print_log.read_text(errors="replace"))
