@@ -20,7 +20,7 @@ DRIVERS_IN_WINDOWS = "C:\\windows\\system32\\drivers\\"
 SERVICES = r"HKEY_LOCAL_MACHINE\System\CurrentControlSet\Services"
 BOOT = "oxdiagboot"
 CONTROL_DRIVER = "oxdiagcontrol"
-NAMES = [BOOT, CONTROL_DRIVER, "oxdiagtest", "oxdiagpnp", "oxdiagbench", "slotbus", "slotbus2",
+NAMES = [BOOT, CONTROL_DRIVER, f"{CONTROL_DRIVER}2", "oxdiagtest", "oxdiagpnp", "oxdiagbench", "slotbus", "slotbus2",
          "hello"]
 CALL_LIMIT = 60  # seconds for one call of Wine
 RUN_LIMIT = 300  # seconds for everything that starting a driver does

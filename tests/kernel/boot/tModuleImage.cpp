@@ -4,6 +4,7 @@ namespace {
 
 // Offsets in a 64-bit image, from its start or from its "PE\0\0" signature.
 constexpr u32 kSignatureOffset = 0x3C;
+constexpr u32 kEntryOffset = 0x28;
 constexpr u32 kExportDirectoryOffset = 0x88;
 constexpr u32 kImportDirectoryOffset = 0x90;
 constexpr u32 kLoadConfigurationOffset = 0xD8;
@@ -70,6 +71,10 @@ void** tModuleImage::findImport(char const* name) const {
     }
   }
   return nullptr;
+}
+
+void* tModuleImage::findEntry() const {
+  return const_cast<u8*>(image) + at<u32>(at<u32>(kSignatureOffset) + kEntryOffset);
 }
 
 void const* tModuleImage::findLoadConfiguration() const {

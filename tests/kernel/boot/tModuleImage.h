@@ -18,6 +18,9 @@ class tModuleImage {
   // it imports nothing of the name.
   void** findImport(char const* name) const;
 
+  // Where the kernel enters a file that is started as a driver.
+  void* findEntry() const;
+
   // What the module says about its guards, or null when it says nothing.
   void const* findLoadConfiguration() const;
 

@@ -3,9 +3,12 @@
 #include "conformance/harness.h"
 #include "driver/tOpenDevice.h"
 #include "guards/tWatchedImport.h"
+#include "ntos/driver.h"
 #include "ntos/io.h"
 #include "ntos/security.h"
 #include "ntos/status.h"
+#include "ntos/string.h"
+#include "support/tDeviceRequest.h"
 #include "wine/wineKernel.h"
 
 namespace {
@@ -50,6 +53,21 @@ class tAnswer {
   tWatchedImport import;
 };
 
+// The device itself.
+DEVICE_OBJECT* findDevice() {
+  tOpenDevice device;
+  device.name("nobody");
+  tAnswer const is64Bit(false);
+  return device.deliver() == STATUS_SUCCESS ? askingDevice : nullptr;
+}
+
+constinit u32 printed = 0;
+
+u32 notePrint(u32 /*component*/, u32 /*level*/, char const* /*format*/, __builtin_va_list) {
+  ++printed;
+  return STATUS_SUCCESS;
+}
+
 NTSTATUS querySecurity(void* descriptor, u32 size) {
   HANDLE device = nullptr;
   NTSTATUS ended = ObOpenObjectByPointer(askingDevice, OBJ_KERNEL_HANDLE, nullptr, kReadControl,
@@ -90,4 +108,34 @@ TEST(DeviceAccess, ProgramsOf32BitsAreRefused) {
   tAnswer const is32Bit(true);
   EXPECT_EQ(device.deliver(), STATUS_NOT_SUPPORTED);
   EXPECT_TRUE(askingDevice != nullptr);
+}
+
+TEST(DeviceAccess, ARequestIsCompletedWithTheStatusThatIsReturned) {
+  DEVICE_OBJECT* const device = findDevice();
+  ASSERT_TRUE(device != nullptr);
+  tDeviceRequest control(device, IRP_MJ_DEVICE_CONTROL);
+  control.ioStatus().Information = 7;
+  EXPECT_EQ(control.send(), STATUS_INVALID_DEVICE_REQUEST);
+  EXPECT_EQ(control.status(), STATUS_INVALID_DEVICE_REQUEST);
+  EXPECT_EQ(control.ioStatus().Information, u64{0});
+  EXPECT_EQ(control.completions(), 1);
+  tDeviceRequest cleanup(device, IRP_MJ_CLEANUP);
+  EXPECT_EQ(cleanup.send(), STATUS_SUCCESS);
+  EXPECT_EQ(cleanup.status(), STATUS_SUCCESS);
+  EXPECT_EQ(cleanup.completions(), 1);
+}
+
+// A second file of the driver finds the name taken, and takes nothing away.
+TEST(DeviceAccess, ADriverThatCannotMakeTheDeviceTellsSoAndDoesNotStart) {
+  UNICODE_STRING key;
+  RtlInitUnicodeString(&key,
+                       L"\\Registry\\Machine\\System\\CurrentControlSet\\Services\\oxdiagcontrol2");
+  {
+    tWatchedImport const prints("vDbgPrintEx", reinterpret_cast<void*>(&notePrint));
+    ASSERT_TRUE(prints.countModules() > 0);
+    printed = 0;
+    EXPECT_EQ(ZwLoadDriver(&key), STATUS_OBJECT_NAME_COLLISION);
+    EXPECT_EQ(printed, u32{1});
+  }
+  EXPECT_TRUE(findDevice() != nullptr);
 }
