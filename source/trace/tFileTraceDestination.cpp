@@ -69,10 +69,10 @@ struct tWriteResult {
 };
 
 tWriteResult write(HANDLE file, char const* bytes, u32 length) {
-  IO_STATUS_BLOCK result = {};  // a write that fails may leave it as it is
+  IO_STATUS_BLOCK result;
   NTSTATUS const status =
       ZwWriteFile(file, nullptr, nullptr, nullptr, &result, bytes, length, nullptr, nullptr);
-  return {status, result.Information == length};
+  return {status, NT_SUCCESS(status) && result.Information == length};
 }
 
 }  // namespace

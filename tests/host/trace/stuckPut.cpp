@@ -492,8 +492,8 @@ TEST_F(StuckPut, ADestinationThatGoesIsTakenOffItsStreamsAndThenWaits) {
 
 TEST_F(StuckPut, ADestinationThatGoesWaitsOnceForAllItsStreams) {
   constexpr auto kFewWaits = std::chrono::milliseconds(5 * 10'000 / tHurriedTime::kRate);
-  auto going = std::make_unique<tStickyDestination>();
-  tStickyDestination const& within = *going;
+  auto going = std::make_unique<tStuckDestination>();
+  tStuckDestination const& within = *going;
   std::vector<std::unique_ptr<tOwnParts>> streams;
   std::vector<std::unique_ptr<tTextOfAnother>> texts;
   while (streams.size() < 40) {

@@ -69,7 +69,10 @@ NTSTATUS writeBytes(OpenFile& file, u8 const* bytes, u32 length, u64& moved) {
 NTSTATUS write(HANDLE handle, void const* bytes, u32 length, LARGE_INTEGER const* offset,
                u64& moved) {
   NTSTATUS const failure = g_files.failures.take(FileCallKind::Write);
-  if (failure != STATUS_SUCCESS) return failure;
+  if (failure != STATUS_SUCCESS) {
+    if (!NT_SUCCESS(failure)) moved = length;  // the kernel promises nothing about it then
+    return failure;
+  }
   OpenFile* file = nullptr;
   NTSTATUS status = find(handle, file);
   if (NT_SUCCESS(status) && !file->mayWrite()) status = STATUS_ACCESS_DENIED;
