@@ -1,6 +1,9 @@
 // What is made by the first who asks for it, of two threads that ask at once: the lock of all trace
-// streams, and the places of texts on their way. Each order is run in a program of its own, in
-// which nobody has asked yet.
+// streams, the places of texts on their way, and an object as the destinations of the module are.
+// Each order is run in a program of its own, in which nobody has asked yet.
+
+// In front of what is compiled here.
+#include "schedules/scheduledAtomics.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -9,6 +12,7 @@
 #include "oxdiagk/tDestinationSlot.h"
 #include "schedules/tSaidOrder.h"
 #include "support/recordingDestination.h"
+#include "trace/findOrMake.h"
 #include "trace/tStreamLock.h"
 #include "trace/tTextsOnTheWay.h"
 #include "vexk/threadUtility.h"
@@ -37,11 +41,11 @@ bool isRightIn(Work isRight, u32 first, u32 second) {
   return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-// The first thread stops at its first steps, at each of which it may meet the second one.
+// The first thread stops at one of its first steps, and the second one then at one of its own.
 template <class Work>
-void requireInEachOrder(Work isRight, u32 mostOfFirst) {
+void requireInEachOrder(Work isRight, u32 mostOfFirst, u32 mostOfSecond) {
   for (u32 first = 0; first < mostOfFirst; ++first) {
-    for (u32 second = 0; second < kSteps; ++second) {
+    for (u32 second = 0; second < mostOfSecond; ++second) {
       ASSERT_TRUE(isRightIn(isRight, first, second)) << first << ", then " << second;
     }
   }
@@ -103,14 +107,39 @@ bool isFoundOnceItIsThere(u32 first, u32 second) {
   return isFound || !isThere || sender == 0;
 }
 
+struct tThing {
+  tThing() {
+    ++living;
+    ntoshost::schedulePoint();
+  }
+  ~tThing() { --living; }
+
+  static int living;
+};
+
+int tThing::living = 0;
+
+bool isOneThing(u32 first, u32 second) {
+  tThing* place = nullptr;
+  tThing* found[2] = {};
+  runInOrder({[&] { found[0] = nOXDIAG100::findOrMake(place); },
+              [&] { found[1] = nOXDIAG100::findOrMake(place); }},
+             firstThenSecond(first, second));
+  return place != nullptr && found[0] == place && found[1] == place && tThing::living == 1;
+}
+
 }  // namespace
 
+TEST(FirstUse, OfADestinationByTwoMakesOneThatBothTake) {
+  requireInEachOrder(isOneThing, 6, 10);
+}
+
 TEST(FirstUse, OfTheStreamsLockByTwoIsOneAtATime) {
-  requireInEachOrder(isOneAtATime, 6);
+  requireInEachOrder(isOneAtATime, 6, kSteps);
 }
 
 TEST(FirstUse, OfPlacesForTextsByTwoGivesEachItsOwn) {
-  requireInEachOrder(haveOwnPlaces, 6);
+  requireInEachOrder(haveOwnPlaces, 6, 10);
 }
 
 TEST(FirstUse, OfAPlaceIsSeenByWhoLooksAtTheSlot) {

@@ -22,7 +22,8 @@ constexpr u32 kOwner = 0;
 constexpr u32 kWaiter = 1;
 constexpr u32 kClock = 2;
 constexpr u32 kNobody = 0xFFFFFFF1;
-constexpr u32 kTicks = 150;  // of a tenth of a second, as each wait for the lock
+constexpr u32 kTicks = 150;               // of a tenth of a second, as each wait for the lock
+constexpr u32 kMoreThanTenSeconds = 110;  // of those waits
 
 void tick() {
   for (u32 count = 0; count < kTicks; ++count) ntoshost::schedulePoint();
@@ -53,9 +54,8 @@ class tStuckTexts {
 
 // The clock ticks, and the wait for the lock runs out each time.
 u32 passTime(ntoshost::SchedulePoint const& point) {
-  return mayRun(point, expiryOf(kWaiter)) ? expiryOf(kWaiter)
-         : mayRun(point, kWaiter)         ? kWaiter
-                                          : kClock;
+  if (mayRun(point, expiryOf(kWaiter))) return expiryOf(kWaiter);
+  return mayRun(point, kWaiter) ? kWaiter : kClock;
 }
 
 }  // namespace
@@ -118,9 +118,12 @@ TEST(StreamLockSchedules, AnOwnerThatIsNotKnownYetIsWaitedFor) {
                 tick},
                [&](ntoshost::SchedulePoint const& point) -> u32 {
                  if (!isReady) return kWaiter;
-                 if (left != 0) return --left, kOwner;
-                 if (mayRun(point, expiryOf(kWaiter)) && ++expiries > 110) return kOwner;
-                 return expiries > 110 ? kOwner : passTime(point);
+                 if (left != 0) {
+                   --left;
+                   return kOwner;
+                 }
+                 if (mayRun(point, expiryOf(kWaiter))) ++expiries;
+                 return expiries > kMoreThanTenSeconds ? kOwner : passTime(point);
                });
     EXPECT_TRUE(isTaken[0] && isTaken[1]) << ownerSteps;
   }

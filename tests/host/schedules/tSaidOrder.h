@@ -36,10 +36,11 @@ inline void runInOrder(std::vector<std::function<void()>> threads,
 // Of two threads, the first makes so many steps, then the second one, then the first to its end.
 inline std::function<u32(ntoshost::SchedulePoint const&)> firstThenSecond(u32 first, u32 second) {
   return [first, second](ntoshost::SchedulePoint const& point) mutable -> u32 {
-    if (first != 0 && mayRun(point, 0)) return --first, 0;
-    first = 0;
-    if (second != 0 && mayRun(point, 1)) return --second, 1;
-    second = 0;
-    return mayRun(point, 0) ? 0 : 1;
+    first = mayRun(point, 0) ? first : 0;
+    second = first != 0 || mayRun(point, 1) ? second : 0;
+    u32 const next = first != 0 || second == 0 ? 0 : 1;
+    u32& left = next == 0 ? first : second;
+    if (left != 0) --left;
+    return next;
   };
 }

@@ -124,6 +124,14 @@ TEST_F(StreamParts, LinesThatCouldNotBeHeldAreNotHeldTheNextTimeEither) {
   EXPECT_EQ(own.lock.holders, 0u);
 }
 
+TEST_F(StreamParts, ALockThatFailsIsNotTheLinesAndOneThatIsTakenHasTimedOut) {
+  told.status = kStatusSyncTooDeep;
+  EXPECT_EQ(own.lock.begin(kSyncWaitForever), tLineLock::kNotLocked);
+  told.status = kStatusSyncTimeout;
+  EXPECT_EQ(own.lock.begin(0), tLineLock::kTimedOut);
+  EXPECT_EQ(own.lock.getOwner(), 0u);
+}
+
 TEST_F(StreamParts, TurningTheMutexGivesTheLockBack) {
   turnMutex(own, false);
   EXPECT_FALSE(own.getShape().isOn(tLineShape::kMutex));

@@ -12,6 +12,7 @@
 #include "startedModules.h"
 #include "trace/destinationSwitches.h"
 #include "trace/mayEnd.h"
+#include "trace/tDestinationSwitch.h"
 #include "trace/tFormerSettings.h"
 #include "trace/tPatience.h"
 #include "trace/tStreamHold.h"
@@ -400,6 +401,17 @@ TEST_F(SwitchParts, AStreamThatEndsClosesWhatItHasTakenUnlessItIsTheModules) {
   EXPECT_EQ(former.events, "close ");
 }
 
+TEST_F(SwitchParts, FourClosesThatOpenAnotherAreFollowed) {
+  int closes = 0;
+  own.slot.isOpenedWithin = true;
+  former.onClose = [&] {
+    ++closes;
+    own.slot.isOpenedWithin = true;
+  };
+  tDestinationSwitch::closeOpened(own);
+  EXPECT_EQ(closes, 4);
+}
+
 TEST_F(GivenUp, AStreamThatEndsBesideAPutLeavesItsDestinationOpen) {
   tTextOfAnother const text(own.slot, former);
   own.slot.hasTaken = true;
@@ -456,6 +468,27 @@ TEST_F(SwitchParts, ADestinationThatGoesIsClosedOnce) {
   former.leaveStream();
   EXPECT_EQ(own.slot.get(), &debugger());
   EXPECT_EQ(former.events, "close ");
+}
+
+TEST_F(GivenUp, ADestinationGoesBesideALineAtTheDebugger) {
+  holdOther();
+  other.slot.install(debugger());
+  former.leaveStream();
+  EXPECT_EQ(own.slot.get(), &debugger());
+  EXPECT_EQ(held.acquired, 0);
+  EXPECT_EQ(events.read(), "");
+}
+
+TEST_F(GivenUp, ADestinationThatGoesBesideALineOfItsOwnIsTakenOffAndClosed) {
+  holdOther();
+  tPatience::setExhausted(false);
+  ntoshost::setTimeRate(1'000);
+  next.leaveStream();
+  ntoshost::setTimeRate(1);
+  EXPECT_EQ(other.slot.get(), &debugger());
+  EXPECT_EQ(next.events, "close ");
+  EXPECT_FALSE(isLogged("a trace destination that is destroyed"));
+  EXPECT_FALSE(tPatience::isExhausted());
 }
 
 namespace {
