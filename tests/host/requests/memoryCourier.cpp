@@ -49,6 +49,9 @@ long countThreads() {
   return std::distance(std::filesystem::directory_iterator("/proc/self/task"), {});
 }
 
+// Before a test starts one: a sanitizer may have its own.
+long const kThreadsAtFirst = countThreads();
+
 // Pages of memory that this program has been given.
 size_t countPages() {
   size_t pages = 0;
@@ -138,7 +141,7 @@ class MemoryCourierLate : public testing::Test {
   // Nobody is waited for any more when this is back.
   void deliver() {
     EXPECT_TRUE(withheld->deliver(page, u8{0}));
-    while (countThreads() != 1) std::this_thread::yield();
+    while (countThreads() != kThreadsAtFirst) std::this_thread::yield();
   }
 
   u8* page = nullptr;
@@ -213,7 +216,7 @@ TEST(MemoryCourier, IsGoneWhenItIsDismissed) {
   size_t const pages = countPages();
   for (int round = 0; round < 200; ++round) {
     { tHired const hired; }
-    ASSERT_EQ(countThreads(), 1) << round;
+    ASSERT_EQ(countThreads(), kThreadsAtFirst) << round;
   }
   EXPECT_LT(countPages() - pages, 100 * 8192 * 1024 / kPage) << "stacks stay behind";
 }
@@ -421,10 +424,10 @@ TEST_F(MemoryCourierLate, OneThatComesBackLeavesTheOthersAway) {
   first.leaveACourier();
   second.leaveACourier();
   first.end();
-  while (countThreads() != 2) std::this_thread::yield();
+  while (countThreads() != kThreadsAtFirst + 1) std::this_thread::yield();
   EXPECT_EQ(tMemoryCourier::hire(second.process(), getuid()), nullptr);
   second.end();
-  while (countThreads() != 1) std::this_thread::yield();
+  while (countThreads() != kThreadsAtFirst) std::this_thread::yield();
 }
 
 TEST_F(MemoryCourierLate, AreLeftBehindInSmallNumbersForAUser) {
@@ -440,7 +443,7 @@ TEST_F(MemoryCourierLate, AreLeftBehindInSmallNumbersForAUser) {
   ASSERT_NE(ofAnother, nullptr);
   ofAnother->dismiss();
   for (auto const& each : stuck) each->end();
-  while (countThreads() != 1) std::this_thread::yield();
+  while (countThreads() != kThreadsAtFirst) std::this_thread::yield();
   EXPECT_LT(countPages() - pages, kMost / 2 * 8192 * 1024 / kPage) << "stacks stay behind";
   tHired const successor;
 }

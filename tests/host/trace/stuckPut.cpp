@@ -517,7 +517,7 @@ TEST_F(StuckPut, AStreamThatEndsKeepsTextsOut) {
   ntoshost::setTimeRate(1);
   auto trace = std::make_unique<tOwnTrace>(sticky);
   tOwnTrace& ending = *trace;
-  tStuckThread stuck(ending, sticky);
+  auto text = std::make_unique<tTextOfAnother>(tLiveStreams::findKeeper(sticky)->slot, sticky);
   std::thread end([&] { trace.reset(); });
   auto const start = std::chrono::steady_clock::now();
   bool hasArrived = true;
@@ -527,7 +527,7 @@ TEST_F(StuckPut, AStreamThatEndsKeepsTextsOut) {
     hasArrived = sticky.texts != before;
   }
   EXPECT_FALSE(hasArrived);
-  stuck.letGo();
+  text.reset();
   end.join();
 }
 
