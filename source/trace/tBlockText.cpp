@@ -16,8 +16,7 @@ void tBlockText::endEntry(tTrace& line, void const* object) const {
 void tBlockText::endExit(tTrace& line) const {
   line.put("} ");
   putStatus(line, "; ");
-  if (blockName != nullptr) line.put(blockName);
-  line.endl();
+  line.put(blockName).endl();
 }
 
 void tBlockText::putStatus(tTrace& line, char const* end) const {

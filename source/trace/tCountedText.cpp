@@ -7,6 +7,7 @@ namespace nOXDIAG100 {
 namespace {
 
 constexpr u32 kMostEscape = 6;  // \u and four digits
+constexpr u32 kFull = 90;       // characters; a piece of more goes on
 
 // Texts within packed structures may begin at an odd address.
 u32 readUnit(void const* text, u32 index) {
@@ -25,7 +26,7 @@ class tEscapedText {
   tEscapedText& operator=(tEscapedText const&) = delete;
 
   void append(u32 unit, char letter, u32 digits) {
-    if (used + kMostEscape > sizeof(text)) flush();
+    if (used > kFull) flush();
     if (unit >= ' ' && unit <= '~') {
       text[used++] = static_cast<char>(unit);
       return;
@@ -44,7 +45,7 @@ class tEscapedText {
 
   tTrace& trace;
   unsigned int used = 0;
-  char text[96];
+  char text[kFull + 2 * kMostEscape];
 };
 
 }  // namespace

@@ -26,7 +26,7 @@ void putText(tFormatOutput& output, tFormatConversion const& conversion, void co
   u32 const most = smaller(conversion.precision, tTrace::kMaxTraceLine);
   u32 const width = conversion.width;
   bool const isLeft = conversion.has(tFormatConversion::kLeft);
-  if (!isLeft && width != 0) output.fill(' ', width - measure(text, smaller(most, width)));
+  if (!isLeft) output.fill(' ', width - measure(text, smaller(most, width)));
   u64 const length = output.putText(text, most);
   if (isLeft && length < width) output.fill(' ', width - length);
 }

@@ -42,7 +42,7 @@ void tTrace::appendLowBytes(wchar_t const* units, u64 count) {
   while (isWriting() && count != 0) {
     char bytes[kNarrowedAtOnce];
     u64 const taken = count < kNarrowedAtOnce ? count : kNarrowedAtOnce;
-    for (u64 index = 0; index < taken; ++index) bytes[index] = static_cast<char>(units[index]);
+    for (u64 index = 0; index != taken; ++index) bytes[index] = static_cast<char>(units[index]);
     append(bytes, taken);
     units += taken;
     count -= taken;

@@ -208,6 +208,18 @@ TEST(KernelValues, ALongStringArrivesWhole) {
   EXPECT_EQ(__builtin_memcmp(shown.text() + 499, "x\\x09x", 6), 0);
 }
 
+TEST(KernelValues, ALongStringOfEscapesArrivesWhole) {
+  constexpr u32 kUnits = 1000;
+  constexpr u32 kEscape = 6;
+  static constinit wchar_t units[kUnits] = {};
+  UNICODE_STRING const name = wide(units, sizeof(units));
+  tShown const shown(asUnicodeString(&name));
+  ASSERT_EQ(shown.record.length(), kUnits * kEscape + 1);
+  for (u32 unit = 0; unit < kUnits; ++unit) {
+    ASSERT_EQ(__builtin_memcmp(shown.text() + unit * kEscape, "\\u0000", kEscape), 0);
+  }
+}
+
 TEST(KernelValues, AGuidIsWrittenAsTheRegistryDoes) {
   EXPECT_STREQ(tShown(asGuid(&kGuid)).text(), "{6E0B2C51-7A1D-4F38-935E-204CB817D962}\n");
   GUID const zero = {};

@@ -1,14 +1,18 @@
 #include "oxdiagk/tBlockTracer.h"
 
 #include "conformance/harness.h"
+#include "oxdiagk/tSiteBlockTracer.h"
 #include "oxdiagk/tStatus2.h"
 #include "oxdiagk/tTraceFilter.h"
 #include "support/prefixedStream.h"
 #include "vexk/number.h"
 
 using nOXDIAG100::tBlockTracer;
+using nOXDIAG100::tLineOrigin;
+using nOXDIAG100::tSiteBlockTracer;
 using nOXDIAG100::tStatus2;
 using nOXDIAG100::tTrace;
+using nOXDIAG100::tTraceSite;
 
 namespace {
 
@@ -164,6 +168,23 @@ TEST(BlockTracer, EverythingIsShownTogetherWithAStatusObject) {
                              reinterpret_cast<void*>(0x1A), &status, stream.trace);
   }
   EXPECT_STREQ("work; this=0x1A; tStatus2 code=7 {\n} tStatus2 code=7; work\n", stream.text());
+}
+
+TEST(BlockTracer, ABlockOfNowhereHasThePrefixOfItsOrigin) {
+  tPrefixedStream stream;
+  stream.showFieldsInFull();
+  tTraceSite const nowhere;
+  tLineOrigin const origin{"rack", "port.cpp", kVersion, 42};
+  tStatus2 const status(7);
+  i32 const number = 8;
+  { tSiteBlockTracer const block(nowhere, origin, kShown, "one", nullptr, &number, stream.trace); }
+  { tSiteBlockTracer const block(nowhere, origin, kShown, "two", nullptr, &status, stream.trace); }
+  EXPECT_STREQ(
+      "[rack--42--port.cpp] one; tStatus=8 {\n"
+      "[rack--42--port.cpp] } tStatus=8; one\n"
+      "[rack--42--port.cpp] two; tStatus2 code=7 {\n"
+      "[rack--42--port.cpp] } tStatus2 code=7; two\n",
+      stream.record.text());
 }
 
 TEST(BlockTracer, ABlockWithoutNameShowsNone) {

@@ -165,6 +165,27 @@ TEST(Capture, SizeWithoutRoomCapturesNothing) {
   }
 }
 
+TEST(Capture, SizeWithoutABytePutsNoTerminatorWhereverThePositionIs) {
+  constexpr i32 kSizes[] = {0, -1, -2147483647 - 1};
+  for (i32 const size : kSizes) {
+    tBuffer buffer;
+    buffer.position = -1;
+    tCTFTraceDestination const capture(buffer.bytes, buffer.position, size, nullptr);
+    EXPECT_TRUE(buffer.isUntouchedFrom(0));
+  }
+}
+
+TEST(Capture, PositionBehindTheBufferCapturesNothing) {
+  for (i32 position = 8; position <= 9; ++position) {
+    tBuffer buffer;
+    buffer.position = position;
+    tCTFTraceDestination capture(buffer.bytes, buffer.position, 8, nullptr);
+    capture.put("abc").put("abc", 3);
+    EXPECT_EQ(buffer.position, position);
+    EXPECT_TRUE(buffer.isUntouchedFrom(0));
+  }
+}
+
 TEST(Capture, NegativePositionCapturesNothing) {
   tBuffer buffer;
   buffer.position = -1;

@@ -198,6 +198,17 @@ TEST(TraceHexDump, OnlyPrintableAsciiIsShownAsCharacters) {
   EXPECT_TRUE(dump.is(bytes, "1F207E7F80FF000A XXXXXXXXXXXXXXXX : . ~.....\n"));
 }
 
+TEST(TraceHexDump, EachByteIsShownAtEachPlaceOfAWholeRow) {
+  u8 bytes[16] = {};
+  tDump dump(bytes, 0, 1);
+  for (u32 value = 0; value < 256; ++value) {
+    __builtin_memset(bytes, static_cast<int>(value), sizeof(bytes));
+    dump.recorder.clear();
+    dump.trace.put(static_cast<void const*>(bytes), sizeof(bytes), 1);
+    EXPECT_TRUE(dump.is(bytes, tModelRow(bytes, sizeof(bytes), 1).text));
+  }
+}
+
 TEST(TraceHexDump, NullAddressWritesNothing) {
   tDump const dump(nullptr, 16, 4);
   EXPECT_EQ(dump.recorder.pieceCount(), u32{0});

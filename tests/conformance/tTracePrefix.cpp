@@ -16,6 +16,12 @@ struct tExpected {
   char text[kExpectedSize] = "";
   u32 length = 0;
 
+  tExpected& clear() {
+    length = 0;
+    text[0] = '\0';
+    return *this;
+  }
+
   tExpected& add(char const* piece) {
     while (*piece != '\0' && length + 1 < kExpectedSize) text[length++] = *piece++;
     text[length] = '\0';
@@ -35,15 +41,46 @@ struct tExpected {
   }
 };
 
-// The prefix of tTestLine with the default switches, by the rules told one after the other.
-void expectDefaultPrefix(tExpected& expected, u32 width, bool isTruncated) {
-  char const fields[] = "[rack--42--port.cpp";
+// The prefix of these fields, by the rules told one after the other.
+void expectPrefix(tExpected& expected, char const* fields, u32 width, bool isTruncated) {
   u32 const target = width == 0 ? 0 : width - 1;
   for (char const* field = fields; *field != '\0'; ++field) {
     if (!isTruncated || expected.length < target) expected.add(*field, 1);
   }
   if (expected.length < target) expected.add('-', target - expected.length);
   if (!isTruncated || width != 0) expected.add("] ");
+}
+
+// That of tTestLine with the default switches.
+void expectDefaultPrefix(tExpected& expected, u32 width, bool isTruncated) {
+  expectPrefix(expected, "[rack--42--port.cpp", width, isTruncated);
+}
+
+// A prefix of component and file of these lengths, and the verbosity.
+bool isLongPrefixRight(tPrefixedStream& stream, u32 componentLength, u32 fileLength) {
+  static constinit tExpected component;
+  static constinit tExpected file;
+  static constinit tExpected fields;
+  static constinit tExpected wanted;
+  component.clear().add('c', componentLength);
+  file.clear().add('f', fileLength);
+  fields.clear().add("[").add(component.text).add("--").add(file.text).add("--100");
+  expectPrefix(wanted.clear(), fields.text, stream.trace.getMinPrefixWidth(),
+               stream.trace.truncationIsEnabled() != 0);
+  tTestLine line;
+  line.component = component.text;
+  line.file = file.text;
+  return __builtin_strcmp(wanted.add("\n").text, stream.write(line)) == 0;
+}
+
+// The same of fields of many lengths.
+u32 countWrongLongPrefixes(tPrefixedStream& stream) {
+  constexpr u32 kLengths[] = {0, 1, 30, 117, 119, 120, 121, 240};
+  u32 wrong = 0;
+  for (u32 const component : kLengths) {
+    for (u32 const file : kLengths) wrong += isLongPrefixRight(stream, component, file) ? 0 : 1;
+  }
+  return wrong;
 }
 
 }  // namespace
@@ -345,6 +382,27 @@ TEST(TracePrefix, AWidthBeyondTheLineBufferGoesOnInThePiecesBehind) {
   EXPECT_STREQ(expected.add("\n").text, stream.record.text());
   EXPECT_EQ(u32{2}, stream.record.pieceCount());
   EXPECT_EQ(u32{255}, stream.record.pieceLength(0));
+}
+
+TEST(TracePrefix, LongFieldsAreCutAndPaddedAtEveryWidth) {
+  tPrefixedStream stream;
+  stream.trace.disableLineNumber();
+  stream.trace.enableVerbosity();
+  for (u32 width = 1; width <= 300; width += 1 + width % 3) {
+    stream.trace.setMinPrefixWidth(width);
+    EXPECT_EQ(u32{0}, countWrongLongPrefixes(stream));
+  }
+}
+
+TEST(TracePrefix, LongFieldsWithoutTruncationArePaddedAndNotCut) {
+  tPrefixedStream stream;
+  stream.trace.disableLineNumber();
+  stream.trace.enableVerbosity();
+  stream.trace.disableTruncation();
+  for (u32 width = 0; width <= 500; width += 50) {
+    stream.trace.setMinPrefixWidth(width);
+    EXPECT_EQ(u32{0}, countWrongLongPrefixes(stream));
+  }
 }
 
 TEST(TracePrefix, PaddingIsExactAroundTheLengthOfARun) {

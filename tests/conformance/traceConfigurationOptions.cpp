@@ -198,6 +198,13 @@ TEST(TraceOptions, UnknownWordsAreIgnored) {
   EXPECT_EQ(stream.trace.timeStampIsEnabled(), u32{1});
 }
 
+TEST(TraceOptions, AWordWithoutTheTwoDashesIsNoOption) {
+  tStream stream("xxoff -xoff x-off off");
+  EXPECT_EQ(stream.trace.isEnabled(), u32{1});
+  configure(stream.trace, "\0xoff", "-");
+  EXPECT_EQ(stream.trace.isEnabled(), u32{1});
+}
+
 TEST(TraceOptions, UnnamedSwitchesKeepTheirValues) {
   tStream stream("--timestamp on --compname off --prefixwidth 9");
   stream.trace.configure("--threadid on");

@@ -111,6 +111,19 @@ class tMovingPut : public tRecordingDestination {
   iTraceDestination* answer = nullptr;
 };
 
+// Switches its stream off from its put.
+class tLastPut : public tRecordingDestination {
+ public:
+  using tRecordingDestination::put;
+  tLastPut& put(char const* text, unsigned int length) override {
+    tRecordingDestination::put(text, length);
+    trace->disable();
+    return *this;
+  }
+
+  tTrace* trace = nullptr;
+};
+
 tTestLine hiddenLine() {
   return tPrefixedStream::withVerbosity(1);
 }
@@ -302,4 +315,13 @@ TEST(TraceSwitchWithin, ConfigurationWithinALockedLineOfTheSameThreadIsDone) {
   stream.trace.put("b").endl();
   EXPECT_STREQ(stream.record.text(), "aSwitching trace destination to recorder\n");
   EXPECT_STREQ(next.text(), "b\n");
+}
+
+TEST(TraceSwitchWithin, APutThatSwitchesItsStreamOffEndsADump) {
+  u8 const bytes[48] = {};
+  tLastPut destination;
+  tPrivateTrace trace(destination);
+  destination.trace = &trace;
+  trace.put(bytes, sizeof(bytes), 1);
+  EXPECT_EQ(u32{1}, destination.pieceCount());
 }

@@ -1,19 +1,26 @@
 // Prefixes with what only the host can steer: thread ids, memory, and a large number of random
 // settings compared with a plain model.
 
+#include <new>
 #include <random>
 
 #include "oxdiagk/tTraceFilter.h"
 #include "rounds.h"
 #include "trace/keptLines.h"
 #include "trace/startedModules.h"
+#include "trace/tLastBytes.h"
 #include "trace/tSeemingThread.h"
+#include "trace/tTracePrefix.h"
 #include "vexk/sync.h"
 
 namespace {
 
 using nOXDIAG100::tLineClock;
+using nOXDIAG100::tLineOrigin;
+using nOXDIAG100::tLineShape;
 using nOXDIAG100::tTrace;
+using nOXDIAG100::tTraceParts;
+using nOXDIAG100::tTracePrefix;
 
 constexpr u32 kPrefixesCompared = roundsOf(100'000);
 constexpr u64 kNeverMeasured = ~0ull / 2;
@@ -178,6 +185,29 @@ TEST(PrefixOnHost, CalibrationLeavesNothingBehind) {
   stream.trace.calibrate();
   EXPECT_EQ(ntoshost::outstandingBlocks(), before);
   EXPECT_EQ(stream.kept.text(), "");
+}
+
+// The object lies at the end of memory, and what it collects is its last member.
+TEST(PrefixOnHost, FieldsOfAnyLengthStayWithinTheObject) {
+  tLastBytes const place(sizeof(tTracePrefix));
+  tKeptLines kept;
+  tTraceParts parts(kept);
+  parts.turn(tLineShape::kTruncation, false);
+  parts.turn(tLineShape::kLineNumber, false);
+  for (size_t component = 0; component < 260; ++component) {
+    for (size_t const file : {size_t{0}, size_t{1}, component, component + 3, size_t{300}}) {
+      std::string const first(component, 'c');
+      std::string const second(file, 'f');
+      tLineOrigin const origin{first.c_str(), second.c_str(), kVersion, 42};
+      kept.pieces.clear();
+      (new (place.bytes) tTracePrefix(parts, parts.getShape(), {origin, 100, 0, 0}))->write();
+      parts.buffer.endPiece(parts.slot);
+      std::string wanted = "[" + first + "--" + second;
+      wanted.append(wanted.size() < 49 ? 49 - wanted.size() : 0, '-');
+      ASSERT_EQ(kept.text(), wanted + "] \n");
+    }
+  }
+  delete parts.filter;
 }
 
 TEST(PrefixOnHost, RandomPrefixesAgreeWithTheModel) {

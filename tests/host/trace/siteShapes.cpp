@@ -6,8 +6,11 @@
 #include <random>
 
 #include "keptLines.h"
+#include "oxdiagk/tDestinationSlot.h"
 #include "rounds.h"
+#include "tLastBytes.h"
 
+using nOXDIAG100::tLineBuffer;
 using nOXDIAG100::tLineOrigin;
 using nOXDIAG100::tTrace;
 using nOXDIAG100::tTraceSite;
@@ -129,6 +132,20 @@ TEST(SiteShapes, FieldsAreCutAtTheEndOfTheText) {
     wanted.resize(tTraceSite::kTextSize, '-');
     EXPECT_EQ(wanted, std::string(site.getText(), tTraceSite::kTextSize));
   }
+}
+
+// Behind them nothing is read.
+TEST(SiteShapes, APrefixIsMadeOfTheCopiedCharacters) {
+  std::string const text(tLineBuffer::kCopied, 'p');
+  tLastBytes const copied(text.data(), text.size());
+  tKeptLines kept;
+  nOXDIAG100::iTraceDestination* current = &kept;
+  nOXDIAG100::tDestinationSlot slot(current);
+  tLineBuffer buffer;
+  EXPECT_TRUE(buffer.appendPrefix(copied.bytes, 3));
+  EXPECT_TRUE(buffer.appendPrefix(copied.bytes, tLineBuffer::kCopied));
+  buffer.endPiece(slot);
+  EXPECT_EQ("ppp] " + text + "] \n", kept.text());
 }
 
 TEST(SiteShapes, AnUnknownPlaceIsNowhere) {
