@@ -6,6 +6,7 @@
 #include <ucontext.h>
 
 #include <array>
+#include <memory>
 
 #include "capturedPrint.h"
 #include "oxdiagk/tTrace.h"
@@ -171,4 +172,13 @@ TEST_F(CalibratedCosts, AnyOtherOptionDoesNot) {
   tScriptedCounter counter({100, 200, 300});
   static_cast<nOXDIAG100::tConfigurable&>(trace).configure("--timestamp --calibrated");
   EXPECT_EQ(trace.offsets(), (std::array<u64, 3>{0, 0, 0}));
+}
+
+// Though the saved configuration says "--calibrate".
+TEST_F(CalibratedCosts, AreNotMeasuredAtTheEndOfAStream) {
+  auto ending = std::make_unique<tOpenTrace>(recorder);
+  ending->pushConfiguration();
+  tScriptedCounter const counter({100, 200, 300});
+  ending.reset();
+  EXPECT_LT(counter.readings, kTries);
 }

@@ -127,6 +127,17 @@ TEST_F(RecorderHandsOn, ATextOfJustTheRingFillsIt) {
   EXPECT_EQ(ring.written, 1024u);
 }
 
+TEST_F(RecorderHandsOn, OfATextOfSeveralRingsTheLastOneStays) {
+  open("1");
+  std::string const text(5000, 'a');
+  std::string const last(1024, 'b');
+  recorder.put((text + last).c_str());
+  tRecorderRing& ring = const_cast<tRecorderRing&>(*recorder.getRing());
+  EXPECT_EQ(std::string(ring.getText(), 1024), last);
+  EXPECT_EQ(ring.written, 1024u);
+  ntoshost::verifyPool();
+}
+
 // A later dump would show it as a second recorder.
 TEST_F(RecorderHandsOn, ARingIsGivenBackWithoutItsSignature) {
   tRingsGivenBack rings;

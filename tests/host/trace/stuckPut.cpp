@@ -26,7 +26,9 @@ namespace {
 using namespace nOXDIAG100;
 
 constexpr auto kLongEnough = std::chrono::seconds(30);
+constexpr auto kPatience = std::chrono::seconds(10);
 constexpr auto kAWhile = std::chrono::milliseconds(50);
+constexpr u64 kNeverMeasured = ~0ull / 2;
 
 // Holds the thread that puts "stuck" until it is let go; others come and go.
 class tStuckDestination : public iTraceDestination {
@@ -218,6 +220,7 @@ TEST_F(StuckPut, ASwitchThatIsStuckItselfMutesNobody) {
   tKeptLines next;
   sticky.sticksToSwitches = true;
   tOwnTrace trace(sticky);
+  trace.pushConfiguration();
   tStuckThread stuck(sticky, [&] { trace.setDestination(next); });
   int const before = sticky.texts;
   trace.put("line").endl();
@@ -228,12 +231,16 @@ TEST_F(StuckPut, ASwitchThatIsStuckItselfMutesNobody) {
   trace.pushConfiguration();
   trace.popConfiguration();
   EXPECT_EQ(trace.countSavedConfigurations(), 0u);
+  trace.getClock().setOffset(tLineClock::kLineOffset, kNeverMeasured);
+  trace.calibrate();
+  EXPECT_EQ(trace.getClock().getOffset(tLineClock::kLineOffset), kNeverMeasured);
   EXPECT_FALSE(mayEnd(next));
   EXPECT_NE(events.read().find("the trace is not configured: " + nameOf(sticky.thread)),
             std::string::npos)
       << events.read();
   stuck.letGo();
   EXPECT_EQ(trace.getDestination(), &next);
+  EXPECT_EQ(trace.countSavedConfigurations(), 1u);
 }
 
 TEST_F(StuckPut, StreamsAndDestinationsComeAndGoWhenASwitchThatIsStuckItselfIsOver) {
@@ -363,6 +370,46 @@ TEST_F(StuckPut, ACounterThatLeapsAheadEndsTheWait) {
   EXPECT_EQ(change.get(), &sticky);
 }
 
+// A line in between may pass what neither of the filters passes.
+TEST_F(StuckPut, AFilterIsChangedWhenTheLineOfAnotherThreadHasEnded) {
+  ntoshost::setTimeRate(1);
+  for (char const* const option : {"--filter verbosity>=200", "--linenumber <500"}) {
+    tOwnTrace trace(sticky);
+    trace.enableMutex();
+    tOpenLine line(trace);
+    line.await();
+    std::future<void> const change =
+        std::async(std::launch::async, [&] { trace.configure(option); });
+    EXPECT_EQ(change.wait_for(kAWhile), std::future_status::timeout) << option;
+    line.end();
+    EXPECT_EQ(change.wait_for(kLongEnough), std::future_status::ready) << option;
+  }
+}
+
+TEST_F(StuckPut, ASwitchWithoutAFieldWaitsForNoLine) {
+  ntoshost::setTimeRate(1);
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  tOpenLine line(trace);
+  line.await();
+  std::future<void> const change =
+      std::async(std::launch::async, [&] { trace.configure("--timestamp"); });
+  EXPECT_EQ(change.wait_for(kPatience / 2), std::future_status::ready);
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
+}
+
+TEST_F(StuckPut, ASwitchBehindAFilterThatWasChangedWaitsAsEver) {
+  ntoshost::setTimeRate(1);
+  tOwnTrace trace(sticky);
+  tStuckThread stuck(trace, sticky);
+  std::future<void> const change = std::async(
+      std::launch::async, [&] { trace.configure("--filter verbosity>=1 --destination vex"); });
+  EXPECT_EQ(change.wait_for(kAWhile), std::future_status::timeout);
+  stuck.letGo();
+  EXPECT_EQ(change.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.getDestination(), &tVEXTraceDestination::getInstance());
+}
+
 // Then none of them was in the way for so long.
 TEST_F(StuckPut, NobodyIsNamedWhenALineFollowsAnother) {
   tKeptLines next;
@@ -426,6 +473,21 @@ TEST_F(StuckPut, ADestinationIsNotGivenItsWords) {
   EXPECT_EQ(trace.getDestination(), &sticky);
   EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
   tTextsOnTheWay::leave(place);
+}
+
+TEST_F(StuckPut, DestinationsThatAreNotGivenTheirWordsAreWaitedForOnce) {
+  tFileTraceDestination& file = *tFileTraceDestination::getInstance();
+  tOwnTrace trace(sticky);
+  tOwnTrace other(file);
+  other.enableMutex();
+  tOpenLine line(other);
+  line.await();
+  std::string options;
+  for (int count = 0; count < 100; ++count) options += "--destination file C:/other.out ";
+  std::future<void> const configuration =
+      std::async(std::launch::async, [&] { trace.configure(options.c_str()); });
+  EXPECT_EQ(configuration.wait_for(100 * kPatience / tHurriedTime::kRate / 4),
+            std::future_status::ready);
 }
 
 namespace {
