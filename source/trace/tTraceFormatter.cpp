@@ -23,7 +23,7 @@ template <class tUnit>
 void putText(tFormatOutput& output, tFormatConversion const& conversion, void const* argument) {
   if (argument == nullptr) argument = L"";
   tUnit const* const text = static_cast<tUnit const*>(argument);
-  u32 const most = smaller(conversion.precision, tTrace::kMaxTraceLine);
+  u32 const most = conversion.precision;
   u32 const width = conversion.width;
   bool const isLeft = conversion.has(tFormatConversion::kLeft);
   if (!isLeft) output.fill(' ', width - measure(text, smaller(most, width)));
@@ -58,7 +58,8 @@ bool convertLetter(tFormatOutput& output, char letter, tFormatArguments& argumen
       return true;
     case 's': {
       void const* const text = arguments.takePointer();
-      if (text != nullptr) output.putText(static_cast<char const*>(text), tTrace::kMaxTraceLine);
+      u32 const most = tFormatConversion::kNoPrecision;
+      if (text != nullptr) output.putText(static_cast<char const*>(text), most);
       return true;
     }
     default:

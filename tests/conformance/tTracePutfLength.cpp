@@ -161,6 +161,18 @@ TEST(TracePutfLength, WidthMayFillTheBuffer) {
   EXPECT_TRUE(isFilledWith(line.recorder.text() + kWarningLength, ' ', kMostCharacters));
 }
 
+TEST(TracePutfLength, WidthUpToItsLengthDoesNotPadTextThatIsTooLong) {
+  tWrittenLine line;
+  line.putf("%1025s", makeLetters(1025));
+  EXPECT_TRUE(isCutLetters(line));
+  line.putf("%1500ls", makeWideLetters(kLongTextLength));
+  EXPECT_TRUE(isCutLetters(line));
+  line.putf("%1100s", makeLetters(1090));
+  EXPECT_TRUE(isCutLine(line));
+  EXPECT_TRUE(isFilledWith(line.recorder.text() + kWarningLength, ' ', 10));
+  EXPECT_TRUE(isLetters(line.recorder.text() + kWarningLength + 10, kMostCharacters - 10));
+}
+
 TEST(TracePutfLength, WidthMayBeAsLargeAsANumberGoes) {
   char const* const formats[] = {"%2000000000d",          "%2147483647d",  "%4294967295d",
                                  "%4294967297d",          "%99999999999d", "%99999999999s",
