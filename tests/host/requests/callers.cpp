@@ -144,7 +144,9 @@ TEST_F(RequestCallers, OneWithoutNameOrWithAWrongNumberIsToldAndHungUpOn) {
     tConnection connection(path);
     EXPECT_EQ(connection.awaitGreeting(), kRequestAccepted);
     EXPECT_TRUE(connection.send(&message, sizeof(message)));
-    EXPECT_EQ(connection.awaitReply(), kRequestMalformed);
+    i32 status = 7;
+    EXPECT_EQ(connection.awaitReply(status), kRequestMalformed);
+    EXPECT_EQ(status, 0);
     EXPECT_TRUE(connection.isHungUpOn());
   }
 }

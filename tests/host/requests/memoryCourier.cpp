@@ -138,7 +138,11 @@ class MemoryCourierLate : public testing::Test {
     ASSERT_TRUE(withheld->isWithheld);
   }
 
-  // Nobody is waited for any more when this is back.
+  // The one that was left behind is back.
+  void TearDown() override {
+    while (countThreads() != 1) std::this_thread::yield();
+  }
+
   void deliver() {
     EXPECT_TRUE(withheld->deliver(page, u8{0}));
     while (countThreads() != kThreadsAtFirst) std::this_thread::yield();

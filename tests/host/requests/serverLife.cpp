@@ -1,5 +1,6 @@
 // The request server from start to stop, and the file of its socket.
 
+#include <signal.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -102,6 +103,52 @@ TEST_F(ServerLife, CanBeginAnew) {
     EXPECT_EQ(callOnce(), 0);
     stopRequestServer();
   }
+}
+
+// A stack of a thread that is not waited for stays.
+TEST_F(ServerLife, PlacesAreUsedAgainWithoutATrace) {
+  auto const countPages = [] {
+    size_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    return pages;
+  };
+  startServer();
+  EXPECT_EQ(callOnce(), 0);
+  size_t const before = countPages();
+  for (int call = 0; call < 100; ++call) EXPECT_EQ(callOnce(), 0);
+  EXPECT_LT(countPages() - before, 70u * 8192 * 1024 / 4096);
+}
+
+TEST_F(ServerLife, TheDescriptorOfTheStandardInputServesToo) {
+  startServer();
+  int const kept = dup(0);
+  ::close(0);
+  EXPECT_EQ(callOnce(), 0);
+  stopRequestServer();
+  dup2(kept, 0);
+  ::close(kept);
+}
+
+TEST_F(ServerLife, SignalsOfTheProgramAreNotForItsThreads) {
+  static volatile sig_atomic_t handled;
+  struct sigaction former;
+  struct sigaction counting = {};
+  counting.sa_handler = [](int) { handled = handled + 1; };
+  sigaction(SIGUSR1, &counting, &former);
+  startServer();
+  EXPECT_EQ(callOnce(), 0);
+  sigset_t mask;
+  pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+  EXPECT_EQ(sigismember(&mask, SIGUSR1), 0);
+  sigemptyset(&mask);
+  sigaddset(&mask, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &mask, nullptr);
+  kill(getpid(), SIGUSR1);
+  EXPECT_EQ(callOnce(), 0);
+  EXPECT_EQ(handled, 0);
+  pthread_sigmask(SIG_UNBLOCK, &mask, nullptr);
+  EXPECT_EQ(handled, 1);
+  sigaction(SIGUSR1, &former, nullptr);
 }
 
 TEST_F(ServerLife, AStopWithoutStartDoesNothing) {

@@ -46,6 +46,9 @@ class tWithheldPages {
     return ioctl(faults, UFFDIO_COPY, &filling) == 0;
   }
 
+  // Withholds no more.
+  void end() const { ::close(faults); }
+
   bool isWithheld;  // false when the system does not let this program do that
 
  private:

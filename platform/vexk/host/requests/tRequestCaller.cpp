@@ -28,7 +28,6 @@ bool tRequestCaller::start(int newConnection, tRequestPeer const& newPeer) {
   connection = newConnection;
   peer = newPeer;
   silentSince = nextMoment();
-  isServing = false;
   isLeaving = false;
   isReached = false;
   hasThread = startThread(thread, run, this) == 0;

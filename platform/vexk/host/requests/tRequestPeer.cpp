@@ -5,19 +5,19 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+// Without an answer it is the process 0, which there is none of.
 bool tRequestPeer::identify(int connection) {
   ucred who = {};
   socklen_t size = sizeof(who);
-  if (getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &who, &size) != 0) return false;
+  getsockopt(connection, SOL_SOCKET, SO_PEERCRED, &who, &size);
   process = who.pid;
   user = who.uid;
-  descriptor = process > 0 ? static_cast<int>(syscall(SYS_pidfd_open, process, 0)) : kNone;
-  return descriptor != kNone;
+  descriptor = static_cast<int>(syscall(SYS_pidfd_open, process, 0));
+  return descriptor >= 0;
 }
 
 void tRequestPeer::close() {
-  if (descriptor != kNone) ::close(descriptor);
-  descriptor = kNone;
+  ::close(descriptor);
 }
 
 bool tRequestPeer::isServed() const {

@@ -10,7 +10,7 @@ class tRequestPeer {
   // Asks who has connected and holds on to that process until `close`. False, and nothing is held,
   // when the process is gone or none of this system's.
   bool identify(int connection);
-  void close();
+  void close();  // once, of what is held
 
   bool isServed() const;  // the user of this program, or root
   bool isAlive() const;
@@ -18,9 +18,7 @@ class tRequestPeer {
   uid_t getUser() const { return user; }
 
  private:
-  static constexpr int kNone = -1;
-
   pid_t process = 0;
   uid_t user = 0;
-  int descriptor = kNone;
+  int descriptor = -1;
 };

@@ -114,8 +114,7 @@ tRequestCaller* tRequestServer::findPlace(uid_t user) {
 
 tRequestCaller* tRequestServer::findFreePlace() {
   for (tRequestCaller& caller : callers) {
-    bool const isFree = !caller.isTaken() || caller.getSilence() == 0;
-    if (!isFree) continue;
+    if (caller.getSilence() != 0) continue;
     caller.wait();
     return &caller;
   }
@@ -125,8 +124,7 @@ tRequestCaller* tRequestServer::findFreePlace() {
 u32 tRequestServer::countPlacesOf(uid_t user) {
   u32 count = 0;
   for (tRequestCaller& caller : callers) {
-    bool const isTaken = caller.isTaken() && caller.getSilence() != 0;
-    if (isTaken && caller.getUser() == user) ++count;
+    if (caller.getSilence() != 0 && caller.getUser() == user) ++count;
   }
   return count;
 }
