@@ -1,6 +1,8 @@
 // The request server from start to stop, and the file of its socket.
 
+#include <fcntl.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -129,6 +131,71 @@ TEST_F(ServerLife, TheDescriptorOfTheStandardInputServesToo) {
   ::close(kept);
 }
 
+TEST_F(ServerLife, NoDescriptorIsLeftInThePlaceOfTheStandardInput) {
+  int const kept = dup(0);
+  ::close(0);
+  EXPECT_TRUE(startRequestServer(path.c_str()));
+  EXPECT_LT(fcntl(0, F_GETFD), 0);
+  stopRequestServer();
+  dup2(kept, 0);
+  ::close(kept);
+}
+
+TEST_F(ServerLife, AStartTakesNoOtherFault) {
+  ntoshost::failNth(ntoshost::kFaultAll & ~(ntoshost::kFaultSocket | ntoshost::kFaultThread), 1);
+  EXPECT_TRUE(startRequestServer(path.c_str()));
+  ntoshost::clearFaults();
+  EXPECT_EQ(ntoshost::faultsInjected(), 0u);
+}
+
+// Whether the process has that folder open, and no program that it starts gets it.
+bool hasOpen(pid_t process, std::filesystem::path const& wanted) {
+  std::filesystem::path const all = "/proc/" + std::to_string(process);
+  std::error_code ignored;
+  for (auto const& entry : std::filesystem::directory_iterator(all / "fd", ignored)) {
+    if (std::filesystem::read_symlink(entry, ignored) != wanted) continue;
+    std::string word;
+    std::ifstream info(all / "fdinfo" / entry.path().filename());
+    while (info >> word && word != "flags:") {
+    }
+    info >> word;
+    return (std::stoul(word, nullptr, 8) & O_CLOEXEC) != 0;
+  }
+  return false;
+}
+
+TEST_F(ServerLife, AStartWaitsForTheOneInItsFolder) {
+  std::filesystem::path const place = std::filesystem::path(path).parent_path();
+  int const locked = ::open(place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  ASSERT_EQ(flock(locked, LOCK_EX), 0);
+  tSignal const isStarted;
+  tChild other([&] {
+    ::close(locked);
+    bool const isGood = startRequestServer(path.c_str()) && isStarted.give();
+    stopRequestServer();
+    return isGood ? 0 : 1;
+  });
+  while (!hasOpen(other.pid, place)) ASSERT_FALSE(std::filesystem::exists(path));
+  for (int look = 0; look < 100; ++look) {
+    std::this_thread::yield();
+    ASSERT_FALSE(std::filesystem::exists(path));
+  }
+  ::close(locked);
+  EXPECT_TRUE(isStarted.await());
+  EXPECT_EQ(other.await(), 0);
+}
+
+TEST_F(ServerLife, APathInTheRootIsOneLikeOthers) {
+  if (geteuid() != 0) GTEST_SKIP() << "only root has another root";
+  EXPECT_EQ(tChild([this] {
+              if (chroot(folder.pathOf("").c_str()) != 0) return 200;
+              if (!startRequestServer("/socket")) return errno;
+              stopRequestServer();
+              return 0;
+            }).await(),
+            0);
+}
+
 TEST_F(ServerLife, SignalsOfTheProgramAreNotForItsThreads) {
   static volatile sig_atomic_t handled;
   struct sigaction former;
@@ -252,6 +319,53 @@ TEST_F(ServerLife, WithoutThatItIsInAFolderOfTheUsersOwn) {
   unsetenv("XDG_RUNTIME_DIR");
   EXPECT_TRUE(vexkhost::getRequestSocketPath(found));
   EXPECT_EQ(found, wanted);
+}
+
+TEST_F(FolderByDefault, ThatCannotBeMadeIsTold) {
+  EXPECT_EQ(tChild([this] {
+              setenv("XDG_RUNTIME_DIR", folder.pathOf("none").c_str(), 1);
+              if (setuid(user) != 0) return 200;
+              return startRequestServer(nullptr) ? 0 : errno;
+            }).await(),
+            EACCES);
+}
+
+// A user's server at a path of somebody else's.
+class ForeignPath : public FolderByDefault {
+ protected:
+  int startAtPath() const {
+    return tChild([this] {
+             if (setuid(user) != 0) return 200;
+             if (!startRequestServer(path.c_str())) return errno;
+             stopRequestServer();
+             return 0;
+           })
+        .await();
+  }
+
+  void allow(std::string const& place, unsigned mode) const {
+    std::filesystem::permissions(place, std::filesystem::perms{mode});
+  }
+};
+
+TEST_F(ForeignPath, InAFolderThatIsNotTheUsersIsRefused) {
+  EXPECT_EQ(startAtPath(), EACCES);
+}
+
+TEST_F(ForeignPath, OfADeadServerStaysWhenItCannotBeTakenAway) {
+  ASSERT_EQ(leaveASocket(path), 0);
+  allow(path, 0666);
+  EXPECT_EQ(startAtPath(), EACCES);
+  EXPECT_TRUE(std::filesystem::is_socket(path));
+  std::filesystem::remove(path);
+}
+
+TEST_F(ForeignPath, ThatTheUserMayNotAskIsLeftAlone) {
+  ASSERT_EQ(leaveASocket(path), 0);
+  allow(folder.pathOf(""), 0777);
+  EXPECT_EQ(startAtPath(), EADDRINUSE);
+  EXPECT_TRUE(std::filesystem::is_socket(path));
+  std::filesystem::remove(path);
 }
 
 TEST_F(FolderByDefault, IsMadeForItsUserAlone) {

@@ -54,7 +54,6 @@ class tLockedFolder {
     if (char const* const slash = strrchr(path, '/')) {
       size_t const length = slash == path ? 1 : static_cast<size_t>(slash - path);
       memcpy(folder, path, length);
-      folder[length] = '\0';
     }
     descriptor = open(folder, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor >= 0 && flock(descriptor, LOCK_EX) != 0) closeKeepingError(descriptor);
