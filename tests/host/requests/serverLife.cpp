@@ -352,6 +352,12 @@ TEST_F(ForeignPath, InAFolderThatIsNotTheUsersIsRefused) {
   EXPECT_EQ(startAtPath(), EACCES);
 }
 
+TEST_F(ForeignPath, InAFolderThatTheUserMayNotLockIsRefused) {
+  allow(folder.pathOf(""), 0733);
+  EXPECT_EQ(startAtPath(), EACCES);
+  allow(folder.pathOf(""), 0755);
+}
+
 TEST_F(ForeignPath, OfADeadServerStaysWhenItCannotBeTakenAway) {
   ASSERT_EQ(leaveASocket(path), 0);
   allow(path, 0666);
