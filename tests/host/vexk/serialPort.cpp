@@ -234,10 +234,11 @@ TEST(SerialPort, ASignalLosesNoByte) {
   }
   int received = 0;
   char bytes[4096];
-  while (!isSent || received < size + 1) {
+  while (true) {
+    bool const wasSent = isSent;
     ssize_t const got = read(reader, bytes, sizeof(bytes));
     if (got > 0) received += static_cast<int>(got);
-    if (isSent && got <= 0) break;
+    if (got <= 0 && wasSent) break;
   }
   sender.join();
   EXPECT_EQ(received, size + 1);
