@@ -50,7 +50,8 @@ u32 DbgPrint(char const* format, ...) {
   return STATUS_SUCCESS;
 }
 
-u32 vDbgPrintEx(u32, u32, char const* format, va_list arguments) {
-  ntoshost::print(format, arguments, "vDbgPrintEx");
+// As a kernel to which nobody has said what else to show.
+u32 vDbgPrintEx(u32, u32 level, char const* format, va_list arguments) {
+  if (level == DPFLTR_ERROR_LEVEL) ntoshost::print(format, arguments, "vDbgPrintEx");
   return STATUS_SUCCESS;
 }

@@ -25,12 +25,17 @@ class DebugPrint : public testing::Test {
   std::vector<std::string> m_prints;
 };
 
-u32 printList(char const* format, ...) {
+u32 printListAt(u32 level, char const* format, ...) {
   va_list arguments;
   va_start(arguments, format);
-  u32 const status = vDbgPrintEx(DPFLTR_IHVDRIVER_ID, DPFLTR_ERROR_LEVEL, format, arguments);
+  u32 const status = vDbgPrintEx(DPFLTR_IHVDRIVER_ID, level, format, arguments);
   va_end(arguments);
   return status;
+}
+
+template <class... tArguments>
+u32 printList(char const* format, tArguments... arguments) {
+  return printListAt(DPFLTR_ERROR_LEVEL, format, arguments...);
 }
 
 TEST_F(DebugPrint, EachCallReachesTheSinkAsOnePiece) {
@@ -47,6 +52,13 @@ TEST_F(DebugPrint, ItSucceeds) {
 TEST_F(DebugPrint, AListOfArgumentsPrintsTheSame) {
   printList("%s %c%c", "slot", 'a', 'b');
   EXPECT_EQ(m_prints, (std::vector<std::string>{"slot ab"}));
+}
+
+TEST_F(DebugPrint, OfAListNothingButErrorsIsShown) {
+  for (u32 level : {DPFLTR_WARNING_LEVEL, DPFLTR_TRACE_LEVEL, DPFLTR_INFO_LEVEL}) {
+    EXPECT_EQ(printListAt(level, "level %u", level), 0u);
+  }
+  EXPECT_TRUE(m_prints.empty());
 }
 
 TEST_F(DebugPrint, AnEmptyTextIsAPrintToo) {

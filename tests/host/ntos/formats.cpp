@@ -18,7 +18,7 @@ std::string formatted(char const* format, ...) {
   va_list arguments;
   va_start(arguments, format);
   ntoshost::setDebugPrintSink(keep, &text);
-  vDbgPrintEx(DPFLTR_DEFAULT_ID, DPFLTR_INFO_LEVEL, format, arguments);
+  vDbgPrintEx(DPFLTR_IHVDRIVER_ID, DPFLTR_ERROR_LEVEL, format, arguments);
   ntoshost::setDebugPrintSink(nullptr, nullptr);
   va_end(arguments);
   return text;

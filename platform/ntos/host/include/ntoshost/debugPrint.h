@@ -4,7 +4,8 @@
 
 namespace ntoshost {
 
-// Receives what DbgPrint and vDbgPrintEx print: one call for each print, `text` not terminated.
+// Receives what DbgPrint and vDbgPrintEx print: one call for each print, `text` not terminated. Of
+// vDbgPrintEx only errors are printed, of any component.
 // Calls come one at a time, on the printing threads. A sink must not print itself.
 using DebugPrintSink = void(void* context, char const* text, size_t length);
 
