@@ -176,7 +176,6 @@ class OXDIAG_API tAssertConfiguration : public tConfigurable {
 
   char const* findName(char const* category) const;
   char const* addCategory(char const* category);
-  void removeMadeCategories();
 
   tCategoryTable<tConfigElem> categories;
   char const* currentCategory;  // a key of the table, or the built-in "default"

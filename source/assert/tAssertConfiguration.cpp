@@ -70,16 +70,13 @@ tAssertConfiguration::tAssertConfiguration()
 }
 
 tAssertConfiguration::~tAssertConfiguration() {
-  removeMadeCategories();
+  categories.removeCopies();
+  currentCategory = kDefaultCategory;  // the name of the one before may be gone
   // Nobody sees the younger ones between here and the oldest.
   for (; savedConfigurations.size() > 1; savedConfigurations.pop_back()) {
     _memDelete(savedConfigurations.back().text);
   }
-  // The name that it was about is gone.
-  if (!savedConfigurations.empty()) savedConfigurations.back().category = kDefaultCategory;
   popConfiguration();
-  // A saved configuration makes the categories that it names again.
-  removeMadeCategories();
 }
 
 bool const* tAssertConfiguration::findSwitch(char const* category, bool tConfigElem::*value) const {
@@ -149,11 +146,6 @@ char const* tAssertConfiguration::findName(char const* category) const {
 char const* tAssertConfiguration::addCategory(char const* category) {
   auto const* const made = categories.addCopy(category, tConfigElem());
   return made == nullptr ? nullptr : made->getName();
-}
-
-void tAssertConfiguration::removeMadeCategories() {
-  categories.removeCopies();
-  currentCategory = kDefaultCategory;
 }
 
 }  // namespace nOXDIAG100

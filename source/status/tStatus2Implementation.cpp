@@ -21,8 +21,7 @@ constexpr u32 kHighHalvesFollow = 1;
 // The field is all zero before.
 void copyTail(char* field, u32 size, char const* text) {
   if (text == nullptr) return;
-  size_t length = 0;
-  while (text[length] != '\0') ++length;
+  size_t const length = __builtin_strlen(text);
   size_t const kept = length < size ? length : size - 1;
   __builtin_memcpy(field, text + (length - kept), kept);
 }

@@ -55,9 +55,7 @@ void tStatus2ModuleList::add(u64 address) {
   tLoadedModule& module = modules[count];
   if (_vexFindModule(address - 1, &module) == 0) return;
   for (u32 i = 0; i != count; ++i) {
-    if (modules[i].base != module.base) continue;
-    module = tLoadedModule();
-    return;
+    if (modules[i].base == module.base) return;
   }
   ++count;
 }

@@ -27,8 +27,8 @@ i32 tDispatcherTable::add(tDispatcher& dispatcher) {
 void tDispatcherTable::remove(tDispatcher& dispatcher) {
   if (!isReady) return;
   tFastMutexGuard const held(guard);
-  bool const isKnown = take(exported, dispatcher) || take(closing, dispatcher);
-  if (isKnown && dispatcher.running != 0) waitUntilIdle(dispatcher);
+  if (!take(exported, dispatcher)) take(closing, dispatcher);
+  if (dispatcher.running != 0) waitUntilIdle(dispatcher);
 }
 
 // A module that goes waits for the requests that run, so their threads are not suspended.

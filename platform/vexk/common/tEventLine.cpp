@@ -9,11 +9,11 @@ void tEventLine::append(char const* format, ...) {
   va_end(arguments);
 }
 
+// What is cut ends with the last byte, which is 0 from the start.
 void tEventLine::appendList(char const* format, va_list arguments) {
   u32 const room = kVexEventTextSize - 1 - length;
   i32 const written = _vsnprintf(text + length, room, format, arguments);
   length += written < 0 ? room : static_cast<u32>(written);
-  text[length] = '\0';
 }
 
 void tEventLine::dropNewline() {

@@ -212,6 +212,22 @@ TEST_F(DispatcherThreads, ADispatcherMayBeWithdrawnWhileItsModuleWaitsForIt) {
   request.join();
 }
 
+TEST_F(DispatcherThreads, AnotherMayEndWhileItsModuleWaitsForOne) {
+  tBusy busy;
+  auto other = std::make_unique<tBusy>(kOtherName);
+  open();
+  std::thread request([] { EXPECT_EQ(deliver(1), 0); });
+  waitFor(busy.entered, 1);
+  std::thread unregisterer([&] { close(); });
+  awaitWithdrawal(kOtherName);
+  awaitWithdrawal();
+  other.reset();
+  { tBusy const next(kOtherName); }
+  busy.letGo = 1;
+  unregisterer.join();
+  request.join();
+}
+
 TEST_F(DispatcherThreads, OneThatWaitsHoldsNobodyElseUp) {
   tBusy busy;
   tBusy other(kOtherName);

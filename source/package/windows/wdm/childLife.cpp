@@ -25,7 +25,6 @@ void letBusAsk(tChildDevice const& child) {
 
 NTSTATUS startChild(tChildRequest& request) {
   letBusAsk(request.child);
-  request.child.isRemoved = false;
   request.child.devicePower = PowerDeviceD0;
   return enter(request, tPnpState::Started);
 }

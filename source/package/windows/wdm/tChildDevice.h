@@ -118,7 +118,7 @@ class tChildDevice final : public tDeviceExtension, public LIST_ENTRY {
   DEVICE_POWER_STATE devicePower = PowerDeviceD3;
   SYSTEM_POWER_STATE systemPower = PowerSystemWorking;
   bool isAwaited = false;  // somebody waits for the end of its handler
-  bool isRemoved = false;  // the system has removed it, and not started it since
+  bool isRemoved = false;  // the system has removed it, as it does before each further start
   tChildTexts texts;
 
  private:
