@@ -196,6 +196,19 @@ TEST(QelmkCast, AnUnknownIdentityIsNotFound) {
   EXPECT_TRUE(object.___CPPKRLDynamicCast(nullptr) == nullptr);
 }
 
+TEST(QelmkCast, OfTheBaseOfAllKnowsThatAlone) {
+  struct tCast : tObject {
+    using tObject::___CPPKRLCast;
+  };
+  tPoint point;
+  tObject* const object = &point;
+  tObject const* const constant = object;
+  EXPECT_TRUE(tCast::___CPPKRLCast(object, &tObject::___classID) == object);
+  EXPECT_TRUE(tCast::___CPPKRLCast(constant, &tObject::___classID) == constant);
+  EXPECT_TRUE(tCast::___CPPKRLCast(object, &tPoint::___classID) == nullptr);
+  EXPECT_TRUE(tCast::___CPPKRLCast(constant, &tPoint::___classID) == nullptr);
+}
+
 TEST(QelmkCast, EveryClassHasAnIdentityOfItsOwn) {
   void* const* const identities[] = {
       &tObject::___classID,   &iCloneable::___classID, &iExternalizable::___classID,

@@ -315,3 +315,19 @@ TEST(QelmkBinaryReader, AClassIsLookedUpAgainWhenItHasGone) {
   nQELM100::destroyThroughClass(last);
   EXPECT_TRUE(reader.isAtEnd());
 }
+
+TEST(QelmkBinaryReader, IsNotBehindAnObjectWhoseHeadIsCut) {
+  tRegistration<tParcel> const registration;
+  u8 bytes[256];
+  i32 status = 0;
+  tParcel const parcel;
+  nQELM100::tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  writer.writeObject(&parcel, status);
+  writer.writeCharacter('\1', status);
+  tBinaryObjectReader reader(bytes, writer.getSize(), status);
+  nQELM100::destroyThroughClass(reader.readObject(status));
+  ASSERT_EQ(0, status);
+  EXPECT_TRUE(reader.readObject(status) == nullptr);
+  EXPECT_EQ(kStatusStreamEnded, status);
+  EXPECT_FALSE(reader.isPastFailedObject());
+}

@@ -1,5 +1,6 @@
 #include "conformance/harness.h"
 #include "qelmk/qelmk.h"
+#include "stl/borrowed_string.h"
 #include "support/callerCodes.h"
 #include "support/goldenParcel.h"
 #include "support/tParcel.h"
@@ -95,6 +96,23 @@ TEST(QelmkBinaryWriter, WritesTextsWithTheirCountOfCharacters) {
   constexpr u8 kWanted[] = {2, 0, 0, 0, 'a', 'b', 0, 0, 0, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 0};
   EXPECT_EQ(i32{0}, status);
   EXPECT_TRUE(buffer.holds(kWanted));
+}
+
+// Texts that are not there: a writer does not look at what it has no room for.
+TEST(QelmkBinaryWriter, RefusesATextThatHasMoreCharactersThanItsCountCanSay) {
+  constexpr size_t kMost = 0xFFFFFFFF;
+  _STL::borrowed_string<char> const longest("a", kMost);
+  _STL::borrowed_string<char> const tooLong("a", kMost + 1);
+  tBuffer buffer;
+  tBinaryObjectWriter writer(buffer.bytes, sizeof(buffer.bytes));
+  i32 status = 0;
+  writer.writeString(tooLong.get(), status);
+  EXPECT_EQ(nQELM100::kStatusStreamTooLong, status);
+  EXPECT_EQ(kHeaderSize, writer.getSize());
+  status = 0;
+  writer.writeString(longest.get(), status);
+  EXPECT_EQ(i32{0}, status);
+  EXPECT_EQ(kHeaderSize + sizeof(u32) + kMost, writer.getSize());
 }
 
 TEST(QelmkBinaryWriter, WritesNoObjectAsTwoZeros) {

@@ -164,6 +164,9 @@ TEST(QelmkRegistry, RegistersNothingAfterAnError) {
   tParcel::___registerClass(status);
   EXPECT_EQ(kEarlierError, status);
   EXPECT_FALSE(isFound("tParcel"));
+  tClassImplementation nameless(nullptr, nullptr, nullptr);
+  nQELM100::registerClass(nameless, status);
+  EXPECT_EQ(kSomeError, status);
 }
 
 TEST(QelmkRegistry, AWarningStaysWhenAClassIsRegistered) {

@@ -220,6 +220,13 @@ TEST(ReportableText, OfNoTimesForATranslatorWithWordsOnlyIsTheWords) {
   EXPECT_STREQ(tReport(tSSTimeAbsoluteReportable(), translator, L"slot").getText(), "slotnone");
 }
 
+TEST(ReportableText, OfTimesForATranslatorWithWordsOnlyIsNothing) {
+  tWordsTranslator const translator;
+  tStatus2 status;
+  tSSTimeAbsoluteReportable const times(timeOf(1, 2, 3, 4), status);
+  EXPECT_STREQ(tReport(times, translator, L"slot").getText(), "slot");
+}
+
 TEST(ReportableText, AfterAnErrorTheOutputIsUntouched) {
   visitReportables([](auto tag) {
     tFullTranslator const translator;

@@ -33,6 +33,14 @@ TEST(ReportableValues, AreNotTakenAfterAnError) {
   });
 }
 
+TEST(ReportableValues, AnIdBesideAListIsNotTakenAfterAnErrorEither) {
+  tStatus2 status(kSomeError);
+  tEnumPropertyReportable const one(7, 8, status);
+  tEnumPropertyReportable const several(7, listOf<i32>(8, 9), status);
+  EXPECT_EQ(one.getPropertyID(status), tEnumPropertyReportable().getPropertyID(status));
+  EXPECT_EQ(several.getPropertyID(status), tEnumPropertyReportable().getPropertyID(status));
+}
+
 TEST(ReportableValues, AreTakenWithAWarning) {
   visitReportables([](auto tag) {
     using tReportable = typename decltype(tag)::tReportable;

@@ -172,6 +172,16 @@ TEST(StatusHeapBadBlocks, AForgedHeaderInAFreeBlockIsRefused) {
   EXPECT_TRUE(isHeapUnused());
 }
 
+TEST(StatusHeapBadBlocks, AForgedHeaderBetweenUnitsIsRefused) {
+  void* const block = takeBlock(kSize);
+  ASSERT_NE(block, nullptr);
+  void* const forged = moved(block, 24);
+  u64 const header[] = {reinterpret_cast<u64>(forged) - 16, 1};
+  __builtin_memcpy(moved(block, 8), header, sizeof header);
+  EXPECT_EQ(givingBadBlock(forged), kStatusHeapBadBlock);
+  EXPECT_EQ(giveBack(block), 0);
+}
+
 TEST(StatusHeapBadBlocks, ABlockThatReachesBehindTheArenaIsRefused) {
   void* const top = takeBlock(kRecordSize);
   ASSERT_NE(top, nullptr);

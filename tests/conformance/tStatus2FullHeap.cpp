@@ -44,6 +44,16 @@ TEST(StatusInFullHeap, IsSetAgainInThePlaceOfItsOwnRecord) {
   EXPECT_TRUE(status.hasDetail());
 }
 
+TEST(StatusInFullHeap, IsSetAgainWithADescriptionThatIsAnothers) {
+  tTestDescription const description(42);
+  tStatus2 status;
+  OXDIAG_SET_STATUS(status, kWarning);
+  tFullHeap const full;
+  OXDIAG_SET_STATUS_WITH_DESCRIPTION(status, kError, description);
+  EXPECT_EQ(status.getCode(), kError);
+  EXPECT_TRUE(status.hasDetail());
+}
+
 TEST(StatusInFullHeap, IsNotSetAgainInThePlaceOfASharedRecord) {
   tStatus2 status;
   OXDIAG_SET_STATUS(status, kWarning);

@@ -187,6 +187,16 @@ TEST(StatusModules, AListWithoutModulesChangesNoItem) {
   EXPECT_EQ(different, u32{0});
 }
 
+TEST(StatusModules, AStatusWithoutDetailIsWrittenAsWithoutTheList) {
+  tStatus2 const status(kFormError);
+  tItemStream& stream = cleanStream();
+  i32 code = 0;
+  status.writeExternal(stream, tStatus2ModuleList(status), code);
+  EXPECT_EQ(code, 0);
+  ASSERT_EQ(stream.getCount(), u32{3});
+  EXPECT_EQ(stream.getItem(2).value, u32{0});
+}
+
 TEST(StatusModules, NothingIsWrittenWithAnErrorOnEntry) {
   tStatus2 const status = knownStatus();
   tStatus2ModuleList const list(status);

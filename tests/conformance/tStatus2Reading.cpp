@@ -320,6 +320,14 @@ TEST(StatusReading, ANullObjectIsNoDescription) {
   EXPECT_TRUE(target.getDescription() == nullptr);
 }
 
+TEST(StatusReading, ADescriptionInThePlaceOfTheMarkerIsNotRead) {
+  tItemStream& stream = describedForm();
+  stream.erase(kFormDescriptionFlag + 1);
+  tStatus2 target;
+  EXPECT_EQ(readFrom(stream, target), tItemStream::kStatusWrongKind);
+  EXPECT_TRUE(target.getDescription() == nullptr);
+}
+
 TEST(StatusReading, ADescriptionThatIsNotThereKeepsTheStreamsReason) {
   tItemStream& stream = knownForm();
   stream.replace(kFormDescriptionFlag, 1);

@@ -10,6 +10,7 @@
 #include "support/statusOrigin.h"
 #include "support/tBlindReader.h"
 #include "support/tRegistration.h"
+#include "support/tTestDescription.h"
 #include "support/tTestReportable.h"
 #include "vexk/placementNew.h"
 
@@ -168,6 +169,26 @@ TEST(StatusesInAStream, TheSecondIsReadWhenTheFirstHasADescriptionOfAnUnknownCla
   tStatus2 second;
   second.readExternal(reader, status);
   EXPECT_EQ(second.getCode(), kLastCode);
+}
+
+TEST(StatusesInAStream, ADescriptionOfAnUnknownClassIsReportedInAFullHeapToo) {
+  u8 bytes[512];
+  i32 status = 0;
+  tBinaryObjectWriter writer(bytes, sizeof(bytes));
+  {
+    tRegistration<tTestDescription> const registration;
+    tStatus2 described;
+    OXDIAG_SET_STATUS_WITH_DESCRIPTION(described, kFirstCode, tTestDescription(42));
+    described.writeExternal(writer, status);
+    writer.finish(status);
+    ASSERT_EQ(status, 0);
+  }
+  tFullHeap const full;
+  tBinaryObjectReader reader(bytes, writer.getSize(), status);
+  tStatus2 first;
+  first.readExternal(reader, status);
+  EXPECT_EQ(status, nQELM100::kStatusClassUnknown);
+  EXPECT_TRUE(reader.isAtEnd());
 }
 
 TEST(StatusesInAStream, EveryCutFirstIsReportedInAFullHeapToo) {

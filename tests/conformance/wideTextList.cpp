@@ -63,8 +63,12 @@ TEST(WideTextList, IsAssignedFromStrings) {
   tWideTextList list = samples();
   EXPECT_TRUE(list.assign(texts, 5));
   EXPECT_TRUE(holdsSamples(list));
-  EXPECT_TRUE(list.assign(nullptr, 0));
-  EXPECT_TRUE(list.empty());
+  constexpr size_t kCounts[] = {0, 3};
+  for (size_t count : kCounts) {
+    list = samples();
+    EXPECT_TRUE(list.assign(nullptr, count));
+    EXPECT_TRUE(list.empty());
+  }
 }
 
 TEST(WideTextList, IsCopied) {

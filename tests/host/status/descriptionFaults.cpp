@@ -16,8 +16,10 @@
 #include "qelmk/statusCodes.h"
 #include "qelmk/tBinaryObjectReader.h"
 #include "qelmk/tBinaryObjectWriter.h"
+#include "status/tStatus2DescriptionImplementation.h"
 #include "support/callerCodes.h"
 #include "support/heapRecord.h"
+#include "support/tItemStream.h"
 #include "support/tItemTranslator.h"
 #include "trace/startedModules.h"
 
@@ -26,6 +28,7 @@ using nOXDIAG100::tIntrinsicTypeReportable;
 using nOXDIAG100::tReportItem;
 using nOXDIAG100::tStatus2;
 using nOXDIAG100::tStatus2Description;
+using nOXDIAG100::tStatus2DescriptionImplementation;
 using nQELM100::kStatusClassMismatch;
 using nQELM100::tObject;
 
@@ -117,6 +120,17 @@ std::u16string textOf(tStatus2Description const& description, tStatus2& status) 
   std::u16string text;
   for (wchar_t character : output) text.push_back(static_cast<char16_t>(character));
   return text;
+}
+
+// An item that could not be made a copy of another.
+tReportItem failedItem() {
+  tStatus2 clean;
+  tReportItem const original(9, tNumber(9, clean), clean);
+  tReportItem item;
+  ntoshost::failNth(ntoshost::kFaultMemory, 1);
+  item = original;
+  ntoshost::clearFaults();
+  return item;
 }
 
 i32 codeAfterCloning(nQELM100::iCloneable const& original) {
@@ -268,6 +282,24 @@ TEST(DescriptionFaults, AFailedCloneOfAnItemIsNone) {
   }
 }
 
+TEST(DescriptionFaults, AnItemThatIsMovedTakesItsFailureAlong) {
+  tReportItem item = failedItem();
+  EXPECT_TRUE(item.hasFailed());
+  tReportItem const taken(_STL::move(item));
+  EXPECT_TRUE(taken.hasFailed());
+  EXPECT_FALSE(item.hasFailed());  // NOLINT(bugprone-use-after-move): an item without reportable
+}
+
+TEST(DescriptionFaults, AnItemThatIsReadHasNotFailedAnyMore) {
+  tItemStream& stream = cleanStream();
+  i32 code = 0;
+  tReportItem().writeExternal(stream, code);
+  tReportItem item = failedItem();
+  item.readExternal(stream, code);
+  EXPECT_EQ(code, 0);
+  EXPECT_FALSE(item.hasFailed());
+}
+
 TEST(DescriptionFaults, AStatusWithoutItsDescriptionKeepsItsDetail) {
   u64 const failures = failEachAllocation([](tStatus2Description& description, tStatus2& status) {
     tStatus2 described;
@@ -323,6 +355,18 @@ TEST(DescriptionInShortHeap, IsClonedInWholeOrNotAtAll) {
     return code == 0;
   });
   EXPECT_GE(failures, 4u);
+}
+
+TEST(DescriptionInShortHeap, ItsListIsClonedInWholeOrNotAtAll) {
+  tStatus2 clean;
+  tStatus2DescriptionImplementation list;
+  list.add(9, tNumber(9, clean), clean);
+  u32 const failures = shortenHeap([&] {
+    i32 const code = codeAfterCloning(list);
+    EXPECT_TRUE(code == 0 || code == kStatusClassMismatch);
+    return code == 0;
+  });
+  EXPECT_GE(failures, 2u);
 }
 
 TEST(DescriptionInShortHeap, IsAttachedInWholeOrNotAtAll) {

@@ -5,6 +5,7 @@
 #include "oxdiagk/reportableClass.h"
 #include "oxdiagk/tIntrinsicTypeReportable.h"
 #include "oxdiagk/tPropertyIDReportable.h"
+#include "oxdiagk/tReportText.h"
 #include "status/tStatus2DescriptionImplementation.h"
 #include "status/tStatus2Implementation.h"
 #include "support/callerCodes.h"
@@ -81,6 +82,22 @@ TEST(DescriptionParts, NothingIsCopiedWithAnEarlierError) {
   EXPECT_EQ(copy.getCount(), 0u);
 }
 
+TEST(DescriptionParts, AnItemWithoutReportableNamesNoClass) {
+  tItemStream& stream = cleanStream();
+  for (u32 const value : {1, 5, 0}) {
+    stream.put({value == 5 ? tItemStream::kI32 : tItemStream::kU32, value});
+  }
+  tStatus2DescriptionImplementation list;
+  i32 reading = 0;
+  list.readExternal(stream, reading);
+  ASSERT_EQ(reading, 0);
+  tStatus2 status;
+  _STL::string name("before");
+  list.getReportableClassName(0, name, status);
+  EXPECT_EQ(status.getCode(), 0);
+  EXPECT_TRUE(name.empty());
+}
+
 TEST(DescriptionParts, ADetailIsNotReadWithAnEarlierError) {
   tItemStream stream;
   tStatus2Implementation detail(-1, "rack", "rack.cpp", 7, nullptr);
@@ -105,4 +122,34 @@ TEST(ReportableFailure, OfATextIsRecordedWhereEmptyTextsAreLeftOut) {
   _STL::wstring output;
   property.generateReport(tSpoiledNames(), output, status);
   EXPECT_EQ(status.getCode(), kStatusOutOfMemory);
+}
+
+// A first item of 4000 characters, and short ones behind it.
+TEST(DescriptionParts, ALongFirstItemMakesNoRoomForManyAsLong) {
+  class tLongFirst final : public tItemTranslator {
+   public:
+    _STL::wstring translateUsageType(i32 usageType, tStatus2& status) const override {
+      return usageType == 0 ? tLongWinded(4000).translateUsageType(usageType, status)
+                            : _STL::wstring();
+    }
+  };
+  tStatus2DescriptionImplementation list;
+  addItems(list, 1000);
+  tStatus2 status;
+  _STL::wstring output;
+  list.generateReport(tLongFirst(), output, status);
+  EXPECT_EQ(status.getCode(), 0);
+  EXPECT_LT(output.capacity(), 4 * output.size());
+}
+
+TEST(ReportText, AppendsNothingOnceThereIsAnError) {
+  tStatus2 status(kEarlierError);
+  tFullTranslator const translator;
+  _STL::wstring output(L"before");
+  tReportText report(translator, output, status, {"source", 7});
+  report.append(_STL::wstring(L"text"));
+  report.appendEmptyContainer();
+  EXPECT_TRUE(output == L"before");
+  EXPECT_EQ(translator.calls, 0u);
+  EXPECT_EQ(status.getCode(), kEarlierError);
 }

@@ -6,6 +6,7 @@
 #include "startedHeap.h"
 #include "support/callerCodes.h"
 #include "vexk/statusCodes.h"
+#include "vexk/sync.h"
 
 #define OXDIAG_COMPONENT "heapLife"
 #include "oxdiagk/statusMacros.h"
@@ -213,4 +214,14 @@ TEST(StatusHeapLife, ARunningHeapTakesNothingFromTheGeneralPool) {
   copy.toString(text, sizeof text);
   for (tStatus2& status : statuses) status.setCode(0);
   EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
+}
+
+TEST(StatusHeapLife, AnEndWhileSomebodyHasTheLockSaysSo) {
+  tStartedPlatform const platform;
+  ASSERT_EQ(statusHeapMain(kStart), 0);
+  auto* lock = reinterpret_cast<iSync*>(heapRecord().lock);
+  ASSERT_EQ(lock->acquire(kSyncWaitForever), 0);
+  EXPECT_EQ(statusHeapMain(kStop), kStatusSyncInUse);
+  EXPECT_EQ(lock->release(), 0);
+  EXPECT_EQ(syncClose(lock), 0);
 }

@@ -7,7 +7,9 @@
 #include "oxdiagk/statusCodes.h"
 #include "status/startedHeap.h"
 #include "status/statusMemory.h"
+#include "status/tStatusText.h"
 #include "support/callerCodes.h"
+#include "support/tItemStream.h"
 #include "support/tTestDescription.h"
 
 namespace {
@@ -17,6 +19,7 @@ using nOXDIAG100::kStatusHeapFull;
 using nOXDIAG100::takeStatusMemory;
 using nOXDIAG100::tStatus2Heap;
 using nOXDIAG100::tStatus2Implementation;
+using nOXDIAG100::tStatusText;
 
 }  // namespace
 
@@ -41,6 +44,26 @@ TEST(StatusDetail, ADescriptionTakesThePlaceOfTheOneBefore) {
   }
   EXPECT_EQ(tTestDescription::living, before);
   EXPECT_EQ(theHeap().getAllocatedBlocks(), 0U);
+}
+
+TEST(StatusDetail, AStreamThatEndsInFrontOfTheCodeLeavesNone) {
+  tStartedHeap const heap;
+  tItemStream& stream = cleanStream();
+  stream.put({tItemStream::kU32, 0});
+  tStatus2Implementation detail(kError, "rack", "rack.cpp", 7, nullptr);
+  i32 status = 0;
+  detail.readExternal(stream, status);
+  EXPECT_EQ(status, tItemStream::kStatusEnded);
+  EXPECT_EQ(detail.getCode(), 0);
+  EXPECT_STREQ(detail.getComponentName(), "");
+}
+
+TEST(StatusText, IsEmptyAtFirst) {
+  char buffer[] = "before";
+  tStatusText const text(buffer, sizeof(buffer));
+  EXPECT_STREQ(buffer, "");
+  EXPECT_EQ(text.getRest(), buffer);
+  EXPECT_EQ(text.getRestSize(), sizeof(buffer));
 }
 
 TEST(StatusMemory, WhatIsLargerThanTheHeapIsRefused) {

@@ -102,3 +102,18 @@ TEST(WideTextFaults, LookingAtTheTextsTakesNoMemory) {
   ntoshost::clearFaults();
   EXPECT_EQ(characters, 4 * 21u);
 }
+
+// Texts that are not there: without memory for them nobody looks.
+TEST(WideTextFaults, ATextThatIsTooLongForItsLengthAsksForNoMemory) {
+  constexpr size_t kMost = 0xFFFFFFFF;
+  _STL::borrowed_string<wchar_t> const longest(L"", kMost);
+  _STL::borrowed_string<wchar_t> const tooLong(L"", kMost + 1);
+  tWideTextList list;
+  ntoshost::failFrom(ntoshost::kFaultMemory, 1);
+  EXPECT_FALSE(list.push_back(tooLong.get()));
+  EXPECT_EQ(ntoshost::fallibleCallsSeen(), 0u);
+  EXPECT_FALSE(list.push_back(longest.get()));
+  EXPECT_EQ(ntoshost::fallibleCallsSeen(), 1u);
+  ntoshost::clearFaults();
+  EXPECT_TRUE(list.hasFailed());
+}
