@@ -8,6 +8,7 @@
 #include "oxdiagk/tTrace.h"
 #include "support/tunnelRecords.h"
 #include "vexk/iLib.h"
+#include "vexk/tSSVersion.h"
 
 namespace {
 
@@ -38,10 +39,20 @@ TEST(StateRequest, IsAnsweredWithTheVersionTwice) {
   tAsked const asked;
   EXPECT_EQ(asked.status, 0);
   EXPECT_EQ(asked.answer.size, sizeof(tStateAnswer));
-  EXPECT_NE(asked.answer.version, 0u);
-  u32 const major = asked.answer.version >> 24;
-  EXPECT_EQ(static_cast<u32>(asked.answer.build[0] - '0'), major);
-  EXPECT_EQ(asked.answer.build[tStateAnswer::kBuildSize - 1], '\0');
+  char version[tSSVersion::kMaxTextSize];
+  tSSVersion(asked.answer.version).toString(version);
+  size_t const length = __builtin_strlen(version);
+  EXPECT_EQ(__builtin_memcmp(asked.answer.build, version, length), 0);
+  EXPECT_EQ(asked.answer.build[length], ' ');
+}
+
+TEST(StateRequest, HasNothingBehindTheBuild) {
+  tAsked const asked;
+  size_t const length = __builtin_strlen(asked.answer.build);
+  ASSERT_LT(length, size_t{tStateAnswer::kBuildSize});
+  for (size_t index = length; index != tStateAnswer::kBuildSize; ++index) {
+    EXPECT_EQ(asked.answer.build[index], '\0');
+  }
 }
 
 TEST(StateRequest, CountsWhatIsSavedOfEachObject) {

@@ -94,7 +94,9 @@ TEST(RegistryLife, AfterTheUnloadThereIsNoneAndHandlesAreForgotten) {
               if (oxdiagkInitialize(nullptr) != STATUS_SUCCESS) return 1;
               if (registryStatus() != 0) return 2;
               if (acquireInstance(nullptr) != kFirstHandle) return 3;
+              if (tInstanceRegistry::getInstance().findNamed("trace") == nullptr) return 6;
               oxdiagkUnload();
+              if (tInstanceRegistry::getInstance().findNamed("trace") != nullptr) return 7;
               if (ntoshost::outstandingBlocks() != 0) return 4;
               if (registryStatus() != kStatusNotInitialized) return 5;
               return findEffect();

@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 
+#include "config/tInquiryCopy.h"
 #include "support/tRecordingConfigurable.h"
 #include "support/tunnelRecords.h"
 #include "trace/startedModules.h"
@@ -163,4 +164,23 @@ TEST(TunnelInquiry, WithoutMemoryForTheTextOnlyItsSizeIsWritten) {
     EXPECT_GE(object.needed, 5u);
   });
   EXPECT_GE(failures, 2u);  // of the first size and of a later one
+}
+
+TEST(TunnelInquiry, ATextThatOutgrowsItsMemoryGetsTwiceAsMuch) {
+  tTextConfigurable object(std::string(99, 'x'));
+  object.afterwards = [&] { object.content += 'x'; };
+  object.buffer.assign(1000, '?');
+  object.askFor(1000);
+  EXPECT_EQ(object.mostBytes, 200u);
+  EXPECT_EQ(object.inquiries, 3u);
+}
+
+TEST(TunnelInquiry, ACopyWithoutMemoryHasNoBytes) {
+  tTextConfigurable object("text");
+  ntoshost::failFrom(ntoshost::kFaultMemory, 1);
+  tInquiryCopy const copy(object.handle, 100);
+  ntoshost::clearFaults();
+  EXPECT_EQ(copy.getText(), nullptr);
+  EXPECT_EQ(copy.getSize(), 0u);
+  EXPECT_EQ(copy.getNeeded(), 5u);
 }

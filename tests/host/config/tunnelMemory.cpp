@@ -12,12 +12,15 @@
 #include <memory>
 #include <string>
 
+#include "ntos/driveFolder.h"
 #include "oxdiagk/stateRequest.h"
+#include "oxdiagk/tFileTraceDestination.h"
 #include "oxdiagk/tTrace.h"
 #include "support/tRecordingConfigurable.h"
 #include "support/tunnelRecords.h"
 #include "trace/startedModules.h"
 #include "trace/tLastBytes.h"
+#include "trace/tRaisedIrql.h"
 #include "vexk/iLib.h"
 
 namespace {
@@ -344,6 +347,20 @@ TEST(TunnelMemory, AProcessThatIsGoneIsNotServed) {
   EXPECT_STREQ(recorder.calls(), "");
 }
 
+TEST(TunnelMemory, RecordsBehindAHeaderThatCannotBeReadAreNotServed) {
+  auto* const pages = static_cast<char*>(
+      mmap(nullptr, 2 * kPage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+  ASSERT_NE(pages, MAP_FAILED);
+  u32 handle = 77;
+  tTunnelRecord const record = acquireRecord(&handle, "assert");
+  std::memcpy(pages + kPage, &record, kRecord);
+  mprotect(pages, kPage, PROT_NONE);
+  tTestRequest(kNoHandle, makeRecord(0), makeRecord(0)).send();
+  tConfigTunnel::getInstance().dispatch(addressOf(pages + kPage - kHeader));
+  EXPECT_EQ(handle, 77u);
+  munmap(pages, 2 * kPage);
+}
+
 TEST(StateMemory, AnAnswerThatIsCutByTheEndOfMemoryLeavesItsSizeAlone) {
   for (size_t room = 0; room < sizeof(tStateAnswer); ++room) {
     tLastBytes const answer(room);
@@ -353,4 +370,23 @@ TEST(StateMemory, AnAnswerThatIsCutByTheEndOfMemoryLeavesItsSizeAlone) {
     size_t const ofSize = std::min(room, sizeof(u32));
     EXPECT_EQ(answer.text(ofSize), std::string(ofSize, '\0')) << room;
   }
+}
+
+TEST(StateMemory, TheAnswerTellsOfATextThatAFileLost) {
+  tDriveFolder const drive;
+  tFileTraceDestination file;
+  char name[] = "C:/lost.out";
+  char* words[] = {name};
+  file.configure(1, words);
+  ASSERT_EQ(file.open(), 1u);
+  u64 const before = tFileTraceDestination::countLostTexts();
+  {
+    tRaisedIrql const raised(DISPATCH_LEVEL);
+    file.put("lost");
+  }
+  tStateAnswer answer = {};
+  tStateRequest const request = {addressOf(&answer), sizeof(answer), 0};
+  i32 status = 0;
+  iLib::deliver(kStateName, sizeof(kStateName) - 1, addressOf(&request), status);
+  EXPECT_EQ(answer.lostFileTexts, before + 1);
 }

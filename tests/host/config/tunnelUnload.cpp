@@ -39,15 +39,19 @@ class tReachedConfigurable : public tRegisteredRecorder {
 };
 
 // A request of as many records as its header can name: the first and the last configure an object,
-// those in between, hours of them, do nothing. Of its memory only what is touched exists.
+// those in between, hours of them, do nothing. Of its memory only what is written exists, and
+// nothing else counts as the program's data, of which it may not have as much.
 class tLongestRequest {
  public:
   explicit tLongestRequest(u32 handle)
-      : memory(mmap(nullptr, kSize, PROT_READ | PROT_WRITE,
-                    MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
+      : memory(
+            mmap(nullptr, kSize, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0)) {
     if (!isMapped()) return;
-    *static_cast<tTunnelHeader*>(memory) = {handle, kBillions};
-    auto* const records = reinterpret_cast<tTunnelRecord*>(static_cast<tTunnelHeader*>(memory) + 1);
+    auto* const header = static_cast<tTunnelHeader*>(memory);
+    auto* const records = reinterpret_cast<tTunnelRecord*>(header + 1);
+    letWrite(header);
+    letWrite(&records[kBillions - 1]);
+    *header = {handle, kBillions};
     records[0].operation = records[kBillions - 1].operation = kTunnelConfigure;
   }
   ~tLongestRequest() {
@@ -69,6 +73,13 @@ class tLongestRequest {
 
  private:
   static constexpr size_t kSize = sizeof(tTunnelHeader) + kBillions * sizeof(tTunnelRecord);
+  static constexpr u64 kPage = 4096;
+
+  // The page that this is in.
+  static void letWrite(void* place) {
+    u64 const page = addressOf(place) & ~(kPage - 1);
+    EXPECT_EQ(mprotect(reinterpret_cast<void*>(page), kPage, PROT_READ | PROT_WRITE), 0);
+  }
 
   void* const memory;
 };

@@ -5,6 +5,7 @@
 
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
+#include "oxdiagk/stateRequest.h"
 #include "oxdiagk/tunnelRequest.h"
 #include "package/loadOutcome.h"
 #include "qelmk/qelmk.h"
@@ -12,11 +13,20 @@
 #include "tPlatform.h"
 #include "trace/capturedPrint.h"
 #include "vexk/iLib.h"
+#include "vexk/moduleInfo.h"
 #include "vexk/statusCodes.h"
 
 namespace {
 
 constexpr NTSTATUS kUnableToLoad = static_cast<NTSTATUS>(0xC000026C);
+constexpr i32 kTaken = nQELM100::kStatusClassNameTaken;
+
+// The status of a request to the dispatcher of this name.
+i32 statusOfRequest(std::string const& name) {
+  i32 status = 0;
+  iLib::deliver(name.data(), name.size(), 0, status);
+  return status;
+}
 
 tLoadOutcome unloadJudged(tImage const& image) {
   tLoadOutcome const outcome = static_cast<tLoadOutcome>(image.getOutcome());
@@ -97,12 +107,36 @@ TEST(LoadFaults, AClassNameThatIsTakenIsRefused) {
       nQELM100::registerClass(other, status);
       ASSERT_EQ(status, 0);
       EXPECT_EQ(image.initialise(), kUnableToLoad);
+      std::string const reason = "oxdiagk failed with status " + std::to_string(kTaken) + "\n";
+      EXPECT_NE(print.text().find(reason), std::string::npos) << print.text();
       EXPECT_EQ(tPlatform::findLeftovers(), name + " ");
       EXPECT_TRUE(image.isGone());
       nQELM100::unregisterClass(other);
     }
     ASSERT_EQ(load(), kWhole);
   }
+}
+
+// What is exported and has no module becomes that of the module that is registered next.
+TEST(LoadFaults, OfARefusedLoadNothingIsServed) {
+  tPlatform const platform;
+  tCapturedPrint const print;
+  {
+    tImage const image;
+    nQELM100::tClassImplementation taken(kClassNames[0].c_str(), nullptr, nullptr);
+    i32 status = 0;
+    nQELM100::registerClass(taken, status);
+    EXPECT_EQ(image.initialise(), kUnableToLoad);
+    nQELM100::unregisterClass(taken);
+  }
+  tModulePackage package = {};
+  _tLibModuleInfo next = {&package, "next", [](u32) { return i32{0}; }, 0};
+  i32 status = 0;
+  libRegisterModuleWithVEX(next, status);
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(statusOfRequest(nOXDIAG100::kTunnelName), kStatusNoDispatcher);
+  EXPECT_EQ(statusOfRequest(nOXDIAG100::kStateName), kStatusNoDispatcher);
+  libUnregisterModuleWithVEX(next, status);
 }
 
 TEST(LoadFaults, ATunnelNameThatIsTakenIsSurvived) {
@@ -123,4 +157,25 @@ TEST(LoadFaults, ATunnelNameThatIsTakenIsSurvived) {
   EXPECT_EQ(other.requests, 1u);
   EXPECT_EQ(unloadJudged(image), kWhole);
   iLib::unexportDispatcher(other, status);
+}
+
+TEST(LoadFaults, OfAStartByAWrapperEachIsRefusedOrWhole) {
+  u32 refused = 0;
+  for (u64 n = 1;; ++n) {
+    tPlatform const platform;
+    tImage const image;
+    tCapturedPrint const print;
+    ntoshost::failNth(ntoshost::kFaultMemory, n);
+    i32 const status = image.callSSMain(0);
+    ntoshost::clearFaults();
+    if (status < 0) {
+      ++refused;
+    } else {
+      EXPECT_NE(image.getOutcome(), kWrong) << n;
+      EXPECT_EQ(image.callSSMain(1), 0);
+    }
+    EXPECT_TRUE(image.isGone()) << n;
+    if (ntoshost::faultsInjected() == 0) break;
+  }
+  EXPECT_GE(refused, 25u);
 }

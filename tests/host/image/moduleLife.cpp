@@ -71,6 +71,7 @@ TEST_F(ModuleLife, ASecondLoadIsRefusedAndTheFirstGoesOn) {
   tCapturedPrint const print;
   EXPECT_EQ(image.initialise(), kUnableToLoad);
   EXPECT_EQ(print.text(), "vexk registration - oxdiagk was not registered, status -50005\n");
+  EXPECT_EQ(platform.getEvents().back().level, kVexEventFailure);
   EXPECT_EQ(image.getOutcome(), kWhole);
   EXPECT_NE(acquireThroughTunnel(), 0u);
   EXPECT_EQ(image.unload(), STATUS_SUCCESS);
@@ -193,6 +194,10 @@ TEST(FailedMain, AtLoadIsToldAsInTheExampleOfTheEventLog) {
     told = print.text();
   }
   ASSERT_NE(told, "");
+  for (tVexEvent const& event : platform.getEvents()) {
+    bool const isTold = std::string(event.text) + "\n" == told;
+    EXPECT_TRUE(!isTold || event.level == kVexEventFailure) << event.level;
+  }
   EXPECT_NE(text.find("\n//     " + told), std::string::npos) << told;
 }
 
@@ -235,6 +240,14 @@ TEST_F(ModuleLife, AStopBeforeAnyStartDoesNothing) {
   ASSERT_EQ(image.initialise(), STATUS_SUCCESS);
   EXPECT_EQ(image.getOutcome(), kWhole);
   EXPECT_EQ(image.unload(), STATUS_SUCCESS);
+  EXPECT_TRUE(image.isGone());
+}
+
+TEST_F(ModuleLife, AStopBeforeAStartByAWrapperDoesNothing) {
+  EXPECT_EQ(image.callSSMain(1), 0);
+  EXPECT_EQ(image.callSSMain(0), 0);
+  EXPECT_EQ(image.getOutcome(), kWhole);
+  EXPECT_EQ(image.callSSMain(1), 0);
   EXPECT_TRUE(image.isGone());
 }
 

@@ -2,17 +2,24 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "ntos/status.h"
 #include "ntoshost/executive.h"
 #include "oxdiagk/module.h"
+#include "oxdiagk/package.h"
 #include "oxdiagk/tSerialTraceDestination.h"
 #include "oxdiagk/tStatus2Heap.h"
 #include "oxdiagk/tTrace.h"
 #include "oxdiagk/tVEXTraceDestination.h"
 #include "package/childProcess.h"
 #include "package/loadOutcome.h"
+#include "package/windows/moduleRecord.h"
 #include "qelmk/module.h"
+#include "support/heapRecord.h"
 #include "vexk/module.h"
+#include "vexk/statusCodes.h"
+#include "vexk/sync.h"
 
 namespace {
 
@@ -42,7 +49,56 @@ int loadWithFailure(u64 n) {
   return ntoshost::outstandingBlocks() == 0 && isLibraryGone() ? kRefused : kWrong;
 }
 
+bool isSame(nOXDIAG100::tModuleRecord const& left, nOXDIAG100::tModuleRecord const& right) {
+  tModulePackage const& one = left.package;
+  tModulePackage const& other = right.package;
+  bool const isSamePath =
+      one.registryPath.Length == other.registryPath.Length &&
+      one.registryPath.MaximumLength == other.registryPath.MaximumLength &&
+      one.registryPath.Buffer == other.registryPath.Buffer &&
+      std::memcmp(one.registryPathText, other.registryPathText, sizeof one.registryPathText) == 0;
+  bool const areSameStates = one.wdmWrapperState == other.wdmWrapperState &&
+                             one.legacyWrapperState == other.legacyWrapperState &&
+                             std::memcmp(one.legacyWrapperWords, other.legacyWrapperWords,
+                                         sizeof one.legacyWrapperWords) == 0;
+  return isSamePath && areSameStates && one.format == other.format &&
+         one.identity == other.identity && one.reserved == other.reserved &&
+         left.info.name == right.info.name;
+}
+
 }  // namespace
+
+TEST(ModuleLoad, UnloadLeavesTheModulesRecordAsItWasBefore) {
+  EXPECT_EQ(inAProcess([] {
+              nOXDIAG100::tModuleRecord const before = nOXDIAG100::moduleRecord;
+              startPlatform();
+              wchar_t text[] = L"\\path";
+              UNICODE_STRING path = {10, 10, text};
+              if (oxdiagkInitialize(&path) != STATUS_SUCCESS) return 1;
+              pkgSetWDMWrapperLoadStateAndGetGUID(2);
+              tModulePackage& package = *pkgSetLegacyWrapperLoadState(3);
+              package.legacyWrapperWords[1] = 4;
+              if (isSame(before, nOXDIAG100::moduleRecord)) return 2;
+              oxdiagkUnload();
+              return isSame(before, nOXDIAG100::moduleRecord) ? 0 : 3;
+            }),
+            0);
+}
+
+TEST(ModuleLoad, AnEndWhileSomebodyHasTheLockOfTheHeapSaysSo) {
+  EXPECT_EQ(inAProcess([] {
+              startPlatform();
+              if (oxdiagkInitialize(nullptr) != STATUS_SUCCESS) return 1;
+              auto* lock = reinterpret_cast<iSync*>(heapRecord().lock);
+              if (lock->acquire(kSyncWaitForever) != 0) return 2;
+              i32 const status = pkgWDMWrapperCallSSMain(1);
+              if (lock->release() != 0 || syncClose(lock) != 0) return 3;
+              oxdiagkUnload();
+              if (ntoshost::outstandingBlocks() != 0) return 4;
+              return status == kStatusSyncInUse ? 0 : 5;
+            }),
+            0);
+}
 
 TEST(ModuleLoad, BuildsTheStreamAndTheHeapAndUnloadsWithoutALeftover) {
   EXPECT_EQ(inAProcess([] {

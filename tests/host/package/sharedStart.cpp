@@ -7,6 +7,7 @@
 #include "oxdiagk/module.h"
 #include "oxdiagk/package.h"
 #include "package/everyOperation.h"
+#include "package/windows/moduleRecord.h"
 #include "qelmk/module.h"
 #include "vexk/module.h"
 
@@ -17,6 +18,7 @@ TEST(SharedStart, WhoStartedFirstStopsLast) {
   EXPECT_EQ(pkgWDMWrapperCallSSMain(0), 0);
   EXPECT_EQ(oxdiagkUnload(), STATUS_SUCCESS);
   EXPECT_FALSE(isLibraryAtRest());
+  EXPECT_STREQ(nOXDIAG100::moduleRecord.info.name, "oxdiagk");
   EXPECT_EQ(pkgWDMWrapperCallSSMain(1), 0);
   EXPECT_TRUE(isLibraryAtRest());
   qelmkUnload();
