@@ -72,6 +72,7 @@ TEST(ChildAnswers, TheHardwareIdsEndWithAnEmptyOne) {
 TEST(ChildAnswers, ThereAreNoCompatibleIds) {
   tChildStack const stack;
   tQuery query(stack.child, BusQueryCompatibleIDs);
+  query.ioStatus().Information = 77;
   EXPECT_EQ(query.sendPastTheKernel(STATUS_SUCCESS), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(query.status(), STATUS_NOT_SUPPORTED);
   EXPECT_EQ(query.ioStatus().Information, 0u);
@@ -113,6 +114,22 @@ TEST(ChildAnswers, ANullDescriptionIsEmpty) {
   tQuery query(stack.driver().newestDevice(), DeviceTextDescription);
   EXPECT_EQ(query.send(), STATUS_SUCCESS);
   EXPECT_TRUE(hasText(query, L""));
+}
+
+TEST(ChildAnswers, ALongDescriptionIsCut) {
+  constexpr u32 kMost = 0x7FFF;
+  static constinit wchar_t text[kMost + 2] = {};
+  for (u32 index = 0; index != kMost + 1; ++index) text[index] = L'x';
+  tBusStack stack;
+  stack.startBus();
+  tTestChild child(stack.handler, 1, 1);
+  child.description.description = text;
+  EXPECT_EQ(stack.create(child.description), 0);
+  tQuery query(stack.driver().newestDevice(), DeviceTextDescription);
+  ASSERT_EQ(query.send(), STATUS_SUCCESS);
+  u32 length = 0;
+  while (query.answer<wchar_t>()[length] != L'\0') ++length;
+  EXPECT_EQ(length, kMost);
 }
 
 TEST(ChildAnswers, ATextThatIsThereAlreadyIsLeftAlone) {
@@ -185,6 +202,7 @@ TEST(ChildAnswers, TheBusIsTold) {
 TEST(ChildAnswers, ThereAreNoResourceRequirements) {
   tChildStack const stack;
   tDeviceRequest request(stack.child, IRP_MJ_PNP, IRP_MN_QUERY_RESOURCE_REQUIREMENTS);
+  request.ioStatus().Information = 77;
   EXPECT_EQ(request.send(), STATUS_SUCCESS);
   EXPECT_EQ(request.completions(), 1);
   EXPECT_EQ(request.ioStatus().Information, 0u);

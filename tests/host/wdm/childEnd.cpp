@@ -146,13 +146,20 @@ TEST(ChildEnd, ARequestAfterTheEndMeetsAHandlerOfTheWrappers) {
   u64 information = 0;
   i32 status = 0;
   handler.handleDeviceControl(0, nullptr, 0, nullptr, 0, &information, &status);
-  EXPECT_LT(status, 0);
+  EXPECT_EQ(status, STATUS_DELETE_PENDING);
   for (u8 major = 0; major <= IRP_MJ_MAXIMUM_FUNCTION; ++major) {
     tDeviceRequest request(bus.device, major, IRP_MN_QUERY_REMOVE_DEVICE);
     request.send();
     EXPECT_EQ(request.completions(), 1);
   }
   bus.drop();
+}
+
+TEST(ChildEnd, AChildThatEndsWithItsBusIsStartedNoMore) {
+  tReportedChild bus;
+  bus.removeBus();
+  EXPECT_TRUE(bus.isDeleted());
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_START_DEVICE), STATUS_DELETE_PENDING);
 }
 
 TEST(ChildEnd, WhoeverFindsTheDrainBegunWaitsForItsEnd) {
@@ -223,6 +230,7 @@ TEST(ChildEnd, AChildTakenDuringAReportThatFailsIsGoneWithIt) {
   });
   EXPECT_TRUE(bus.isDeleted());
   EXPECT_EQ(bus.fate.stops, 1);
+  EXPECT_EQ(sendPnp(bus.device, IRP_MN_START_DEVICE), STATUS_DELETE_PENDING);
 }
 
 TEST(ChildEnd, AChildTakenDuringAReportThatSucceedsWaitsForItsRemoval) {
@@ -242,6 +250,10 @@ TEST(ChildEnd, ABusThatGoesBySurpriseDuringAReportThatFailsLeavesNothing) {
   });
   EXPECT_TRUE(bus.isDeleted());
   EXPECT_EQ(bus.fate.stops, 1);
+  tDeviceRequest again(bus.bus(), IRP_MJ_PNP, IRP_MN_QUERY_DEVICE_RELATIONS);
+  again.location().Parameters.QueryDeviceRelations.Type = BusRelations;
+  EXPECT_EQ(again.send(), STATUS_SUCCESS);
+  again.freeRelations();
 }
 
 TEST(ChildEnd, ABusThatGoesBySurpriseDuringAReportThatSucceedsLeavesItToTheSystem) {
