@@ -190,6 +190,10 @@ TEST(VexkDispatch, AfterASurpriseWhatIsNeitherOpenNorControlGoesDown) {
 TEST(VexkDispatch, ControlsAreServedWhileTheDeviceIsStartedOnly) {
   tFunctionStack stack;
   EXPECT_EQ(controlOf(stack), STATUS_DEVICE_NOT_READY);
+  stack.component.startStatus = kStatusBadArgument;
+  stack.sendPnp(IRP_MN_START_DEVICE);
+  EXPECT_EQ(controlOf(stack), STATUS_DEVICE_NOT_READY);
+  stack.component.startStatus = 0;
   stack.sendPnp(IRP_MN_START_DEVICE);
   EXPECT_EQ(controlOf(stack), STATUS_SUCCESS);
   stack.sendPnp(IRP_MN_STOP_DEVICE);
@@ -198,7 +202,7 @@ TEST(VexkDispatch, ControlsAreServedWhileTheDeviceIsStartedOnly) {
   EXPECT_EQ(controlOf(stack), STATUS_SUCCESS);
   stack.sendPnp(IRP_MN_SURPRISE_REMOVAL);
   EXPECT_EQ(controlOf(stack), STATUS_DELETE_PENDING);
-  EXPECT_STREQ(stack.component.getCalls(), "FScFFScxF");
+  EXPECT_STREQ(stack.component.getCalls(), "FSFScFFScxF");
 }
 
 TEST(VexkDispatch, AStopBehindASurpriseBringsNothingBack) {
@@ -270,6 +274,23 @@ TEST(VexkDispatch, OfRelationsThatFailBelowTheListIsGivenBack) {
   tRelationsRequest relations(stack, stack.getFloor());
   EXPECT_EQ(statusOf(relations), STATUS_UNSUCCESSFUL);
   EXPECT_EQ(relations.ioStatus().Information, u64{0});
+}
+
+TEST(VexkDispatch, OfRelationsThatFailBelowWhatStandsForTheListThereStays) {
+  static IO_STATUS_BLOCK* below;
+  tFunctionStack stack;
+  ASSERT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
+  stack.floorStatus = STATUS_UNSUCCESSFUL;
+  tRelationsRequest relations(stack, stack.getFloor());
+  ASSERT_NE(relations.list, nullptr);
+  below = &relations.ioStatus();
+  stack.atFloor = [](tFunctionStack& reached) {
+    ObfDereferenceObject(reached.getFloor());
+    ExFreePoolWithTag(reinterpret_cast<void*>(below->Information), kListTag);
+    below->Information = 1;
+  };
+  EXPECT_EQ(statusOf(relations), STATUS_UNSUCCESSFUL);
+  EXPECT_EQ(relations.ioStatus().Information, u64{1});
 }
 
 TEST(VexkDispatch, OfRelationsThatSucceedBelowTheListStays) {

@@ -98,6 +98,15 @@ TEST(VexkFunctionDevice, AComponentThatFailsToStartFailsTheStart) {
   EXPECT_EQ(stack.sendPnp(IRP_MN_START_DEVICE), STATUS_SUCCESS);
 }
 
+TEST(VexkFunctionDevice, IsNotStartedWithAnEarlierError) {
+  tFunctionStack stack;
+  ASSERT_NE(stack.getDevice(), nullptr);
+  i32 status = kStatusBadArgument;
+  stack.getHandler().start(status);
+  EXPECT_EQ(status, kStatusBadArgument);
+  EXPECT_STREQ(stack.component.getCalls(), "");
+}
+
 TEST(VexkFunctionDevice, RemovalStopsReleasesAndDeletes) {
   tFunctionStack stack;
   ASSERT_NE(stack.getDevice(), nullptr);

@@ -70,6 +70,13 @@ TEST(VexkVersion, WritesALetterForEachPhase) {
   }
 }
 
+TEST(VexkVersion, WritesNumbersOnBothSidesOfASecondDigit) {
+  char text[tSSVersion::kMaxTextSize];
+  EXPECT_STREQ("9.9.9f9", released(9, 9, 9, 9).toString(text));
+  EXPECT_STREQ("10.10.10f10", released(10, 10, 10, 10).toString(text));
+  EXPECT_STREQ("11.11.11f11", released(11, 11, 11, 11).toString(text));
+}
+
 TEST(VexkVersion, TheLongestTextFits) {
   char text[tSSVersion::kMaxTextSize];
   EXPECT_STREQ("255.15.15x4095", tSSVersion(0xFFFFFFFF).toString(text));

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "common/moduleName.h"
+
 namespace {
 
 constexpr u32 kPage = 0x1000;
@@ -222,5 +224,22 @@ TEST(ImageHeaders, AnythingCanBeThere) {
     tLoadedModule const module = image.read();
     EXPECT_LE(std::strlen(module.name), tLoadedModule::kMaxNameLength);
     EXPECT_TRUE(module.identitySize == 0 || module.identitySize == 20);
+  }
+}
+
+TEST(ModuleName, TakesThePlaceOfTheOneBefore) {
+  tLoadedModule module = {};
+  setModuleName(module, "/lib/longer.so", 14);
+  EXPECT_STREQ(module.name, "longer.so");
+  setModuleName(module, "a", 1);
+  EXPECT_STREQ(module.name, "a");
+}
+
+TEST(ModuleName, OfAPathThatNamesNothingIsTheOneBefore) {
+  tLoadedModule module = {};
+  setModuleName(module, "longer.so", 9);
+  for (char const* path : {"", "/", "/lib/"}) {
+    setModuleName(module, path, std::strlen(path));
+    EXPECT_STREQ(module.name, "longer.so");
   }
 }

@@ -30,7 +30,28 @@ std::string printOfUnload() {
   return text;
 }
 
+// A module that counts the calls of its entry.
+struct tEnteredModule {
+  static i32 enter(u32 /*reason*/) {
+    ++entries;
+    return 0;
+  }
+
+  static u32 entries;
+  tModulePackage package = {};
+  _tLibModuleInfo info = {&package, "entered", &enter, 0};
+};
+u32 tEnteredModule::entries = 0;
+
 }  // namespace
+
+TEST(VexkHostModule, NoModuleIsUnregisteredBeforeTheFirstStart) {
+  tEnteredModule module;
+  i32 status = 0;
+  libUnregisterModuleWithVEX(module.info, status);
+  EXPECT_EQ(kStatusBadArgument, status);
+  EXPECT_EQ(0u, tEnteredModule::entries);
+}
 
 TEST(VexkHostModule, IsAtRestUntilItIsStarted) {
   EXPECT_EQ(0u, pkgIsVexkInitialized());
@@ -94,6 +115,28 @@ TEST(VexkHostModule, AStopTellsHowManyLocksAreOpen) {
   EXPECT_EQ(0u, ntoshost::outstandingBlocks());
 }
 
+TEST(VexkHostModule, OnlyTheLastStopLooksForWhatIsOpen) {
+  vexkInitialize();
+  vexkInitialize();
+  i32 status = 0;
+  iSync* sync = syncOpen("name", tSyncDescriptor{}, status);
+  EXPECT_EQ("", printOfUnload());
+  EXPECT_EQ(0, syncClose(sync));
+  EXPECT_EQ("", printOfUnload());
+}
+
+// A start while the table of locks is held, which takes memory for a new one.
+TEST(VexkHostModule, ASecondStartDisturbsNobodyWithin) {
+  vexkInitialize();
+  ntoshost::visitFallibleCalls([](void*, u32) { vexkInitialize(); }, nullptr);
+  i32 status = 0;
+  iSync* sync = syncOpen("name", tSyncDescriptor{}, status);
+  ntoshost::visitFallibleCalls(nullptr, nullptr);
+  EXPECT_EQ(0, status);
+  EXPECT_EQ(0, syncClose(sync));
+  while (pkgIsVexkInitialized() != 0) vexkUnload();
+}
+
 TEST(VexkHostModule, ALockThatSurvivesAStopIsFoundAfterTheNextStart) {
   vexkInitialize();
   i32 status = 0;
@@ -127,6 +170,9 @@ TEST(VexkHostModule, RegistersNoModuleAtRest) {
   status = 0;
   libUnregisterModuleWithVEX(testModule, status);
   EXPECT_EQ(kStatusBadArgument, status);
+  status = kStatusOutOfMemory;
+  libUnregisterModuleWithVEX(testModule, status);
+  EXPECT_EQ(kStatusOutOfMemory, status);
 }
 
 TEST(VexkHostModule, ExportsAndReachesNoDispatcherAtRest) {
@@ -145,6 +191,11 @@ TEST(VexkHostModule, ExportsAndReachesNoDispatcherAtRest) {
   status = 0;
   iLib::deliver("silent", 6, 0, status);
   EXPECT_EQ(kStatusNotInitialized, status);
+  status = kStatusOutOfMemory;
+  iLib::exportDispatcher(silent, status);
+  iLib::unexportDispatcher(silent, status);
+  iLib::deliver("silent", 6, 0, status);
+  EXPECT_EQ(kStatusOutOfMemory, status);
 }
 
 TEST(VexkHostModule, AModuleWithoutMemoryIsNotRegisteredAndSaysSo) {

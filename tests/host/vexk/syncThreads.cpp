@@ -1,6 +1,8 @@
 // Locks between threads.
 
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -229,4 +231,19 @@ TEST(VexkHostThread, TheIdIsTheSystemsThreadId) {
   EXPECT_EQ(26u, tThreadUtility::getCurrentThreadId());
   ntoshost::overrideCurrentThreadId(0);
   EXPECT_NE(26u, tThreadUtility::getCurrentThreadId());
+}
+
+// As an interrupt upon the idle thread of each processor that this program may use.
+TEST(VexkHostThread, TheIdlingThreadsHaveIdsByTheirProcessors) {
+  std::thread([] {
+    ntoshost::overrideCurrentThreadId(u64{1} << 32);
+    for (u32 processor = 0; processor != static_cast<u32>(sysconf(_SC_NPROCESSORS_CONF));
+         ++processor) {
+      cpu_set_t own;
+      CPU_ZERO(&own);
+      CPU_SET(processor, &own);
+      if (sched_setaffinity(0, sizeof own, &own) != 0) continue;
+      EXPECT_EQ(1 + 4 * processor, tThreadUtility::getCurrentThreadId());
+    }
+  }).join();
 }
