@@ -78,6 +78,15 @@ TEST(StatusHeapBadBlocks, AddressesInsideABlockAreRefused) {
   EXPECT_EQ(giveBack(block), 0);
 }
 
+TEST(StatusHeapBadBlocks, AddressesBehindANumberOfUnitsAreRefused) {
+  void* const block = takeBlock(kSize);
+  ASSERT_NE(block, nullptr);
+  void* const inside = moved(block, 32);
+  *headerOf(inside) = {0, 1, 0};
+  EXPECT_EQ(givingBadBlock(inside), kStatusHeapBadBlock);
+  EXPECT_EQ(giveBack(block), 0);
+}
+
 TEST(StatusHeapBadBlocks, ABlockGivenBackBeforeIsRefused) {
   void* const block = takeBlock(kRecordSize);
   giveBack(block);

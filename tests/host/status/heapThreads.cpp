@@ -1,9 +1,11 @@
 // Several threads on one status heap.
 
+#include <atomic>
 #include <thread>
 #include <vector>
 
 #include "startedHeap.h"
+#include "vexk/sync.h"
 
 #define OXDIAG_COMPONENT "heapThreads"
 #include "oxdiagk/statusMacros.h"
@@ -69,4 +71,22 @@ TEST(StatusHeapThreads, AFullHeapRefusesEveryThread) {
   runThreads([](u32) {
     for (u32 round = 0; round != kRounds; ++round) ASSERT_EQ(takingFails(0), kStatusHeapFull);
   });
+}
+
+TEST(StatusHeapThreads, ABlockIsWaitedFor) {
+  constexpr u32 kTurns = 1'000;  // for who does not wait to come to an end
+  tStartedHeap const started;
+  auto* const lock = reinterpret_cast<iSync*>(heapRecord().lock);
+  ASSERT_EQ(lock->acquire(kSyncWaitForever), 0);
+  std::atomic<bool> isAsked = false;
+  i32 status = kStatusHeapFull;
+  std::thread other([&] {
+    isAsked = true;
+    status = takingFails(0);
+  });
+  while (!isAsked) std::this_thread::yield();
+  for (u32 turn = 0; turn != kTurns; ++turn) std::this_thread::yield();
+  EXPECT_EQ(lock->release(), 0);
+  other.join();
+  EXPECT_EQ(status, 0);
 }
