@@ -108,11 +108,11 @@ TEST(QelmkBinaryWriter, RefusesATextThatHasMoreCharactersThanItsCountCanSay) {
   i32 status = 0;
   writer.writeString(tooLong.get(), status);
   EXPECT_EQ(nQELM100::kStatusStreamTooLong, status);
-  EXPECT_EQ(kHeaderSize, writer.getSize());
+  EXPECT_EQ(kBinaryStreamHeaderSize, writer.getSize());
   status = 0;
   writer.writeString(longest.get(), status);
   EXPECT_EQ(i32{0}, status);
-  EXPECT_EQ(kHeaderSize + sizeof(u32) + kMost, writer.getSize());
+  EXPECT_EQ(kBinaryStreamHeaderSize + sizeof(u32) + kMost, writer.getSize());
 }
 
 TEST(QelmkBinaryWriter, WritesNoObjectAsTwoZeros) {

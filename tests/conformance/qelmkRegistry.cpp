@@ -166,7 +166,7 @@ TEST(QelmkRegistry, RegistersNothingAfterAnError) {
   EXPECT_FALSE(isFound("tParcel"));
   tClassImplementation nameless(nullptr, nullptr, nullptr);
   nQELM100::registerClass(nameless, status);
-  EXPECT_EQ(kSomeError, status);
+  EXPECT_EQ(kEarlierError, status);
 }
 
 TEST(QelmkRegistry, AWarningStaysWhenAClassIsRegistered) {

@@ -34,7 +34,7 @@ TEST(ReportableValues, AreNotTakenAfterAnError) {
 }
 
 TEST(ReportableValues, AnIdBesideAListIsNotTakenAfterAnErrorEither) {
-  tStatus2 status(kSomeError);
+  tStatus2 status(kError);
   tEnumPropertyReportable const one(7, 8, status);
   tEnumPropertyReportable const several(7, listOf<i32>(8, 9), status);
   EXPECT_EQ(one.getPropertyID(status), tEnumPropertyReportable().getPropertyID(status));

@@ -79,7 +79,7 @@ TEST(StatusHeapBadBlocks, AddressesInsideABlockAreRefused) {
 }
 
 TEST(StatusHeapBadBlocks, AddressesBehindANumberOfUnitsAreRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   ASSERT_NE(block, nullptr);
   void* const inside = moved(block, 32);
   *headerOf(inside) = {0, 1, 0};
@@ -182,7 +182,7 @@ TEST(StatusHeapBadBlocks, AForgedHeaderInAFreeBlockIsRefused) {
 }
 
 TEST(StatusHeapBadBlocks, AForgedHeaderBetweenUnitsIsRefused) {
-  void* const block = takeBlock(kSize);
+  void* const block = takeBlock(kRecordSize);
   ASSERT_NE(block, nullptr);
   void* const forged = moved(block, 24);
   u64 const header[] = {reinterpret_cast<u64>(forged) - 16, 1};

@@ -16,15 +16,15 @@ constexpr int kThreads = 4;
 constexpr int kBlocks = 2'000;
 constexpr int kPrefixes = 200'000;
 
-char component[] = "rack";
-char file[] = "port.cpp";
+char blockComponent[] = "rack";
+char blockFile[] = "port.cpp";
 char blockName[] = "work";
 
 void traceBlocks(tTrace& trace, int count) {
   for (int block = 0; block < count; ++block) {
-    tBlockTracer const outer(component, tSSVersion(), 1, file, 100, blockName, nullptr,
+    tBlockTracer const outer(blockComponent, tSSVersion(), 1, blockFile, 100, blockName, nullptr,
                              static_cast<i32*>(nullptr), trace);
-    tBlockTracer const inner(component, tSSVersion(), 2, file, 100, blockName, nullptr,
+    tBlockTracer const inner(blockComponent, tSSVersion(), 2, blockFile, 100, blockName, nullptr,
                              static_cast<i32*>(nullptr), trace);
   }
 }

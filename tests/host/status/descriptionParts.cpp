@@ -84,7 +84,7 @@ TEST(DescriptionParts, NothingIsCopiedWithAnEarlierError) {
 
 TEST(DescriptionParts, AnItemWithoutReportableNamesNoClass) {
   tItemStream& stream = cleanStream();
-  for (u32 const value : {1, 5, 0}) {
+  for (u32 const value : {1u, 5u, 0u}) {
     stream.put({value == 5 ? tItemStream::kI32 : tItemStream::kU32, value});
   }
   tStatus2DescriptionImplementation list;
