@@ -100,6 +100,7 @@ TEST(StatusHeapGivingBack, BetweenFreeBlocksMergesAllThree) {
 TEST(StatusHeapGivingBack, TheLowestBlockDoesNotMergeWithTheAnchor) {
   tFilledHeap heap;
   void* const lowest = heap.blocks[0];
+  ASSERT_TRUE(lowest != nullptr && heap.blocks[63] != nullptr);
   heap.give(0);
   EXPECT_EQ(theHeap().getFreeBlocks(), u32{1});
   EXPECT_EQ(headerOf(lowest)->units, kUnits);

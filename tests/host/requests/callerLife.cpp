@@ -154,6 +154,7 @@ TEST_F(CallerLife, MayBeGivenUpWhenItWaitsForMemory) {
   tWithheldPages const withheld(page, kPage);
   start();
   send(page);
+  withheld.awaitTouch();
   while (caller.getMemoryWait() == 0) std::this_thread::yield();
   send(&doubling);
   auto const before = tClock::now();

@@ -36,6 +36,13 @@ class tWithheldPages {
                  ioctl(faults, UFFDIO_REGISTER, &registration) == 0;
   }
 
+  // Until somebody waits for one of them.
+  void awaitTouch() const {
+    uffd_msg touch = {};
+    while (read(faults, &touch, sizeof(touch)) != ssize_t{sizeof(touch)}) {
+    }
+  }
+
   // With that at the start of the page, and zeros behind.
   template <class tContent>
   bool deliver(void* page, tContent const& start) const {

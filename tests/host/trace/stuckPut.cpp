@@ -270,7 +270,10 @@ TEST_F(StuckPut, TheMutexIsSwitchedWhenALineEndsHoweverLongItTakes) {
   line->await();
   auto const turned = std::async(std::launch::async, [&] { trace.disableMutex(); });
   EXPECT_NE(turned.wait_for(std::chrono::milliseconds(400)), std::future_status::ready);  // 20 s
-  ntoshost::setTimeRate(1);  // who is looked at within the put of the line's end would be stuck
+  // Who is looked at within the put of the line's end would be stuck. A look that has begun before
+  // is over then.
+  ntoshost::setTimeRate(1);
+  std::this_thread::sleep_for(std::chrono::milliseconds(100));
   line.reset();
   EXPECT_EQ(turned.wait_for(kLongEnough), std::future_status::ready);
   EXPECT_EQ(trace.mutexIsEnabled(), 0u);
