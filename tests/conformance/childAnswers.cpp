@@ -128,6 +128,7 @@ TEST(ChildAnswers, ALongDescriptionIsCut) {
   EXPECT_EQ(stack.create(child.description), 0);
   tQuery query(stack.driver().newestDevice(), DeviceTextDescription);
   ASSERT_EQ(query.send(), STATUS_SUCCESS);
+  ASSERT_NE(query.answer<wchar_t>(), nullptr);
   u32 length = 0;
   while (query.answer<wchar_t>()[length] != L'\0') ++length;
   EXPECT_EQ(length, kMost);
