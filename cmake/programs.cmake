@@ -54,6 +54,8 @@ function(oxdiag_program name)
   target_sources(${name} PRIVATE "${resource}.o")
 endfunction()
 
+option(OXDIAG_JOIN_TOOLS "sources of the tools are compiled several at a time" ON)
+
 function(oxdiag_program_parts name)
   cmake_parse_arguments(ARG "" "" "SOURCES;TYPED" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES} ${ARG_TYPED})
@@ -66,6 +68,11 @@ function(oxdiag_program_parts name)
   set_source_files_properties(${ARG_TYPED} PROPERTIES
     COMPILE_OPTIONS "${typed}"
     SKIP_PRECOMPILE_HEADERS ON)
+  # Half of what they cost to compile is what each instantiates of the C++ library. The headers of
+  # Windows and of the kernel do not go together.
+  if(OXDIAG_JOIN_TOOLS AND OXDIAG_TARGET STREQUAL "host")
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
+  endif()
   if(CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_precompile_headers(${name} PRIVATE
       <algorithm> <cstdio> <map> <memory> <optional> <string> <string_view> <vector>)
