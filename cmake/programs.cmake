@@ -68,9 +68,9 @@ function(oxdiag_program_parts name)
   set_source_files_properties(${ARG_TYPED} PROPERTIES
     COMPILE_OPTIONS "${typed}"
     SKIP_PRECOMPILE_HEADERS ON)
-  # Half of what they cost to compile is what each instantiates of the C++ library. The headers of
-  # Windows and of the kernel do not go together.
-  if(OXDIAG_JOIN_TOOLS AND OXDIAG_TARGET STREQUAL "host")
+  # Half of what they cost to compile is what each instantiates of the C++ library. What is optimised
+  # stays as it is, for its instructions are counted.
+  if(OXDIAG_JOIN_TOOLS AND CMAKE_BUILD_TYPE STREQUAL "Debug")
     set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
   endif()
   if(CMAKE_BUILD_TYPE STREQUAL "Debug")
