@@ -54,8 +54,6 @@ function(oxdiag_program name)
   target_sources(${name} PRIVATE "${resource}.o")
 endfunction()
 
-option(OXDIAG_JOIN_TOOLS "sources of the tools are compiled several at a time" ON)
-
 function(oxdiag_program_parts name)
   cmake_parse_arguments(ARG "" "" "SOURCES;TYPED" ${ARGN})
   add_library(${name} STATIC ${ARG_SOURCES} ${ARG_TYPED})
@@ -68,11 +66,6 @@ function(oxdiag_program_parts name)
   set_source_files_properties(${ARG_TYPED} PROPERTIES
     COMPILE_OPTIONS "${typed}"
     SKIP_PRECOMPILE_HEADERS ON)
-  # Half of what they cost to compile is what each instantiates of the C++ library. What is optimised
-  # stays as it is, for its instructions are counted.
-  if(OXDIAG_JOIN_TOOLS AND CMAKE_BUILD_TYPE STREQUAL "Debug")
-    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-  endif()
   if(CMAKE_BUILD_TYPE STREQUAL "Debug")
     target_precompile_headers(${name} PRIVATE
       <algorithm> <cstdio> <map> <memory> <optional> <string> <string_view> <vector>)

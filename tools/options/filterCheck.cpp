@@ -8,15 +8,15 @@
 
 namespace {
 
-constexpr std::string_view kFilterBlanks = " \t\n\v\f\r";
+constexpr std::string_view kBlanks = " \t\n\v\f\r";
 constexpr std::array<std::string_view, 6> kFields = {"linenumber", "compname",  "compver",
                                                      "filename",   "verbosity", "threadid"};
 constexpr std::array<std::string_view, 6> kOperators = {"==", "!=", ">=", "<=", ">", "<"};
 
 std::string_view trim(std::string_view text) {
-  size_t const first = text.find_first_not_of(kFilterBlanks);
+  size_t const first = text.find_first_not_of(kBlanks);
   if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kFilterBlanks) - first + 1);
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
 bool isConnector(std::string_view text, size_t position) {

@@ -20,7 +20,7 @@ char const* identityKindOf(u8 kind) {
   return kind == kModuleBuildId ? "build id" : kind == kModulePdbIdentity ? "pdb" : "none";
 }
 
-std::string addressText(u64 address) {
+std::string hexadecimal(u64 address) {
   char text[24];
   std::snprintf(text, sizeof(text), "0x%llX", static_cast<unsigned long long>(address));
   return text;
@@ -68,7 +68,7 @@ tJson originOf(tStatus2 const& status, std::vector<tFrame> const& frames,
                 {"stackTrace", tJson::array()},
                 {"frames", tJson::array()},
                 {"modules", tJson::array()}};
-  for (tFrame const& frame : frames) json["stackTrace"].push_back(addressText(frame.address));
+  for (tFrame const& frame : frames) json["stackTrace"].push_back(hexadecimal(frame.address));
   for (tFrame const& frame : frames) json["frames"].push_back(jsonOf(frame));
   for (tSavedModule const& module : modules) json["modules"].push_back(jsonOf(module));
   return json;

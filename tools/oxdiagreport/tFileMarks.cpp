@@ -12,7 +12,7 @@ namespace {
 
 constexpr size_t kChunk = size_t{1} << 20;
 constexpr size_t kMostKept = 512;  // bytes around a mark
-constexpr size_t kPdbMarkSize = 16 + sizeof(u32);
+constexpr size_t kPdbIdentitySize = 16 + sizeof(u32);
 constexpr size_t kMostIdentities = 10'000;  // of one image, which has one
 constexpr std::string_view kPdbMark = "RSDS";
 constexpr std::string_view kBuildIdMark("\0\0\0\3\0\0\0GNU\0", 11);  // behind a size below 256
@@ -58,8 +58,8 @@ std::set<std::string> identitiesIn(fs::path const& name) {
   std::set<std::string> found;
   findInFile(name, kPdbMark, [&](std::string const& text, size_t place) {
     size_t const begin = place + kPdbMark.size();
-    if (begin + kPdbMarkSize > text.size()) return false;
-    found.insert(kindOf(kModulePdbIdentity) + text.substr(begin, kPdbMarkSize));
+    if (begin + kPdbIdentitySize > text.size()) return false;
+    found.insert(kindOf(kModulePdbIdentity) + text.substr(begin, kPdbIdentitySize));
     return found.size() >= kMostIdentities;
   });
   findInFile(name, kBuildIdMark, [&](std::string const& text, size_t place) {

@@ -3,8 +3,8 @@
 namespace oxdiagview {
 namespace {
 
-constexpr uint32_t kFirstFailure = 140;  // verbosities from here to
-constexpr uint32_t kFirstResult = 150;   // here are of failures
+constexpr uint32_t kFailure = 140;  // verbosities from here to
+constexpr uint32_t kResult = 150;   // here are of failures
 
 constexpr std::string_view kPlain = "";
 constexpr std::string_view kRed = "\x1b[31m";
@@ -34,7 +34,7 @@ std::string_view colorOf(tRecord const& record) {
     case tKind::kLine:
       break;
   }
-  bool const isFailure = record.verbosity >= kFirstFailure && record.verbosity < kFirstResult;
+  bool const isFailure = record.verbosity >= kFailure && record.verbosity < kResult;
   return isFailure ? kRed : kPlain;
 }
 

@@ -10,9 +10,9 @@ constexpr std::string_view kForm = "0000-00-00T00:00:00";
 constexpr size_t kMostDecimals = 9;
 constexpr int kFirstYear = 1970;
 constexpr int kLastYear = 2499;
-constexpr uint64_t kNanoseconds = 1'000'000'000;
+constexpr uint64_t kNanosecondsPerSecond = 1'000'000'000;
 
-bool isDecimalDigit(char character) {
+bool isDigit(char character) {
   return character >= '0' && character <= '9';
 }
 
@@ -20,8 +20,7 @@ bool isDecimalDigit(char character) {
 bool hasForm(std::string_view text) {
   if (text.size() < kForm.size()) return false;
   for (size_t place = 0; place < kForm.size(); ++place) {
-    bool const isGood =
-        kForm[place] == '0' ? isDecimalDigit(text[place]) : text[place] == kForm[place];
+    bool const isGood = kForm[place] == '0' ? isDigit(text[place]) : text[place] == kForm[place];
     if (!isGood) return false;
   }
   return true;
@@ -42,7 +41,7 @@ std::optional<uint64_t> nanosecondsOf(std::string_view decimals) {
   uint64_t nanoseconds = 0;
   for (size_t place = 1; place <= kMostDecimals; ++place) {
     char const digit = place < decimals.size() ? decimals[place] : '0';
-    if (!isDecimalDigit(digit)) return std::nullopt;
+    if (!isDigit(digit)) return std::nullopt;
     nanoseconds = nanoseconds * 10 + static_cast<uint64_t>(digit - '0');
   }
   return nanoseconds;
@@ -66,7 +65,7 @@ std::optional<uint64_t> readStartTime(std::string_view text) {
   }
   seconds const since =
       sys_days(date).time_since_epoch() + hours(hour) + minutes(minute) + seconds(second);
-  return static_cast<uint64_t>(since.count()) * kNanoseconds + *part;
+  return static_cast<uint64_t>(since.count()) * kNanosecondsPerSecond + *part;
 }
 
 }  // namespace oxdiagview

@@ -18,7 +18,7 @@ bool isNumber(tLook look) {
   return look == tLook::kNumber;
 }
 
-uint64_t valueOf(std::string_view digits) {
+uint64_t numberOf(std::string_view digits) {
   uint64_t number = 0;
   auto const end = std::from_chars(digits.data(), digits.data() + digits.size(), number);
   return end.ec == std::errc() ? number : ~uint64_t{0};
@@ -78,7 +78,7 @@ void tLayoutTable::note(tPrefixText const& prefix) {
   ++shape.count;
   size_t const whole = prefix.getCount() - (isCut(prefix) ? 1 : 0);
   for (size_t index = 0; index < whole; ++index) {
-    if (isNumber(prefix.getLook(index))) shape.columns[index].note(valueOf(prefix.getPart(index)));
+    if (isNumber(prefix.getLook(index))) shape.columns[index].note(numberOf(prefix.getPart(index)));
   }
 }
 

@@ -14,7 +14,7 @@ constexpr size_t kMostThreads = 100'000;
 constexpr char kNoEnd[] = "its end is not in the trace";
 constexpr char kNoBeginning[] = "its beginning is not in the trace";
 
-std::string threadNumber(uint32_t number) {
+std::string hexadecimal(uint32_t number) {
   char text[16];
   std::snprintf(text, sizeof(text), "0x%" PRIX32, number);
   return text;
@@ -73,7 +73,7 @@ void tPerfetto::noteThread(uint32_t thread) {
   if (threads.size() >= kMostThreads || !threads.insert(thread).second) return;
   beginEvent("thread_name", "M", thread);
   json += ",\"args\":{";
-  appendMember(json, "name", thread == 0 ? "trace" : "thread " + threadNumber(thread));
+  appendMember(json, "name", thread == 0 ? "trace" : "thread " + hexadecimal(thread));
   json += '}';
   endEvent();
 }

@@ -17,7 +17,7 @@ constexpr size_t kThreadWidth = 7;
 constexpr size_t kVerbosityWidth = 4;
 constexpr size_t kMostPlace = 44;
 constexpr size_t kGap = 2;  // blanks between columns
-constexpr size_t kBlanksShown = 2;
+constexpr size_t kBlanksPerLevel = 2;
 constexpr size_t kMostTextColumn = 120;
 constexpr uint32_t kMostDepth = 60;  // levels that are shown; text stays on the screen
 constexpr std::string_view kMicro = "µ";
@@ -110,7 +110,7 @@ void tTextView::putRight(std::string_view text, size_t width) {
 }
 
 void tTextView::putText(tRecord const& record) {
-  size_t const indentation = std::min(record.depth, kMostDepth) * kBlanksShown;
+  size_t const indentation = std::min(record.depth, kMostDepth) * kBlanksPerLevel;
   shown.assign(record.hasPrefix ? indentation : std::min(textColumn, kMostTextColumn), ' ');
   std::string_view const color = colorOf(record);
   if (isColored) shown += color;

@@ -27,7 +27,7 @@ bool takeBack(std::string_view& text, std::string_view word) {
 }
 
 // All of `digits`, with a sign or without.
-std::optional<int32_t> parseNumber(std::string_view digits) {
+std::optional<int32_t> numberOf(std::string_view digits) {
   int32_t number = 0;
   char const* const end = digits.data() + digits.size();
   auto const read = std::from_chars(digits.data(), end, number);
@@ -35,12 +35,12 @@ std::optional<int32_t> parseNumber(std::string_view digits) {
   return number;
 }
 
-bool isHexDigit(char character) {
+bool isUpperHex(char character) {
   return (character >= '0' && character <= '9') || (character >= 'A' && character <= 'F');
 }
 
 bool areUpperHex(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isHexDigit);
+  return !text.empty() && std::all_of(text.begin(), text.end(), isUpperHex);
 }
 
 // Takes "tStatus=0 " or "tStatus2 code=0 " from the end of what stands before the brace.
@@ -49,7 +49,7 @@ bool takeStatusBeforeBrace(std::string_view& text, tRecord& record) {
   if (!takeBack(rest, " ")) return false;
   size_t const equals = rest.rfind('=');
   if (equals == rest.npos) return false;
-  auto const number = parseNumber(rest.substr(equals + 1));
+  auto const number = numberOf(rest.substr(equals + 1));
   rest = rest.substr(0, equals);
   if (!number || (!takeBack(rest, "tStatus2 code") && !takeBack(rest, "tStatus"))) return false;
   if (!rest.empty() && !rest.ends_with(kFieldEnd)) return false;
@@ -93,7 +93,7 @@ bool readBlockEnd(tRecord& record) {
   record.function = text == "}" ? std::string_view() : text;
   if (!takeFront(text, "tStatus2 code=") && !takeFront(text, "tStatus=")) return true;
   size_t const end = text.find(kFieldEnd);
-  auto const number = parseNumber(text.substr(0, end));
+  auto const number = numberOf(text.substr(0, end));
   if (end == text.npos || !number) return true;
   record.code = number;
   record.function = text.substr(end + kFieldEnd.size());
@@ -130,7 +130,7 @@ bool isDumpRow(std::string_view row) {
   if (characters == row.npos) return false;
   std::string_view const groups = row.substr(kAddressDigits + 2, characters - kAddressDigits - 2);
   return std::all_of(groups.begin(), groups.end(), [](char character) {
-    return isHexDigit(character) || character == 'X' || character == ' ';
+    return isUpperHex(character) || character == 'X' || character == ' ';
   });
 }
 
@@ -156,7 +156,7 @@ bool continuesStatus(std::string_view line) {
 
 std::optional<int32_t> errorCodeOf(std::string_view line) {
   if (!takeFront(line, kErrorCode)) return std::nullopt;
-  return parseNumber(line);
+  return numberOf(line);
 }
 
 bool hasDumpRow(std::string_view text) {

@@ -6,7 +6,7 @@ namespace oxdiagview {
 
 namespace {
 
-constexpr char kReplacementText[] = "\uFFFD";
+constexpr char kReplacement[] = "\uFFFD";
 constexpr unsigned char kDelete = 0x7F;
 
 void appendControlPicture(std::string& json, unsigned char control) {
@@ -42,7 +42,7 @@ void appendScriptText(std::string& json, std::string_view text) {
     } else if (length != 0) {
       json += text.substr(0, length);
     } else {
-      json += kReplacementText;
+      json += kReplacement;
     }
     text.remove_prefix(length == 0 ? 1 : length);
   }
