@@ -87,8 +87,8 @@ OXDIAG_API u64 readTimeStampCounter();
 // not come out of the put of its own switch, the other operations of the configuration are given up
 // in the same way: they change nothing, and inquire gives an empty text. enableMutex and
 // disableMutex wait for the line lock without limit, unless the line's thread does not come out of
-// a put: then they are given up as well, and the switch of the mutex stays as it is. With "--mutex
-// on" a put that never returns keeps its line, for which all other lines wait.
+// a put for ten seconds: then they are given up as well, and the switch of the mutex stays as it
+// is. With "--mutex on" a put that never returns keeps its line, for which all other lines wait.
 //
 // A put that traces: a destination may write lines into a stream from its own put. They are handed
 // over after the text that is being put, and each put of them may trace in turn, up to four puts of

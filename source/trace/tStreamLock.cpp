@@ -6,7 +6,7 @@
 #include "oxdiagk/tTraceParts.h"
 #include "trace/switchEvents.h"
 #include "trace/tPatience.h"
-#include "trace/tTextsOnTheWay.h"
+#include "trace/tPutWatch.h"
 #include "vexk/threadUtility.h"
 #include "vexkntos/tCriticalRegionGuard.h"
 
@@ -14,8 +14,6 @@ namespace nOXDIAG100 {
 namespace {
 
 enum tState : u32 { kRaw, kInTheMaking, kReady };
-
-constexpr u32 kBetweenLooks = 100;  // milliseconds
 
 // Made by the first who asks: a destination may leave before the first stream is built.
 constinit KMUTEX mutex = {};
@@ -41,7 +39,7 @@ void prepare() {
 
 bool isTakenInTime() {
   LARGE_INTEGER span;
-  span.QuadPart = kBetweenLooks * kTicksOfMillisecond;
+  span.QuadPart = tPutWatch::kBetweenLooks * kTicksOfMillisecond;
   return KeWaitForSingleObject(&mutex, Executive, KernelMode, 0, &span) != STATUS_TIMEOUT;
 }
 
@@ -49,21 +47,16 @@ u32 getOwner() {
   return __atomic_load_n(&owner, __ATOMIC_RELAXED);
 }
 
-// An owner who waits for others does not wait longer than this patience, and comes out.
-bool isOwnerStuck() {
-  u32 const thread = getOwner();
-  return thread != 0 && tTextsOnTheWay::isWithin(thread, nullptr);
-}
-
 }  // namespace
 
 bool tStreamLock::acquire() {
   prepare();
-  tPatience const patience;
+  tPutWatch watch;
   while (!isTakenInTime()) {
-    patience.addWait(kBetweenLooks);
-    if (!patience.hasPassed() || !isOwnerStuck()) continue;
-    logGivenUpConfiguration(getOwner());
+    u32 const thread = getOwner();
+    watch.look(thread);
+    if (!watch.hasPassed()) continue;
+    logGivenUpConfiguration(thread);
     return false;
   }
   ++depth;

@@ -12,8 +12,8 @@ class tTraceParts;
 // Order of locks: this one, then the line lock of a stream. IRQL <= APC_LEVEL.
 class tStreamLock {
  public:
-  // Waits for the lock. False when the wait is given up: kMostPatience have passed, and the thread
-  // that holds the lock has not come out of a put. The event log names that thread then.
+  // Waits for the lock. False when the wait is given up: the thread that holds the lock does not
+  // come out of a put for kMostPatience. The event log names that thread then.
   static bool acquire();
 
   static void release();

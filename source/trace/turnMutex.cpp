@@ -3,34 +3,25 @@
 #include "oxdiagk/tTraceParts.h"
 #include "trace/switchEvents.h"
 #include "trace/tLiveStreams.h"
-#include "trace/tPatience.h"
+#include "trace/tPutWatch.h"
 #include "trace/tStreamLock.h"
-#include "trace/tTextsOnTheWay.h"
 #include "vexk/statusCodes.h"
 #include "vexk/sync.h"
 
 namespace nOXDIAG100 {
 namespace {
 
-constexpr u32 kBetweenLooks = 100;  // milliseconds
-
-// A line whose put does not come out does not end. The thread of such a line, or 0.
-u32 findStuck(tTraceParts const& stream) {
-  u32 const owner = tLiveStreams::findLineOwner(stream);
-  return tTextsOnTheWay::isWithin(owner, nullptr) ? owner : 0;
-}
-
 // Waits for the stream's lock. Who turns the switch does it under the streams' lock: others wait
 // for that one, the end of the module among them, so the wait for a stuck line is given up.
 i32 await(iSync& lock, tTraceParts const& stream) {
-  tPatience const patience;
+  tPutWatch watch;
   for (;;) {
-    i32 const status = lock.acquire(kBetweenLooks);
+    i32 const status = lock.acquire(tPutWatch::kBetweenLooks);
     if (status != kStatusSyncTimeout) return status;
-    patience.addWait(kBetweenLooks);
-    u32 const stuck = patience.isOver() ? findStuck(stream) : 0;
-    if (stuck == 0) continue;
-    logGivenUpMutex(stuck);
+    u32 const owner = tLiveStreams::findLineOwner(stream);
+    watch.look(owner);
+    if (!watch.isOver()) continue;
+    logGivenUpMutex(owner);
     return status;
   }
 }

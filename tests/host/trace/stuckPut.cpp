@@ -28,6 +28,8 @@ using namespace nOXDIAG100;
 constexpr auto kLongEnough = std::chrono::seconds(30);
 constexpr auto kPatience = std::chrono::seconds(10);
 constexpr auto kAWhile = std::chrono::milliseconds(50);
+constexpr auto kTwentySeconds = std::chrono::milliseconds(20'000 / tHurriedTime::kRate);
+constexpr auto kSomeLooks = std::chrono::milliseconds(300);  // while time does not hurry
 constexpr u64 kNeverMeasured = ~0ull / 2;
 
 // Holds the thread that puts "stuck" until it is let go; others come and go.
@@ -269,14 +271,34 @@ TEST_F(StuckPut, TheMutexIsSwitchedWhenALineEndsHoweverLongItTakes) {
   auto line = std::make_unique<tOpenLine>(trace);
   line->await();
   auto const turned = std::async(std::launch::async, [&] { trace.disableMutex(); });
-  EXPECT_NE(turned.wait_for(std::chrono::milliseconds(400)), std::future_status::ready);  // 20 s
-  // Who is looked at within the put of the line's end would be stuck. A look that has begun before
-  // is over then.
-  ntoshost::setTimeRate(1);
-  std::this_thread::sleep_for(std::chrono::milliseconds(100));
+  EXPECT_EQ(turned.wait_for(kTwentySeconds), std::future_status::timeout);
   line.reset();
   EXPECT_EQ(turned.wait_for(kLongEnough), std::future_status::ready);
   EXPECT_EQ(trace.mutexIsEnabled(), 0u);
+}
+
+// The line was long before its put, and the put comes out.
+TEST_F(StuckPut, TheMutexIsSwitchedThoughALongLineIsSeenWithinAPut) {
+  tOwnTrace trace(sticky);
+  trace.enableMutex();
+  std::promise<void> mayPut;
+  std::promise<void> isOpen;
+  std::thread line([&] {
+    trace.putPrefix("test", tSSVersion(), 1, "file", 100, tTrace::kTraceLine);
+    isOpen.set_value();
+    mayPut.get_future().wait();
+    trace.put("stuck").endl();
+  });
+  isOpen.get_future().wait();
+  auto const turned = std::async(std::launch::async, [&] { trace.disableMutex(); });
+  EXPECT_EQ(turned.wait_for(kTwentySeconds), std::future_status::timeout);
+  ntoshost::setTimeRate(1);
+  mayPut.set_value();
+  EXPECT_EQ(turned.wait_for(kSomeLooks), std::future_status::timeout);
+  sticky.mayGo = true;
+  EXPECT_EQ(turned.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.mutexIsEnabled(), 0u);
+  line.join();
 }
 
 TEST_F(StuckPut, ALineThatDoesNotEndHoldsUpNoSwitchForEver) {
@@ -496,7 +518,7 @@ TEST_F(StuckPut, DestinationsThatAreNotGivenTheirWordsAreWaitedForOnce) {
 namespace {
 
 // Opens when it may.
-class tSlowOpening final : public tKeptLines {
+class tSlowOpening : public tKeptLines {
  public:
   u32 open() override {
     isWithin = true;
@@ -513,7 +535,6 @@ class tSlowOpening final : public tKeptLines {
 
 // Ten seconds are a put's: what is opened for longer is waited for.
 TEST_F(StuckPut, AnOpenOfAnyLengthHoldsUpConfigurationsAndNoLine) {
-  constexpr auto kTwentySeconds = std::chrono::milliseconds(20'000 / tHurriedTime::kRate);
   tSlowOpening next;
   tOwnTrace trace(sticky);
   std::future<void> const change =
@@ -527,6 +548,44 @@ TEST_F(StuckPut, AnOpenOfAnyLengthHoldsUpConfigurationsAndNoLine) {
   EXPECT_EQ(configuration.wait_for(kLongEnough), std::future_status::ready);
   EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
   EXPECT_EQ(trace.getDestination(), &next);
+  trace.setDestination(tVEXTraceDestination::getInstance());
+}
+
+namespace {
+
+// Traces when it has been opened.
+class tTracedOpening final : public tSlowOpening {
+ public:
+  explicit tTracedOpening(tTrace& trace) : trace(trace) {}
+
+  u32 open() override {
+    u32 const isOpen = tSlowOpening::open();
+    trace.put("stuck").endl();
+    return isOpen;
+  }
+
+ private:
+  tTrace& trace;
+};
+
+}  // namespace
+
+TEST_F(StuckPut, AConfigurationWaitsThoughALongOneIsSeenWithinAPut) {
+  tOwnTrace log(sticky);
+  tTracedOpening next(log);
+  tOwnTrace trace(tVEXTraceDestination::getInstance());
+  std::future<void> const change =
+      std::async(std::launch::async, [&] { trace.setDestination(next); });
+  while (!next.isWithin) std::this_thread::yield();
+  std::future<void> const configuration =
+      std::async(std::launch::async, [&] { trace.configure("--timestamp on"); });
+  EXPECT_EQ(configuration.wait_for(kTwentySeconds), std::future_status::timeout);
+  ntoshost::setTimeRate(1);
+  next.mayGo = true;
+  EXPECT_EQ(configuration.wait_for(kSomeLooks), std::future_status::timeout);
+  sticky.mayGo = true;
+  EXPECT_EQ(configuration.wait_for(kLongEnough), std::future_status::ready);
+  EXPECT_EQ(trace.timeStampIsEnabled(), 1u);
   trace.setDestination(tVEXTraceDestination::getInstance());
 }
 
