@@ -44,6 +44,14 @@ bool saysSlot(u32 slot, wchar_t const* wanted) {
   return query.send() == STATUS_SUCCESS && hasText(query, wanted);
 }
 
+// Starts the bus, with a child that is described so.
+i32 createDescribed(tBusStack& stack, wchar_t const* description) {
+  stack.startBus();
+  tTestChild child(stack.handler, 1, 1);
+  child.description.description = description;
+  return stack.create(child.description);
+}
+
 // Whether the request is completed with the status that it came with, and nothing else.
 bool keepsStatus(tDeviceRequest& request, NTSTATUS status) {
   u64 const before = request.ioStatus().Information;
@@ -108,10 +116,7 @@ TEST(ChildAnswers, TheDescriptionIsACopy) {
 
 TEST(ChildAnswers, ANullDescriptionIsEmpty) {
   tBusStack stack;
-  stack.startBus();
-  tTestChild child(stack.handler, 1, 1);
-  child.description.description = nullptr;
-  EXPECT_EQ(stack.create(child.description), 0);
+  EXPECT_EQ(createDescribed(stack, nullptr), 0);
   tQuery query(stack.driver().newestDevice(), DeviceTextDescription);
   EXPECT_EQ(query.send(), STATUS_SUCCESS);
   EXPECT_TRUE(hasText(query, L""));
@@ -122,10 +127,7 @@ TEST(ChildAnswers, ALongDescriptionIsCut) {
   static constinit wchar_t text[kMost + 2] = {};
   for (u32 index = 0; index != kMost + 1; ++index) text[index] = L'x';
   tBusStack stack;
-  stack.startBus();
-  tTestChild child(stack.handler, 1, 1);
-  child.description.description = text;
-  EXPECT_EQ(stack.create(child.description), 0);
+  EXPECT_EQ(createDescribed(stack, text), 0);
   tQuery query(stack.driver().newestDevice(), DeviceTextDescription);
   ASSERT_EQ(query.send(), STATUS_SUCCESS);
   ASSERT_NE(query.answer<wchar_t>(), nullptr);

@@ -82,7 +82,7 @@ bool tSerialLine::take(u8 value) {
     busySince = 0;
     return true;
   }
-  if (errno == EAGAIN && hasPatience()) return false;
+  if (written < 0 && errno == EAGAIN && hasPatience()) return false;
   ++lostBytes;
   return true;
 }
