@@ -51,7 +51,8 @@ foreach(name IN ITEMS oxdiagk oxdiagk-executive)
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 endforeach()
 
-# The target `installed` is what has to be built for all of it.
+# The targets `installed_development` and `installed_tools` are what has to be built for a component,
+# `installed` for both.
 get_property(programs GLOBAL PROPERTY OXDIAG_PROGRAMS)
 foreach(program IN LISTS programs)
   get_target_property(folder ${program} SOURCE_DIR)
@@ -61,4 +62,6 @@ foreach(program IN LISTS programs)
   install(FILES "${folder}/${program}.bash" RENAME ${program}
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT tools)
 endforeach()
-add_custom_target(installed DEPENDS oxdiagk qelmk vexk ntos_strict ntos_plain ${programs})
+add_custom_target(installed_development DEPENDS oxdiagk qelmk vexk ntos_strict ntos_plain)
+add_custom_target(installed_tools DEPENDS ${programs})
+add_custom_target(installed DEPENDS installed_development installed_tools)

@@ -12,8 +12,8 @@ FAILED = re.compile(r"^(?:FAIL|ERROR): (\S+ \(\S+\))", re.MULTILINE)
 
 
 def check():
-    workshop.build("host-plain", "slotbus_demo", "oxdiag-view")
-    programs = workshop.tree("host-plain")
+    workshop.build(workshop.PROGRAMS, "slotbus_demo", "oxdiag-view")
+    programs = workshop.tree(workshop.PROGRAMS)
     code, output = workshop.run([sys.executable, TEST,
                                  programs / "examples/slotbus/slotbus_demo",
                                  programs / "tools/oxdiagview/oxdiag-view", PICTURES])

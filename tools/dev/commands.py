@@ -142,8 +142,8 @@ def complaints():
     return wrong
 
 
-# The commands are typed with the programs of the tests' own build, which takes less time.
-PRESET = "host-plain"
+# The commands are typed with the programs of the tests' own build.
+PRESET = workshop.PROGRAMS
 
 # In place of ./dev, for a folder of its own: the demo is built already.
 STAND_IN = f"""#!/bin/sh

@@ -15,7 +15,7 @@ import workshop
 PRESET = "windows-tools"
 PROGRAM = workshop.tree(PRESET) / "tools/oxdiagctl/oxdiagctl.exe"
 REPORT = workshop.tree(PRESET) / "tools/oxdiagreport/oxdiagreport.exe"
-REPORT_HERE = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
+REPORT_HERE = workshop.tree(workshop.PROGRAMS) / "tools/oxdiagreport/oxdiagreport"
 VIEW = workshop.tree(PRESET) / "tools/oxdiagview/oxdiag-view.exe"
 DEFAULT = r"\\.\oxdiag"
 FOLDER = r"C:\windows"  # opening one as a file is denied
@@ -268,6 +268,6 @@ def check():
 def check_programs():
     """Those that have the library within them, which takes a minute to build."""
     workshop.build(PRESET)
-    workshop.build("host-plain", "slotbus_demo", "oxdiagreport")
+    workshop.build(workshop.PROGRAMS, "slotbus_demo", "oxdiagreport")
     return outcome_of(program_checks(), [program for program in every_program()
                                          if program != PROGRAM])

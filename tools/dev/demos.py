@@ -23,7 +23,7 @@ SAVED_FILE = "oxdiag-demo.statuses"
 WORDS = str(workshop.TOP / "examples/slotbus/words/english.words")
 
 FAULTY = str(kernel.FAULTY_RACK)
-DEMO = workshop.tree("host-plain") / "examples/slotbus/slotbus_demo"
+DEMO = workshop.tree(workshop.PROGRAMS) / "examples/slotbus/slotbus_demo"
 
 Run = collections.namedtuple("Run", "title arguments file", defaults=[None])
 
@@ -81,7 +81,7 @@ def save_in_kernel(*more):
 
 def report(path):
     """What the tool prints, without the lines that differ from run to run."""
-    program = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
+    program = workshop.tree(workshop.PROGRAMS) / "tools/oxdiagreport/oxdiagreport"
     code, output = workshop.run([program, "--words", WORDS, path])
     lines = [line for line in output.splitlines() if not line.startswith("  Time: ")]
     return lines if code == 0 and lines else [f"oxdiagreport ended with {code}", path.name, output]
@@ -134,7 +134,7 @@ def wrong_symbols(statuses):
 def compare_symbols():
     """Function, file and line of the driver's failures, by its PDB."""
     title = "symbols of the statuses saved by the driver"
-    program = workshop.tree("host-plain") / "tools/oxdiagreport/oxdiagreport"
+    program = workshop.tree(workshop.PROGRAMS) / "tools/oxdiagreport/oxdiagreport"
     code, output = workshop.run([program, "--format", "json", "--symbols",
                                  workshop.tree("windows") / "modules", save_in_kernel("--modules")])
     if code != 0:
@@ -144,7 +144,7 @@ def compare_symbols():
 
 def check():
     kernel.build()
-    workshop.build("host-plain", "slotbus_demo", "oxdiagreport")
+    workshop.build(workshop.PROGRAMS, "slotbus_demo", "oxdiagreport")
     results = [*map(compare, RUNS), compare_saved(), compare_symbols()]
     failed = [title for title, differences in results if differences]
     output = "\n".join(line for _, differences in results for line in differences)

@@ -18,8 +18,10 @@ sys.path.insert(0, str(workshop.TOP / "tests/install"))
 
 import quickstart  # noqa: E402
 
-# What is installed, of the plain build that the tests have anyway; what people get is optimised.
-PRESET, LONG_PRESET = "host-plain", "host-release"
+# What is installed, of the builds that the tests have anyway: clients link the library without
+# sanitizers. What people get is optimised.
+PRESETS = {"development": "host-plain", "tools": workshop.PROGRAMS}
+LONG_PRESETS = dict.fromkeys(PRESETS, "host-release")
 PAGE = workshop.TOP / "docs/installing.md"
 TYPED = re.compile(r"^```debian ?(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 CLIENT = workshop.TOP / "tests/install"
@@ -34,8 +36,10 @@ def greeting():
     return start + "hello.cpp".ljust(50 - 1 - len(start), "-") + "] hello from a program, slot 7\n"
 
 
-def install(preset, prefix):
-    workshop.demand(["cmake", "--install", workshop.tree(preset), "--prefix", prefix])
+def install(component, preset, prefix):
+    workshop.build(preset, f"installed_{component}")
+    workshop.demand(["cmake", "--install", workshop.tree(preset), "--component", component,
+                     "--prefix", prefix])
 
 
 def configure_and_build(source, tree, *settings):
@@ -229,11 +233,11 @@ LONG_CHECKS = {
 
 
 def check():
-    return run_checks(PRESET, CHECKS)
+    return run_checks(PRESETS, CHECKS)
 
 
 def check_long():
-    return run_checks(LONG_PRESET, LONG_CHECKS | CHECKS)  # the last of which moves it away
+    return run_checks(LONG_PRESETS, LONG_CHECKS | CHECKS)  # the last of which moves it away
 
 
 BARE = ["env", "-i", "PATH=/usr/sbin:/usr/bin:/sbin:/bin", "HOME=/", "DEBIAN_FRONTEND=noninteractive"]
@@ -262,13 +266,13 @@ def check_clean_debian():
     return workshop.Outcome(len(results) - len(failed), failed, "\n".join(wrong for _, wrong in results))
 
 
-def run_checks(preset, checks):
-    workshop.build(preset, "installed")
+def run_checks(presets, checks):
     failed, output = [], []
     with tempfile.TemporaryDirectory() as folder:
         work = pathlib.Path(folder)
         prefix = work / "installed"
-        install(preset, prefix)
+        for component, preset in presets.items():
+            install(component, preset, prefix)
         for name, function in checks.items():
             wrong = guarded(function, prefix, work)
             if wrong:

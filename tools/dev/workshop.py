@@ -49,6 +49,10 @@ def in_parallel(function, items):
         return list(pool.map(function, items))
 
 
+# The preset whose demo and tools the steps of ./dev test run: that of the tests, with sanitizers.
+PROGRAMS = "host-clang"
+
+
 def tree(preset):
     return OUT / preset
 
