@@ -83,7 +83,7 @@ STEPS = {
     "clean-debian": ("the Debian packages in a system that has nothing else", packages.check_clean_debian),
     "commands": ("the commands of the pages, typed", commands.check),
     "host-bare": ("host tests of stacks and paged memory, g++, which sanitizers would hide",
-                  lambda: programs.check("host-plain", "bare_tests", "bare")),
+                  lambda: programs.check("host-bare", "bare_tests", "bare")),
     "budget": ("the instructions of the library's paths", budget.check),
     "compile": ("what must compile and what must not", compileChecks.check_sources),
     "faults": ("conformance tests with calls that fail, and at raised levels", faults.check),

@@ -20,7 +20,7 @@ import quickstart  # noqa: E402
 
 # What is installed, of the builds that the tests have anyway: clients link the library without
 # sanitizers. What people get is optimised.
-PRESETS = {"development": "host-plain", "tools": workshop.PROGRAMS}
+PRESETS = {"development": "host-bare", "tools": workshop.PROGRAMS}
 LONG_PRESETS = dict.fromkeys(PRESETS, "host-release")
 PAGE = workshop.TOP / "docs/installing.md"
 TYPED = re.compile(r"^```debian ?(\w*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)

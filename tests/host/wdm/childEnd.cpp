@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "isWaiting.h"
 #include "ntos/pnp.h"
 #include "rounds.h"
 #include "support/tBusStack.h"
@@ -19,9 +20,6 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
-constexpr auto kAWhile = 50ms;
 constexpr int kRaces = roundsOf(160);
 
 // A started bus with a child that the system does not know yet.
@@ -77,11 +75,6 @@ class tReportedChild : public tUnreportedChild {
  public:
   tReportedChild() { countRelations(); }
 };
-
-template <class T>
-bool isWaiting(std::future<T> const& one) {
-  return one.wait_for(kAWhile) == std::future_status::timeout;
-}
 
 void setPower(DEVICE_OBJECT* device, DEVICE_POWER_STATE state) {
   tDeviceRequest request(device, IRP_MJ_POWER, IRP_MN_SET_POWER);

@@ -7,6 +7,7 @@
 #include <future>
 #include <thread>
 
+#include "isWaiting.h"
 #include "ntos/wait.h"
 #include "ntoshost/time.h"
 #include "package/windows/wdm/tChildDevice.h"
@@ -15,10 +16,7 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
 constexpr auto kLongEnough = std::chrono::seconds(20);
-constexpr auto kAWhile = 50ms;
 
 // Serves its first request until it is told to end.
 class tSlowHandler : public tChildHandler {
@@ -50,10 +48,6 @@ NTSTATUS setDevicePower(DEVICE_OBJECT* device, DEVICE_POWER_STATE state) {
 // Takes a child away in a thread of its own.
 std::future<i32> takeAside(tPnpBus& bus, u32 slot) {
   return std::async(std::launch::async, [&bus, slot] { return bus.take(slot); });
-}
-
-bool isWaiting(std::future<i32> const& removal) {
-  return removal.wait_for(kAWhile) == std::future_status::timeout;
 }
 
 void waitUntilAbsent(DEVICE_OBJECT* device) {

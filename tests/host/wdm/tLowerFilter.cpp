@@ -34,9 +34,6 @@ NTSTATUS remove(DEVICE_OBJECT* lower, IRP& irp) {
   return status;
 }
 
-void unload(DRIVER_OBJECT* /*driver*/) {
-}
-
 }  // namespace
 
 tLowerFilter::tLowerFilter(char const* driverName) {
@@ -49,7 +46,7 @@ tLowerFilter::~tLowerFilter() {
 }
 
 NTSTATUS tLowerFilter::enter(DRIVER_OBJECT* entered, UNICODE_STRING* /*registryPath*/) {
-  entered->DriverUnload = &unload;
+  entered->DriverUnload = [](DRIVER_OBJECT*) {};
   for (DRIVER_DISPATCH*& each : entered->MajorFunction) each = &dispatch;
   return STATUS_SUCCESS;
 }

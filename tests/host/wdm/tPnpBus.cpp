@@ -22,10 +22,6 @@ class tFunction final : public iDeviceComponent {
   void release() override { delete this; }
 };
 
-void unload(DRIVER_OBJECT* /*driver*/) {
-  pkgSetWDMWrapperLoadStateAndGetGUID(0);
-}
-
 }  // namespace
 
 tPnpBus::tPnpBus(ntoshost::PnpMode mode, char const* driverName, tLowerFilter* below)
@@ -56,7 +52,7 @@ void tPnpBus::removeBus() {
 
 NTSTATUS tPnpBus::enter(DRIVER_OBJECT* entered, UNICODE_STRING* /*registryPath*/) {
   pkgSetWDMWrapperLoadStateAndGetGUID(1);
-  entered->DriverUnload = &unload;
+  entered->DriverUnload = [](DRIVER_OBJECT*) { pkgSetWDMWrapperLoadStateAndGetGUID(0); };
   entered->DriverExtension->AddDevice = &addDevice;
   for (DRIVER_DISPATCH*& each : entered->MajorFunction) each = &pkgWDMWrapperHandleIrp;
   return STATUS_SUCCESS;

@@ -4,11 +4,8 @@
 
 namespace {
 
-void unload(DRIVER_OBJECT* /*driver*/) {
-}
-
 NTSTATUS enter(DRIVER_OBJECT* driver, UNICODE_STRING* /*registryPath*/) {
-  driver->DriverUnload = &unload;
+  driver->DriverUnload = [](DRIVER_OBJECT*) {};
   return STATUS_SUCCESS;
 }
 
