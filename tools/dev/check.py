@@ -36,6 +36,7 @@ import natvisView  # noqa: E402
 import packages  # noqa: E402
 import pages  # noqa: E402
 import programs  # noqa: E402
+import proofLedger  # noqa: E402
 import scheduleFaults  # noqa: E402
 import scripts  # noqa: E402
 import sleeps  # noqa: E402
@@ -147,13 +148,14 @@ def outcome_of(name, output):
         return workshop.Outcome(0, [f"{name}: its process ended"], output)
 
 
-def run_steps(names, lane_count):
-    """The outcomes of the steps; each is shown when it ends."""
+def run_steps(names, lane_count, note=lambda name, outcome: None):
+    """The outcomes of the steps; each is shown and noted when it ends."""
     outcomes = []
 
     def show(name, seconds, output):
         outcome = outcome_of(name, output)
         outcomes.append(outcome)
+        note(name, outcome)
         counted = workshop.counts(outcome.passed, len(outcome.failed), len(outcome.skipped))
         line = f"[{len(outcomes)}/{len(names)}] {STEPS[name][0]} ... {seconds:.1f} s, {counted}"
         return f"{line}\n{outcome.output}" if outcome.failed else line
@@ -163,19 +165,8 @@ def run_steps(names, lane_count):
     return outcomes
 
 
-def main(names):
-    is_proof = names == ["--long"]
-    if is_proof:
-        names = [name for name in STEPS if name in PROOF]
-    unknown = [name for name in names if name not in STEPS]
-    if unknown:
-        print("steps: " + " ".join(STEPS))
-        if names == ["--list"]:
-            return 0
-        print(f"'{unknown[0]}' is no step", file=sys.stderr)
-        return 2
-    names = names or [name for name in STEPS if name not in WHEN_NAMED]
-    outcomes = run_steps(names, 1 if is_proof else LANES)
+def conclude(outcomes):
+    """Names what failed and what was skipped, and ends with the counts."""
     failed = [name for outcome in outcomes for name in outcome.failed]
     skipped = [name for outcome in outcomes for name in outcome.skipped]
     for name in skipped:
@@ -184,6 +175,40 @@ def main(names):
         print(f"FAILED {name}")
     print(workshop.counts(sum(outcome.passed for outcome in outcomes), len(failed), len(skipped)))
     return 1 if failed else 0
+
+
+def prove(words):
+    """The steps that take long, but for those that have passed on these sources already."""
+    if words not in ([], ["--anew"]):
+        print("usage: ./dev prove [--anew]\n\n"
+              "Runs the steps that ./dev test leaves out. Those that have passed before on the very same\n"
+              "sources are not run again, but with --anew. The steps: "
+              + " ".join(name for name in STEPS if name in PROOF))
+        return 0 if words == ["--help"] else 2
+    if words:
+        proofLedger.PATH.unlink(missing_ok=True)
+    ledger = proofLedger.ProofLedger(proofLedger.state_of(workshop.TOP))
+    kept = {name: ledger.outcome(name) for name in STEPS if name in PROOF}
+    before = [outcome for outcome in kept.values() if outcome]
+    for name in kept:
+        if kept[name]:
+            counted = workshop.counts(kept[name].passed, 0, len(kept[name].skipped))
+            print(f"{STEPS[name][0]} ... before, {counted}", flush=True)
+    return conclude(before + run_steps([name for name in kept if not kept[name]], 1, ledger.note))
+
+
+def main(names):
+    if names[:1] == ["--long"]:
+        return prove(names[1:])
+    unknown = [name for name in names if name not in STEPS]
+    if unknown:
+        print("steps: " + " ".join(STEPS))
+        if names == ["--list"]:
+            return 0
+        print(f"'{unknown[0]}' is no step", file=sys.stderr)
+        return 2
+    names = names or [name for name in STEPS if name not in WHEN_NAMED]
+    return conclude(run_steps(names, LANES))
 
 
 if __name__ == "__main__":
