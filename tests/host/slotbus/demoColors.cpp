@@ -1,8 +1,7 @@
 // The colors of the demo's trace.
 
-#include <regex>
-
 #include "demoTest.h"
+#include "patterns.h"
 
 namespace {
 
@@ -15,8 +14,7 @@ class SlotbusColors : public tDemoTest {
 
   // With a terminal for standard output.
   std::string runAtTerminal(std::string const& setting, std::string const& arguments = "") const {
-    std::string const command = setting + " " + kDemo + " " + arguments;
-    return runProgram({"script", "-qec", command, "/dev/null"}).output;
+    return showAtTerminal(setting + " " + kDemo + " " + arguments);
   }
 };
 
@@ -30,8 +28,7 @@ bool hasColors(std::string const& text) {
 
 // Without what differs from run to run.
 std::string withoutColors(std::string const& text) {
-  std::string const plain = std::regex_replace(text, std::regex("\x1b\\[[0-9;]*m"), "");
-  return std::regex_replace(plain, std::regex("0x[0-9A-F]+"), "0x");
+  return replaceAll(replaceAll(text, "\x1b\\[[0-9;]*m", ""), "0x[0-9A-F]+", "0x");
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <pty.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -73,6 +74,24 @@ class tDemoTest : public testing::Test {
     done.output = readFile("output");
     done.errors = readFile("errors");
     return done;
+  }
+
+  // What a command of the shell shows at a terminal of its own.
+  static std::string showAtTerminal(std::string const& command) {
+    int terminal = -1;
+    pid_t const child = forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+      execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+      _exit(127);
+    }
+    std::string shown;
+    char piece[4096];
+    for (ssize_t count; (count = read(terminal, piece, sizeof(piece))) > 0;) {
+      shown.append(piece, static_cast<size_t>(count));
+    }
+    close(terminal);
+    EXPECT_EQ(waitpid(child, nullptr, 0), child);
+    return shown;
   }
 
  private:
