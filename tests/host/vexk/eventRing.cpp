@@ -174,6 +174,10 @@ class tHeldWriter {
 
 }  // namespace
 
+// The thread sanitizer holds a lock of its own within an atomic operation, and would wait for
+// itself.
+#if !defined(__SANITIZE_THREAD__)
+
 TEST(EventRing, AWriterThatComesLateLeavesTheLaterEventInItsPlace) {
   tPages const memory(5);
   auto& ring = *new (memory.at(0)) tEventRing;
@@ -185,6 +189,8 @@ TEST(EventRing, AWriterThatComesLateLeavesTheLaterEventInItsPlace) {
   ASSERT_TRUE(ring.read(kNumber + kVexEventCount, event));
   EXPECT_STREQ(event.text, "later");
 }
+
+#endif
 
 TEST(EventRing, AWriterThatFindsAnotherInItsPlaceLetsItsEventGo) {
   auto const ring = makeRing(0);
