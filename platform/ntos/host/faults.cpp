@@ -187,12 +187,12 @@ char const* faultName(u32 kind) {
 }
 
 void visitFallibleCalls(CallVisitor* visit, void* context) {
-  g_visitContext = context;
-  g_visit = visit;
+  if (visit != nullptr) storeRelease(g_visitContext, context);
+  storeRelease(g_visit, visit);
 }
 
 bool injectFault(u32 kind) {
-  if (g_visit != nullptr) g_visit(g_visitContext, kind);
+  if (CallVisitor* const visit = loadAcquire(g_visit)) visit(loadAcquire(g_visitContext), kind);
   heedEnvironment();
   if ((loadAcquire(g_kinds) & kind) == 0) return false;
   u64 const number = __atomic_add_fetch(&g_seen, 1, __ATOMIC_ACQ_REL);

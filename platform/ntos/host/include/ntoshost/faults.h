@@ -68,7 +68,8 @@ u64 faultsInjected();
 
 // Calls visit(context, kind) at the start of each fallible call, whether it is to fail or not,
 // armed or not; null ends that. `visit` runs on the calling thread, at its IRQL and on its stack,
-// and uses nothing of the executive. Set while no other thread makes fallible calls.
+// and uses nothing of the executive. Other threads may make such calls meanwhile; one that is under
+// way when null is set may still be visited. Another visitor is set after a null.
 using CallVisitor = void(void* context, u32 kind);
 void visitFallibleCalls(CallVisitor* visit, void* context);
 
