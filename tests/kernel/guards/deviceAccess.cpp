@@ -120,8 +120,10 @@ TEST(DeviceAccess, ARequestIsCompletedWithTheStatusThatIsReturned) {
   EXPECT_EQ(control.ioStatus().Information, u64{0});
   EXPECT_EQ(control.completions(), 1);
   tDeviceRequest cleanup(device, IRP_MJ_CLEANUP);
+  cleanup.ioStatus().Information = 7;
   EXPECT_EQ(cleanup.send(), STATUS_SUCCESS);
   EXPECT_EQ(cleanup.status(), STATUS_SUCCESS);
+  EXPECT_EQ(cleanup.ioStatus().Information, u64{0});
   EXPECT_EQ(cleanup.completions(), 1);
 }
 

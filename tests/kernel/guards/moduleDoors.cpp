@@ -4,6 +4,7 @@
 #include "boot/tModuleImage.h"
 #include "conformance/harness.h"
 #include "guards/moduleGuards.h"
+#include "guards/tWatchedImport.h"
 #include "image/stackCookie.h"
 #include "ntos/status.h"
 #include "oxdiagk/module.h"
@@ -14,6 +15,8 @@ namespace {
 
 using tEntry = NTSTATUS();
 using tDllInitialize = NTSTATUS(UNICODE_STRING* registryPath);
+
+constexpr char kIsInitialized[] = "?pkgIsVexkInitialized@@YAKXZ";  // as the linker names it
 
 constexpr u32 kModules = 3;
 constexpr u32 kCounting = 2;  // the first of them, which count how often they are initialised
@@ -27,6 +30,10 @@ tModuleImage imageOf(u32 index) {
 
 NTSTATUS initialise(tModuleImage const& image) {
   return reinterpret_cast<tDllInitialize*>(image.findExport("DllInitialize"))(nullptr);
+}
+
+u32 sayNo() {
+  return 0;
 }
 
 NTSTATUS unload(tModuleImage const& image) {
@@ -57,5 +64,14 @@ TEST(ModuleDoors, ALibraryWithoutACookieGetsOne) {
     EXPECT_EQ(initialise(image), STATUS_SUCCESS);
     EXPECT_TRUE(cookie != 0 && cookie != kUnseededCookie);
     EXPECT_EQ(unload(image), STATUS_SUCCESS);
+  }
+}
+
+// Whoever uses the platform layer, and finds it without its initialisation, hands its refusal on.
+TEST(ModuleDoors, ALibraryWithoutThePlatformIsNotLoaded) {
+  tWatchedImport const watch(kIsInitialized, reinterpret_cast<void*>(&sayNo));
+  ASSERT_EQ(watch.countModules(), u32{2});
+  for (u32 index = 1; index < kModules; ++index) {
+    EXPECT_EQ(initialise(imageOf(index)), STATUS_DRIVER_UNABLE_TO_LOAD);
   }
 }

@@ -105,6 +105,19 @@ TEST(StackCookie, AnImageWithoutOneGetsOneAtItsEntry) {
   EXPECT_NE(first, second);
 }
 
+TEST(StackCookie, NoBitOfItIsAlwaysTheSame) {
+  constexpr u32 kSeeds = 64;
+  u64 everSet = 0;
+  u64 everClear = 0;
+  for (u32 round = 0; round < kSeeds; ++round) {
+    u64 const seed = seedFrom(kUnseededCookie);
+    everSet |= seed;
+    everClear |= ~seed;
+  }
+  EXPECT_EQ(everSet, kCookieBits);
+  EXPECT_EQ(everClear, ~u64{0});
+}
+
 TEST(StackCookie, TheOneOfTheLoaderStays) {
   EXPECT_EQ(seedFrom(7), u64{7});
 }
