@@ -1,6 +1,8 @@
 // The operators that a module has for what says nothing about its memory.
 
 #include "conformance/harness.h"
+#include "guards/tWatchedImport.h"
+#include "ntos/pool.h"
 #include "vexk/memory.h"
 
 // The compiler knows these only when it is told to use them.
@@ -14,6 +16,13 @@ using tNew = void*(size_t size);
 
 constinit tNew* volatile newObject = &::operator new;
 constinit tNew* volatile newArray = &::operator new[];
+
+constinit u32 blocksGivenBack = 0;
+
+void noteGivenBack(void* block, u32 tag) {
+  ++blocksGivenBack;
+  ExFreePoolWithTag(block, tag);
+}
 
 }  // namespace
 
@@ -38,4 +47,18 @@ TEST(ModuleMemory, TheSizeOfADeleteIsIgnored) {
 TEST(ModuleMemory, ThereIsNoneOfAnImpossibleSize) {
   EXPECT_TRUE(newObject(size_t{1} << 62) == nullptr);
   EXPECT_TRUE(newArray(size_t{1} << 62) == nullptr);
+}
+
+TEST(ModuleMemory, EveryDeleteGivesItsBlockBack) {
+  tWatchedImport const watch("ExFreePoolWithTag", reinterpret_cast<void*>(&noteGivenBack));
+  ASSERT_TRUE(watch.countModules() > 0);
+  blocksGivenBack = 0;
+  ::operator delete(newObject(40));
+  EXPECT_EQ(blocksGivenBack, u32{1});
+  ::operator delete[](newArray(40));
+  EXPECT_EQ(blocksGivenBack, u32{2});
+  ::operator delete (newObject(40), size_t{40});
+  EXPECT_EQ(blocksGivenBack, u32{3});
+  ::operator delete[](newArray(40), size_t{40});
+  EXPECT_EQ(blocksGivenBack, u32{4});
 }
