@@ -5,11 +5,16 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cstring>
 #include <string>
+#include <vector>
 
 #include "keptLines.h"
+#include "oxdiagk/tDestinationSlot.h"
+#include "oxdiagk/tLineBuffer.h"
 #include "racingThreads.h"
 #include "rounds.h"
+#include "tInterruption.h"
 
 namespace {
 
@@ -60,4 +65,23 @@ TEST(ChangingText, ANewlineThatVanishesWhileItIsPutEndsNothingElse) {
   EXPECT_EQ(u64{kPuts} * (kTextSize + 1), pieces.characters);
   EXPECT_LE(pieces.longest, kLongestPiece);
   EXPECT_EQ(u64{0}, pieces.withoutEnd);
+}
+
+// The five characters of the second piece are read as two words, which have three in common.
+TEST(ChangingText, ANewlineThatVanishesBetweenTwoReadingsIsText) {
+  using nOXDIAG100::tLineBuffer;
+  std::string const first(tLineBuffer::kCapacity, '-');
+  tPages const memory(2);
+  char* const second = memory.at(tPages::kPage - 4);
+  char* const text = second - first.size();
+  std::memcpy(text, first.data(), first.size());
+  std::memcpy(second, "abc\nd", 5);
+  tInterruption const within(memory.at(tPages::kPage), 1, [second] { second[3] = 'x'; });
+  tKeptLines kept;
+  nOXDIAG100::iTraceDestination* current = &kept;
+  nOXDIAG100::tDestinationSlot slot(current);
+  tLineBuffer buffer;
+  buffer.append(text, first.size() + 5, slot);
+  buffer.endPiece(slot);
+  EXPECT_EQ(kept.pieces, (std::vector<std::string>{first, "abcxd\n"}));
 }

@@ -5,18 +5,16 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 #include <sched.h>
-#include <signal.h>
-#include <sys/mman.h>
 
 #include <atomic>
 #include <cstddef>
 #include <cstring>
-#include <functional>
 #include <memory>
 #include <new>
 #include <string>
 
 #include "common/tEventLine.h"
+#include "tInterruption.h"
 
 namespace {
 
@@ -57,67 +55,6 @@ std::unique_ptr<tEventRing> makeRing(u64 events) {
   return ring;
 }
 
-constexpr size_t kPage = 4096;
-
-// Pages of memory, all zero.
-class tPages {
- public:
-  explicit tPages(size_t pageCount)
-      : size(pageCount * kPage),
-        bytes(static_cast<char*>(
-            mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0))) {}
-  ~tPages() { munmap(bytes, size); }
-  tPages(tPages const&) = delete;
-  tPages& operator=(tPages const&) = delete;
-
-  char* at(size_t place) const { return bytes + place; }
-
- private:
-  size_t const size;
-  char* const bytes;
-};
-
-// Whoever is the first to touch these pages is interrupted there: `action` runs, and the memory is
-// as any other from then on.
-class tInterruption {
- public:
-  tInterruption(char* firstPage, size_t pageCount, std::function<void()> interrupt)
-      : first(firstPage), size(pageCount * kPage), action(std::move(interrupt)) {
-    struct sigaction handling = {};
-    handling.sa_sigaction = &interruptAt;
-    handling.sa_flags = SA_SIGINFO | SA_NODEFER;
-    sigaction(SIGSEGV, &handling, nullptr);
-    next = all;
-    all = this;
-    mprotect(first, size, PROT_NONE);
-  }
-  ~tInterruption() {
-    all = next;
-    mprotect(first, size, PROT_READ | PROT_WRITE);
-    if (all == nullptr) signal(SIGSEGV, SIG_DFL);
-  }
-  tInterruption(tInterruption const&) = delete;
-  tInterruption& operator=(tInterruption const&) = delete;
-
- private:
-  static void interruptAt(int, siginfo_t* fault, void*) {
-    auto const* const place = static_cast<char const*>(fault->si_addr);
-    for (tInterruption* each = all; each != nullptr; each = each->next) {
-      if (place < each->first || place >= each->first + each->size) continue;
-      mprotect(each->first, each->size, PROT_READ | PROT_WRITE);
-      return each->action();
-    }
-    signal(SIGSEGV, SIG_DFL);  // a fault of the test's own
-  }
-
-  static tInterruption* all;
-  char* const first;
-  size_t const size;
-  std::function<void()> const action;
-  tInterruption* next = nullptr;
-};
-tInterruption* tInterruption::all = nullptr;
-
 void addTurn(tEventRing& ring) {
   for (u32 count = 0; count < kVexEventCount; ++count) ring.add(kVexEventLife, 0, "later");
 }
@@ -151,12 +88,12 @@ class tHeldWriter {
   static void* run(void* writer) {
     auto& self = *static_cast<tHeldWriter*>(writer);
     await(self.mayBegin);
-    self.ring.add(kVexEventLife, 0, self.text.at(kPage - kWritten));
+    self.ring.add(kVexEventLife, 0, self.text.at(tPages::kPage - kWritten));
     return nullptr;
   }
   char* filled() {
-    std::memset(text.at(kPage - kWritten), 'b', kLongest);
-    return text.at(kPage);
+    std::memset(text.at(tPages::kPage - kWritten), 'b', kLongest);
+    return text.at(tPages::kPage);
   }
   void stayWithin() {
     isWithin = true;
@@ -183,7 +120,7 @@ TEST(EventRing, AWriterThatComesLateLeavesTheLaterEventInItsPlace) {
   auto& ring = *new (memory.at(0)) tEventRing;
   constexpr u64 kNumber = 32;  // of a place that is not in the first page
   for (u64 number = 1; number < kNumber; ++number) ring.add(kVexEventLife, 0, "before");
-  tInterruption const late(memory.at(kPage), 4, [&] { addTurn(ring); });
+  tInterruption const late(memory.at(tPages::kPage), 4, [&] { addTurn(ring); });
   ring.add(kVexEventLife, 0, "late");
   tVexEvent event = {};
   ASSERT_TRUE(ring.read(kNumber + kVexEventCount, event));
@@ -195,11 +132,11 @@ TEST(EventRing, AWriterThatComesLateLeavesTheLaterEventInItsPlace) {
 TEST(EventRing, AWriterThatFindsAnotherInItsPlaceLetsItsEventGo) {
   auto const ring = makeRing(0);
   tPages const memory(2);
-  char* const text = memory.at(kPage - 2);
+  char* const text = memory.at(tPages::kPage - 2);
   std::memcpy(text, "text", 5);
   bool isThere = true;
   tVexEvent event = {};
-  tInterruption const within(memory.at(kPage), 1, [&] {
+  tInterruption const within(memory.at(tPages::kPage), 1, [&] {
     addTurn(*ring);
     isThere = ring->read(1 + kVexEventCount, event);
   });
@@ -212,13 +149,13 @@ TEST(EventRing, AnEventThatIsWrittenAnewMeanwhileIsNotRead) {
   constexpr size_t kTextOfFirst = 288;  // where the text of the first event lies
   constexpr size_t kRead = 104;         // characters of that before the reader is held up
   tPages const memory(6);
-  auto& ring = *new (memory.at(kPage - kTextOfFirst - kRead)) tEventRing;
+  auto& ring = *new (memory.at(tPages::kPage - kTextOfFirst - kRead)) tEventRing;
   std::string const text(kLongest, 'a');
   for (u32 count = 0; count < kVexEventCount; ++count) ring.add(kVexEventLife, 0, text.c_str());
   tHeldWriter writer(ring);
   tVexEvent event = {};
   {
-    tInterruption const within(memory.at(kPage), 5, [&] { writer.begin(); });
+    tInterruption const within(memory.at(tPages::kPage), 5, [&] { writer.begin(); });
     ASSERT_TRUE(ring.read(1, event));
   }
   EXPECT_EQ(event.number, 2u);
