@@ -15,8 +15,9 @@ FAILED = "failed"
 
 
 def environment():
-    """For the programs that CTest does not run; its own have the same from tests/host."""
-    return dict(os.environ, UBSAN_OPTIONS="print_stacktrace=1",
+    """For the programs that CTest does not run; its own have the same from tests/host, and a place
+    for what they count (OXDIAG_COVERAGE)."""
+    return dict(os.environ, UBSAN_OPTIONS="print_stacktrace=1", LLVM_PROFILE_FILE="/dev/null",
                 ASAN_OPTIONS="strict_string_checks=1:detect_stack_use_after_return=1")
 
 
