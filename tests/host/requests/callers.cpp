@@ -6,8 +6,10 @@
 
 #include <memory>
 #include <thread>
+#include <utility>
 #include <vector>
 
+#include "ntoshost/faults.h"
 #include "requests/requestTest.h"
 #include "vexk/statusCodes.h"
 
@@ -213,6 +215,30 @@ TEST_F(RequestCallers, AnHeirOfADeadProcessIsNotServed) {
   EXPECT_EQ(doubler->served, 0);
 }
 
+// It connects while the server welcomes another one, and its heir holds the connection.
+TEST_F(RequestCallers, OneThatIsGoneWhenItsTurnComesIsHungUpOn) {
+  struct tScene {
+    std::string const& path;
+    tSignal isHungUpOn;
+    bool isOver = false;
+  };
+  tScene scene = {path, {}};
+  ntoshost::visitFallibleCalls(
+      [](void* context, u32 kind) {
+        auto& at = *static_cast<tScene*>(context);
+        if (kind != ntoshost::kFaultThread || std::exchange(at.isOver, true)) return;
+        tChild maker([&at] {
+          tConnection const connection(at.path);
+          if (fork() != 0) return 0;
+          return connection.isHungUpOn() && at.isHungUpOn.give() ? 0 : 1;
+        });
+      },
+      &scene);
+  EXPECT_EQ(callOnce(), 0);
+  EXPECT_TRUE(scene.isHungUpOn.await());
+  ntoshost::visitFallibleCalls(nullptr, nullptr);
+}
+
 TEST_F(RequestCallers, ThoseThatSayNothingHoldUpNobody) {
   std::vector<std::unique_ptr<tConnection>> silent;
   for (u32 count = 0; count < 3 * kRequestPlaces; ++count) {
@@ -256,8 +282,10 @@ TEST_F(RequestCallers, OneThatTakesNoAnswersIsHungUpOn) {
 TEST_F(RequestCallers, AStopWaitsForTheRequestThatRuns) {
   tChild child([this] {
     tDoubling doubling = {21, 0, 1};
-    bool const isServed = tConnection(path).call(kDoubler, &doubling) == kRequestAccepted;
-    return isServed && doubling.result == 42 ? 0 : 1;
+    tConnection connection(path);
+    bool const isServed = connection.call(kDoubler, &doubling) == kRequestAccepted;
+    if (!isServed || doubling.result != 42) return 1;
+    return connection.isHungUpOn() ? 0 : 2;
   });
   doubler->gate.awaitArrivals(1);
   tConnection silent(path);

@@ -60,6 +60,15 @@ mode_t modeOf(std::string const& path) {
   return found.st_mode;
 }
 
+// The stack of a thread that is not waited for stays among the pages of the program.
+constexpr size_t kPagesOfAStack = 8192 * 1024 / 4096;
+
+size_t countPages() {
+  size_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages;
+}
+
 // A server that dies without taking its socket away.
 int leaveASocket(std::string const& path) {
   return tChild([&path] { return startRequestServer(path.c_str()) ? 0 : 1; }).await();
@@ -107,18 +116,12 @@ TEST_F(ServerLife, CanBeginAnew) {
   }
 }
 
-// A stack of a thread that is not waited for stays.
 TEST_F(ServerLife, PlacesAreUsedAgainWithoutATrace) {
-  auto const countPages = [] {
-    size_t pages = 0;
-    std::ifstream("/proc/self/statm") >> pages;
-    return pages;
-  };
   startServer();
   EXPECT_EQ(callOnce(), 0);
   size_t const before = countPages();
   for (int call = 0; call < 100; ++call) EXPECT_EQ(callOnce(), 0);
-  EXPECT_LT(countPages(), before + size_t{70} * 8192 * 1024 / 4096);
+  EXPECT_LT(countPages(), before + 70 * kPagesOfAStack);
 }
 
 TEST_F(ServerLife, TheDescriptorOfTheStandardInputServesToo) {
@@ -424,10 +427,12 @@ TEST_F(ServerLife, StartsAndStopsOfManyThreadsLeaveNothing) {
       stopRequestServer();
     }
   };
+  size_t const before = countPages();
   std::thread first(startAndStop);
   std::thread second(startAndStop);
   first.join();
   second.join();
+  EXPECT_LT(countPages(), before + 35 * kPagesOfAStack);  // of at least 50 starts
 }
 
 // Of many processes that want the same path at once one gets it, and it is reached there.
