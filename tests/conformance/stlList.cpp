@@ -171,6 +171,7 @@ TEST(StlList, MoveTakesTheElementsWhereTheyAre) {
   tHandles target = upTo(5);
   target = _STL::move(taken);
   EXPECT_TRUE(&target.front() == element);
+  EXPECT_FALSE(target.hasFailed());
   EXPECT_EQ(backward(target), u32{321});
   EXPECT_TRUE(taken.push_back(7));
   EXPECT_EQ(forward(taken), u32{7});

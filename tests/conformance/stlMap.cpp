@@ -192,6 +192,7 @@ TEST(StlMap, MoveTakesTheEntriesWhereTheyAre) {
   EXPECT_TRUE(taken.empty());
   EXPECT_TRUE(target.find(3) == value);
   EXPECT_EQ(target.size(), size_t{5});
+  EXPECT_FALSE(target.hasFailed());
   EXPECT_TRUE(taken.insert(1, 1));
 }
 

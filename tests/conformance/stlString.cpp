@@ -1,4 +1,5 @@
 #include "conformance/harness.h"
+#include "stl/borrowed_string.h"
 #include "stl/string.h"
 
 // Every member compiles on every target, also those that no test calls.
@@ -42,6 +43,10 @@ TEST(StlString, NullTextCountsAsEmpty) {
   EXPECT_TRUE(text.assign(noText()));
   EXPECT_EQ(text.compare(noText()), i32{0});
   EXPECT_STREQ(text.c_str(), "");
+  EXPECT_TRUE(text.assign("abc"));
+  EXPECT_TRUE(text.insert(1, nullptr, 5));
+  EXPECT_GT(text.compare(nullptr, 5), i32{0});
+  EXPECT_STREQ(text.c_str(), "abc");
 }
 
 TEST(StlString, AppendAddsBehindTheText) {
@@ -125,6 +130,34 @@ TEST(StlString, InsertOfOwnTextIsSafeWithAndWithoutGrowth) {
   ASSERT_TRUE(roomy.reserve(100));
   EXPECT_TRUE(roomy.insert(1, roomy.c_str() + 2, 2));
   EXPECT_STREQ(roomy.c_str(), "acdbcd");
+  EXPECT_TRUE(roomy.insert(1, roomy.c_str(), 3));
+  EXPECT_STREQ(roomy.c_str(), "aacdcdbcd");
+}
+
+TEST(StlString, InsertOfTheOwnTerminatorIsSafeWithRoom) {
+  _STL::string text("abcd");
+  ASSERT_TRUE(text.reserve(100));
+  EXPECT_TRUE(text.insert(3, text.c_str() + 4, 1));
+  EXPECT_TRUE(text == _STL::string("abc\0d", 5));
+}
+
+TEST(StlString, InsertOfOwnTextKeepsTheRoomThatIsThere) {
+  _STL::string text = digits(10);
+  ASSERT_TRUE(text.reserve(30));
+  size_t const capacity = text.capacity();
+  EXPECT_TRUE(text.insert(1, text.c_str(), 2));
+  EXPECT_EQ(text.capacity(), capacity);
+  EXPECT_TRUE(text.append(digits(10)));
+  EXPECT_TRUE(text.insert(1, text.c_str(), capacity - text.size()));
+  EXPECT_EQ(text.size(), capacity);
+  EXPECT_EQ(text.capacity(), capacity);
+}
+
+TEST(StlString, CapacityIsWhatFits) {
+  _STL::string text = digits(20);
+  char const* const storage = text.c_str();
+  EXPECT_TRUE(text.append(digits(text.capacity() - text.size())));
+  EXPECT_TRUE(text.c_str() == storage);
 }
 
 TEST(StlString, EraseTakesOutTheCount) {
@@ -150,6 +183,9 @@ TEST(StlString, ClearKeepsTheStorage) {
   text.clear();
   EXPECT_STREQ(text.c_str(), "");
   EXPECT_EQ(text.capacity(), capacity);
+  _STL::string none;
+  none.clear();
+  EXPECT_STREQ(none.c_str(), "");
 }
 
 TEST(StlString, ReservedRoomIsUsedWithoutGrowth) {
@@ -244,6 +280,7 @@ TEST(StlString, MoveTakesTheStorageAndLeavesAnEmptyText) {
   _STL::string target("old");
   target = _STL::move(taken);
   EXPECT_TRUE(target.c_str() == storage);
+  EXPECT_FALSE(target.hasFailed());
   EXPECT_STREQ(taken.c_str(), "");
   EXPECT_TRUE(taken.append("again"));
   EXPECT_STREQ(taken.c_str(), "again");
@@ -366,6 +403,7 @@ TEST(StlWideString, UnitsAreUtf16AndComparedUnsigned) {
   ASSERT_EQ(text.size(), size_t{2});
   EXPECT_EQ(static_cast<u32>(text[1]), u32{0xFFFD});
   EXPECT_GT(text.compare(L"\x20AC\x7FFF"), i32{0});
+  EXPECT_LT(text.compare(L"\x20AC\xFFFE"), i32{0});
 }
 
 TEST(StlWideString, InnerTerminatorsAreKept) {
@@ -381,4 +419,16 @@ TEST(StlWideString, LengthThatCannotExistFailsAndKeepsTheText) {
   EXPECT_FALSE(text.append(L"x", static_cast<size_t>(-1) / 2));
   EXPECT_TRUE(text == L"abc");
   EXPECT_TRUE(text.hasFailed());
+}
+
+TEST(BorrowedString, IsTheTextWhereItIs) {
+  wchar_t const text[] = L"slot 12";
+  _STL::borrowed_string<wchar_t> borrowed(text, 7);
+  EXPECT_TRUE(borrowed.get() == L"slot 12");
+  EXPECT_TRUE(borrowed.get().c_str() == text);
+  _STL::wstring copy(borrowed.get());
+  EXPECT_TRUE(copy.append(L"3"));
+  EXPECT_TRUE(copy == L"slot 123");
+  borrowed.refer(text + 5, 2);
+  EXPECT_TRUE(borrowed.get() == L"12");
 }

@@ -44,6 +44,9 @@ TEST(StlVector, PushBackKeepsTheOrder) {
   }
   EXPECT_EQ(numbers.front(), i32{0});
   EXPECT_EQ(numbers.back(), i32{99});
+  tNumbers changing = numbers;
+  changing.front() = 7;
+  EXPECT_EQ(changing[0], i32{7});
 }
 
 TEST(StlVector, IterationVisitsEveryElementInOrder) {
@@ -208,6 +211,7 @@ TEST(StlVector, MoveTakesTheStorageAndLeavesAnEmptyVector) {
   target = _STL::move(taken);
   EXPECT_TRUE(taken.empty());
   EXPECT_TRUE(target.data() == storage);
+  EXPECT_FALSE(target.hasFailed());
   ASSERT_TRUE(taken.push_back(5));
   EXPECT_EQ(taken[0], i32{5});
 }

@@ -110,15 +110,3 @@ TEST(WideTextList, KnowsWhereATextEnds) {
   other.push_back(wstring(L"b"));
   EXPECT_FALSE(one == other);
 }
-
-TEST(BorrowedString, IsTheTextWhereItIs) {
-  wchar_t const text[] = L"slot 12";
-  _STL::borrowed_string<wchar_t> borrowed(text, 7);
-  EXPECT_TRUE(borrowed.get() == L"slot 12");
-  EXPECT_TRUE(borrowed.get().c_str() == text);
-  wstring copy(borrowed.get());
-  EXPECT_TRUE(copy.append(L"3"));
-  EXPECT_TRUE(copy == L"slot 123");
-  borrowed.refer(text + 5, 2);
-  EXPECT_TRUE(borrowed.get() == L"12");
-}

@@ -37,6 +37,15 @@ TEST_F(StlListExhaustion, AssignmentKeepsTheOldElements) {
   EXPECT_EQ(exhaust(twoTexts, assigns), 6u);
 }
 
+TEST_F(StlListExhaustion, AssignmentToItselfNeedsNoMemory) {
+  auto const assigns = [](tTexts& texts) {
+    tTexts const& same = texts;
+    texts = same;
+    return true;
+  };
+  EXPECT_EQ(exhaust(twoTexts, assigns), 0u);
+}
+
 TEST_F(StlListExhaustion, AddingAnElementKeepsTheOldOnes) {
   EXPECT_EQ(exhaust(two, [](auto& handles) { return handles.push_back(3); }), 1u);
   EXPECT_EQ(exhaust(two, [](auto& handles) { return handles.push_front(3); }), 1u);

@@ -37,6 +37,15 @@ TEST_F(StlMapExhaustion, AssignmentKeepsTheOldEntries) {
   EXPECT_EQ(exhaust(twoTexts, assigns), 9u);
 }
 
+TEST_F(StlMapExhaustion, AssignmentToItselfNeedsNoMemory) {
+  auto const assigns = [](tTexts& texts) {
+    tTexts const& same = texts;
+    texts = same;
+    return true;
+  };
+  EXPECT_EQ(exhaust(twoTexts, assigns), 0u);
+}
+
 TEST_F(StlMapExhaustion, InsertKeepsTheOldEntries) {
   auto const inserts = [](tTable& table) { return table.insert(3, 30); };
   EXPECT_EQ(exhaust(two, inserts), 1u);

@@ -54,6 +54,7 @@ TEST_F(StlStringExhaustion, InsertOfOwnTextWithRoomKeepsTheOldText) {
     return text;
   };
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.insert(3, text.c_str() + 1, 5); }), 1u);
+  EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.insert(1, text.c_str(), 5); }), 1u);
 }
 
 TEST_F(StlStringExhaustion, ReserveAndResizeKeepTheOldText) {
@@ -67,9 +68,13 @@ TEST_F(StlStringExhaustion, OperationsInReservedRoomNeedNoMemory) {
     text.reserve(100);
     return text;
   };
+  char const onTheStack[] = "more";
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.append("more"); }), 0u);
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.append(text); }), 0u);
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.insert(0, "more"); }), 0u);
+  EXPECT_EQ(exhaust(roomy, [&](auto& text) { return text.insert(0, onTheStack); }), 0u);
+  EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.insert(6, text.c_str(), 3); }), 0u);
+  EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.insert(3, text.c_str(), 0); }), 0u);
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.assign("other"); }), 0u);
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.resize(100); }), 0u);
   EXPECT_EQ(exhaust(roomy, [](auto& text) { return text.reserve(100); }), 0u);

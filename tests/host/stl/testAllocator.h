@@ -5,6 +5,7 @@
 // other module; a test program is one source.
 
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -48,9 +49,11 @@ class tTestAllocator {
     return block;
   }
 
+  // What is read of it afterwards is seen.
   void give(void* block) {
     if (block != nullptr) {
       EXPECT_EQ(blocks_.erase(block), 1u) << "not a block that is out";
+      std::memset(block, 0xDD, malloc_usable_size(block));
       std::free(block);
     }
   }

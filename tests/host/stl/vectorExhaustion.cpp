@@ -55,6 +55,15 @@ TEST_F(StlVectorExhaustion, AssignmentKeepsTheOldElements) {
   EXPECT_EQ(exhaust(full, assigns), 1u);
 }
 
+TEST_F(StlVectorExhaustion, AssignmentToItselfNeedsNoMemory) {
+  auto const assigns = [](tTexts& texts) {
+    tTexts const& same = texts;
+    texts = same;
+    return true;
+  };
+  EXPECT_EQ(exhaust(fullOfTexts, assigns), 0u);
+}
+
 TEST_F(StlVectorExhaustion, AssignmentNoticesEveryElementThatCannotBeCopied) {
   tTexts texts = fullOfTexts();
   texts[0][0] = L'X';
