@@ -36,7 +36,7 @@ FOLDERS = ("platform/vexk/windows/", "platform/control/windows/", "platform/qelm
 MODULES = [*kernel.LIBRARIES, f"{wine.BOOT}.sys", f"{wine.CONTROL_DRIVER}.sys", "oxdiagtest.sys",
            "oxdiagpnp.sys", "slotbus.sys"]
 SECTION = b".mutant"
-LIMIT = 120  # seconds of one run, which takes a few
+LIMIT = 40  # seconds of one run, which takes a few
 CHECKS = (kernel.check_conformance, kernel.check_devices)
 CONFIRMED = 2
 WHOLE = "kernel: "  # how the names of checks of a whole run begin
