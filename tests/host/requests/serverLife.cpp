@@ -69,6 +69,19 @@ size_t countPages() {
   return pages;
 }
 
+// Whether a thread of this program has every signal blocked that can be.
+bool isAThreadWithoutSignals() {
+  constexpr u64 kAll = 0xFFFFFFFE7FFBFEFF;  // but those that end or stop, and the system's own two
+  for (auto const& thread : std::filesystem::directory_iterator("/proc/self/task")) {
+    std::ifstream status(thread.path() / "status");
+    std::string word;
+    while (status >> word && word != "SigBlk:") {
+    }
+    if (status >> word && std::stoull(word, nullptr, 16) == kAll) return true;
+  }
+  return false;
+}
+
 // A server that dies without taking its socket away.
 int leaveASocket(std::string const& path) {
   return tChild([&path] { return startRequestServer(path.c_str()) ? 0 : 1; }).await();
@@ -207,6 +220,7 @@ TEST_F(ServerLife, SignalsOfTheProgramAreNotForItsThreads) {
   sigaction(SIGUSR1, &counting, &former);
   startServer();
   EXPECT_EQ(callOnce(), 0);
+  EXPECT_TRUE(isAThreadWithoutSignals());
   sigset_t mask;
   pthread_sigmask(SIG_SETMASK, nullptr, &mask);
   EXPECT_EQ(sigismember(&mask, SIGUSR1), 0);
@@ -298,6 +312,12 @@ TEST_F(ServerLife, PathsThatAreTooShortOrTooLongAreRefused) {
   std::string const longest = path + std::string(vexkhost::kRequestPathSize - 1 - path.size(), 'x');
   expectRefusedStart((longest + "x").c_str(), ENAMETOOLONG);
   EXPECT_TRUE(startRequestServer(longest.c_str()));
+}
+
+TEST_F(ServerLife, APipeIsNoFolder) {
+  ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+  expectRefusedStart((path + "/socket").c_str(), ENOTDIR);
+  std::filesystem::remove(path);
 }
 
 TEST_F(ServerLife, AFolderThatIsMissingIsTold) {
