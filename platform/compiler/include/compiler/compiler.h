@@ -15,6 +15,7 @@
 //   nCompiler::keepFrame()             the call before it stays a call, which returns here
 //   nCompiler::readTimeStampCounter()  the processor's counter
 //   nCompiler::kIsTrivial and others   what the compiler knows of a type, see traits.h
+//   nCompiler::isMakingConstant()      whether the compiler runs the function itself
 //
 // The folders: `clang` and `gcc` what one of the two has, `gnu` what both have, `msvc` what the
 // compiler that defines _MSC_VER alone has. There COMPILER_IS_CONSTANT and
