@@ -146,8 +146,8 @@ class Run:
                     f"-artifact_prefix={self.findings}/", self.inputs, CORPORA / self.target,
                     program=self.program)
 
-    def listen(self, lines):
-        start = spoken = time.monotonic()
+    def listen(self, lines, start):
+        spoken = start
         for line in lines:
             self.output.append(line)
             if pulse := PULSE.match(line):
@@ -168,10 +168,11 @@ class Run:
     def work(self):
         """True when nothing was found."""
         self.say(f"{self.seconds} s from now")
+        start = time.monotonic()
         with subprocess.Popen(self.command(), stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                               text=True, errors="replace",
                               env=environment(self.preset, self.target)) as process:
-            self.listen(process.stdout)
+            self.listen(process.stdout, start)
             self.await_end(process)
         if process.returncode == INTERRUPTED:
             raise KeyboardInterrupt
