@@ -45,6 +45,7 @@ TEST(StlVector, PushBackKeepsTheOrder) {
   EXPECT_EQ(numbers.front(), i32{0});
   EXPECT_EQ(numbers.back(), i32{99});
   tNumbers changing = numbers;
+  ASSERT_FALSE(changing.empty());
   changing.front() = 7;
   EXPECT_EQ(changing[0], i32{7});
 }
